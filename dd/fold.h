@@ -1,0 +1,24 @@
+// Names compare without regard to ASCII case; bytes above 127 are themselves, whatever the locale.
+#ifndef DD_FOLD_H
+#define DD_FOLD_H
+
+#include <cstddef>
+#include <cstdint>
+
+// The byte with an ASCII capital made small.
+inline unsigned char dd_fold(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
+}
+
+// Compares two texts folded: below, equal to or above 0 as by strcmp.
+int dd_compare(const char* a, const char* b);
+
+inline bool dd_equal(const char* a, const char* b) {
+  return dd_compare(a, b) == 0;
+}
+
+// A hash of the folded text: equal for texts that compare equal.
+uint32_t dd_hash(const char* text);
+
+#endif

@@ -1,0 +1,59 @@
+// A list with its index: the elements of one array, found by name or by number in constant time.
+//
+// The index is built at the first look-up and stays in step as long as elements come and go through
+// the calls below and an element keeps its name and number.
+#ifndef DD_LIST_H
+#define DD_LIST_H
+
+#include "dd/index.h"
+#include "dd/owners.h"
+
+// Which array a list is about, and which fields of an element name and number it.
+struct dd_shape {
+  uint32_t array;
+  uint32_t name;
+  uint32_t number;  // 0: the elements have none
+};
+
+inline constexpr dd_shape DD_FIELDS{TAV_FLD_FIELD, TAV_FLD_FIELD_NAME, TAV_FLD_FIELD_NUM};
+inline constexpr dd_shape DD_CLASSES{TAV_FLD_OBJ_DESC, TAV_FLD_NAME, 0};
+inline constexpr dd_shape DD_ENTRIES{TAV_FLD_OBJ_ELEM, TAV_FLD_FIELD_NAME, 0};
+inline constexpr dd_shape DD_TABLES{TAV_FLD_ARGS, TAV_FLD_NAME, 0};
+
+class dd_list {
+ public:
+  // Takes the list over (it may be none until given).
+  explicit dd_list(const dd_shape& shape, dd_flist list = nullptr);
+  // Borrows a list, a class or a field entry.
+  dd_list(const dd_shape& shape, tav_flist_t* borrowed);
+
+  // The list itself, borrowed; null where there is none.
+  tav_flist_t* get() const { return list_; }
+  // Takes another list over and frees the one before.
+  void give(dd_flist list);
+
+  // The first element of that name (or number), borrowed, or null: not there, or a failure in the
+  // buffer. A missing name counts as empty, a missing number as 0.
+  tav_flist_t* find(const char* name, tav_ebuf* ebuf);
+  tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
+
+  int32_t count(tav_ebuf* ebuf) const;
+  // Puts the element under the id, or at the end.
+  void put(int32_t id, dd_flist element, tav_ebuf* ebuf);
+  void append(dd_flist element, tav_ebuf* ebuf);
+  // Drops the element, which has that id.
+  void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
+
+ private:
+  bool build(tav_ebuf* ebuf);
+  void add(tav_flist_t* element, tav_ebuf* ebuf);
+
+  const dd_shape* shape_;
+  dd_flist owner_;
+  tav_flist_t* list_;
+  bool built_ = false;
+  dd_index<dd_by_name> names_;
+  dd_index<dd_by_number> numbers_;
+};
+
+#endif

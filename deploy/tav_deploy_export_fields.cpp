@@ -1,0 +1,81 @@
+// The mode `field`.
+#include <utility>
+
+#include "dd/report.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "deploy/tav_deploy_export.h"
+#include "deploy/tav_deploy_lookup.h"
+#include "deploy/tav_deploy_report.h"
+#include "deploy/tav_deploy_tcm.h"
+#include "dparse/dparse_export.h"
+
+static constexpr char MODULE[] = "tav_deploy_export";
+
+bool tav_deploy_is_selected(tav_flist_t* field, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
+  if (ctx.select_custom == ctx.select_predefined) return true;
+  const int32_t flags = dd_int(field, TAV_FLD_FIELD_FLAGS, ebuf);
+  const bool predefined = (flags & DD_FIELD_PREDEFINED) != 0;
+  return predefined == (ctx.select_predefined != 0);
+}
+
+bool tav_deploy_is_written() {
+  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+// Leaves only the selected fields, numbered 0, 1, 2, ... in their order.
+static int filter(dd_flist& fields, const tav_deploy_ctx_t& ctx) {
+  tav_ebuf ebuf{};
+  dd_flist kept(tav_flist_create(at(&ebuf, HERE)));
+  dd_walk walk(fields.get(), TAV_FLD_FIELD);
+  while (dd_flist field = walk.take(at(&ebuf, HERE))) {
+    if (tav_deploy_is_selected(field.get(), ctx, at(&ebuf, HERE))) {
+      dd_append(kept.get(), TAV_FLD_FIELD, std::move(field), at(&ebuf, HERE));
+    }
+  }
+  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+  fields = std::move(kept);
+  return 1;
+}
+
+// 1 when every field asked for was fetched, else 0.
+static int report_unknown(tav_flist_t* fields, const tav_deploy_ctx_t& ctx) {
+  tav_ebuf ebuf{};
+  dd_list fetched(DD_FIELDS, fields);
+  if (fetched.count(at(&ebuf, HERE)) == ctx.name_count) return 1;
+  int result = 1;
+  for (int32_t i = 0; i < ctx.name_count; ++i) {
+    if (tav_deploy_get_field_by_name(fetched, ctx.names[i]) != nullptr) continue;
+    dd_print_error("Error: Unknown field: %s\n", ctx.names[i]);
+    result = 0;
+  }
+  return result;
+}
+
+static int write_fields(tav_flist_t* fields) {
+  tav_ebuf ebuf{};
+  if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && tav_deploy_is_written()) return 1;
+  return tav_deploy_fail(HERE, "ERROR attempting to export fields to stdout",
+                         "Error: attempting to export fields to stdout\n");
+}
+
+int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
+  tav_ebuf ebuf{};
+  tav_deploy_session session;
+  tav_deploy_login(session, &ebuf);
+  if (dd_failed(ebuf)) return tav_deploy_fail(HERE, "Unable to login", "Error: Unable to login\n");
+
+  const bool named = ctx->name_count > 0;
+  dd_flist fields;
+  if (tav_deploy_get_dd_fields(session, fields, ctx->database, named ? ctx : nullptr) < 1) {
+    return tav_deploy_fail(HERE, "ERROR attempting to read fields from DD",
+                           "Error: attempting to retrieve %s fields from Quorvale Server\n",
+                           named ? "selected" : "all");
+  }
+  if (!named && filter(fields, *ctx) < 1) {
+    return tav_deploy_fail(HERE, "ERROR attempting to filter field list",
+                           "Error: Internal Error\n");
+  }
+  const int result = named ? report_unknown(fields.get(), *ctx) : 1;
+  return write_fields(fields.get()) < 1 ? -1 : result;
+}

@@ -1,0 +1,17 @@
+// The look-ups that exports and import checks share. Each gives the first element that matches,
+// borrowed, or null; a list that cannot be walked is reported and looks like one without the
+// element.
+#ifndef DEPLOY_TAV_DEPLOY_LOOKUP_H
+#define DEPLOY_TAV_DEPLOY_LOOKUP_H
+
+#include "dd/list.h"
+
+// Field definitions (DD_FIELDS).
+tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name);
+tav_flist_t* tav_deploy_get_field_by_id(dd_list& list, int32_t number);
+// Classes (DD_CLASSES).
+tav_flist_t* tav_deploy_get_class_by_name(dd_list& list, const char* name);
+// The direct entries (DD_ENTRIES) of a class or field entry; an absent node has none.
+tav_flist_t* tav_deploy_get_class_field_by_name(dd_list& node, const char* name);
+
+#endif

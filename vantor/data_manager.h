@@ -1,0 +1,68 @@
+// How a data manager is bound to the client library: what it provides, and what the library lends
+// it.
+//
+// The only header that both sides share. Exactly one data manager is linked into a program: ours,
+// or a test's double.
+#ifndef VANTOR_DATA_MANAGER_H
+#define VANTOR_DATA_MANAGER_H
+
+#include "dd/call.h"
+#include "dd/vantor.h"
+
+// --- What a data manager provides
+// -----------------------------------------------------------------
+
+struct tav_dm_session;  // the data manager's own
+
+struct tav_data_manager {
+  // Opens the dictionary that the configuration names: a session, owned by the library and ended by
+  // close, or null with the error set. Gives the database number of the login identity (0 if none).
+  tav_dm_session* (*connect)(uint64_t* database, tav_ebuf* ebuf);
+  // Carries out one operation. The input is read only; gives the output list, owned by the caller,
+  // or null with the error set.
+  tav_flist_t* (*op)(tav_dm_session* session, uint32_t opcode, uint32_t flags,
+                     const tav_flist_t* input, tav_ebuf* ebuf);
+  // Ends the session and frees it, also when it fails.
+  void (*close)(tav_dm_session* session, tav_ebuf* ebuf);
+};
+
+// The data manager of this program; defined by the data manager.
+const tav_data_manager* tav_bound_data_manager();
+
+// --- What the library lends it
+// ----------------------------------------------------------------------
+
+// Sets an error buffer, unless it holds an error already; the one place that does.
+struct tav_error {
+  int32_t location;
+  int32_t err_class;
+  int32_t code;
+  uint32_t field = 0;
+  int32_t rec_id = 0;
+  int32_t reserved = 0;
+};
+void tav_set_error(tav_ebuf* ebuf, const tav_error& error);
+
+// Writes one record into the tavlog of the CM (the dictionary cannot be reached) or of the DM (an
+// operation was refused). The sentence is taken as it is.
+enum class tav_component { CM, DM };
+void tav_component_log(tav_component component, int32_t level, const char* sentence, dd_site site);
+
+// The configuration file in use ("" where none was found), the folder that relative paths are taken
+// from, and the line of an entry (0 where it has none). Borrowed texts.
+const char* tav_conf_file();
+const char* tav_conf_folder();
+int tav_conf_line(const char* program, const char* key);
+
+// Reading a list without unsharing what its copies share. A node is a list or an element; it lives
+// as long as the list and must not be read after the list was written to.
+struct tav_node;
+const tav_node* tav_node_of(const tav_flist_t* list);
+// The next element after *position (0 before the first), or null at the end.
+const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* position,
+                              int32_t* elem_id);
+uint32_t tav_node_count(const tav_node* node, uint32_t array);
+// The value of a scalar field, or null; null too where the value has another type than the field.
+const void* tav_node_get(const tav_node* node, uint32_t field);
+
+#endif
