@@ -1,0 +1,234 @@
+// The tool as a process: bad input, bad surroundings, and whole dictionaries there and back.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "tests/tool/workshop.h"
+
+namespace fs = std::filesystem;
+using words = std::vector<std::string>;
+
+static std::string slurp(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+static std::string random_bytes(size_t count) {
+  std::mt19937 chance(7);
+  std::string bytes(count, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(chance());
+  return bytes;
+}
+
+// Definition files that no reader can do anything with: one clear line, no crash, bounded memory.
+TEST(bad_input, is_one_clear_error) {
+  const std::string full_word(2047, 'w');
+  const struct {
+    const char* title;
+    std::string text;
+    std::string err;  // "%" stands for the rest of the line
+  } rows[] = {
+      {"random bytes", random_bytes(100000), "Error: in a.def at line %"},
+      {"100 MB without a newline", std::string(100u << 20, 'x'),
+       "Error: in a.def at line 1: Buffer overflow, tokens are limited to 2048 characters\n"},
+      {"100 MB of one string", "STRING F { DESCR = \"" + std::string(100u << 20, 'x'),
+       "Error: in a.def at line 1: Expecting \"\n"},
+      {"a word of 2047 characters", "STRING " + full_word + " { ID = 20001; } ?",
+       "Error: in a.def at line 1: Buffer overflow, tokens are limited to 2048 characters\n"},
+      {"a word of 2046 characters", "STRING " + full_word.substr(1) + " { ID = 20001; } ?",
+       "Error: in a.def at line 1: Invalid token '?'\n"},
+      {"a null byte", std::string("STRING F { ID = 2\0 1; }", 23), "Error: in a.def at line 1: %"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.title);
+    const workshop place;
+    place.write("a.def", row.text);
+    const run_result result = place.run({"verify", "a.def"});
+    EXPECT_EQ(result.exit_status, 1);
+    const size_t cut = row.err.find('%');
+    EXPECT_EQ(result.err.substr(0, cut), row.err.substr(0, cut));
+  }
+}
+
+TEST(bad_input, that_cannot_be_read_is_no_success) {
+  const workshop place;
+  fs::create_directory(place.path("folder"));
+  const run_result folder = place.run({"verify", "folder"});
+  EXPECT_EQ(folder.err, "Error: Unable to open file: folder\n");
+  EXPECT_EQ(folder.exit_status, 1);
+  run_options input;
+  input.input = "folder";
+  EXPECT_EQ(place.run({"verify"}, input).exit_status, 1);
+}
+
+// Nesting is refused by the rules, however deep; the reader itself goes down all the way.
+TEST(bad_input, nested_ten_thousand_levels_deep) {
+  const workshop place;
+  std::string open, close;
+  for (int i = 0; i < 10000; ++i) {
+    open += "ARRAY TAV_FLD_ARGS { ";
+    close += "} ";
+  }
+  place.write("a.def", "STORABLE CLASS /a { " + open + close +
+                           "}\nSTORABLE CLASS /a IMPLEMENTATION "
+                           "TESSEL7 { SQL_TABLE = \"t\"; " +
+                           open + close + "}\n");
+  const run_result result = place.run({"verify", "a.def"});
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_EQ(result.out, "\nErrors Detected...nothing committed\n");
+}
+
+TEST(command_line, more_names_than_fit_is_refused_with_the_usage) {
+  const workshop place;
+  words many{"verify"};
+  many.insert(many.end(), 2049, "a.def");
+  const run_result result = place.run(many);
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_EQ(result.err.substr(0, 8), "Usage: \n");
+}
+
+// An export that cannot be written to the end must not look like one that could.
+TEST(output, that_cannot_be_written_fails_the_export) {
+  const workshop place;
+  run_options full;
+  full.output = "/dev/full";
+  const run_result fields = place.run({"field"}, full);
+  EXPECT_EQ(fields.exit_status, 1);
+  EXPECT_EQ(fields.err, "Error: attempting to export fields to stdout\n");
+  place.write("a.def",
+              "STORABLE CLASS /a { }\nSTORABLE CLASS /a IMPLEMENTATION TESSEL7 "
+              "{ SQL_TABLE = \"t\"; }\n");
+  ASSERT_EQ(place.run({"create", "a.def"}).exit_status, 0);
+  EXPECT_EQ(place.run({"class"}, full).err,
+            "Error: attempting to export class definitions to stdout\n");
+  EXPECT_EQ(place.run({"class", "-m"}, full).err, "Error: attempting to export fields to stdout\n");
+}
+
+// The surroundings are broken in one way each: an error display that points to a tavlog, a sentence
+// there that names the trouble, exit status 1, and the dictionary as it was.
+struct trouble {
+  const char* title;
+  const char* tavlog;    // "cm" or "dm"
+  const char* sentence;  // part of it
+  void (*make)(const workshop&);
+};
+
+static void configure(const workshop& place, const std::string& text) {
+  place.write("tav.conf",
+              "userid = 0.0.0.1 /admin 1\n[dm]\nfields_writeable = yes\n"
+              "objects_writeable = yes\n" +
+                  text);
+}
+
+static const trouble TROUBLES[] = {
+    {"no userid", "cm", "userid",
+     [](const workshop& place) { place.write("tav.conf", "[dm]\nfields_writeable = yes\n"); }},
+    {"no tav.conf", "cm", "tav.conf",
+     [](const workshop& place) { fs::remove(place.path("tav.conf")); }},
+    {"a broken tav.conf", "cm", "tav.conf:2",
+     [](const workshop& place) {
+       place.write("tav.conf", "userid = 0.0.0.1 /admin 1\nwhat is this\n");
+     }},
+    {"no dictionary", "cm", "missing.db",
+     [](const workshop& place) { configure(place, "dictionary = sqlite:missing.db\n"); }},
+    {"a dictionary that is none", "cm", "dictionary.db",
+     [](const workshop& place) { place.write("dictionary.db", random_bytes(20000)); }},
+    {"another schema version", "cm", "version",
+     [](const workshop& place) {
+       run_options change;
+       change.program = SQLITE3;
+       place.run({"dictionary.db", "UPDATE dd_schema SET version = 999"}, change);
+     }},
+};
+
+TEST(surroundings, that_are_broken_are_explained) {
+  for (const trouble& row : TROUBLES) {
+    SCOPED_TRACE(row.title);
+    const workshop place;
+    place.write("a.def", "STRING F { ID = 20001; }\n");
+    row.make(place);
+    const std::string before = slurp(place.path("dictionary.db"));
+    for (const words& run : {words{"field"}, words{"class"}, words{"verify", "a.def"},
+                             words{"create", "a.def"}, words{"replace", "a.def"}}) {
+      SCOPED_TRACE(run[0]);
+      const run_result result = place.run(run);
+      EXPECT_EQ(result.exit_status, 1);
+      EXPECT_NE(result.err.find("Please check the CM tavlog file"), std::string::npos)
+          << result.err;
+    }
+    EXPECT_EQ(slurp(place.path("dictionary.db")), before);
+    EXPECT_FALSE(fs::exists(place.path("missing.db")));
+    EXPECT_NE(slurp(place.path(std::string(row.tavlog) + ".tavlog")).find(row.sentence),
+              std::string::npos)
+        << slurp(place.path(std::string(row.tavlog) + ".tavlog"));
+  }
+}
+
+// --- Whole dictionaries
+// ------------------------------------------------------------------------------- What an export
+// loses, by contract; the round trips below hold without these:
+//   CREATE_ACCESS and RESIDENCY_TYPE of a class; LDAP implementations (merging drops them too);
+//   SQL_STORAGE of a field that has a column; a double quote inside a text; the implementation's
+//   name.
+
+static void copy_examples(const workshop& place) {
+  for (const auto& file : fs::directory_iterator(TAV_EXAMPLES)) {
+    place.write(file.path().filename().string(), slurp(file.path()));
+  }
+}
+
+// Deploys the files, exports all, deploys the export elsewhere, and replaces it with itself.
+static void there_and_back(const workshop& first, const words& files) {
+  words create{"create"};
+  create.insert(create.end(), files.begin(), files.end());
+  const run_result created = first.run(create);
+  ASSERT_EQ(created.exit_status, 0) << created.err;
+  ASSERT_EQ(created.err, "");
+  ASSERT_EQ(
+      created.out,
+      "No Conflicts detected\nFields committed successfully!\nClasses committed successfully!\n");
+  const std::string exported = first.run({"class", "-nmcp"}).out;
+  ASSERT_NE(exported, "");
+
+  const workshop second;
+  second.write("export.def", exported);
+  ASSERT_EQ(second.run({"create", "export.def"}).err, "");
+  EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
+  const run_result replaced = second.run({"replace", "export.def"});
+  EXPECT_EQ(replaced.exit_status, 0);
+  EXPECT_EQ(replaced.out.substr(0, 62),
+            "\nWarning: Conflicts Detected...attempting to commit/replace\nFi");
+  EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
+}
+
+TEST(round_trip, of_the_examples) {
+  const workshop place;
+  copy_examples(place);
+  there_and_back(place, {"fields.def", "subscribers.def", "devices.def", "orders.def"});
+}
+
+TEST(round_trip, of_fields_alone) {
+  const workshop first, second;
+  first.write("a.def", slurp(fs::path(TAV_EXAMPLES) / "fields.def"));
+  ASSERT_EQ(first.run({"create", "a.def"}).exit_status, 0);
+  const std::string exported = first.run({"field", "-c"}).out;
+  second.write("a.def", exported);
+  ASSERT_EQ(second.run({"create", "a.def"}).exit_status, 0);
+  EXPECT_EQ(second.run({"field", "-c"}).out, exported);
+}
+
+TEST(round_trip, of_a_real_dictionary) {
+  if (!fs::exists(TAV_REAL_DICTIONARY)) GTEST_SKIP() << "the real dictionary is not here";
+  const workshop place;
+  place.write("real.def", slurp(TAV_REAL_DICTIONARY));
+  const run_result verified = place.run({"verify", "real.def"});
+  EXPECT_EQ(verified.out, "No Conflicts detected\n");
+  there_and_back(place, {"real.def"});
+}
