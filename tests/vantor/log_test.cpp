@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+
+#include "dd/values.h"
+#include "in_child.h"
+#include "vantor/data_manager.h"
+
+namespace {
+
+constexpr char LOG[] = "tav_deploy.tavlog";
+
+TEST(Log, WritesRecords) {
+  const std::string log = in_child([] {
+    tav_err_log_msg(1, "100%s\nFAKE record\n\x1b[0m\n", "dparse", 12);
+    tav_err_log_msg(3, "not shown", "dparse", 13);
+    struct stat found;
+    stat(LOG, &found);
+    return read_file(LOG) + std::to_string(found.st_mode & 0777 & ~0640u);
+  });
+  const std::regex form(
+      "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z [^ ]+ "
+      "test_vantor\\[[0-9]+\\] 1 dparse:12 100%s\n"
+      "    FAKE record\n"
+      "    \\\\x1b\\[0m\n0");
+  EXPECT_TRUE(std::regex_match(log, form)) << log;
+}
+
+TEST(Log, ShowsErrorBuffers) {
+  EXPECT_EQ(after_words(in_child([] {
+                          tav_ebuf ebuf{2, 1, 6, TAV_FLD_NAME, 3, -4, 55, "deploy"};
+                          tav_err_log_ebuf(1, "Flist error", "dparse", 7, &ebuf);
+                          return read_file(LOG);
+                        }),
+                        3),
+            "1 dparse:7 Flist error\n"
+            "  location = 2 TAV_ERRLOC_LIST\n"
+            "  class = 1 TAV_ERRCLASS_REQUEST\n"
+            "  errno = 6 TAV_ERR_WRONG_TYPE\n"
+            "  field = 5,17 TAV_FLD_NAME\n"
+            "  rec_id = 3\n"
+            "  reserved = -4\n"
+            "  line_no = 55\n"
+            "  filename = deploy\n");
+}
+
+TEST(Log, ShowsLists) {
+  EXPECT_EQ(after_words(in_child([] {
+                          dd_flist list(tav_flist_create(nullptr));
+                          tav_ebuf e{};
+                          tav_flist_t* a = tav_flist_elem_add(list.get(), TAV_FLD_OBJ_DESC, -3, &e);
+                          dd_set_text(a, TAV_FLD_NAME, "/a\nb \\n\t\x01\xc3\xa4", &e);
+                          dd_set_int(a, DD_FIELD_ID(TAV_FLDT_INT, 12), -7, &e);
+                          tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 0, &e);
+                          tav_flist_t* b = tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 1, &e);
+                          dd_put(b, TAV_FLD_ORDER, 0, dd_decimal(tav_decimal("1.50", &e)), &e);
+                          const double half = 0.5;
+                          tavi_flist_set(b, DD_FIELD_ID(TAV_FLDT_NUM, 9), 0, 0, &half, &e);
+                          dd_put(list.get(), TAV_FLD_POID, 0,
+                                 dd_poid(tav_poid_create(65537, "/t", -1, &e)), &e);
+                          unsigned char bytes[] = {0, 0xab};
+                          const tav_buf_t buf{2, bytes};
+                          const uint32_t binary = DD_FIELD_ID(TAV_FLDT_BINSTR, 1);
+                          tavi_flist_set(list.get(), binary, 0, 0, &buf, &e);
+                          const uint32_t part = DD_FIELD_ID(TAV_FLDT_SUBSTRUCT, 2);
+                          tavi_flist_set(list.get(), part, 0, 0, b, &e);
+                          tav_err_set_level(3);
+                          tav_log_flist(3, "input", "m", 1, list.get());
+                          return read_file(LOG);
+                        }),
+                        3),
+            "3 m:1 input\n"
+            "  TAV_FLD_OBJ_DESC[-3]\n"
+            "    TAV_FLD_NAME = /a\\nb \\\\n\\t\\x01\xc3\xa4\n"
+            "    INT 12 = -7\n"
+            "    TAV_FLD_OBJ_ELEM[0]\n"
+            "    TAV_FLD_OBJ_ELEM[1]\n"
+            "      TAV_FLD_ORDER = 1.50\n"
+            "      NUM 9 = 0.5\n"
+            "  TAV_FLD_POID = 0.0.1.1 /t -1\n"
+            "  BINSTR 1 = 2 bytes 00ab\n"
+            "  SUBSTRUCT 2\n"
+            "    TAV_FLD_ORDER = 1.50\n"
+            "    NUM 9 = 0.5\n");
+}
+
+TEST(Log, TellsTheLevelOfDeepEntries) {
+  const std::string log = in_child([] {
+    dd_flist list(tav_flist_create(nullptr));
+    tav_flist_t* at = list.get();
+    for (int i = 0; i < 10000; ++i) at = tav_flist_elem_add(at, TAV_FLD_OBJ_ELEM, i, nullptr);
+    tav_log_flist(1, "deep", "m", 1, list.get());
+    return read_file(LOG);
+  });
+  const std::string last = std::string(80, ' ') + "(level 10000) TAV_FLD_OBJ_ELEM[9999]\n";
+  EXPECT_EQ(log.substr(log.size() - last.size()), last);
+}
+
+TEST(Log, IsConfigured) {
+  const struct {
+    const char* conf;
+    const char* file;
+    int records;  // of one at level 1 and one at level 3
+  } cases[] = {
+      {"a = 1", LOG, 1},
+      {"log_level = 3", LOG, 2},
+      {"log_dir = logs", "logs/tav_deploy.tavlog", 1},
+      {"log_level = 1\nlog_dir =\n[test_vantor]\nlog_level = 3", LOG, 2},
+      {"log_level = 2", LOG, 1},
+      {"log_level = 2", "cm.tavlog", 1},
+      {"log_dir = nowhere", LOG, 0},
+      {"a =\nlog_dir", LOG, 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(in_child([&] {
+                std::filesystem::create_directory("logs");
+                write_file("tav.conf", c.conf);
+                tav_err_log_msg(1, "one", "m", 1);
+                tav_err_log_msg(3, "three", "m", 1);
+                const std::string log = read_file(c.file);
+                return std::to_string(std::count(log.begin(), log.end(), '\n'));
+              }),
+              std::to_string(c.records))
+        << c.conf;
+  }
+}
+
+TEST(Log, RecordsOfProcessesNeverMix) {
+  const std::string log = in_child([] {
+    for (int child = 0; child < 3; ++child) {
+      if (fork() != 0) continue;
+      const std::string message(200, static_cast<char>('a' + child));
+      for (int i = 0; i < 20; ++i) {
+        tav_component_log(tav_component::DM, 1, message.c_str(), {"m", child});
+      }
+      _exit(0);
+    }
+    while (wait(nullptr) > 0) {
+    }
+    return read_file("dm.tavlog");
+  });
+  EXPECT_TRUE(std::regex_match(log, std::regex("([^ ]+ [^ ]+ [^ ]+ 1 m:(0 a+|1 b+|2 c+)\n){60}")));
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// The elements of one ARRAY field (a SUBSTRUCT is an array with the one element 0), in the order in
+// which they were added.
+//
+// Each element has a sequence number, which is never given twice in one array and which is also the
+// cookie of a walk. Dropped elements leave holes, which are closed when they become the majority.
+#ifndef VANTOR_ELEMENTS_H
+#define VANTOR_ELEMENTS_H
+
+#include <cstdint>
+#include <vector>
+
+#include "dd/vantor.h"
+#include "vantor/data_manager.h"
+
+namespace vantor {
+
+struct element {
+  tav_node* node;       // its content; null: a hole
+  tav_flist_t* handle;  // what callers hold; null until the element is handed out
+  uint64_t seq;
+  int32_t id;
+  uint32_t skip;  // of a hole: how many places further to look for the next element
+};
+
+struct element_array {
+  uint32_t refs = 1;              // nodes that share the array
+  uint32_t live = 0;              // elements that are no holes
+  tav_flist_t* home = nullptr;    // the list that the handles belong to; null: no handles
+  element_array* link = nullptr;  // chains arrays that are being taken apart
+  uint64_t next_seq = 1;
+  uint64_t owned_at = 0;  // the count of sharings at which the way here was found own
+  size_t hint = 0;        // where the last walk stood
+  bool dense = true;      // ids are consecutive, holes included
+  std::vector<element> places;
+  std::vector<uint32_t> table;  // by id, once needed: a place plus 1, 0 for free
+};
+
+// An element, or null where there is none; valid until an element is added or removed.
+element* find_id(element_array& array, int32_t id);
+// The first element that was added after the one with that sequence number (0: the first of all).
+element* find_after(element_array& array, uint64_t seq);
+// The element with that sequence number, which must be there.
+element& at_seq(element_array& array, uint64_t seq);
+
+// Adds an element at the end; its id must not be there yet. The node's ownership passes to the
+// array; when it throws (std::bad_alloc) nothing has changed.
+element& add(element_array& array, int32_t id, tav_node* node);
+// Makes a hole; whoever calls has taken the node and the handle over.
+void remove(element_array& array, element& gone) noexcept;
+
+}  // namespace vantor
+
+#endif

@@ -1,0 +1,104 @@
+#include <memory>
+
+#include "vantor/elements_put.h"
+#include "vantor/guard.h"
+#include "vantor/reap.h"
+
+using namespace vantor;
+
+namespace {
+
+// A cookie is the sequence number of the element given last.
+uint64_t seq_of(const tav_cookie_t* cookie) {
+  return reinterpret_cast<uintptr_t>(cookie);
+}
+
+tav_cookie_t* cookie_of(uint64_t seq) {
+  return reinterpret_cast<tav_cookie_t*>(static_cast<uintptr_t>(seq));
+}
+
+// Why the call cannot work on the field, or TAV_ERR_NONE.
+int32_t refusal(const tav_flist_t* list, uint32_t array) {
+  if (list == nullptr) return TAV_ERR_BAD_ARG;
+  return DD_FIELD_ID_TYPE(array) == TAV_FLDT_ARRAY ? TAV_ERR_NONE : TAV_ERR_WRONG_TYPE;
+}
+
+tav_flist_t* give(tav_flist_t& list, element_array& array, element& e) {
+  return hand_out(list, array, e);
+}
+
+tav_flist_t* take(tav_flist_t& list, element_array& array, element& e) {
+  tav_flist_t* taken = hand_out(list, array, e);
+  taken->array = nullptr;
+  remove(array, e);
+  return taken;
+}
+
+// One step of a walk: `use` makes of the next element what the caller gets.
+template <class Use>
+tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id, tav_cookie_t** cookie,
+                  tav_ebuf* ebuf, Use use) {
+  const request about{ebuf, field};
+  return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
+    int32_t code = refusal(list, field);
+    if (code == TAV_ERR_NONE && cookie == nullptr) code = TAV_ERR_BAD_ARG;
+    if (code != TAV_ERR_NONE) return fail(about, code);
+
+    element_array* elements = find_elements(*list->node, field);
+    if (elements == nullptr || find_after(*elements, seq_of(*cookie)) == nullptr) {
+      return fail(about, TAV_ERR_NOT_FOUND);
+    }
+    element_array& array = own_elements(*list, field);
+    element& next = *find_after(array, seq_of(*cookie));
+    const int32_t id = next.id;
+    const uint64_t seq = next.seq;
+    tav_flist_t* result = use(*list, array, next);
+    if (elem_id != nullptr) *elem_id = id;
+    *cookie = cookie_of(seq);
+    return result;
+  });
+}
+
+}  // namespace
+
+tav_flist_t* tav_flist_elem_add(tav_flist_t* list, uint32_t array, int32_t elem_id,
+                                tav_ebuf* ebuf) {
+  const request about{ebuf, array, elem_id};
+  return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
+    const int32_t code = refusal(list, array);
+    if (code != TAV_ERR_NONE) return fail(about, code);
+    // The element comes with its handle, so that nothing has changed when memory runs out.
+    std::unique_ptr<tav_node, reap_node> content(new_node());
+    if (tav_flist_t* there = lend_element(*list, array, elem_id)) {
+      place_content(*list, array, elem_id, content.release());
+      return there;
+    }
+    auto handle = std::make_unique<tav_flist>(tav_flist{content.get(), nullptr, 0});
+    place_list(*list, array, elem_id, handle.get());
+    (void)content.release();
+    return handle.release();
+  });
+}
+
+tav_flist_t* tav_flist_elem_get_next(tav_flist_t* list, uint32_t array, int32_t* elem_id, int32_t,
+                                     tav_cookie_t** cookie, int32_t, tav_ebuf* ebuf) {
+  return step(list, array, elem_id, cookie, ebuf, give);
+}
+
+tav_flist_t* tav_flist_elem_take_next(tav_flist_t* list, uint32_t array, int32_t* elem_id, int32_t,
+                                      tav_cookie_t** cookie, int32_t, tav_ebuf* ebuf) {
+  return step(list, array, elem_id, cookie, ebuf, take);
+}
+
+int32_t tav_flist_elem_count(tav_flist_t* list, uint32_t array, tav_ebuf* ebuf) {
+  const request about{ebuf, array};
+  return guarded<int32_t>(about, [&]() -> int32_t {
+    const int32_t code = refusal(list, array);
+    if (code != TAV_ERR_NONE) {
+      fail(about, code);
+      return 0;
+    }
+    const element_array* elements = find_elements(*list->node, array);
+    return elements != nullptr ? static_cast<int32_t>(elements->live) : 0;
+  });
+}

@@ -1,0 +1,33 @@
+#include "vantor/guard.h"
+#include "vantor/value.h"
+
+using namespace vantor;
+
+tav_poid_t* tav_poid_create(uint64_t database, const char* type, int64_t id, tav_ebuf* ebuf) {
+  return guarded<tav_poid_t*>({ebuf}, [&] {
+    auto* poid = new_with_text<tav_poid>(type != nullptr ? type : "");
+    poid->database = database;
+    poid->id = id;
+    return poid;
+  });
+}
+
+tav_poid_t* tav_poid_copy(const tav_poid_t* poid, tav_ebuf* ebuf) {
+  return guarded<tav_poid_t*>({ebuf}, [&] { return poid != nullptr ? share(poid) : nullptr; });
+}
+
+void tav_poid_destroy(tav_poid_t* poid, tav_ebuf*) {
+  release(poid);
+}
+
+uint64_t tav_poid_get_db(const tav_poid_t* poid) {
+  return poid != nullptr ? poid->database : 0;
+}
+
+const char* tav_poid_get_type(const tav_poid_t* poid) {
+  return poid != nullptr ? poid->type() : "";
+}
+
+int64_t tav_poid_get_id(const tav_poid_t* poid) {
+  return poid != nullptr ? poid->id : 0;
+}
