@@ -1,0 +1,52 @@
+// Field definitions.
+#include "dd/report.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "dparse/dparse_export.h"
+#include "dparse/dparse_export_forms.h"
+#include "dparse/dparse_export_types.h"
+#include "dparse/dparse_state.h"
+
+static constexpr char MODULE[] = "dparse_export";
+
+// This list's failures are worded a little differently from those of classes: deliberate.
+static int list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf, const char* end) {
+  dparse_flush(out);
+  dd_print_error("%s%s", DPARSE_INTERNAL_ERROR, end);
+  dd_log(site, "Flist error", ebuf);
+  return -1;
+}
+
+static int write_field(dparse_out& out, tav_flist_t* field, tav_ebuf* ebuf) {
+  const char* name = dd_required_text(field, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
+  const int32_t type = dd_required_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
+  dparse_values values;
+  dparse_get_values(values, field, DPARSE_IN_DEFINITION, ebuf);
+  if (dd_failed(*ebuf)) return list_failed(out, HERE, *ebuf, "\n");
+
+  out.text += '\n';
+  dparse_put_banner(out, 40, 0, "Field", name);
+  out.text += '\n';
+  if (dparse_put_head(out, type, name) < 1) return -1;
+  dparse_writing writing{out, name, 1, ebuf};
+  dparse_write_values(writing, values, DPARSE_IN_DEFINITION);
+  out.text.append("}\n\n");
+  dparse_flush_large(out);
+  return 1;
+}
+
+static int write_fields(dparse_out& out, tav_flist_t* fields, tav_ebuf* ebuf) {
+  dd_walk walk(fields, TAV_FLD_FIELD);
+  while (tav_flist_t* field = walk.next(at(ebuf, HERE)))
+    if (write_field(out, field, ebuf) < 1) return -1;
+  if (dd_failed(*ebuf)) return list_failed(out, HERE, *ebuf, "");
+  return 1;
+}
+
+int dparseExportInterfaceFields(FILE* stream, tav_flist_t* field_list, tav_ebuf* ebuf) {
+  dparse_out out{stream, {}};
+  if (ebuf == nullptr) return dparse_export_no_buffer(out);
+  const int result = write_fields(out, field_list, ebuf);
+  dparse_flush(out);
+  return result;
+}

@@ -1,0 +1,95 @@
+#include "dparse/dparse_export_forms.h"
+
+#include "dd/owners.h"
+#include "dparse/dparse.h"
+#include "dparse/dparse_export.h"
+
+static constexpr char MODULE[] = "dparse_export";
+
+static const char* text(const void* value) {
+  return value != nullptr ? static_cast<const char*>(value) : "";
+}
+
+static int32_t number(const void* value, int32_t missing = 0) {
+  return value != nullptr ? *static_cast<const int32_t*>(value) : missing;
+}
+
+static void put_bare(dparse_writing& writing, const dparse_attribute& row, std::string_view value) {
+  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
+  writing.out.text.append(value);
+  dparse_end_bare(writing.out);
+}
+
+static void put_bare_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
+  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
+  dparse_put_number(writing.out, value);
+  dparse_end_bare(writing.out);
+}
+
+static void put_quoted_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
+  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
+  writing.out.text += '"';
+  dparse_put_number(writing.out, value);
+  writing.out.text += '"';
+  dparse_end_bare(writing.out);
+}
+
+void dparse_write_text(dparse_writing& writing, const dparse_attribute& row, const void* value) {
+  dparse_put_quoted(writing.out, dparse_keyword_text(row.token), text(value), writing.indent);
+}
+
+void dparse_write_bare_text(dparse_writing& writing, const dparse_attribute& row,
+                            const void* value) {
+  if (text(value)[0] != '\0') put_bare(writing, row, text(value));
+}
+
+void dparse_write_quoted_number(dparse_writing& writing, const dparse_attribute& row,
+                                const void* value) {
+  if (number(value, -1) != -1) put_quoted_number(writing, row, number(value));
+}
+
+void dparse_write_seq_start(dparse_writing& writing, const dparse_attribute& row,
+                            const void* value) {
+  if (dparseIsTopLevelClass(writing.name)) put_quoted_number(writing, row, number(value));
+}
+
+void dparse_write_number(dparse_writing& writing, const dparse_attribute& row, const void* value) {
+  put_bare_number(writing, row, number(value));
+}
+
+void dparse_write_number_above_none(dparse_writing& writing, const dparse_attribute& row,
+                                    const void* value) {
+  if (number(value) != 0) put_bare_number(writing, row, number(value));
+}
+
+void dparse_write_yes(dparse_writing& writing, const dparse_attribute& row, const void* value) {
+  if (number(value) != 0) put_bare(writing, row, dparse_keyword_text(DPARSE_KEY_YES));
+}
+
+// An order as long as the reader takes fits.
+void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, const void* value) {
+  char digits[DPARSE_TEXT_SIZE];
+  digits[0] = '\0';
+  tav_ebuf* ebuf = at(writing.ebuf, HERE);
+  dd_decimal zero(value == nullptr ? tav_decimal_alloc_result_zero(ebuf) : nullptr);
+  const auto* order = value != nullptr ? static_cast<const tav_decimal_t*>(value) : zero.get();
+  tav_decimal_to_str(order, 0, digits, sizeof digits, ebuf);
+  put_bare(writing, row, digits);
+}
+
+void dparse_get_values(dparse_values& values, tav_flist_t* element, unsigned context,
+                       tav_ebuf* ebuf) {
+  for (const dparse_attribute& row : dparse_attributes()) {
+    if ((row.read_in & context) == 0) continue;
+    values.rows[values.count] = &row;
+    values.values[values.count++] =
+        tavi_flist_get(element, row.field, 0, !row.form->required, 0, at(ebuf, HERE));
+  }
+}
+
+void dparse_write_values(dparse_writing& writing, const dparse_values& values, unsigned context) {
+  for (size_t i = 0; i < values.count; ++i) {
+    const dparse_attribute& row = *values.rows[i];
+    if ((row.written_in & context) != 0) row.form->write(writing, row, values.values[i]);
+  }
+}

@@ -1,0 +1,42 @@
+// Writing the values of attributes, form by form. Each writes the attribute's line where the value
+// (null: absent) calls for one.
+#ifndef DPARSE_DPARSE_EXPORT_FORMS_H
+#define DPARSE_DPARSE_EXPORT_FORMS_H
+
+#include "dparse/dparse_attributes.h"
+#include "dparse/dparse_export_out.h"
+
+struct dparse_writing {
+  dparse_out& out;
+  const char* name;  // of what the attributes belong to
+  int indent;
+  tav_ebuf* ebuf;
+};
+
+using dparse_writer = void(dparse_writing& writing, const dparse_attribute& row, const void* value);
+
+dparse_writer dparse_write_text;               // "text", unless empty
+dparse_writer dparse_write_bare_text;          // text, unless empty
+dparse_writer dparse_write_quoted_number;      // "7", unless -1
+dparse_writer dparse_write_seq_start;          // "7", always, in a top-level class
+dparse_writer dparse_write_number;             // 7, always
+dparse_writer dparse_write_number_above_none;  // 7, unless 0
+dparse_writer dparse_write_yes;                // YES, unless 0
+dparse_writer dparse_write_order;              // 1.5, always
+
+// The values of an element's attributes, each beside its row; borrowed, null where absent.
+struct dparse_values {
+  static constexpr size_t ROOM = 24;  // more than any element has
+  const dparse_attribute* rows[ROOM];
+  const void* values[ROOM];
+  size_t count = 0;
+};
+
+// Gets all values that may stand in that place (a failure is in the buffer), so that a list which
+// cannot be read stops the export before the element's first line.
+void dparse_get_values(dparse_values& values, tav_flist_t* element, unsigned context,
+                       tav_ebuf* ebuf);
+// Writes those that are written in that place.
+void dparse_write_values(dparse_writing& writing, const dparse_values& values, unsigned context);
+
+#endif

@@ -1,0 +1,60 @@
+// The values of implementation blocks that are more than a text or a number.
+#include <cstring>
+
+#include "dd/values.h"
+#include "dparse/dparse_element.h"
+#include "dparse/dparse_forms.h"
+#include "dparse/dparse_sql_name.h"
+#include "dparse/dparse_state.h"
+#include "dparse/dparse_values.h"
+
+static constexpr char MODULE[] = "dparse";
+
+static constexpr int SQL_NAME_LENGTH = 30;  // bytes
+
+static int read_name(FILE* stream, const dparse_attribute& row, char* name) {
+  if (dparseString(stream, name, DPARSE_TEXT_SIZE) < 1) return -1;
+  const int length = static_cast<int>(std::strlen(name));
+  if (length <= SQL_NAME_LENGTH) return 1;
+  return dparse_fail(HERE, row.refused, name, length, SQL_NAME_LENGTH);
+}
+
+static int store_both(dparse_element& element, uint32_t field, std::string_view column,
+                      std::string_view table) {
+  char text[DPARSE_TEXT_SIZE + 8];
+  tav_snprintf(text, sizeof text, "C=%.*s T=%.*s", static_cast<int>(column.size()), column.data(),
+               static_cast<int>(table.size()), table.data());
+  return dparse_store_text(element, field, text);
+}
+
+int dparse_read_table(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+  char name[DPARSE_TEXT_SIZE];
+  if (read_name(stream, row, name) < 1) return -1;
+  if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name);
+  const char* text = dparse_text_of(element, row.field);
+  return store_both(element, row.field, dparse_sql_part(text, DPARSE_COLUMN_MARK), name);
+}
+
+int dparse_read_column(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+  char name[DPARSE_TEXT_SIZE];
+  if (read_name(stream, row, name) < 1) return -1;
+  if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name);
+  const char* text = dparse_text_of(element, row.field);
+  return store_both(element, row.field, name, dparse_sql_part(text, DPARSE_TABLE_MARK));
+}
+
+int dparse_read_attrval(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+  char text[DPARSE_TEXT_SIZE];
+  if (dparseString(stream, text, sizeof text) < 1) return -1;
+  return dparse_store_element(element, TAV_FLD_ATTRVALS, row.field, text);
+}
+
+int dparse_read_objectclass(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+  char text[DPARSE_TEXT_SIZE];
+  if (dparseString(stream, text, sizeof text) < 1) return -1;
+  tav_ebuf ebuf{};
+  const int held = tav_flist_elem_count(element.list.get(), TAV_FLD_OBJECTCLASSES, at(&ebuf, HERE));
+  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (held > 0) return dparse_fail(HERE, row.refused, held + 1);
+  return dparse_store_element(element, TAV_FLD_OBJECTCLASSES, row.field, text);
+}

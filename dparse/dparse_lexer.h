@@ -1,0 +1,26 @@
+// A token with its text, and the small steps that the grammar is written in.
+#ifndef DPARSE_DPARSE_LEXER_H
+#define DPARSE_DPARSE_LEXER_H
+
+#include "dparse/dparse.h"
+
+struct dparse_token {
+  int number;
+  size_t length;
+  char text[DPARSE_TEXT_SIZE];
+};
+
+// Reads the next token; gives its number.
+int dparse_next(FILE* stream, dparse_token& token);
+// Reads the next token; says whether it has that number.
+inline bool dparse_take(FILE* stream, dparse_token& token, int number) {
+  return dparse_next(stream, token) == number;
+}
+// Each reads the next token, which must be that one: 1, or -1 with its message.
+int dparse_expect_equals(FILE* stream);
+int dparse_expect_semicolon(FILE* stream);
+int dparse_expect_open(FILE* stream);
+// The failure where "{" is missing.
+int dparse_no_open();
+
+#endif
