@@ -1,0 +1,142 @@
+#include "dm/class_def.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "dd/fold.h"
+
+namespace dm {
+
+template <size_t N>
+static void read_values(const tav_node* node, const std::array<attribute, N>& rows,
+                        std::array<const void*, N>& values) {
+  for (size_t i = 0; i < N; ++i) {
+    if (rows[i].form != value_form::TEXTS) {
+      values[i] = tav_node_get(node, rows[i].field);
+    } else {
+      values[i] = tav_node_count(node, rows[i].field) > 0 ? node : nullptr;
+    }
+  }
+}
+
+// An empty storage text is none.
+static void forget_empty(const void*& text) {
+  if (text != nullptr && *static_cast<const char*>(text) == '\0') text = nullptr;
+}
+
+static void read_entries(const tav_node* container, int32_t parent, int32_t depth,
+                         class_def& result) {
+  if (depth > DEEPEST_READ) return;
+  uint32_t position = 0;
+  int32_t id = 0;
+  while (const tav_node* node = tav_node_next(container, TAV_FLD_OBJ_ELEM, &position, &id)) {
+    const auto place = static_cast<int32_t>(result.entries.size());
+    entry_def& entry = result.entries.emplace_back();
+    read_values(node, ENTRY_ATTRIBUTES, entry.values);
+    forget_empty(entry.values[ENTRY_SQL_NAME]);
+    forget_empty(entry.values[ENTRY_STORAGE]);
+    const auto* type = static_cast<const int32_t*>(entry.values[ENTRY_TYPE]);
+    entry.type = type != nullptr ? *type : 0;
+    entry.elem_id = id;
+    entry.parent = parent;
+    entry.depth = depth;
+    read_entries(node, place, depth + 1, result);
+  }
+}
+
+static int compare(const class_def& definition, int32_t at, int32_t parent, const char* name) {
+  const entry_def& entry = definition.entries[static_cast<size_t>(at)];
+  if (entry.parent != parent) return entry.parent < parent ? -1 : 1;
+  return dd_compare(text_of(entry, ENTRY_NAME), name);
+}
+
+static void sort_by_name(class_def& definition) {
+  definition.by_name.resize(definition.entries.size());
+  for (size_t i = 0; i < definition.by_name.size(); ++i) {
+    definition.by_name[i] = static_cast<int32_t>(i);
+  }
+  std::sort(definition.by_name.begin(), definition.by_name.end(), [&](int32_t a, int32_t b) {
+    const entry_def& other = definition.entries[static_cast<size_t>(b)];
+    const int order = compare(definition, a, other.parent, text_of(other, ENTRY_NAME));
+    return order != 0 ? order < 0 : a < b;
+  });
+}
+
+void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
+  result.elem_id = elem_id;
+  result.entries.clear();
+  read_values(element, CLASS_ATTRIBUTES, result.values);
+  forget_empty(result.values[CLASS_TABLE]);
+  forget_empty(result.values[CLASS_STORAGE]);
+  read_entries(element, NO_PARENT, 1, result);
+  sort_by_name(result);
+}
+
+static const char* text_or_empty(const void* value) {
+  return value != nullptr ? static_cast<const char*>(value) : "";
+}
+
+const char* text_of(const class_def& definition, class_attribute which) {
+  return text_or_empty(definition.values[which]);
+}
+
+const char* text_of(const entry_def& entry, entry_attribute which) {
+  return text_or_empty(entry.values[which]);
+}
+
+bool is_subclass(const char* class_name) {
+  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
+}
+
+int32_t find_entry(const class_def& definition, int32_t parent, const char* name) {
+  const auto at = std::lower_bound(
+      definition.by_name.begin(), definition.by_name.end(), parent,
+      [&](int32_t position, int32_t) { return compare(definition, position, parent, name) < 0; });
+  const bool is_there =
+      at != definition.by_name.end() && compare(definition, *at, parent, name) == 0;
+  return is_there ? *at : NO_PARENT;
+}
+
+std::string path_of(const class_def& definition, const entry_def& entry) {
+  std::string path = text_of(entry, ENTRY_NAME);
+  for (int32_t at = entry.parent; at != NO_PARENT;) {
+    const entry_def& container = definition.entries[static_cast<size_t>(at)];
+    path = std::string(text_of(container, ENTRY_NAME)) + "." + path;
+    at = container.parent;
+  }
+  return path;
+}
+
+template <size_t N>
+static void keep_values(std::array<const void*, N>& values, const std::array<const void*, N>& old,
+                        const std::array<attribute, N>& rows) {
+  for (size_t i = 0; i < N; ++i) {
+    const bool keeps = rows[i].kept == keeping::ALWAYS ||
+                       (rows[i].kept == keeping::IF_SILENT && values[i] == nullptr);
+    if (keeps && old[i] != nullptr) values[i] = old[i];
+  }
+}
+
+std::vector<std::string> keep_old(class_def& definition, const class_def& old) {
+  keep_values(definition.values, old.values, CLASS_ATTRIBUTES);
+  std::vector<int32_t> place_in_old(definition.entries.size(), NO_PARENT);
+  std::vector<bool> is_kept(old.entries.size(), false);
+  for (size_t i = 0; i < definition.entries.size(); ++i) {
+    entry_def& entry = definition.entries[i];
+    const int32_t parent =
+        entry.parent == NO_PARENT ? NO_PARENT : place_in_old[static_cast<size_t>(entry.parent)];
+    if (entry.parent != NO_PARENT && parent == NO_PARENT) continue;
+    const int32_t same = find_entry(old, parent, text_of(entry, ENTRY_NAME));
+    place_in_old[i] = same;
+    if (same == NO_PARENT) continue;
+    is_kept[static_cast<size_t>(same)] = true;
+    keep_values(entry.values, old.entries[static_cast<size_t>(same)].values, ENTRY_ATTRIBUTES);
+  }
+  std::vector<std::string> removed;
+  for (size_t i = 0; i < old.entries.size(); ++i) {
+    if (!is_kept[i]) removed.push_back(path_of(old, old.entries[i]));
+  }
+  return removed;
+}
+
+}  // namespace dm

@@ -1,0 +1,31 @@
+#include "dm/class_rules.h"
+
+namespace dm {
+
+void blame(const class_def& definition, int32_t code, uint32_t field, std::string_view fault,
+           findings& result) {
+  const std::string name = quoted(text_of(definition, CLASS_NAME));
+  result.push_back({code, field, definition.elem_id, 0, join({"Class ", name, " ", fault, "."})});
+}
+
+void blame(const class_def& definition, const entry_def& entry, int32_t code, uint32_t field,
+           std::string_view fault, findings& result) {
+  const std::string name = quoted(text_of(definition, CLASS_NAME));
+  const std::string path = quoted(path_of(definition, entry));
+  result.push_back(
+      {code, field, entry.elem_id, 0, join({"Class ", name, ", field ", path, " ", fault, "."})});
+}
+
+void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,
+                 findings& result) {
+  tables.clear();
+  check_texts(definition, result);
+  check_name(definition, world, result);
+  check_structure(definition, result);
+  if (!result.empty()) return;
+  check_fields(definition, world, result);
+  check_hierarchy(definition, world, result);
+  check_storage(definition, world, tables, result);
+}
+
+}  // namespace dm

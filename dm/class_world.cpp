@@ -1,0 +1,164 @@
+#include "dm/class_world.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "dm/folded.h"
+
+namespace dm {
+
+problem damaged_class(const char* name, const char* fault) {
+  return {TAV_ERR_STORAGE, TAV_FLD_NAME, 0, 0,
+          join({"The stored definition of class ", quoted(name), " ", fault,
+                "; restore the dictionary from a backup."})};
+}
+
+bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,
+                problem& why) {
+  list.reset(tav_flist_create(nullptr));
+  const char* fault = nullptr;
+  if (list == nullptr) throw std::bad_alloc();
+  if (!reader.read(row.definition, list.get(), fault)) {
+    why = damaged_class(row.name, fault);
+    return false;
+  }
+  read_class(tav_node_of(list.get()), 0, definition);
+  return true;
+}
+
+void name_cache::add(const char* name, int64_t value) {
+  const size_t size = std::strlen(name) + 1;
+  auto* copy = static_cast<char*>(names_.allocate(size, 1));
+  std::memcpy(copy, name, size);
+  values.add(copy, value);
+}
+
+class_world::class_world(store& store, int64_t database) : store_(store), database_(database) {}
+
+void class_world::add_fields(const field_plan& plan) {
+  for (const planned_field& field : plan.changes) {
+    fields_.values.add(field.row.name, field.row.type);
+  }
+}
+
+bool class_world::read_all() {
+  auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
+  auto klass = [this](const class_row& row) { return classes_.add(row.key, row.id), true; };
+  auto table = [this](const table_row& row) { return tables_.add(row.key, row.class_id), true; };
+  const choice keys{choice::KEYS};
+  fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
+  return store_.calls->fields(&store_, database_, {}, visit<field_row>(field), why) &&
+         store_.calls->classes(&store_, database_, keys, visit<class_row>(klass), why) &&
+         store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
+}
+
+// What the cache knows, or what `look_up` finds now.
+template <class LookUp>
+static int64_t cached(name_cache& cache, const char* name, LookUp look_up) {
+  if (const int64_t* value = cache.values.find(name)) return *value;
+  if (cache.is_complete) return name_cache::ABSENT;
+  const int64_t value = look_up(choice{choice::NAMED, name});
+  cache.add(name, value);
+  return value;
+}
+
+int64_t class_world::type_of(const char* field) {
+  return cached(fields_, field, [this](const choice& named) {
+    int64_t type = name_cache::ABSENT;
+    auto note = [&](const field_row& row) { return type = row.type, true; };
+    store_.calls->fields(&store_, database_, named, visit<field_row>(note), why);
+    return type;
+  });
+}
+
+int64_t class_world::class_id(const char* name) {
+  return cached(classes_, name, [this](const choice& named) {
+    int64_t id = name_cache::ABSENT;
+    auto note = [&](const class_row& row) { return id = row.id, true; };
+    store_.calls->classes(&store_, database_, named, visit<class_row>(note), why);
+    return id;
+  });
+}
+
+int64_t class_world::table_owner(const char* table) {
+  return cached(tables_, table, [this](const choice& named) {
+    int64_t id = name_cache::ABSENT;
+    auto note = [&](const table_row& row) { return id = row.class_id, true; };
+    store_.calls->tables(&store_, database_, named, visit<table_row>(note), why);
+    return id;
+  });
+}
+
+bool class_world::has_class(const char* name) {
+  return accepted_.count(folded(name)) != 0 || class_id(name) != name_cache::ABSENT;
+}
+
+bool class_world::is_other_table(const char* table, const char* class_name) {
+  const auto moved = moved_.find(folded(table));
+  if (moved != moved_.end()) return !moved->second.empty() && moved->second != folded(class_name);
+  const int64_t owner = table_owner(table);
+  return owner != name_cache::ABSENT && owner != class_id(class_name);
+}
+
+static std::vector<std::string> containers_in(const class_def& definition) {
+  std::vector<std::string> names;
+  for (const entry_def& entry : definition.entries) {
+    if (entry.depth == 1 && is_container(entry.type))
+      names.push_back(folded(text_of(entry, ENTRY_NAME)));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void class_world::accept(const class_def& definition, const std::vector<std::string>& tables,
+                         const std::vector<std::string>& old_tables) {
+  const std::string key = folded(text_of(definition, CLASS_NAME));
+  for (const std::string& table : old_tables) moved_[folded(table)] = "";
+  for (const std::string& table : tables) moved_[folded(table)] = key;
+  accepted_[key] = containers_in(definition);
+}
+
+const class_world::containers& class_world::containers_of(const std::string& key) {
+  const auto accepted = accepted_.find(key);
+  if (accepted != accepted_.end()) return accepted->second;
+  const auto [place, is_new] = stored_.try_emplace(key);
+  if (!is_new || class_id(key.c_str()) == name_cache::ABSENT) return place->second;
+  dd_flist list;
+  class_def definition;
+  auto note = [&, names = &place->second](const class_row& row) {
+    if (load_class(reader_, row, list, definition, why)) *names = containers_in(definition);
+    return true;
+  };
+  const choice named{choice::NAMED, key.c_str()};
+  store_.calls->classes(&store_, database_, named, visit<class_row>(note), why);
+  return place->second;
+}
+
+std::vector<std::string> class_world::names_above(const std::string& name) {
+  std::vector<std::string> names;
+  const std::string key = folded(name);
+  for (size_t at = key.find('/', 1); at != std::string::npos; at = key.find('/', at + 1)) {
+    names.push_back(key.substr(0, at));
+  }
+  return names;
+}
+
+std::vector<std::string> class_world::names_below(const std::string& name) {
+  std::vector<std::string> names;
+  const std::string prefix = folded(name) + "/";
+  for (auto at = accepted_.lower_bound(prefix); at != accepted_.end(); ++at) {
+    if (at->first.compare(0, prefix.size(), prefix) != 0) break;
+    names.push_back(at->first);
+  }
+  // A class that the dictionary does not hold has nothing below it there.
+  if (class_id(name.c_str()) == name_cache::ABSENT) return names;
+  auto note = [&](const class_row& row) {
+    if (accepted_.count(row.key) == 0) names.emplace_back(row.key);
+    return true;
+  };
+  const choice below{choice::KEYS_BELOW, name.c_str()};
+  store_.calls->classes(&store_, database_, below, visit<class_row>(note), why);
+  return names;
+}
+
+}  // namespace dm

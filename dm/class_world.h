@@ -1,0 +1,89 @@
+// The classes, fields and tables of a database as the rules see them: what the dictionary holds,
+// with the provisional fields of the session and the classes of the running operation over it.
+#ifndef DM_CLASS_WORLD_H
+#define DM_CLASS_WORLD_H
+
+#include <map>
+#include <memory_resource>
+#include <unordered_map>
+
+#include "dm/class_json.h"
+#include "dm/first_index.h"
+#include "dm/session.h"
+
+namespace dm {
+
+// A stored definition that cannot be read.
+problem damaged_class(const char* name, const char* fault);
+
+// Reads a row's definition; `list` holds what the definition borrows.
+bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,
+                problem& why);
+
+// Names of one kind that were looked up or read all, with what stands under them.
+struct name_cache {
+  static constexpr int64_t ABSENT = -1;
+  first_index<dd_by_name> values;
+  bool is_complete = false;
+  // Keeps a copy of the name.
+  void add(const char* name, int64_t value);
+
+ private:
+  std::pmr::monotonic_buffer_resource names_;
+};
+
+class class_world {
+ public:
+  class_world(store& store, int64_t database);
+
+  // Fields that count as there. The names must stay.
+  void add_fields(const field_plan& plan);
+  // Reads all keys at once, for an operation on many classes.
+  bool read_all();
+
+  // The type of a field, ABSENT when there is none. On a failure of the store every question gives
+  // such an answer, and the problem is set.
+  int64_t type_of(const char* field);
+  bool has_class(const char* name);
+  // Whether another class than the one of that name has the table.
+  bool is_other_table(const char* table, const char* class_name);
+  // Calls with each related class (above or below) and the sorted folded names of its top-level
+  // containers.
+  template <class Call>
+  void each_related(const char* class_name, Call call);
+
+  // The class stands from now on, with these tables in place of the others.
+  void accept(const class_def& definition, const std::vector<std::string>& tables,
+              const std::vector<std::string>& old_tables);
+
+  problem why;
+
+ private:
+  using containers = std::vector<std::string>;  // folded names, sorted
+  const containers& containers_of(const std::string& key);
+  std::vector<std::string> names_above(const std::string& key);
+  std::vector<std::string> names_below(const std::string& key);
+  int64_t class_id(const char* name);
+  int64_t table_owner(const char* table);
+
+  store& store_;
+  int64_t database_;
+  class_reader reader_;
+  name_cache fields_;
+  name_cache classes_;  // ids
+  name_cache tables_;   // ids of their classes
+  std::map<std::string, containers> accepted_;
+  std::unordered_map<std::string, containers> stored_;
+  std::unordered_map<std::string, std::string> moved_;  // table to its class, "" for none
+};
+
+template <class Call>
+void class_world::each_related(const char* class_name, Call call) {
+  for (const auto& names : {names_above(class_name), names_below(class_name)}) {
+    for (const std::string& name : names) call(name, containers_of(name));
+  }
+}
+
+}  // namespace dm
+
+#endif

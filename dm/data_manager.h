@@ -1,0 +1,16 @@
+// Opening a session with what the client library's interface does not let a caller choose.
+#ifndef DM_DATA_MANAGER_H
+#define DM_DATA_MANAGER_H
+
+#include "dm/settings.h"
+#include "dm/sqlite_store.h"
+#include "vantor/data_manager.h"
+
+namespace dm {
+
+// As connect of the bound data manager, with these settings in place of the configuration's.
+tav_dm_session* open_session(const settings& settings, const open_options& options, tav_ebuf* ebuf);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,72 @@
+#include "dm/field_request.h"
+
+#include <cstring>
+
+namespace dm {
+
+void read_request(const tav_node* input, field_request& request) {
+  request.fields.reserve(tav_node_count(input, TAV_FLD_FIELD));
+  uint32_t position = 0;
+  int32_t id = 0;
+  while (const tav_node* node = tav_node_next(input, TAV_FLD_FIELD, &position, &id)) {
+    asked_field field{};
+    field.name = static_cast<const char*>(tav_node_get(node, TAV_FLD_FIELD_NAME));
+    field.number = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_NUM));
+    field.type = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_TYPE));
+    field.descr = static_cast<const char*>(tav_node_get(node, TAV_FLD_DESCR));
+    field.elem_id = id;
+    const auto place = static_cast<int64_t>(request.fields.size());
+    if (field.name != nullptr) request.by_name.add(field.name, place);
+    if (field.number != nullptr) request.by_number.add(*field.number, place);
+    request.fields.push_back(field);
+  }
+}
+
+static void note_stored(field_request& request, const field_row& row) {
+  if (const int64_t* place = request.by_name.find(row.name)) {
+    asked_field& field = request.fields[static_cast<size_t>(*place)];
+    field.is_stored = true;
+    field.stored_number = row.number;
+    field.stored_type = row.type;
+    field.stamp = row.stamp;
+    field.is_described_so =
+        row.descr != nullptr && field.descr != nullptr && std::strcmp(row.descr, field.descr) == 0;
+  }
+  if (const int64_t* place = request.by_number.find(row.number)) {
+    asked_field& field = request.fields[static_cast<size_t>(*place)];
+    field.number_is_taken = field.name == nullptr || !dd_equal(field.name, row.name);
+  }
+}
+
+// Below this many a pass over all costs more, whatever the dictionary's size.
+static constexpr size_t FEW = 200;
+// So many rows of a pass cost about as much as the two look-ups of one field.
+static constexpr int64_t ROWS_PER_LOOK_UP = 8;
+
+static bool is_small(store& store, int64_t database, size_t asked, bool& small, problem& why) {
+  small = asked <= FEW;
+  int64_t rows = 0;
+  if (small) return true;
+  if (!store.calls->count(&store, database, counted::FIELDS, rows, why)) return false;
+  small = static_cast<int64_t>(asked) * ROWS_PER_LOOK_UP < rows;
+  return true;
+}
+
+bool look_up(store& store, int64_t database, field_request& request, problem& why) {
+  auto note = [&](const field_row& row) { return note_stored(request, row), true; };
+  const visitor<field_row> visitor = visit<field_row>(note);
+  bool small = false;
+  if (!is_small(store, database, request.fields.size(), small, why)) return false;
+  if (!small) return store.calls->fields(&store, database, {}, visitor, why);
+  for (size_t i = 0; i < request.fields.size(); ++i) {
+    const asked_field field = request.fields[i];
+    if (field.name == nullptr || field.number == nullptr) continue;
+    const choice named{choice::NAMED, field.name};
+    const choice numbered{choice::NUMBERED, nullptr, *field.number};
+    if (!store.calls->fields(&store, database, named, visitor, why)) return false;
+    if (!store.calls->fields(&store, database, numbered, visitor, why)) return false;
+  }
+  return true;
+}
+
+}  // namespace dm

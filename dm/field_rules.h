@@ -1,0 +1,26 @@
+// The rules that a field definition must keep by itself.
+#ifndef DM_FIELD_RULES_H
+#define DM_FIELD_RULES_H
+
+#include "dm/problem.h"
+
+namespace dm {
+
+// What a definition says; null: not given.
+struct field_def {
+  const char* name;
+  const int32_t* number;
+  const int32_t* type;
+  const char* descr;
+};
+
+// The first fault, with the field concerned and a sentence.
+bool is_well_formed(const field_def& field, problem& why);
+
+// A problem with a field, in one sentence; gives false.
+bool blame_field(const char* name, int32_t code, uint32_t which, std::string_view fault,
+                 problem& why);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,77 @@
+// 577: classes in ascending folded name, or the named ones in the order asked for; NAME/* stands
+// for that class and all below it.
+#include <cstring>
+#include <unordered_set>
+
+#include "dm/class_world.h"
+#include "dm/operations.h"
+
+namespace dm {
+
+namespace {
+
+struct class_fetch {
+  operation& op;
+  store& from;
+  int64_t database;
+  dd_flist output;
+  class_reader reader{};
+  int32_t count = 0;
+  std::unordered_set<int64_t> given{};
+};
+
+}  // namespace
+
+static bool add_class(class_fetch& fetch, const class_row& row) {
+  tav_ebuf ebuf{};
+  tav_flist_t* element =
+      tav_flist_elem_add(fetch.output.get(), TAV_FLD_OBJ_DESC, fetch.count++, &ebuf);
+  if (element == nullptr) throw std::bad_alloc();
+  const char* fault = nullptr;
+  if (fetch.reader.read(row.definition, element, fault)) return true;
+  fetch.op.why = damaged_class(row.name, fault);
+  return false;
+}
+
+static bool get(class_fetch& fetch, const choice& which) {
+  const bool all = which.which == choice::ALL;
+  auto add = [&](const class_row& row) {
+    return (!all && !fetch.given.insert(row.id).second) || add_class(fetch, row);
+  };
+  return fetch.from.calls->classes(&fetch.from, fetch.database, which, visit<class_row>(add),
+                                   fetch.op.why) &&
+         !found(fetch.op.why);
+}
+
+static bool get_named(class_fetch& fetch) {
+  uint32_t position = 0;
+  int32_t id = 0;
+  while (const tav_node* wanted = tav_node_next(fetch.op.input, TAV_FLD_OBJ_DESC, &position, &id)) {
+    const auto* name = static_cast<const char*>(tav_node_get(wanted, TAV_FLD_NAME));
+    if (name == nullptr) {
+      fetch.op.why = {TAV_ERR_MISSING_FIELD, TAV_FLD_NAME, id, 0,
+                      "A class is asked for by no name."};
+      return false;
+    }
+    const size_t length = std::strlen(name);
+    const bool below = length >= 2 && std::strcmp(name + length - 2, "/*") == 0;
+    const std::string top(name, below ? length - 2 : length);
+    if (!get(fetch, {choice::NAMED, top.c_str()})) return false;
+    if (below && !get(fetch, {choice::BELOW, top.c_str()})) return false;
+  }
+  return true;
+}
+
+dd_flist get_classes(operation& op) {
+  database_row database{};
+  if (!begin_read(op.session, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  class_fetch fetch{op, *op.session.store, database.id, nothing_to_give(op)};
+  if (fetch.output == nullptr) return nullptr;
+  const bool all = tav_node_count(op.input, TAV_FLD_OBJ_DESC) == 0;
+  if (!(all ? get(fetch, {}) : get_named(fetch))) return nullptr;
+  if (all) op.session.seen[database.number].classes = database.counter;
+  return std::move(fetch.output);
+}
+
+}  // namespace dm

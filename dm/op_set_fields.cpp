@@ -1,0 +1,126 @@
+// 576: adds fields, or describes known ones anew; all or nothing.
+#include "dm/field_request.h"
+#include "dm/field_rules.h"
+#include "dm/operations.h"
+
+namespace dm {
+
+static bool bad(problem& why, const asked_field& field, int32_t code, uint32_t which,
+                std::string_view fault) {
+  blame_field(field.name, code, which, fault, why);
+  why.rec_id = field.elem_id;
+  return false;
+}
+
+// Against the field that has its name already.
+static bool is_the_same(const asked_field& field, int32_t type, int32_t number, problem& why) {
+  if (*field.type != type) {
+    const char* keyword = dd_type_keyword(type);
+    return bad(
+        why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_TYPE,
+        join({"has another type in the dictionary: ", keyword != nullptr ? keyword : "none"}));
+  }
+  return *field.number == number ||
+         bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
+             join({"has another number in the dictionary: ", std::to_string(number)}));
+}
+
+static bool number_is_free(const field_request& request, const asked_field& field, problem& why) {
+  const int64_t* first = request.by_number.find(*field.number);
+  const asked_field& holder = request.fields[static_cast<size_t>(*first)];
+  const bool taken = &holder == &field ? field.number_is_taken : !dd_equal(holder.name, field.name);
+  return !taken || bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
+                       join({"cannot have the number ", std::to_string(*field.number),
+                             ": another field has it"}));
+}
+
+// Against the dictionary and what stands earlier in the list.
+static bool is_acceptable(field_request& request, asked_field& field, problem& why) {
+  if (!is_well_formed({field.name, field.number, field.type, field.descr}, why)) {
+    why.rec_id = field.elem_id;
+    return false;
+  }
+  asked_field& first = request.fields[static_cast<size_t>(*request.by_name.find(field.name))];
+  if (&first == &field) {
+    return field.is_stored ? is_the_same(field, field.stored_type, field.stored_number, why)
+                           : number_is_free(request, field, why);
+  }
+  if (!is_the_same(field, *first.type, *first.number, why)) return false;
+  if (field.descr != nullptr && *field.descr != '\0') {
+    first.descr = field.descr;
+    first.is_described_so = false;
+  }
+  return true;
+}
+
+// Takes the field's part into the plan: only a first mention has one.
+static bool plan_field(const session& session, const field_request& request,
+                       const asked_field& field, field_plan& plan, problem& why) {
+  if (&request.fields[static_cast<size_t>(*request.by_name.find(field.name))] != &field)
+    return true;
+  const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
+  if (field.is_stored && !describes) return true;
+  if (field.is_stored && is_foreign(session, plan.target, &seen_database::fields, field.stamp)) {
+    return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
+               "was changed by another session since this one fetched the fields; run again");
+  }
+  const int64_t stamp = plan.database.counter + 1;
+  plan.changes.push_back(
+      {{field.name, *field.number, *field.type, field.descr, 0, stamp}, !field.is_stored});
+  return true;
+}
+
+static bool plan_fields(session& session, field_plan& plan, problem& why) {
+  const tav_node* input = tav_node_of(plan.request.get());
+  if (!find_database(session, input, plan.database, why)) return false;
+  field_request request;
+  read_request(input, request);
+  if (!look_up(*session.store, plan.database.id, request, why)) return false;
+  for (asked_field& field : request.fields) {
+    if (!is_acceptable(request, field, why)) return false;
+  }
+  for (const asked_field& field : request.fields) {
+    if (!plan_field(session, request, field, plan, why)) return false;
+  }
+  return true;
+}
+
+bool write_fields(session& session, const field_plan& plan, problem& why) {
+  if (plan.changes.empty()) return true;
+  store* store = session.store.get();
+  const int64_t id = plan.database.id;
+  for (const planned_field& change : plan.changes) {
+    const auto write = change.is_new ? store->calls->add_field : store->calls->set_description;
+    if (!write(store, id, change.row, why)) return false;
+  }
+  const int64_t stamp = plan.database.counter + 1;
+  if (!store->calls->set_counter(store, id, stamp, why)) return false;
+  note_own(session, plan.target, stamp);
+  return true;
+}
+
+// A failed plan writes nothing.
+static bool make_plan(operation& op, field_plan& plan) {
+  if (!begin_write(op.session, op.why)) return false;
+  if (plan_fields(op.session, plan, op.why)) return true;
+  plan.changes.clear();
+  return false;
+}
+
+dd_flist set_fields(operation& op) {
+  const bool is_first = op.session.trial == trial_state::NONE_YET;
+  field_plan ordinary;
+  field_plan& plan = is_first ? op.session.pending : ordinary;
+  if (is_first) op.session.trial = trial_state::UNDECIDED;
+  tav_ebuf ebuf{};
+  plan.request.reset(tav_flist_copy(op.list, &ebuf));
+  plan.target = target_of(op.input);
+  if (dd_failed(ebuf)) return refuse(op, ebuf.err_code, 0, "There is not enough memory.");
+  if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
+  if (!make_plan(op, plan)) return nullptr;
+  if (is_first) return nothing_to_give(op);
+  if (!write_fields(op.session, plan, op.why) || !commit_write(op.session, op.why)) return nullptr;
+  return nothing_to_give(op);
+}
+
+}  // namespace dm

@@ -1,0 +1,19 @@
+#include "dm/predefined.h"
+
+namespace dm {
+
+#define FIELD_ROW(name, type, number, description) \
+  {#name, number, type, description, DD_FIELD_PREDEFINED, 0},
+static constexpr field_row PREDEFINED[] = {DD_FIELD_IDS(FIELD_ROW)};
+#undef FIELD_ROW
+
+bool make_database(store& store, uint64_t number, problem& why) {
+  int64_t id = 0;
+  if (!store.calls->add_database(&store, number, id, why)) return false;
+  for (const field_row& row : PREDEFINED) {
+    if (!store.calls->add_field(&store, id, row, why)) return false;
+  }
+  return true;
+}
+
+}  // namespace dm

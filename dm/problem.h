@@ -1,0 +1,34 @@
+// Why an operation was refused or a dictionary could not be reached.
+#ifndef DM_PROBLEM_H
+#define DM_PROBLEM_H
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "dd/vantor.h"
+
+namespace dm {
+
+struct problem {
+  int32_t code = TAV_ERR_NONE;  // TAV_ERR_
+  uint32_t field = 0;           // identifier of the field concerned, 0 for none
+  int32_t rec_id = 0;           // id of the element concerned
+  int32_t detail = 0;           // the engine's result code, an errno
+  std::string sentence;         // for the administrator: what was wrong with which field or class
+};
+
+inline bool found(const problem& why) {
+  return why.code != TAV_ERR_NONE;
+}
+
+// The pieces in a row.
+std::string join(std::initializer_list<std::string_view> pieces);
+
+// A user's text as part of a sentence: in single quotes, control characters replaced, cut when
+// long.
+std::string quoted(std::string_view text);
+
+}  // namespace dm
+
+#endif

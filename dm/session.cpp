@@ -1,0 +1,125 @@
+#include "dm/session.h"
+
+#include <algorithm>
+
+#include "dm/database_number.h"
+#include "dm/operations.h"
+
+namespace dm {
+
+bool begin_read(session& session, problem& why) {
+  if (session.is_reading || session.is_writing) return true;
+  session.is_reading = session.store->calls->begin(session.store.get(), false, why);
+  return session.is_reading;
+}
+
+void end_read(session& session) {
+  if (!session.is_reading || !session.has_written) return;
+  session.store->calls->rollback(session.store.get());
+  session.is_reading = false;
+}
+
+void end_snapshot(session& session) {
+  session.has_written = true;
+  end_read(session);
+}
+
+bool begin_write(session& session, problem& why) {
+  if (session.is_writing) return true;
+  end_snapshot(session);
+  session.is_writing = session.store->calls->begin(session.store.get(), true, why);
+  return session.is_writing;
+}
+
+bool commit_write(session& session, problem& why) {
+  if (!session.store->calls->commit(session.store.get(), why)) return false;
+  session.is_writing = false;
+  return true;
+}
+
+void undo_write(session& session) {
+  if (!session.is_writing) return;
+  session.store->calls->rollback(session.store.get());
+  session.is_writing = false;
+}
+
+uint64_t target_of(const tav_node* input) {
+  return tav_poid_get_db(static_cast<const tav_poid_t*>(tav_node_get(input, TAV_FLD_POID)));
+}
+
+bool find_database(session& session, const tav_node* input, database_row& database, problem& why) {
+  if (tav_node_get(input, TAV_FLD_POID) == nullptr) {
+    why = {TAV_ERR_MISSING_FIELD, TAV_FLD_POID, 0, 0, "The operation names no database."};
+    return false;
+  }
+  const uint64_t wanted = target_of(input);
+  bool is_there = false;
+  auto look = [&](const database_row& row) {
+    if (row.number == wanted) database = row, is_there = true;
+    return !is_there;
+  };
+  store* store = session.store.get();
+  if (!store->calls->databases(store, visit<database_row>(look), why)) return false;
+  if (is_there) return true;
+  why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
+         join({"The dictionary holds no database ", database_text(wanted),
+               "; 'tav_dict add-database' adds one."})};
+  return false;
+}
+
+bool is_foreign(const session& session, uint64_t database, int64_t seen_database::*fetched,
+                int64_t stamp) {
+  const auto found = session.seen.find(database);
+  if (found == session.seen.end()) return false;
+  const seen_database& seen = found->second;
+  return seen.*fetched != seen_database::NEVER && stamp > seen.*fetched &&
+         std::find(seen.own.begin(), seen.own.end(), stamp) == seen.own.end();
+}
+
+void note_own(session& session, uint64_t database, int64_t stamp) {
+  session.seen[database].own.push_back(stamp);
+}
+
+static void forget_pending(session& session) {
+  undo_write(session);
+  session.pending = field_plan();
+  session.trial = trial_state::OVER;
+}
+
+static bool make_durable(session& session, problem& why) {
+  const bool durable = !session.is_writing ||
+                       (write_fields(session, session.pending, why) && commit_write(session, why));
+  forget_pending(session);
+  return durable;
+}
+
+// Whether a 585 names exactly the fields that the provisional 576 would have added.
+static bool ends_trial(const session& session, uint32_t opcode, const tav_node* input) {
+  if (session.pending.request == nullptr) return false;  // it could not even be copied
+  if (opcode != TCM_OP_SDK_DEL_FLD_SPECS || target_of(input) != session.pending.target)
+    return false;
+  return same_unmarked_fields(tav_node_of(session.pending.request.get()), input);
+}
+
+bool settle_trial(session& session, uint32_t opcode, uint32_t flags, const tav_node* input,
+                  bool& done, problem& why) {
+  done = false;
+  if (session.trial != trial_state::UNDECIDED && session.trial != trial_state::TRIED) return true;
+  const bool is_check = opcode == TCM_OP_SDK_SET_OBJ_SPECS && (flags & TCM_OPFLG_TRIAL) != 0;
+  if (session.trial == trial_state::UNDECIDED && is_check) {
+    session.trial = trial_state::TRIED;
+    return true;
+  }
+  done = ends_trial(session, opcode, input);
+  if (session.trial == trial_state::UNDECIDED && !done) return make_durable(session, why);
+  forget_pending(session);
+  return true;
+}
+
+bool settle_at_end(session& session, problem& why) {
+  if (session.trial == trial_state::UNDECIDED) return make_durable(session, why);
+  forget_pending(session);
+  return true;
+}
+
+}  // namespace dm

@@ -1,0 +1,25 @@
+// What the configuration says about the dictionary.
+#ifndef DM_SETTINGS_H
+#define DM_SETTINGS_H
+
+#include <string>
+
+#include "dm/problem.h"
+
+namespace dm {
+
+struct settings {
+  std::string
+      dictionary;  // sqlite:PATH, with the path as it stands in the file; or another engine's
+  bool fields_writeable = false;
+  bool objects_writeable = false;
+  bool has_login = false;
+  uint64_t database = 0;  // of the login identity
+};
+
+// False with the reason for an entry that cannot be read; a missing one has its default.
+bool read_settings(settings& settings, problem& why);
+
+}  // namespace dm
+
+#endif

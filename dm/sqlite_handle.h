@@ -1,0 +1,112 @@
+// The SQLite engine's own side of a store: its connection, prepared statements, errors.
+#ifndef DM_SQLITE_HANDLE_H
+#define DM_SQLITE_HANDLE_H
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <array>
+
+#include "dm/sqlite_store.h"
+
+namespace dm {
+
+enum statement {
+  SELECT_DATABASES,
+  SELECT_FIELDS,
+  SELECT_FIELD_NAMED,
+  SELECT_FIELD_NUMBERED,
+  SELECT_CLASSES,
+  SELECT_CLASS_NAMED,
+  SELECT_CLASSES_BELOW,
+  SELECT_CLASS_KEYS,
+  SELECT_CLASS_KEYS_BELOW,
+  SELECT_TABLES,
+  SELECT_TABLE_NAMED,
+  COUNT_FIELDS,
+  COUNT_CLASSES,
+  INSERT_DATABASE,
+  UPDATE_COUNTER,
+  INSERT_FIELD,
+  UPDATE_DESCRIPTION,
+  DELETE_FIELD,
+  INSERT_CLASS,
+  UPDATE_CLASS,
+  INSERT_TABLE,
+  DELETE_TABLE,
+  STATEMENTS  // their number
+};
+
+struct sqlite_store : store {
+  std::string path;
+  sqlite3* db = nullptr;
+  std::array<sqlite3_stmt*, STATEMENTS> prepared{};
+  int version = 0;
+  // A file on a medium or in a folder that cannot be written is read without locks; it must then
+  // stay what it was when it was opened.
+  bool unlocked = false;
+  struct stat opened {};
+};
+
+inline sqlite_store& sqlite_of(store* base) {
+  return *static_cast<sqlite_store*>(base);
+}
+
+// A prepared statement in use: made at its first use, ready for the next when this goes.
+class sqlite_use {
+ public:
+  sqlite_use(sqlite_store& store, statement which);
+  ~sqlite_use();
+  sqlite_use(const sqlite_use&) = delete;
+  sqlite_use& operator=(const sqlite_use&) = delete;
+
+  // Binds the next parameter; texts must outlive the use, a null text is NULL.
+  sqlite_use& bind(int64_t value);
+  sqlite_use& bind(const char* text);
+  sqlite_use& bind(const std::string& text);
+
+  // SQLITE_ROW, SQLITE_DONE or an error's result code.
+  int step();
+  // Runs a statement that gives no rows.
+  bool run(problem& why);
+
+  int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
+  // The text of a column; null for NULL.
+  const char* text(int column) const {
+    return reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  }
+
+ private:
+  sqlite_store& store_;
+  sqlite3_stmt* statement_ = nullptr;
+  int parameter_ = 0;
+  int result_ = SQLITE_OK;
+};
+
+// Says what the engine's result code means; gives false. The one place that does.
+bool sqlite_failed(const sqlite_store& store, int result, problem& why);
+
+// Runs SQL text that gives no rows.
+bool sqlite_run(sqlite_store& store, const char* sql, problem& why);
+
+// Calls that sqlite_calls.cpp puts into the record.
+bool sqlite_databases(store*, visitor<database_row>, problem&);
+bool sqlite_fields(store*, int64_t, const choice&, visitor<field_row>, problem&);
+bool sqlite_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
+bool sqlite_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
+bool sqlite_count(store*, int64_t, counted, int64_t&, problem&);
+bool sqlite_integrity(store*, visitor<std::string_view>, problem&);
+bool sqlite_add_database(store*, uint64_t, int64_t&, problem&);
+bool sqlite_set_counter(store*, int64_t, int64_t, problem&);
+bool sqlite_add_field(store*, int64_t, const field_row&, problem&);
+bool sqlite_set_description(store*, int64_t, const field_row&, problem&);
+bool sqlite_delete_field(store*, int64_t, int32_t, problem&);
+bool sqlite_put_class(store*, int64_t, class_row&, problem&);
+bool sqlite_add_table(store*, int64_t, const table_row&, problem&);
+bool sqlite_delete_table(store*, int64_t, const char*, problem&);
+
+extern const store_calls SQLITE_CALLS;
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,113 @@
+// What stands between the operations and the engine that keeps a dictionary: a record of functions.
+//
+// Conventions: a call that fails gives false and says why in the problem; texts in rows are
+// borrowed and valid until the visitor returns. A database is named by its row id.
+#ifndef DM_STORE_H
+#define DM_STORE_H
+
+#include <memory>
+#include <string_view>
+
+#include "dm/problem.h"
+
+namespace dm {
+
+struct database_row {
+  int64_t id;
+  uint64_t number;
+  int64_t counter;  // stamped on what a write changes, and raised by each write
+};
+
+struct field_row {
+  const char* name;
+  int32_t number;
+  int32_t type;
+  const char* descr;  // null: never given
+  int32_t flags;      // 0: none
+  int64_t stamp;
+};
+
+struct class_row {
+  int64_t id;
+  const char* key;  // the folded name
+  const char* name;
+  int64_t stamp;
+  const char* definition;  // JSON; null in a row read for its key only
+};
+
+struct table_row {
+  const char* key;  // the folded name
+  const char* name;
+  int64_t class_id;
+};
+
+// Called with each row that was asked for; false ends the reading (which then succeeds).
+template <class Row>
+struct visitor {
+  bool (*call)(void* context, const Row& row);
+  void* context;
+};
+
+// A visitor from a callable, which the caller keeps.
+template <class Row, class Call>
+visitor<Row> visit(Call& call) {
+  return {[](void* context, const Row& row) { return (*static_cast<Call*>(context))(row); }, &call};
+}
+
+// Which rows. Fields come in ascending number, classes and tables in ascending key.
+struct choice {
+  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW } which = ALL;
+  const char* name = nullptr;  // NAMED, in any case; BELOW, KEYS_BELOW: the class above
+  int32_t number = 0;          // NUMBERED
+};
+
+enum class counted { FIELDS, CLASSES };
+
+struct store;
+
+struct store_calls {
+  // Ends the connection; an open transaction is rolled back.
+  void (*close)(store*);
+  // Whether the store takes writes at all.
+  bool (*writeable)(store*);
+  int (*schema_version)(store*);
+
+  // One snapshot for what is read up to the end; or, for a write, alone in the dictionary, waiting
+  // for another writer (busy after a while).
+  bool (*begin)(store*, bool write, problem&);
+  bool (*commit)(store*, problem&);
+  void (*rollback)(store*);
+
+  bool (*databases)(store*, visitor<database_row>, problem&);
+  bool (*fields)(store*, int64_t database, const choice&, visitor<field_row>, problem&);
+  bool (*classes)(store*, int64_t database, const choice&, visitor<class_row>, problem&);
+  bool (*tables)(store*, int64_t database, const choice&, visitor<table_row>, problem&);
+  bool (*count)(store*, int64_t database, counted, int64_t& rows, problem&);
+
+  bool (*add_database)(store*, uint64_t number, int64_t& id, problem&);
+  bool (*set_counter)(store*, int64_t database, int64_t counter, problem&);
+  bool (*add_field)(store*, int64_t database, const field_row&, problem&);
+  bool (*set_description)(store*, int64_t database, const field_row&, problem&);
+  bool (*delete_field)(store*, int64_t database, int32_t number, problem&);
+  // Adds the class (id 0; gives its id) or replaces its definition.
+  bool (*put_class)(store*, int64_t database, class_row&, problem&);
+  bool (*add_table)(store*, int64_t database, const table_row&, problem&);
+  bool (*delete_table)(store*, int64_t database, const char* name, problem&);
+
+  // The engine's own test of what it keeps: one sentence for each fault.
+  bool (*integrity)(store*, visitor<std::string_view>, problem&);
+};
+
+// An open store; an engine's own record begins with it.
+struct store {
+  const store_calls* calls;
+};
+
+struct close_store {
+  void operator()(store* opened) const { opened->calls->close(opened); }
+};
+using store_owner = std::unique_ptr<store, close_store>;
+
+}  // namespace dm
+
+#endif
