@@ -1,0 +1,158 @@
+// The modes `verify`, `create` and `replace`: a table of steps, and the loop that takes them.
+#include "deploy/tav_deploy_import.h"
+
+#include "dd/report.h"
+#include "deploy/tav_deploy_report.h"
+
+static constexpr char MODULE[] = "tav_deploy_import";
+
+static int count_input(tav_deploy_import_state& state) {
+  tav_ebuf ebuf{};
+  tav_deploy_fld_count = state.fields.count(at(&ebuf, HERE));
+  dd_clear(ebuf);
+  tav_deploy_class_count = state.classes.count(at(&ebuf, HERE));
+  return 1;
+}
+
+// A login without an identity leaves the buffer clear: the retrieval then tells what is missing.
+static int log_in(tav_deploy_import_state& state) {
+  tav_ebuf ebuf{};
+  tav_deploy_login(state.session, &ebuf);
+  return dd_failed(ebuf) ? -1 : 1;
+}
+
+static int fetch_fields(tav_deploy_import_state& state) {
+  return tav_deploy_get_dd_fields(state.session, state.server_fields, state.ctx->database, nullptr);
+}
+
+static int fetch_classes(tav_deploy_import_state& state) {
+  return tav_deploy_get_dd_classes(state.session, state.server_classes, state.ctx->database,
+                                   nullptr);
+}
+
+static int commit(tav_deploy_import_state& state, uint32_t flags) {
+  return tav_deploy_import_commit(state.session.connection, flags, state.session.identity.get(),
+                                  state.fields.get(), state.classes.get(), state.ctx->database);
+}
+
+static int try_commit(tav_deploy_import_state& state) {
+  state.working_fields.give(nullptr);
+  state.working_classes.give(nullptr);
+  return tav_deploy_get_error() >= 0 ? commit(state, TAV_DEPLOY_COMMIT_TRIAL) : 1;
+}
+
+static int judge(tav_deploy_import_state&) {
+  return tav_deploy_get_error();
+}
+
+namespace {
+
+// What a mode does about an input with or without conflicts.
+struct outcome {
+  uint32_t mode;
+  bool conflict;
+  const char* line;
+  bool commits;
+  int result;  // of an outcome that does not commit
+};
+
+constexpr char NO_CONFLICTS[] = "No Conflicts detected\n";
+
+constexpr outcome OUTCOMES[] = {
+    {TAV_DEPLOY_MODE_VERIFY, false, NO_CONFLICTS, false, 1},
+    {TAV_DEPLOY_MODE_VERIFY, true, "Conflicts detected\n", false, -1},
+    {TAV_DEPLOY_MODE_CREATE, false, NO_CONFLICTS, true, 1},
+    {TAV_DEPLOY_MODE_CREATE, true, "Conflicts Detected...nothing committed\n", false, 1},
+    {TAV_DEPLOY_MODE_REPLACE, false, "", true, 1},
+    {TAV_DEPLOY_MODE_REPLACE, true,
+     "\nWarning: Conflicts Detected...attempting to commit/replace\n", true, 1},
+};
+
+}  // namespace
+
+static int conclude(tav_deploy_import_state& state) {
+  const bool conflict = tav_deploy_get_conflict() < 1;
+  for (const outcome& o : OUTCOMES) {
+    if (o.mode != state.ctx->mode || o.conflict != conflict) continue;
+    tav_deploy_print_outcome(o.line);
+    return o.commits ? commit(state, TAV_DEPLOY_COMMIT_REAL) : o.result;
+  }
+  return -1;
+}
+
+static bool always() {
+  return true;
+}
+static bool has_input() {
+  return tav_deploy_fld_count > 0 || tav_deploy_class_count > 0;
+}
+static bool has_classes() {
+  return tav_deploy_class_count > 0;
+}
+
+namespace {
+
+struct failure_line {
+  const char* text;  // on standard error
+  const char* log_text;
+};
+
+struct step {
+  bool (*applies)();
+  int (*run)(tav_deploy_import_state& state);
+  bool ends_with_errors_detected;
+  const failure_line* lines[2];
+};
+
+constexpr failure_line READ{"", "Error reading import files"};
+constexpr failure_line LOGIN{"Error: Unable to login\n", "Unable to login"};
+constexpr failure_line FIELDS{"Error: Unable to retreive fields from Quorvale\n",
+                              "Unable to retreive fields from Quorvale"};
+constexpr failure_line CLASSES{"Error: Unable to retreive classes from Quorvale\n",
+                               "Unable to retreive classes from Quorvale"};
+constexpr failure_line FIELD_CONFLICTS{"Error: while checking for field conflicts\n",
+                                       "Error while checking for field conflicts"};
+constexpr failure_line CONFLICTING_CLASSES{"Error: Unable to check for conflicting classes\n",
+                                           "Unable to check for conflicting classes"};
+constexpr failure_line SUBCLASSES{"Error: Unable to check for parentless subclasses\n",
+                                  "Unable to check for parentless subclasses"};
+constexpr failure_line CLASS_CONFLICTS{"Error: while checking for class conflicts\n",
+                                       "Error while checking for class conflicts"};
+constexpr failure_line STORAGE{"Error: while checking for class field conflicts\n",
+                               "Error while checking for class field conflicts"};
+
+constexpr step STEPS[] = {
+    {always, tav_deploy_import_read, false, {&READ}},
+    {always, count_input, true, {}},
+    {has_input, log_in, true, {&LOGIN}},
+    {has_input, fetch_fields, true, {&FIELDS}},
+    {has_classes, fetch_classes, true, {&CLASSES}},
+    {always, tav_deploy_import_fields, true, {&FIELD_CONFLICTS}},
+    {has_classes, tav_deploy_import_classes, true, {&CONFLICTING_CLASSES, &CLASS_CONFLICTS}},
+    {has_classes, tav_deploy_import_order, true, {&SUBCLASSES, &CLASS_CONFLICTS}},
+    {has_classes, tav_deploy_import_structure, true, {&SUBCLASSES, &CLASS_CONFLICTS}},
+    {has_classes, tav_deploy_import_storage, true, {&STORAGE}},
+    {always, try_commit, true, {}},
+    {always, judge, true, {}},
+    {always, conclude, false, {}},
+};
+
+}  // namespace
+
+static int step_failed(const step& failed) {
+  for (const failure_line* line : failed.lines) {
+    if (line != nullptr) tav_deploy_fail(HERE, line->log_text, "%s", line->text);
+  }
+  if (!failed.ends_with_errors_detected) return -1;
+  tav_deploy_print_outcome("\nErrors Detected...nothing committed\n");
+  dd_log(HERE, "Errors Detected...nothing committed");
+  return -1;
+}
+
+int tav_deploy_import(tav_deploy_ctx_t* ctx) {
+  tav_deploy_import_state state{.ctx = ctx};
+  for (const step& s : STEPS) {
+    if (s.applies() && s.run(state) < 1) return step_failed(s);
+  }
+  return 1;
+}

@@ -1,0 +1,90 @@
+// The import: what its steps share, and the checks that they carry out.
+//
+// A check reports what it finds through tav_deploy_report and goes on, so that one run lists every
+// problem; the flags say afterwards whether there was one. It gives 1, or -1 when it could not be
+// carried out (a list that cannot be walked), which it has then told.
+#ifndef DEPLOY_TAV_DEPLOY_IMPORT_H
+#define DEPLOY_TAV_DEPLOY_IMPORT_H
+
+#include <cstring>
+
+#include "dd/list.h"
+#include "deploy/tav_deploy.h"
+#include "deploy/tav_deploy_tcm.h"
+
+// What one run holds. The working lists show the server and the input as one dictionary: they begin
+// as what the server has (whose list they take over), and the run's new definitions are appended.
+struct tav_deploy_import_state {
+  const tav_deploy_ctx_t* ctx = nullptr;
+  tav_deploy_session session{};  // outlives the lists
+  dd_list fields{DD_FIELDS};     // the input
+  dd_list classes{DD_CLASSES};
+  dd_flist server_fields{};
+  dd_flist server_classes{};
+  dd_list working_fields{DD_FIELDS};
+  dd_list working_classes{DD_CLASSES};
+  int32_t last_server_class = 0;  // working classes with a higher element id are the run's own
+};
+
+// --- Steps, in their order
+int tav_deploy_import_read(tav_deploy_import_state& state);
+int tav_deploy_import_fields(tav_deploy_import_state& state);
+int tav_deploy_import_classes(tav_deploy_import_state& state);
+int tav_deploy_import_order(tav_deploy_import_state& state);
+int tav_deploy_import_structure(tav_deploy_import_state& state);
+int tav_deploy_import_storage(tav_deploy_import_state& state);
+
+// --- Reading
+// Reads the files that the context names, or standard input, and merges each class implementation
+// into its interface. The lists are the caller's only on success.
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, const tav_deploy_ctx_t& ctx);
+// Copies the storage names of an implementation's entries, at every depth, to the interface's
+// entries of the same names. The interface node may be none: every entry is then missing there.
+int tav_deploy_merge_class_fields(tav_flist_t* interface_node, tav_flist_t* impl_node,
+                                  const char* class_name);
+// Copies what a class or field entry has of storage names and clauses, over what the other has.
+void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);
+
+// --- Superclasses
+inline bool tav_deploy_is_subclass(const char* class_name) {
+  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
+}
+// Reports the superclasses that neither server nor input has; appends copies of those that the
+// input has, where the ordering lacks them, and of the class itself, also where it is there
+// already.
+int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
+                             tav_flist_t* storable);
+
+// --- Structure of a class
+// Whether every field that the class uses, at every depth, is defined with the type it is used
+// with.
+int tav_deploy_check_field_types(tav_flist_t* storable, dd_list& working_fields,
+                                 const char* class_name);
+// What a top-level entry may be in a base class or a subclass, and who may have SYSTEM permission.
+void tav_deploy_check_placement(tav_flist_t* entry, const char* class_name, tav_ebuf* ebuf);
+// Whether the entries nested in an entry (of that type, at that depth, 1 for top-level) may be so.
+int tav_deploy_check_field_positions(dd_list& working_classes, tav_flist_t* entry,
+                                     const char* class_name, int32_t type, int depth);
+// The same, and a failure is told once more, with the class.
+int tav_deploy_check_nesting(dd_list& working_classes, tav_flist_t* entry, const char* class_name,
+                             int32_t type, int depth);
+
+// --- Storage
+// Compares a class's, or a node's entries', storage with what the server has: warnings only.
+void tav_deploy_check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
+                                           const char* class_name, tav_ebuf* ebuf);
+int tav_deploy_check_field_storage_change(tav_flist_t* server_node, tav_flist_t* new_node,
+                                          const char* class_name);
+
+// --- Commit
+enum {
+  TAV_DEPLOY_COMMIT_REAL = 0,
+  // The server checks and stores nothing; a failure raises the error flag and the commit goes on.
+  TAV_DEPLOY_COMMIT_TRIAL = TCM_OPFLG_TRIAL,
+};
+// Sends copies of the lists to the server. Another flag word is handed on as it is; a failure then
+// ends the commit and raises no flag.
+int tav_deploy_import_commit(tcm_context_t* connection, uint32_t flags, const tav_poid_t* identity,
+                             tav_flist_t* fields, tav_flist_t* classes, uint64_t database);
+
+#endif

@@ -1,0 +1,28 @@
+// The working classes by name, and the check that finds names of arrays and substructs used twice
+// along a class hierarchy.
+#ifndef DEPLOY_TAV_DEPLOY_IMPORT_HIERARCHY_H
+#define DEPLOY_TAV_DEPLOY_IMPORT_HIERARCHY_H
+
+#include <string_view>
+#include <vector>
+
+#include "dd/list.h"
+
+struct tav_deploy_named_class {
+  std::string_view name;
+  size_t position;
+};
+
+// Borrows the classes. Built at the first class that has an array or substruct.
+struct tav_deploy_hierarchy {
+  dd_list& working_classes;
+  std::vector<dd_list> entries;                 // each class's, in the working list's order
+  std::vector<tav_deploy_named_class> by_name;  // ascending, byte by byte
+};
+
+// Reports the class's top-level arrays and substructs whose names a superclass or subclass has at
+// its top level too: 1, or -1 when lists cannot be walked or a name is missing.
+int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_flist_t* storable,
+                               const char* class_name);
+
+#endif

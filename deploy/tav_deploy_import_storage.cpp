@@ -1,0 +1,103 @@
+// The storage names of all classes: every one is there, and stands once.
+#include "dd/report.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "deploy/tav_deploy_import.h"
+#include "deploy/tav_deploy_import_tables.h"
+#include "deploy/tav_deploy_report.h"
+
+static constexpr char MODULE[] = "tav_deploy_import";
+static constexpr char MISSING_CLASS_TABLE[] = "Missing table name for class";
+
+using enum tav_deploy_raises;
+
+namespace {
+
+// A class as the collection reads it.
+struct class_table {
+  const char* class_name;
+  const char* table;  // null for none
+  bool may_name_table;
+};
+
+// One collection: over which classes, into which list, and what a failure is called.
+struct collection {
+  dd_list& classes;
+  int32_t last_server_class;  // classes with a higher element id are new
+  tav_deploy_tables& tables;
+  const char* failed_line;
+  const char* failed_log;
+};
+
+}  // namespace
+
+// New classes are treated more leniently than the server's: a subclass may name a table, and an
+// empty name is none.
+static class_table read_class(tav_flist_t* storable, bool is_new, tav_ebuf* ebuf) {
+  const char* name = dd_text(storable, TAV_FLD_NAME, at(ebuf, HERE));
+  const char* table = dd_text_or_null(storable, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
+  if (is_new && table != nullptr && *table == '\0') table = nullptr;
+  return {name, table, is_new || !tav_deploy_is_subclass(name)};
+}
+
+static void check_class_table(const class_table& read) {
+  if (read.table == nullptr && !tav_deploy_is_subclass(read.class_name)) {
+    tav_deploy_report(HERE, ERROR, MISSING_CLASS_TABLE, "Error:  Missing table name for %s\n",
+                      read.class_name);
+  }
+  if (read.table != nullptr && !read.may_name_table) {
+    tav_deploy_report(HERE, ERROR, "Invalid table in subclass, not needed",
+                      "Error:  No table needed for subclass %s\n", read.class_name);
+  }
+}
+
+static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool is_new,
+                         dd_list& fields, tav_ebuf* ebuf) {
+  const class_table read = read_class(storable, is_new, ebuf);
+  if (dd_failed(*ebuf)) return 1;
+  check_class_table(read);
+  tav_flist_t* table = nullptr;
+  if (read.table != nullptr && *read.table != '\0' && read.may_name_table) {
+    table = tav_deploy_add_table(tables, read.table, ebuf);
+    if (table == nullptr) return 1;
+  }
+  return tav_deploy_get_table_columns(tables, table, storable, fields, read.table);
+}
+
+static int reading_failed(const tav_ebuf& ebuf) {
+  dd_print_error("Error:  Internal Error");
+  tav_deploy_display_ebuf(&ebuf);
+  dd_log(HERE, MISSING_CLASS_TABLE, ebuf);
+  tav_deploy_raise_error();
+  return -1;
+}
+
+static int collect(const collection& from, dd_list& fields) {
+  tav_ebuf ebuf{};
+  from.tables.list.give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
+  dd_walk walk(from.classes.get(), TAV_FLD_OBJ_DESC);
+  while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
+    const bool is_new = walk.id() > from.last_server_class;
+    if (collect_class(from.tables, storable, is_new, fields, &ebuf) >= 1) continue;
+    return tav_deploy_fail(HERE, from.failed_log, "%s", from.failed_line);
+  }
+  return dd_failed(ebuf) ? reading_failed(ebuf) : 1;
+}
+
+// The working classes include the run's own: a table of a new class is found there once, and a
+// second time only if another class has it too.
+int tav_deploy_import_storage(tav_deploy_import_state& state) {
+  tav_deploy_tables all_tables{.keeps_columns = false};
+  tav_deploy_tables tables{.keeps_columns = true};
+  const collection collections[] = {
+      {state.working_classes, state.last_server_class, all_tables,
+       "Error:  Unable to obtain table/column names from Server classes\n",
+       "Unable to obtain table/column names from Server classes"},
+      {state.classes, -1, tables, "Error:  Unable to obtain table/column names from new classes\n",
+       "Unable to obtain table/column names from new classes"},
+  };
+  for (const collection& from : collections) {
+    if (collect(from, state.working_fields) < 1) return -1;
+  }
+  return tav_deploy_check_unique_names(tables.list, all_tables.list);
+}

@@ -1,0 +1,236 @@
+// The import's passes on lists that no definition file and no dictionary of ours can give them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "deploy/tav_deploy_import.h"
+#include "deploy/tav_deploy_import_hierarchy.h"
+#include "deploy/tav_deploy_import_tables.h"
+
+static const struct {
+  const char* word;
+  uint32_t field;
+} FIELDS[] = {
+    {"field", TAV_FLD_FIELD},     {"class", TAV_FLD_OBJ_DESC}, {"entry", TAV_FLD_OBJ_ELEM},
+    {"use", TAV_FLD_ARGS},        {"Name", TAV_FLD_NAME},      {"name", TAV_FLD_FIELD_NAME},
+    {"type", TAV_FLD_FIELD_TYPE}, {"id", TAV_FLD_FIELD_NUM},   {"descr", TAV_FLD_DESCR},
+    {"mark", TAV_FLD_FLAGS},      {"sql", TAV_FLD_SQL_TABLE},  {"serial", TAV_FLD_SERIALIZABLE}};
+
+static uint32_t field_of(const std::string& word) {
+  for (const auto& row : FIELDS) {
+    if (word == row.word) return row.field;
+  }
+  throw std::runtime_error("unknown word " + word);
+}
+
+// "field( name=F type=5 ) ..." into a list; values have "_" for a blank.
+static void fill(tav_flist_t* list, std::istream& text) {
+  tav_ebuf ebuf{};
+  for (std::string word; text >> word && word != ")";) {
+    const size_t equals = word.find('=');
+    if (equals == std::string::npos) {
+      const uint32_t array = field_of(word.substr(0, word.size() - 1));
+      const int32_t id = tav_flist_elem_count(list, array, &ebuf);
+      fill(tav_flist_elem_add(list, array, id, &ebuf), text);
+      continue;
+    }
+    const uint32_t field = field_of(word.substr(0, equals));
+    std::string value = word.substr(equals + 1);
+    std::replace(value.begin(), value.end(), '_', ' ');
+    if (DD_FIELD_ID_TYPE(field) == TAV_FLDT_STRING) {
+      dd_set_text(list, field, value.c_str(), &ebuf);
+    } else {
+      dd_set_int(list, field, std::stoi(value), &ebuf);
+    }
+  }
+  ASSERT_EQ(ebuf.err_code, 0);
+}
+
+static dd_flist list_of(const char* text) {
+  dd_flist list(tav_flist_create(nullptr));
+  std::istringstream in(text);
+  fill(list.get(), in);
+  return list;
+}
+
+// The list as such a text, element ids with the words ("field0(").
+static std::string text_of(tav_flist_t* list) {
+  tav_ebuf ebuf{};
+  std::ostringstream text;
+  for (const auto& row : FIELDS) {
+    if (DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_ARRAY) {
+      dd_walk walk(list, row.field);
+      while (tav_flist_t* element = walk.next(&ebuf)) {
+        text << row.word << walk.id() << "( " << text_of(element) << ") ";
+      }
+    } else if (DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_STRING) {
+      const char* value = dd_text_or_null(list, row.field, &ebuf);
+      if (value != nullptr) text << row.word << '=' << value << ' ';
+    } else if (const int32_t* value = dd_int_or_null(list, row.field, &ebuf)) {
+      text << row.word << '=' << *value << ' ';
+    }
+  }
+  return text.str();
+}
+
+// What a pass gives, prints on standard error, and raises: "1 error conflict|...".
+template <class Pass>
+static std::string outcome(Pass pass) {
+  tav_deploy_verify_status = tav_deploy_conflict_status = 1;
+  testing::internal::CaptureStderr();
+  std::string text = std::to_string(pass());
+  if (tav_deploy_get_error() < 1) text += " error";
+  if (tav_deploy_get_conflict() < 1) text += " conflict";
+  return text + "|" + testing::internal::GetCapturedStderr();
+}
+
+TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
+  static const struct {
+    uint32_t mode;
+    const char* server;
+    const char* input;
+    const char* outcome;
+    const char* input_after;
+    const char* working;
+  } rows[] = {
+      {TAV_DEPLOY_MODE_CREATE, "",
+       "field( name=F type=5 id=7 ) field( name=f type=5 id=7 descr=d )",
+       "1|Warning: Duplicate field definition f, keeping old\n",
+       "field0( name=F type=5 id=7 mark=1 ) ", "field0( name=F type=5 id=7 ) "},
+      {TAV_DEPLOY_MODE_REPLACE, "",
+       "field( name=F type=5 id=7 ) field( name=f type=5 id=7 descr=d ) field( name=F type=5 id=7 "
+       "descr= )",
+       "1 conflict|Warning: Duplicate field definition f, replacing description\n"
+       "Warning: Duplicate field definition F, replacing description\n",
+       "field0( name=F type=5 id=7 mark=1 ) field1( name=f type=5 id=7 descr=d ) "
+       "field2( name=F type=5 id=7 descr= ) ",
+       "field0( name=F type=5 id=7 descr=d ) "},
+      {TAV_DEPLOY_MODE_VERIFY, "field( name=A type=5 )", "field( name=B ) field( name=a id=1 )",
+       "1 error conflict|Error: Conflicting field definition B, id in use by different field\n"
+       "Error: Conflicting field definition a, different type\n",
+       "field0( name=B ) field1( name=a id=1 mark=1 ) ", "field0( name=A type=5 ) "},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.input);
+    tav_deploy_ctx_t ctx{};
+    ctx.mode = row.mode;
+    tav_deploy_import_state state{.ctx = &ctx};
+    state.fields.give(list_of(row.input));
+    state.server_fields = list_of(row.server);
+    EXPECT_EQ(outcome([&] { return tav_deploy_import_fields(state); }), row.outcome);
+    EXPECT_EQ(text_of(state.fields.get()), row.input_after);
+    EXPECT_EQ(text_of(state.working_fields.get()), row.working);
+  }
+}
+
+TEST(table_counts, a_shared_serializable_table_counts_once) {
+  dd_list tables(DD_TABLES, list_of("use( Name=a ) use( Name=b ) use( Name=A ) use( Name=s ) use( "
+                                    "Name=S serial=1 ) use( Name=t serial=1 ) use( Name=a )"));
+  tav_deploy_table_counts counts{tables};
+  for (const auto& [name, count] :
+       {std::pair{"A", 3}, {"B", 1}, {"s", 1}, {"T", 1}, {"none", 0}, {"", 0}}) {
+    EXPECT_EQ(tav_deploy_count_table_by_name(counts, name), count) << name;
+  }
+}
+
+TEST(columns, are_collected_from_what_the_definitions_say) {
+  static const struct {
+    const char* entries;
+    const char* outcome;
+    const char* tables;
+  } rows[] = {
+      {"entry( name=B sql=C=c_T=t )", "1|", "use0( field0( name=c ) Name=t ) "},
+      {"entry( name=B sql=T=t_C=c )",
+       "1 error|Error: missing column name for BUF field B in table: t\n", "use0( Name=t ) "},
+      {"entry( name=B sql=C=c )", "1 error|Error: missing table name for BUF field B\n", ""},
+      {"entry( name=B sql=C=_T= )",
+       "1 error|Error: missing table name for BUF field B\n"
+       "Error: missing column name for BUF field B in table: \n",
+       ""},
+      {"entry( name=B sql= )", "1 error|Error: missing table name and column name for BUF: B\n",
+       ""},
+      {"entry( name=N sql=c ) entry( name=S sql=d )",
+       "-1 error|Error: Field N has no type definition\nError: Column without Table\n", ""},
+      {"entry( name=a sql=t entry( name=S sql=c ) entry( name=X ) )",
+       "1 error|Error: Field X not defined\nError: missing column name for field X in table: t\n",
+       "use0( field0( name=c ) Name=t ) "},
+      {"entry( name=A entry( name=A sql=t ) entry( name=S sql=c ) )",
+       "-1 error|Error: missing tablename for array/substruct: A\nError: Column without Table\n"
+       "Error: while determining table/column names\n",
+       "use0( Name=t ) "},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.entries);
+    dd_list fields(DD_FIELDS, list_of("field( name=A type=9 ) field( name=B type=6 ) "
+                                      "field( name=S type=5 ) field( name=N )"));
+    const dd_flist container = list_of(row.entries);
+    tav_deploy_tables tables{true, dd_list(DD_TABLES, list_of(""))};
+    EXPECT_EQ(outcome([&] {
+                return tav_deploy_get_table_columns(tables, nullptr, container.get(), fields,
+                                                    nullptr);
+              }),
+              row.outcome);
+    EXPECT_EQ(text_of(tables.list.get()), row.tables);
+  }
+}
+
+TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
+  static const struct {
+    const char* classes;
+    int32_t last_server_class;
+    const char* outcome;
+  } rows[] = {
+      {"class( Name=/a/b sql=t )", 0, "1 error|Error:  No table needed for subclass /a/b\n"},
+      {"class( Name=/a/b sql=t )", -1, "1|"},
+      {"class( Name=/a )", 0, "1 error|Error:  Missing table name for /a\n"},
+      {"class( Name=/a sql= )", 0, "1|"},
+      {"class( Name=/a sql= )", -1, "1 error|Error:  Missing table name for /a\n"},
+      {"class( Name=/a/b sql=t entry( name=S sql=c ) )", 0,
+       "-1 error|Error:  No table needed for subclass /a/b\nError: Column without Table\n"
+       "Error:  Unable to obtain table/column names from Server classes\n"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.classes);
+    tav_deploy_import_state state{};
+    state.working_fields.give(list_of("field( name=S type=5 )"));
+    state.working_classes.give(list_of(row.classes));
+    state.last_server_class = row.last_server_class;
+    state.classes.give(list_of(""));
+    EXPECT_EQ(outcome([&] { return tav_deploy_import_storage(state); }), row.outcome);
+  }
+}
+
+TEST(names_and_types, that_must_be_there_stop_a_check) {
+  const dd_flist nameless = list_of("entry( type=9 )");
+  dd_list none(DD_CLASSES, list_of(""));
+  EXPECT_EQ(outcome([&] { return tav_deploy_prep_subclass(none, none, none, nameless.get()); }),
+            "-1|Error: Internal Error\n");
+  tav_deploy_hierarchy hierarchy{none, {}, {}};
+  EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, nameless.get(), "/a"); }),
+            "-1|Error: Internal Error\nError: Unable to check duplicate array \n");
+  const dd_flist server = list_of("entry( name=A type=9 entry( name=S ) )");
+  const dd_flist untyped = list_of("entry( name=a type=9 sql=t entry( name=S ) )");
+  const std::string text = outcome(
+      [&] { return tav_deploy_check_field_storage_change(server.get(), untyped.get(), "/c"); });
+  const std::string first =
+      "-1|Warning: Not allowed to change SQL_TABLE for class: /c field: a, "
+      "keeping old\nError: Internal Error\nError: [location=";
+  EXPECT_EQ(text.substr(0, first.size()), first);
+  const std::string last = "\n\nError: Unable to check for changing storage specs\n";
+  ASSERT_GT(text.size(), last.size());
+  EXPECT_EQ(text.substr(text.size() - last.size()), last);
+}
+
+TEST(commit, raises_the_flag_only_as_a_trial) {
+  const dd_flist fields = list_of("field( name=F type=5 id=7 mark=1 )");
+  const dd_flist classes = list_of("");
+  for (const auto& [flags, expected] : {std::pair{0u, "-1"}, {128u, "1 error"}, {64u, "-1"}}) {
+    const std::string text = outcome([&, word = flags] {
+      return tav_deploy_import_commit(nullptr, word, nullptr, fields.get(), classes.get(), 0);
+    });
+    EXPECT_EQ(text.substr(0, text.find('|')), expected) << flags;
+  }
+}
