@@ -62,6 +62,12 @@ size_t below(size_t bound) {
   return chance() % bound;
 }
 
+std::string join(const char* a, const std::string& b) {
+  std::string text(a);
+  text += b;
+  return text;
+}
+
 std::string words(size_t shortest, size_t longest) {
   static const char* const some[] = {"account", "balance", "of", "the",    "customer", "period",
                                      "amount",  "date",    "in", "number", "service",  "rate",
@@ -78,7 +84,7 @@ std::string words(size_t shortest, size_t longest) {
 }
 
 entry make_entry(const field& definition, const std::string& stem, int order) {
-  entry made{&definition, words(20, 80), "c" + std::to_string(order), "", order, {}};
+  entry made{&definition, words(20, 80), join("c", std::to_string(order)), "", order, {}};
   if (definition.type == &ARRAY_TYPE) made.column = stem + "_a";
   if (definition.type == &BUF_TYPE) made.table = stem + "_b";
   return made;
@@ -98,13 +104,13 @@ dictionary make(int class_count) {
                              : f == 8 && c % 10 == 0 ? &BUF_TYPE
                                                      : &SCALARS[below(std::size(SCALARS))];
       const int number = 20000 + c * 10 + f;
-      made.fields.push_back({"B_" + std::string(type->keyword) + "_" + std::to_string(number), type,
+      made.fields.push_back({join("B_", type->keyword) + join("_", std::to_string(number)), type,
                              words(20, 80), number});
     }
   }
   for (int c = 0; c < class_count; ++c) {
-    const std::string stem = "bench_" + std::to_string(c);
-    storable one{"/" + stem, stem + "_t", words(20, 80), {}};
+    const std::string stem = join("bench_", std::to_string(c));
+    storable one{join("/", stem), stem + "_t", words(20, 80), {}};
     for (int f = 0; f < 10; ++f) {
       one.entries.push_back(make_entry(made.fields[static_cast<size_t>(c * 10 + f)], stem, f));
     }
@@ -237,12 +243,12 @@ void write_proto(FILE* out, const dictionary& d) {
 
 void write_flat_table(FILE* out, const std::string& name, const std::vector<entry>& entries) {
   for (const entry& e : entries) {
-    if (!e.members.empty()) write_flat_table(out, "T_" + small_name(e), e.members);
+    if (!e.members.empty()) write_flat_table(out, join("T_", small_name(e)), e.members);
   }
   std::fprintf(out, "table %s {\n", name.c_str());
   for (const entry& e : entries) {
     const std::string type =
-        e.members.empty() ? e.definition->type->flat : "[T_" + small_name(e) + "]";
+        e.members.empty() ? e.definition->type->flat : join("[T_", small_name(e)) + "]";
     std::fprintf(out, "  /// %s\n  /// %s\n  /// optional, writeable, column %s %s\n  %s:%s;\n",
                  e.definition->descr.c_str(), e.descr.c_str(), e.column.c_str(), e.table.c_str(),
                  small_name(e).c_str(), type.c_str());

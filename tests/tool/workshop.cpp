@@ -55,17 +55,25 @@ static int spawn(const fs::path& folder, const std::string& program,
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-// "TIME HOST PROGRAM[PID] LEVEL SOURCE:LINE MESSAGE" as "SOURCE MESSAGE"; indented lines left out.
+// "TIME HOST PROGRAM[PID] LEVEL SOURCE:LINE MESSAGE" as "SOURCE MESSAGE". Further lines of a
+// message are indented by four blanks and joined by "\\n" here; what follows them (an error buffer,
+// a list) is left out.
 static std::string records(const std::string& log) {
   std::istringstream lines(log);
   std::string line, text;
+  bool in_message = false;
   while (std::getline(lines, line)) {
-    if (line.empty() || line[0] == ' ' || line[0] == '\t') continue;
+    if (line.empty() || line[0] == ' ') {
+      in_message = in_message && line.rfind("    ", 0) == 0;
+      if (in_message) text.replace(text.size() - 1, 1, "\\n" + line.substr(4) + "\n");
+      continue;
+    }
     std::istringstream words(line);
     std::string time, host, program, level, source, message;
     words >> time >> host >> program >> level >> source;
     std::getline(words, message);
     text += source.substr(0, source.find(':')) + message + "\n";
+    in_message = true;
   }
   return text;
 }
