@@ -1,7 +1,7 @@
 // A list with its index: the elements of one array, found by name or by number in constant time.
 //
-// The index is built at the first look-up and stays in step as long as elements come and go through
-// the calls below and an element keeps its name and number.
+// Each index is built at the first look-up that needs it, and stays in step as long as elements
+// come and go through the calls below and an element keeps its name and number.
 #ifndef DD_LIST_H
 #define DD_LIST_H
 
@@ -45,13 +45,16 @@ class dd_list {
   void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
 
  private:
-  bool build(tav_ebuf* ebuf);
-  void add(tav_flist_t* element, tav_ebuf* ebuf);
+  template <class Add>
+  bool build(bool& built, Add add, tav_ebuf* ebuf);
+  void add_name(tav_flist_t* element, tav_ebuf* ebuf);
+  void add_number(tav_flist_t* element, tav_ebuf* ebuf);
 
   const dd_shape* shape_;
   dd_flist owner_;
   tav_flist_t* list_;
-  bool built_ = false;
+  bool names_built_ = false;
+  bool numbers_built_ = false;
   dd_index<dd_by_name> names_;
   dd_index<dd_by_number> numbers_;
 };

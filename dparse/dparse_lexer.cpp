@@ -40,8 +40,18 @@ int get(FILE* stream) {
   return c;
 }
 
+// Takes white space that the stream has read ahead.
+void skip_ahead(FILE* stream) {
+  const std::string_view ahead = dparse_read_ahead(stream);
+  size_t taken = 0;
+  for (; taken < ahead.size() && is(static_cast<unsigned char>(ahead[taken]), SPACE); ++taken)
+    dparse_lineno += ahead[taken] == '\n';
+  dparse_take_ahead(stream, taken);
+}
+
 // The first character that is neither white space nor in a comment, consumed.
 int skip(FILE* stream) {
+  skip_ahead(stream);
   int c = get(stream);
   while (is(c, SPACE) || c == '#') {
     if (c == '#')

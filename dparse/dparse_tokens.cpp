@@ -42,6 +42,13 @@ constexpr size_t letter(char c) {
   return static_cast<unsigned char>(c) | 0x20u;
 }
 
+constexpr size_t LONGEST = [] {
+  size_t longest = 0;
+  for (const std::string_view text : TEXTS.of)
+    longest = text.size() > longest ? text.size() : longest;
+  return longest;
+}();
+
 constexpr size_t SLOTS = 256;
 
 constexpr size_t first_slot(const char* word, size_t length) {
@@ -73,7 +80,7 @@ bool equals(std::string_view keyword, const char* word, size_t length) {
 }  // namespace
 
 int dparse_keyword(const char* word, size_t length) {
-  if (length == 0) return DPARSE_TOKEN_WORD;
+  if (length == 0 || length > LONGEST) return DPARSE_TOKEN_WORD;
   for (size_t slot = first_slot(word, length); SLOT_ROWS[slot] != 0; slot = (slot + 1) % SLOTS) {
     const int number = token_table[SLOT_ROWS[slot] - 1u].number;
     if (equals(TEXTS.of[static_cast<size_t>(number)], word, length)) return number;

@@ -55,7 +55,7 @@ struct tav_node {
 
 namespace vantor {
 
-constexpr uint32_t FIRST_SLOTS = 6;  // holds a field definition
+constexpr uint32_t FIRST_SLOTS = 4;  // holds a field definition
 
 // A new, empty body with one owner. Throws std::bad_alloc.
 tav_node* new_node(uint32_t slots = FIRST_SLOTS);

@@ -204,14 +204,18 @@ std::string client::classes(const std::string& names) {
 }
 
 // The library reads tav.conf once in a process, so all tests share one, and the logs with it.
-static const std::string& log_folder() {
-  static const std::string made = [] {
-    std::string name = (fs::temp_directory_path() / "dm_logs.XXXXXX").string();
+struct shared_folder {
+  shared_folder() : name((fs::temp_directory_path() / "dm_logs.XXXXXX").string()) {
     std::ofstream(std::string(mkdtemp(name.data())) + "/tav.conf") << "userid = 0.0.0.1 /admin 1\n";
     setenv("TAV_CONF", (name + "/tav.conf").c_str(), 1);
-    return name;
-  }();
-  return made;
+  }
+  ~shared_folder() { fs::remove_all(name); }
+  std::string name;
+};
+
+static const std::string& log_folder() {
+  static const shared_folder made;
+  return made.name;
 }
 
 dictionary::dictionary() {

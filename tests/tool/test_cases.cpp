@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "tests/tool/workshop.h"
@@ -131,6 +133,73 @@ class case_test : public testing::Test {
   std::string file_;
 };
 
+// --- Every finding is expected by some case
+// -----------------------------------------------------------
+
+static std::string slurp(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// The "Error: ..." and "Warning: ..." texts in the sources of the import, with their %s.
+static std::set<std::string> findings_in_sources() {
+  static const std::regex joined("\"\\s*\\n\\s*\"");
+  static const std::regex text("\"(?:\\\\n)?((?:Error|Warning): [^\"\\\\]*)");
+  std::set<std::string> found;
+  for (const auto& entry : fs::directory_iterator(TAV_SOURCES)) {
+    if (entry.path().filename().string().rfind("tav_deploy_import", 0) != 0) continue;
+    const std::string source = std::regex_replace(slurp(entry.path()), joined, "");
+    for (std::sregex_iterator it(source.begin(), source.end(), text), end; it != end; ++it) {
+      found.insert((*it)[1]);
+    }
+  }
+  return found;
+}
+
+// Whether the line is the finding with anything in place of its %s and %d.
+static bool is_finding(const std::string& finding, const std::string& line) {
+  static const std::regex special("[.()*+?^$|{}\\[\\]\\\\]");
+  static const std::regex placeholder("%[sd]");
+  const std::string quoted = std::regex_replace(finding, special, "\\$&");
+  return std::regex_match(line, std::regex(std::regex_replace(quoted, placeholder, ".*")));
+}
+
+class findings_test : public testing::Test {
+ public:
+  explicit findings_test(std::set<std::string> lines) : lines_(std::move(lines)) {}
+  void TestBody() override {
+    const std::set<std::string> findings = findings_in_sources();
+    EXPECT_GT(findings.size(), 40u);
+    for (const std::string& finding : findings) {
+      bool expected = false;
+      for (const std::string& line : lines_) expected = expected || is_finding(finding, line);
+      EXPECT_TRUE(expected) << "no case expects: " << finding;
+    }
+  }
+
+ private:
+  std::set<std::string> lines_;  // what the cases expect, and what no file can bring about
+};
+
+static void register_findings_test(const fs::path& folder,
+                                   const std::vector<std::vector<test_case>>& files) {
+  std::set<std::string> lines;
+  for (const std::string& line : lines_of(slurp(folder / "unreachable.txt"))) lines.insert(line);
+  for (const auto& cases : files) {
+    for (const test_case& c : cases) {
+      for (const step& s : c.steps) {
+        for (const auto& [section, text] : s.expected) {
+          for (const std::string& line : lines_of(text)) lines.insert(line);
+        }
+      }
+    }
+  }
+  testing::RegisterTest("findings", "are_each_expected_by_some_case", nullptr, nullptr, __FILE__,
+                        __LINE__, [=]() -> testing::Test* { return new findings_test(lines); });
+}
+
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   std::vector<fs::path> files;
@@ -139,12 +208,15 @@ int main(int argc, char** argv) {
     if (entry.path().extension() == ".case") files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
+  std::vector<std::vector<test_case>> all;
   for (const fs::path& file : files) {
-    for (const test_case& c : read_cases(file)) {
+    all.push_back(read_cases(file));
+    for (const test_case& c : all.back()) {
       const std::string suite = file.stem().string();
       testing::RegisterTest(suite.c_str(), c.title.c_str(), nullptr, nullptr, file.c_str(), c.line,
                             [=]() -> testing::Test* { return new case_test(c, suite); });
     }
   }
+  if (argc == 1) register_findings_test(folder, all);
   return RUN_ALL_TESTS();
 }

@@ -144,7 +144,7 @@ static const trouble TROUBLES[] = {
      [](const workshop& place) {
        run_options change;
        change.program = SQLITE3;
-       place.run({"dictionary.db", "UPDATE dd_schema SET version = 999"}, change);
+       place.run({"dictionary.db", "PRAGMA user_version = 999"}, change);
      }},
 };
 
@@ -198,8 +198,14 @@ static void there_and_back(const workshop& first, const words& files) {
   ASSERT_NE(exported, "");
 
   const workshop second;
+  std::string line;
   second.write("export.def", exported);
-  ASSERT_EQ(second.run({"create", "export.def"}).err, "");
+  // The predefined fields that the classes use are in every dictionary already.
+  const run_result again = second.run({"create", "export.def"});
+  ASSERT_EQ(again.exit_status, 0) << again.err;
+  for (std::istringstream lines(again.err); std::getline(lines, line);) {
+    EXPECT_EQ(line.rfind("Warning: Duplicate field definition TAV_FLD_", 0), 0u) << line;
+  }
   EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
   const run_result replaced = second.run({"replace", "export.def"});
   EXPECT_EQ(replaced.exit_status, 0);
