@@ -51,7 +51,7 @@ bool refuses(uint32_t opcode, uint32_t flags, tav_ebuf* ebuf) {
 
 #define FAULTY_DEFINE(result, name, parameters, arguments) \
   result faulty_##name parameters {                        \
-    if (fails(ebuf)) return static_cast<result>(0);                      \
+    if (fails(ebuf)) return static_cast<result>(0);        \
     return name arguments;                                 \
   }
 FAULTY_CALLS(FAULTY_DEFINE)
