@@ -49,6 +49,7 @@ void tav_deploy_raise_conflict();
 extern int32_t tav_deploy_fld_count;
 extern int32_t tav_deploy_class_count;
 
+// A null program prints as tav_deploy.
 void tav_deploy_display_usage(FILE* stream, const char* program);
 
 // Reads a command line into a context; 1, or -1 when it was refused (and the operator told why).

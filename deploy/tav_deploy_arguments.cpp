@@ -8,24 +8,21 @@
 
 static constexpr char MODULE[] = "tav_deploy";
 
-static const char* program_name(char** argv) {
-  return argv[0] != nullptr ? argv[0] : "tav_deploy";
-}
-
 void tav_deploy_display_usage(FILE* stream, const char* program) {
   static const char* const forms[] = {
       "class [-smncp] <class1 class2..>",          "field [-cp] <field1 field2..>",
       "verify [-d <target_db> ] <file1 file2..>",  "create [-d <target_db> ] <file1 file2..>",
       "replace [-d <target_db> ] <file1 file2..>",
   };
+  const char* name = program != nullptr ? program : "tav_deploy";
   std::fflush(stdout);
   std::fputs("Usage: \n", stream);
-  for (const char* form : forms) std::fprintf(stream, "\t%s %s\n", program, form);
+  for (const char* form : forms) std::fprintf(stream, "\t%s %s\n", name, form);
 }
 
 // Shows the usage and refuses the command line; `log_text` may be null for none.
 static int refuse(dd_site site, char** argv, const char* log_text) {
-  tav_deploy_display_usage(stderr, program_name(argv));
+  tav_deploy_display_usage(stderr, argv[0]);
   if (log_text != nullptr) dd_log(site, log_text);
   return -1;
 }
