@@ -3,6 +3,7 @@
 #include "dparse/dparse_lexer.h"
 
 #include <array>
+#include <cstring>
 #include <string_view>
 
 #include "dd/fold.h"
@@ -106,20 +107,15 @@ int read_word(FILE* stream, int c, char* text, size_t room, size_t& length) {
   return length == 0 ? DPARSE_TOKEN_EMPTY : dparse_keyword(text, length);
 }
 
-int single(int c) {
-  switch (c) {
-    case '{':
-      return DPARSE_KEY_OPEN;
-    case '}':
-      return DPARSE_KEY_CLOSE;
-    case '=':
-      return DPARSE_KEY_EQUALS;
-    case ';':
-      return DPARSE_KEY_SEMICOLON;
-    default:
-      return 0;
-  }
-}
+// The tokens of one character, 0 for any other.
+constexpr auto SINGLES = [] {
+  std::array<unsigned char, 256> numbers{};
+  numbers['{'] = DPARSE_KEY_OPEN;
+  numbers['}'] = DPARSE_KEY_CLOSE;
+  numbers['='] = DPARSE_KEY_EQUALS;
+  numbers[';'] = DPARSE_KEY_SEMICOLON;
+  return numbers;
+}();
 
 // Stores at most `room` characters, no terminator.
 int read_token(FILE* stream, char* text, size_t room, size_t& length) {
@@ -127,7 +123,7 @@ int read_token(FILE* stream, char* text, size_t room, size_t& length) {
   const int c = skip(stream);
   if (c == EOF) return DPARSE_TOKEN_EOF;
   if (c == '"') return read_string(stream, text, room, length);
-  const int number = single(c);
+  const int number = SINGLES[static_cast<size_t>(c)];
   if (number == 0) return read_word(stream, c, text, room, length);
   if (room > 0) text[length++] = static_cast<char>(c);
   return number;
@@ -149,7 +145,45 @@ int dparseSkipSpaceComs(FILE* stream) {
   return 1;
 }
 
+static void keep_text(dparse_token& token, std::string_view text) {
+  std::memcpy(token.text, text.data(), text.size());
+  token.text[text.size()] = '\0';
+  token.length = text.size();
+}
+
+static int string_ahead(FILE* stream, std::string_view ahead, dparse_token& token) {
+  const size_t end = ahead.find('"');
+  const std::string_view text = ahead.substr(0, end);
+  if (end == ahead.npos || text.find('\n') != text.npos || text.find('\0') != text.npos) return 0;
+  keep_text(token, text);
+  dparse_take_ahead(stream, end + 2);
+  return DPARSE_TOKEN_STRING;
+}
+
+// A token that the stream has read ahead whole, and that needs no message; else 0, and nothing is
+// taken. Nearly all tokens are read here, the others by read_token.
+static int next_ahead(FILE* stream, dparse_token& token) {
+  constexpr size_t ROOM = sizeof token.text - 1;
+  const std::string_view ahead = dparse_read_ahead(stream).substr(0, ROOM);
+  if (ahead.empty() || ahead.front() == '#') return 0;
+  if (const int number = SINGLES[static_cast<unsigned char>(ahead.front())]) {
+    keep_text(token, ahead.substr(0, 1));
+    dparse_take_ahead(stream, 1);
+    return number;
+  }
+  if (ahead.front() == '"') return string_ahead(stream, ahead.substr(1), token);
+  size_t end = 0;
+  while (end < ahead.size() && !is(static_cast<unsigned char>(ahead[end]), ENDS_WORD)) ++end;
+  if (end == ahead.size() || end == 0) return 0;
+  keep_text(token, ahead.substr(0, end));
+  dparse_take_ahead(stream, end);
+  return dparse_keyword(token.text, token.length);
+}
+
 int dparse_next(FILE* stream, dparse_token& token) {
+  skip_ahead(stream);
+  token.number = next_ahead(stream, token);
+  if (token.number != 0) return token.number;
   token.number = read_token(stream, token.text, sizeof token.text - 1, token.length);
   token.text[token.length] = '\0';
   return token.number;
@@ -168,17 +202,24 @@ int dparseIsEqual(const char* a, const char* b) {
   return dd_compare(a, b);
 }
 
-static int expect(FILE* stream, int number, dd_site site, const char* message) {
+// Takes the next token, which must be that character.
+static bool take_single(FILE* stream, char wanted) {
+  skip_ahead(stream);
+  const std::string_view ahead = dparse_read_ahead(stream);
+  if (!ahead.empty() && ahead.front() == wanted) {
+    dparse_take_ahead(stream, 1);
+    return true;
+  }
   dparse_token token;
-  return dparse_take(stream, token, number) ? 1 : dparse_fail(site, "%s", message);
+  return dparse_take(stream, token, SINGLES[static_cast<unsigned char>(wanted)]);
 }
 
 int dparse_expect_equals(FILE* stream) {
-  return expect(stream, DPARSE_KEY_EQUALS, HERE, "= Expected");
+  return take_single(stream, '=') ? 1 : dparse_fail(HERE, "= Expected");
 }
 
 int dparse_expect_semicolon(FILE* stream) {
-  return expect(stream, DPARSE_KEY_SEMICOLON, HERE, "; Expected");
+  return take_single(stream, ';') ? 1 : dparse_fail(HERE, "; Expected");
 }
 
 int dparse_no_open() {
@@ -186,6 +227,5 @@ int dparse_no_open() {
 }
 
 int dparse_expect_open(FILE* stream) {
-  dparse_token token;
-  return dparse_take(stream, token, DPARSE_KEY_OPEN) ? 1 : dparse_no_open();
+  return take_single(stream, '{') ? 1 : dparse_no_open();
 }

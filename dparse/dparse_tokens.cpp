@@ -1,6 +1,7 @@
 #include "dparse/dparse_tokens.h"
 
 #include <array>
+#include <cstring>
 
 #include "dd/fold.h"
 #include "dd/types.h"
@@ -72,6 +73,7 @@ constexpr auto SLOT_ROWS = [] {
 
 bool equals(std::string_view keyword, const char* word, size_t length) {
   if (keyword.size() != length) return false;
+  if (std::memcmp(keyword.data(), word, length) == 0) return true;  // mostly written so
   for (size_t i = 0; i < length; ++i)
     if (keyword[i] != word[i] && dd_fold(keyword[i]) != dd_fold(word[i])) return false;
   return true;
