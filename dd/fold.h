@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // The byte with an ASCII capital made small.
 inline unsigned char dd_fold(char c) {
@@ -14,8 +15,9 @@ inline unsigned char dd_fold(char c) {
 // Compares two texts folded: below, equal to or above 0 as by strcmp.
 int dd_compare(const char* a, const char* b);
 
+// Equal texts are mostly equal to the letter, which the C library tells faster.
 inline bool dd_equal(const char* a, const char* b) {
-  return dd_compare(a, b) == 0;
+  return std::strcmp(a, b) == 0 || dd_compare(a, b) == 0;
 }
 
 // A hash of the folded text: equal for texts that compare equal.

@@ -7,17 +7,52 @@
 
 namespace dm {
 
+// Rows by field number: one more than the row's place, 0 for a field that has none.
+template <size_t N>
+constexpr auto places_by_number(const std::array<attribute, N>& rows) {
+  std::array<uint8_t, 2048> places{};
+  for (size_t i = 0; i < N; ++i) {
+    places.at(static_cast<size_t>(DD_FIELD_ID_NUMBER(rows[i].field))) = static_cast<uint8_t>(i + 1);
+  }
+  return places;
+}
+
+namespace {
+
+// What the fields of a node are sorted into.
+template <size_t N>
+struct sorting {
+  const tav_node* node;
+  const std::array<attribute, N>& rows;
+  const std::array<uint8_t, 2048>& places;
+  std::array<const void*, N>& values;
+};
+
+}  // namespace
+
+template <size_t N>
+static void sort_in(void* context, uint32_t field, const void* value) {
+  const auto& into = *static_cast<const sorting<N>*>(context);
+  const auto number = static_cast<size_t>(DD_FIELD_ID_NUMBER(field));
+  const size_t place = number < into.places.size() ? into.places[number] : 0;
+  if (place == 0 || into.rows[place - 1].field != field) return;
+  if (into.rows[place - 1].form == value_form::TEXTS && tav_node_count(into.node, field) > 0) {
+    value = into.node;
+  }
+  into.values[place - 1] = value;
+}
+
 template <size_t N>
 static void read_values(const tav_node* node, const std::array<attribute, N>& rows,
+                        const std::array<uint8_t, 2048>& places,
                         std::array<const void*, N>& values) {
-  for (size_t i = 0; i < N; ++i) {
-    if (rows[i].form != value_form::TEXTS) {
-      values[i] = tav_node_get(node, rows[i].field);
-    } else {
-      values[i] = tav_node_count(node, rows[i].field) > 0 ? node : nullptr;
-    }
-  }
+  values.fill(nullptr);
+  sorting<N> into{node, rows, places, values};
+  tav_node_each(node, {sort_in<N>, &into});
 }
+
+static constexpr auto CLASS_PLACES = places_by_number(CLASS_ATTRIBUTES);
+static constexpr auto ENTRY_PLACES = places_by_number(ENTRY_ATTRIBUTES);
 
 // An empty storage text is none.
 static void forget_empty(const void*& text) {
@@ -32,7 +67,7 @@ static void read_entries(const tav_node* container, int32_t parent, int32_t dept
   while (const tav_node* node = tav_node_next(container, TAV_FLD_OBJ_ELEM, &position, &id)) {
     const auto place = static_cast<int32_t>(result.entries.size());
     entry_def& entry = result.entries.emplace_back();
-    read_values(node, ENTRY_ATTRIBUTES, entry.values);
+    read_values(node, ENTRY_ATTRIBUTES, ENTRY_PLACES, entry.values);
     forget_empty(entry.values[ENTRY_SQL_NAME]);
     forget_empty(entry.values[ENTRY_STORAGE]);
     const auto* type = static_cast<const int32_t*>(entry.values[ENTRY_TYPE]);
@@ -65,7 +100,7 @@ static void sort_by_name(class_def& definition) {
 void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
   result.elem_id = elem_id;
   result.entries.clear();
-  read_values(element, CLASS_ATTRIBUTES, result.values);
+  read_values(element, CLASS_ATTRIBUTES, CLASS_PLACES, result.values);
   forget_empty(result.values[CLASS_TABLE]);
   forget_empty(result.values[CLASS_STORAGE]);
   read_entries(element, NO_PARENT, 1, result);

@@ -36,7 +36,23 @@ static size_t sequence_length(const unsigned char* at) {
   return static_cast<size_t>(expected.following) + 1;
 }
 
+// Whether it is plain ASCII, and so short that escapes cannot make it too long: nearly every text.
+static bool is_plain(const char* text) {
+  constexpr uint64_t HIGH_BITS = 0x8080808080808080u;
+  const size_t length = std::strlen(text);
+  if (length > LONGEST_TEXT / 2) return false;
+  uint64_t bits = 0;
+  size_t done = 0;
+  for (uint64_t bytes; done + sizeof bytes <= length; done += sizeof bytes) {
+    std::memcpy(&bytes, text + done, sizeof bytes);
+    bits |= bytes;
+  }
+  for (; done < length; ++done) bits |= static_cast<unsigned char>(text[done]);
+  return (bits & HIGH_BITS) == 0;
+}
+
 const char* text_fault(const char* text) {
+  if (is_plain(text)) return nullptr;
   const auto* at = reinterpret_cast<const unsigned char*>(text);
   size_t length = 0;
   while (*at != '\0') {

@@ -64,5 +64,12 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
 uint32_t tav_node_count(const tav_node* node, uint32_t array);
 // The value of a scalar field, or null; null too where the value has another type than the field.
 const void* tav_node_get(const tav_node* node, uint32_t field);
+// Calls visit.call for each field, in the order in which they were added, with its value as get
+// gives it (null for the elements of an array).
+struct tav_node_visitor {
+  void (*call)(void* context, uint32_t field, const void* value);
+  void* context;
+};
+void tav_node_each(const tav_node* node, tav_node_visitor visit);
 
 #endif

@@ -38,3 +38,10 @@ const void* tav_node_get(const tav_node* node, uint32_t field) {
   slot* s = find_slot(const_cast<tav_node&>(*node), field);
   return s != nullptr ? value_of(*s) : nullptr;
 }
+
+void tav_node_each(const tav_node* node, tav_node_visitor visit) {
+  if (node == nullptr) return;
+  each_slot(const_cast<tav_node&>(*node), [&](slot& s) {
+    visit.call(visit.context, s.field, s.form == slot_form::ELEMENTS ? nullptr : value_of(s));
+  });
+}

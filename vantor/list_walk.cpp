@@ -23,14 +23,23 @@ int32_t refusal(const tav_flist_t* list, uint32_t array) {
   return DD_FIELD_ID_TYPE(array) == TAV_FLDT_ARRAY ? TAV_ERR_NONE : TAV_ERR_WRONG_TYPE;
 }
 
-tav_flist_t* give(tav_flist_t& list, element_array& array, element& e) {
-  return hand_out(list, array, e);
+// What a step makes of the next element. An element that the list has handed out before can be
+// given again as it is.
+tav_flist_t* give(tav_flist_t& list, uint32_t field, const element_array& array,
+                  const element& next) {
+  if (next.handle != nullptr && array.home == &list) return next.handle;
+  const uint64_t seq = next.seq;
+  element_array& own = own_elements(list, field);
+  return hand_out(list, own, at_seq(own, seq));
 }
 
-tav_flist_t* take(tav_flist_t& list, element_array& array, element& e) {
-  tav_flist_t* taken = hand_out(list, array, e);
+tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const element& next) {
+  const uint64_t seq = next.seq;
+  element_array& own = own_elements(list, field);
+  element& gone = at_seq(own, seq);
+  tav_flist_t* taken = hand_out(list, own, gone);
   taken->array = nullptr;
-  remove(array, e);
+  remove(own, gone);
   return taken;
 }
 
@@ -45,14 +54,11 @@ tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id, tav_cooki
     if (code != TAV_ERR_NONE) return fail(about, code);
 
     element_array* elements = find_elements(*list->node, field);
-    if (elements == nullptr || find_after(*elements, seq_of(*cookie)) == nullptr) {
-      return fail(about, TAV_ERR_NOT_FOUND);
-    }
-    element_array& array = own_elements(*list, field);
-    element& next = *find_after(array, seq_of(*cookie));
-    const int32_t id = next.id;
-    const uint64_t seq = next.seq;
-    tav_flist_t* result = use(*list, array, next);
+    element* next = elements != nullptr ? find_after(*elements, seq_of(*cookie)) : nullptr;
+    if (next == nullptr) return fail(about, TAV_ERR_NOT_FOUND);
+    const int32_t id = next->id;
+    const uint64_t seq = next->seq;
+    tav_flist_t* result = use(*list, field, *elements, *next);
     if (elem_id != nullptr) *elem_id = id;
     *cookie = cookie_of(seq);
     return result;

@@ -85,7 +85,7 @@ void own_way(tav_flist_t& list) {
 
 }  // namespace
 
-tav_node& own(tav_flist_t& list) {
+tav_node& own_from_above(tav_flist_t& list) {
   if (!is_own_way(list)) own_way(list);
   return *list.node;
 }
