@@ -1,11 +1,11 @@
-// An index of elements by a key, which gives what a walk from the start would give: the first
-// match.
+// An index of values by a key, which gives what a walk from the start would give: the first match.
 //
 // Keys are borrowed texts or numbers. Entries with equal keys keep the order in which they were
-// added: probing is linear, and growing adds them again in that order.
+// added: probing is linear, and growing places them again in that order.
 #ifndef DD_INDEX_H
 #define DD_INDEX_H
 
+#include <algorithm>
 #include <vector>
 
 #include "dd/fold.h"
@@ -23,65 +23,89 @@ struct dd_by_number {
   static bool equal(key a, key b) { return a == b; }
 };
 
-template <class By>
+template <class By, class Value = tav_flist_t*>
 class dd_index {
  public:
-  void clear() { *this = dd_index(); }
+  using key_type = typename By::key;
 
-  void add(typename By::key key, tav_flist_t* element) {
-    entries_.push_back({key, By::hash(key), element});
-    if (entries_.size() * 2 > slots_.size()) return grow();
-    place(static_cast<uint32_t>(entries_.size() - 1));
+  // Keeps the memory for what comes next.
+  void clear() {
+    entries_.clear();
+    std::fill(slots_.begin(), slots_.end(), slot{});
   }
 
-  // The first element of that key, or null.
-  tav_flist_t* find(typename By::key key) const {
-    const entry* found = look(key, [](const entry&) { return true; });
-    return found != nullptr ? found->element : nullptr;
+  void add(key_type key, Value value) { add(key, By::hash(key), value); }
+
+  // Adds the value unless the key is there; gives the one that stands.
+  Value add_first(key_type key, Value value) {
+    const uint32_t hash = By::hash(key);
+    if (const entry* there = look(key, hash, any)) return there->value;
+    add(key, hash, value);
+    return value;
   }
 
-  // Forgets one element; others of the same key stay.
-  void remove(typename By::key key, const tav_flist_t* element) {
-    auto* found =
-        const_cast<entry*>(look(key, [element](const entry& e) { return e.element == element; }));
-    if (found != nullptr) found->element = nullptr;
+  // The first value of that key, or null; valid until one is added.
+  const Value* find(key_type key) const {
+    const entry* found = look(key, By::hash(key), any);
+    return found != nullptr ? &found->value : nullptr;
+  }
+
+  // Forgets one value; others of the same key stay.
+  void remove(key_type key, Value value) {
+    const entry* found =
+        look(key, By::hash(key), [&value](const entry& e) { return e.value == value; });
+    if (found != nullptr) entries_[static_cast<size_t>(found - entries_.data())].is_removed = true;
   }
 
  private:
   struct entry {
-    typename By::key key;
+    key_type key;  // not looked at any more once removed
+    Value value;
     uint32_t hash;
-    tav_flist_t* element;  // null once removed; the key is then not looked at any more
+    bool is_removed;
+  };
+  // The hash stands here too, so that a search reads no entry in vain.
+  struct slot {
+    uint32_t hash;
+    uint32_t position;  // in entries_ plus one, 0 for free
   };
 
+  static bool any(const entry&) { return true; }
   size_t first_slot(uint32_t hash) const { return hash & (slots_.size() - 1); }
-  size_t next_slot(size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
+  size_t next_slot(size_t at) const { return (at + 1) & (slots_.size() - 1); }
 
   template <class Wanted>
-  const entry* look(typename By::key key, Wanted wanted) const {
+  const entry* look(key_type key, uint32_t hash, Wanted wanted) const {
     if (slots_.empty()) return nullptr;
-    const uint32_t hash = By::hash(key);
-    for (size_t slot = first_slot(hash); slots_[slot] != 0; slot = next_slot(slot)) {
-      const entry& e = entries_[slots_[slot] - 1];
-      if (e.hash == hash && e.element != nullptr && By::equal(e.key, key) && wanted(e)) return &e;
+    for (size_t at = first_slot(hash); slots_[at].position != 0; at = next_slot(at)) {
+      if (slots_[at].hash != hash) continue;
+      const entry& e = entries_[slots_[at].position - 1];
+      if (!e.is_removed && By::equal(e.key, key) && wanted(e)) return &e;
     }
     return nullptr;
   }
 
+  void add(key_type key, uint32_t hash, Value value) {
+    entries_.push_back({key, value, hash, false});
+    if (entries_.size() * 2 > slots_.size()) return grow();
+    place(static_cast<uint32_t>(entries_.size()));
+  }
+
   void place(uint32_t position) {
-    size_t slot = first_slot(entries_[position].hash);
-    while (slots_[slot] != 0) slot = next_slot(slot);
-    slots_[slot] = position + 1;
+    const uint32_t hash = entries_[position - 1].hash;
+    size_t at = first_slot(hash);
+    while (slots_[at].position != 0) at = next_slot(at);
+    slots_[at] = {hash, position};
   }
 
   void grow() {
     const size_t size = slots_.empty() ? 16 : slots_.size() * 2;
-    slots_.assign(size, 0);
-    for (uint32_t i = 0; i < entries_.size(); ++i) place(i);
+    slots_.assign(size, slot{});
+    for (uint32_t i = 1; i <= entries_.size(); ++i) place(i);
   }
 
   std::vector<entry> entries_;
-  std::vector<uint32_t> slots_;  // a power of two; position in entries_ plus one, 0 for free
+  std::vector<slot> slots_;  // a power of two
 };
 
 #endif

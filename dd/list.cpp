@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "dd/values.h"
-#include "dd/walk.h"
 
 dd_list::dd_list(const dd_shape& shape, dd_flist list)
     : shape_(&shape), owner_(std::move(list)), list_(owner_.get()) {}
@@ -13,6 +12,7 @@ dd_list::dd_list(const dd_shape& shape, tav_flist_t* borrowed) : shape_(&shape),
 void dd_list::give(dd_flist list) {
   owner_ = std::move(list);
   list_ = owner_.get();
+  lent_.clear();
   names_built_ = false;
   numbers_built_ = false;
 }
@@ -20,7 +20,7 @@ void dd_list::give(dd_flist list) {
 template <class Add>
 bool dd_list::build(bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
-  dd_walk walk(list_, shape_->array);
+  dd_list_walk walk(*this);
   while (tav_flist_t* element = walk.next(ebuf)) (this->*add)(element, ebuf);
   built = !dd_failed(*ebuf);
   return built;
@@ -28,12 +28,16 @@ bool dd_list::build(bool& built, Add add, tav_ebuf* ebuf) {
 
 tav_flist_t* dd_list::find(const char* name, tav_ebuf* ebuf) {
   if (!names_built_) names_.clear();
-  return build(names_built_, &dd_list::add_name, ebuf) ? names_.find(name) : nullptr;
+  if (!build(names_built_, &dd_list::add_name, ebuf)) return nullptr;
+  tav_flist_t* const* found = names_.find(name);
+  return found != nullptr ? *found : nullptr;
 }
 
 tav_flist_t* dd_list::find_number(int32_t number, tav_ebuf* ebuf) {
   if (!numbers_built_) numbers_.clear();
-  return build(numbers_built_, &dd_list::add_number, ebuf) ? numbers_.find(number) : nullptr;
+  if (!build(numbers_built_, &dd_list::add_number, ebuf)) return nullptr;
+  tav_flist_t* const* found = numbers_.find(number);
+  return found != nullptr ? *found : nullptr;
 }
 
 int32_t dd_list::count(tav_ebuf* ebuf) const {
@@ -43,8 +47,7 @@ int32_t dd_list::count(tav_ebuf* ebuf) const {
 void dd_list::put(int32_t id, dd_flist element, tav_ebuf* ebuf) {
   tav_flist_t* borrowed = element.get();
   dd_put(list_, shape_->array, id, std::move(element), ebuf);
-  if (names_built_ && !dd_failed(*ebuf)) add_name(borrowed, ebuf);
-  if (numbers_built_ && !dd_failed(*ebuf)) add_number(borrowed, ebuf);
+  note(borrowed, ebuf);
 }
 
 void dd_list::append(dd_flist element, tav_ebuf* ebuf) {
@@ -57,6 +60,18 @@ void dd_list::drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf) {
   tavi_flist_drop(list_, shape_->array, id, ebuf);
 }
 
+void dd_list::lend(tav_flist_t* element, tav_ebuf* ebuf) {
+  if (dd_failed(*ebuf)) return;
+  lent_.push_back(element);
+  note(element, ebuf);
+}
+
+// Keeps the indexes that are built in step.
+void dd_list::note(tav_flist_t* element, tav_ebuf* ebuf) {
+  if (names_built_ && !dd_failed(*ebuf)) add_name(element, ebuf);
+  if (numbers_built_ && !dd_failed(*ebuf)) add_number(element, ebuf);
+}
+
 void dd_list::add_name(tav_flist_t* element, tav_ebuf* ebuf) {
   const char* name = dd_text(element, shape_->name, ebuf);
   if (!dd_failed(*ebuf)) names_.add(name, element);
@@ -65,4 +80,14 @@ void dd_list::add_name(tav_flist_t* element, tav_ebuf* ebuf) {
 void dd_list::add_number(tav_flist_t* element, tav_ebuf* ebuf) {
   const int32_t number = dd_int(element, shape_->number, ebuf);
   if (!dd_failed(*ebuf)) numbers_.add(number, element);
+}
+
+tav_flist_t* dd_list_walk::next(tav_ebuf* ebuf) {
+  if (dd_failed(*ebuf)) return nullptr;
+  if (has_own_) {
+    if (tav_flist_t* element = own_.next(ebuf)) return element;
+    if (dd_failed(*ebuf)) return nullptr;
+    has_own_ = false;
+  }
+  return place_ < lent_.size() ? lent_[place_++] : nullptr;
 }

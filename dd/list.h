@@ -6,7 +6,9 @@
 #define DD_LIST_H
 
 #include "dd/index.h"
+#include "dd/leave.h"
 #include "dd/owners.h"
+#include "dd/walk.h"
 
 // Which array a list is about, and which fields of an element name and number it.
 struct dd_shape {
@@ -20,6 +22,8 @@ inline constexpr dd_shape DD_CLASSES{TAV_FLD_OBJ_DESC, TAV_FLD_NAME, 0};
 inline constexpr dd_shape DD_ENTRIES{TAV_FLD_OBJ_ELEM, TAV_FLD_FIELD_NAME, 0};
 inline constexpr dd_shape DD_TABLES{TAV_FLD_ARGS, TAV_FLD_NAME, 0};
 
+// Elements of other lists may be lent to a list: they are found and walked (dd_list_walk) after its
+// own, and must outlive its use.
 class dd_list {
  public:
   // Takes the list over (it may be none until given).
@@ -31,32 +35,59 @@ class dd_list {
   tav_flist_t* get() const { return list_; }
   // Takes another list over and frees the one before.
   void give(dd_flist list);
+  // Leaves its own list to the end of the process (dd_leave).
+  void leave() { dd_leave(std::move(owner_)); }
 
   // The first element of that name (or number), borrowed, or null: not there, or a failure in the
   // buffer. A missing name counts as empty, a missing number as 0.
   tav_flist_t* find(const char* name, tav_ebuf* ebuf);
   tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
 
+  // The number of the list's own elements.
   int32_t count(tav_ebuf* ebuf) const;
   // Puts the element under the id, or at the end.
   void put(int32_t id, dd_flist element, tav_ebuf* ebuf);
   void append(dd_flist element, tav_ebuf* ebuf);
   // Drops the element, which has that id.
   void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
+  // Lends it the element, which stays where it is.
+  void lend(tav_flist_t* element, tav_ebuf* ebuf);
 
  private:
+  friend class dd_list_walk;
+
   template <class Add>
   bool build(bool& built, Add add, tav_ebuf* ebuf);
+  void note(tav_flist_t* element, tav_ebuf* ebuf);
   void add_name(tav_flist_t* element, tav_ebuf* ebuf);
   void add_number(tav_flist_t* element, tav_ebuf* ebuf);
 
   const dd_shape* shape_;
   dd_flist owner_;
   tav_flist_t* list_;
+  std::vector<tav_flist_t*> lent_;
   bool names_built_ = false;
   bool numbers_built_ = false;
   dd_index<dd_by_name> names_;
   dd_index<dd_by_number> numbers_;
+};
+
+// Walks a list's own elements and then those lent to it, as dd_walk does.
+class dd_list_walk {
+ public:
+  explicit dd_list_walk(const dd_list& list)
+      : own_(list.get(), list.shape_->array), has_own_(list.get() != nullptr), lent_(list.lent_) {}
+
+  // The next element, borrowed; null at the end and on a failure.
+  tav_flist_t* next(tav_ebuf* ebuf);
+  // Whether the element that next() gave last was lent.
+  bool is_lent() const { return !has_own_; }
+
+ private:
+  dd_walk own_;
+  bool has_own_;  // not at their end yet
+  const std::vector<tav_flist_t*>& lent_;
+  size_t place_ = 0;
 };
 
 #endif

@@ -27,7 +27,9 @@ static int write_used_fields(tav_flist_t* classes, dd_list& fields, const tav_de
   dd_list included(DD_FIELDS);
   if (gather(classes, included, fields, ctx) < 1) return -1;
   tav_ebuf ebuf{};
-  if (dparseExportInterfaceFields(stdout, included.get(), &ebuf) >= 1) return 1;
+  const int result = dparseExportInterfaceFields(stdout, included.get(), &ebuf);
+  included.leave();
+  if (result >= 1) return 1;
   return tav_deploy_fail(HERE, "Unable to export Interface fields",
                          "Error: Unable to export interface fields\n");
 }
@@ -85,5 +87,8 @@ int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
                            "Error: attempting to retrieve storable classes from Quorvale Server\n");
   }
   dd_list dictionary(DD_FIELDS, std::move(fields));
-  return write_all(classes.get(), dictionary, *ctx) < 1 ? -1 : found;
+  const int result = write_all(classes.get(), dictionary, *ctx) < 1 ? -1 : found;
+  dd_leave(std::move(classes));
+  dictionary.leave();
+  return result;
 }

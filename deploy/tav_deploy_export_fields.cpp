@@ -1,6 +1,7 @@
 // The mode `field`.
 #include <utility>
 
+#include "dd/leave.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -77,5 +78,7 @@ int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
                            "Error: Internal Error\n");
   }
   const int result = named ? report_unknown(fields.get(), *ctx) : 1;
-  return write_fields(fields.get()) < 1 ? -1 : result;
+  const int written = write_fields(fields.get());
+  dd_leave(std::move(fields));
+  return written < 1 ? -1 : result;
 }

@@ -1,6 +1,8 @@
 // The modes `verify`, `create` and `replace`: a table of steps, and the loop that takes them.
 #include "deploy/tav_deploy_import.h"
 
+#include <utility>
+
 #include "dd/report.h"
 #include "deploy/tav_deploy_report.h"
 
@@ -35,9 +37,25 @@ static int commit(tav_deploy_import_state& state, uint32_t flags) {
                                   state.fields.get(), state.classes.get(), state.ctx->database);
 }
 
-static int try_commit(tav_deploy_import_state& state) {
+// The input's classes in the order in which the server takes them.
+static int put_in_order(tav_deploy_import_state& state) {
+  tav_ebuf ebuf{};
+  dd_list ordered(DD_CLASSES, dd_flist(tav_flist_create(at(&ebuf, HERE))));
+  dd_list_walk walk(state.ordered_classes);
+  while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
+    dd_flist copy(tav_flist_copy(storable, at(&ebuf, HERE)));
+    ordered.append(std::move(copy), at(&ebuf, HERE));
+  }
   state.working_fields.give(nullptr);
   state.working_classes.give(nullptr);
+  state.ordered_classes.give(nullptr);
+  state.classes.leave();
+  state.classes = std::move(ordered);
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+static int try_commit(tav_deploy_import_state& state) {
+  if (put_in_order(state) < 1) return -1;
   return tav_deploy_get_error() >= 0 ? commit(state, TAV_DEPLOY_COMMIT_TRIAL) : 1;
 }
 
@@ -149,10 +167,19 @@ static int step_failed(const step& failed) {
   return -1;
 }
 
-int tav_deploy_import(tav_deploy_ctx_t* ctx) {
-  tav_deploy_import_state state{.ctx = ctx};
+static int run(tav_deploy_import_state& state) {
   for (const step& s : STEPS) {
     if (s.applies() && s.run(state) < 1) return step_failed(s);
   }
   return 1;
+}
+
+int tav_deploy_import(tav_deploy_ctx_t* ctx) {
+  tav_deploy_import_state state{.ctx = ctx};
+  const int result = run(state);
+  for (dd_list* list :
+       {&state.fields, &state.classes, &state.working_fields, &state.working_classes}) {
+    list->leave();
+  }
+  return result;
 }

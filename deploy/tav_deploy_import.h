@@ -12,18 +12,18 @@
 #include "deploy/tav_deploy.h"
 #include "deploy/tav_deploy_tcm.h"
 
-// What one run holds. The working lists show the server and the input as one dictionary: they begin
-// as what the server has (whose list they take over), and the run's new definitions are appended.
+// What one run holds. The working lists show the server and the input as one dictionary: they take
+// over what the server has, and the run's new definitions are lent to them.
 struct tav_deploy_import_state {
   const tav_deploy_ctx_t* ctx = nullptr;
   tav_deploy_session session{};  // outlives the lists
   dd_list fields{DD_FIELDS};     // the input
   dd_list classes{DD_CLASSES};
+  dd_list ordered_classes{DD_CLASSES};  // the input's, each after its superclasses, all lent
   dd_flist server_fields{};
   dd_flist server_classes{};
   dd_list working_fields{DD_FIELDS};
   dd_list working_classes{DD_CLASSES};
-  int32_t last_server_class = 0;  // working classes with a higher element id are the run's own
 };
 
 // --- Steps, in their order
@@ -49,9 +49,8 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
 inline bool tav_deploy_is_subclass(const char* class_name) {
   return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
 }
-// Reports the superclasses that neither server nor input has; appends copies of those that the
-// input has, where the ordering lacks them, and of the class itself, also where it is there
-// already.
+// Reports the superclasses that neither server nor input has; lends the ordering those that the
+// input has, where it lacks them, and the class itself, also where it is there already.
 int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
                              tav_flist_t* storable);
 

@@ -1,5 +1,4 @@
 // Compares the classes of the input with the server's.
-#include <algorithm>
 #include <utility>
 
 #include "dd/values.h"
@@ -9,13 +8,6 @@
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
-
-static int32_t highest_id(tav_flist_t* classes, tav_ebuf* ebuf) {
-  int32_t highest = 0;
-  dd_walk walk(classes, TAV_FLD_OBJ_DESC);
-  while (walk.next(at(ebuf, HERE)) != nullptr) highest = std::max(highest, walk.id());
-  return highest;
-}
 
 static int compare_with_known(tav_flist_t* known, tav_flist_t* storable, const char* name,
                               tav_ebuf* ebuf) {
@@ -32,16 +24,13 @@ int tav_deploy_import_classes(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   dd_list& working = state.working_classes;
   working.give(std::move(state.server_classes));
-  state.last_server_class = highest_id(working.get(), &ebuf);
-  int32_t highest = state.last_server_class;
   dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;
     tav_flist_t* known = tav_deploy_get_class_by_name(working, name);
     if (known == nullptr) {
-      dd_flist copy(tav_flist_copy(storable, at(&ebuf, HERE)));
-      working.put(++highest, std::move(copy), at(&ebuf, HERE));
+      working.lend(storable, at(&ebuf, HERE));
     } else if (compare_with_known(known, storable, name, &ebuf) < 1) {
       return -1;
     }

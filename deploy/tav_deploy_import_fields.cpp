@@ -30,8 +30,7 @@ static definition read_definition(tav_flist_t* field, tav_ebuf* ebuf) {
 
 static void add_new(dd_list& working, const definition& field, tav_ebuf* ebuf) {
   if (tav_deploy_get_field_by_id(working, field.number) == nullptr) {
-    dd_flist copy(tav_flist_copy(field.element, at(ebuf, HERE)));
-    return working.append(std::move(copy), at(ebuf, HERE));
+    return working.lend(field.element, at(ebuf, HERE));
   }
   tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id in use conflict",
                     "Error: Conflicting field definition %s, id in use by different field\n",
@@ -45,11 +44,14 @@ static void mark_first(dd_list& fields, const char* name, tav_ebuf* ebuf) {
   if (first != nullptr) dd_set_int(first, TAV_FLD_FLAGS, DD_FIELD_ON_SERVER, at(ebuf, HERE));
 }
 
-static void replace_description(const definition& field, const definition& known, tav_ebuf* ebuf) {
+// A definition of the input's own keeps its description: each is sent as it stands.
+static void replace_description(dd_list& fields, const definition& field, const definition& known,
+                                tav_ebuf* ebuf) {
   tav_deploy_report(HERE, CONFLICT, nullptr,
                     "Warning: Duplicate field definition %s, replacing description\n", field.name);
   const char* description = dd_text(field.element, TAV_FLD_DESCR, at(ebuf, HERE));
   if (*description == '\0') return;
+  if (tav_deploy_get_field_by_name(fields, field.name) == known.element) return;
   dd_set_text(known.element, TAV_FLD_DESCR, description, at(ebuf, HERE));
 }
 
@@ -70,7 +72,9 @@ static void settle_known(tav_deploy_import_state& state, int32_t id, const defin
     return tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id conflict",
                              "Error: Conflicting field definition %s, different id\n", field.name);
   }
-  if (state.ctx->mode == TAV_DEPLOY_MODE_REPLACE) return replace_description(field, known, ebuf);
+  if (state.ctx->mode == TAV_DEPLOY_MODE_REPLACE) {
+    return replace_description(state.fields, field, known, ebuf);
+  }
   keep_old(state.fields, id, field, ebuf);
 }
 

@@ -14,7 +14,7 @@ static constexpr char MODULE[] = "tav_deploy_import";
 static int build(tav_deploy_hierarchy& hierarchy) {
   if (!hierarchy.entries.empty()) return 1;
   tav_ebuf ebuf{};
-  dd_walk walk(hierarchy.working_classes.get(), TAV_FLD_OBJ_DESC);
+  dd_list_walk walk(hierarchy.working_classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
     hierarchy.by_name.push_back({name, hierarchy.entries.size()});

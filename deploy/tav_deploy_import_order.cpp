@@ -1,6 +1,5 @@
 // Puts every class after its superclasses, and reports superclasses that are missing.
 #include <string>
-#include <utility>
 
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -12,11 +11,6 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum tav_deploy_raises;
 
-static void append_copy(dd_list& ordering, tav_flist_t* storable, tav_ebuf* ebuf) {
-  dd_flist copy(tav_flist_copy(storable, at(ebuf, HERE)));
-  ordering.append(std::move(copy), at(ebuf, HERE));
-}
-
 static void place_superclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
                              const char* name, tav_ebuf* ebuf) {
   if (tav_deploy_get_class_by_name(working_classes, name) == nullptr) {
@@ -25,7 +19,7 @@ static void place_superclass(dd_list& ordering, dd_list& working_classes, dd_lis
   }
   tav_flist_t* input = tav_deploy_get_class_by_name(input_classes, name);
   if (input == nullptr || tav_deploy_get_class_by_name(ordering, name) != nullptr) return;
-  append_copy(ordering, input, ebuf);
+  ordering.lend(input, at(ebuf, HERE));
 }
 
 int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
@@ -42,22 +36,20 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
     const std::string superclass = name.substr(0, cut);
     place_superclass(ordering, working_classes, input_classes, superclass.c_str(), &ebuf);
   }
-  append_copy(ordering, storable, &ebuf);
+  ordering.lend(storable, at(&ebuf, HERE));
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
 
 int tav_deploy_import_order(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
-  dd_list ordering(DD_CLASSES, dd_flist(tav_flist_create(at(&ebuf, HERE))));
   dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
-    if (tav_deploy_prep_subclass(ordering, state.working_classes, state.classes, storable) >= 1) {
+    if (tav_deploy_prep_subclass(state.ordered_classes, state.working_classes, state.classes,
+                                 storable) >= 1) {
       continue;
     }
     return tav_deploy_fail(HERE, "Unable to prepare subclass",
                            "Error: Unable to prepare subclass\n");
   }
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
-  state.classes = std::move(ordering);
-  return 1;
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }

@@ -16,8 +16,7 @@ static dd_index<dd_by_name> repeated_names(tav_flist_t* node, tav_ebuf* ebuf) {
   dd_walk walk(node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* entry = walk.next(at(ebuf, HERE))) {
     const char* name = dd_text(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
-    dd_index<dd_by_name>& next = seen.find(name) == nullptr ? seen : repeated;
-    if (next.find(name) == nullptr) next.add(name, entry);
+    if (seen.add_first(name, entry) != entry) repeated.add_first(name, entry);
   }
   return repeated;
 }

@@ -22,8 +22,7 @@ struct class_table {
 
 // One collection: over which classes, into which list, and what a failure is called.
 struct collection {
-  dd_list& classes;
-  int32_t last_server_class;  // classes with a higher element id are new
+  dd_list& classes;  // those that are lent to it are new
   tav_deploy_tables& tables;
   const char* failed_line;
   const char* failed_log;
@@ -75,10 +74,9 @@ static int reading_failed(const tav_ebuf& ebuf) {
 static int collect(const collection& from, dd_list& fields) {
   tav_ebuf ebuf{};
   from.tables.list.give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
-  dd_walk walk(from.classes.get(), TAV_FLD_OBJ_DESC);
+  dd_list_walk walk(from.classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
-    const bool is_new = walk.id() > from.last_server_class;
-    if (collect_class(from.tables, storable, is_new, fields, &ebuf) >= 1) continue;
+    if (collect_class(from.tables, storable, walk.is_lent(), fields, &ebuf) >= 1) continue;
     return tav_deploy_fail(HERE, from.failed_log, "%s", from.failed_line);
   }
   return dd_failed(ebuf) ? reading_failed(ebuf) : 1;
@@ -90,10 +88,11 @@ int tav_deploy_import_storage(tav_deploy_import_state& state) {
   tav_deploy_tables all_tables{.keeps_columns = false};
   tav_deploy_tables tables{.keeps_columns = true};
   const collection collections[] = {
-      {state.working_classes, state.last_server_class, all_tables,
+      {state.working_classes, all_tables,
        "Error:  Unable to obtain table/column names from Server classes\n",
        "Unable to obtain table/column names from Server classes"},
-      {state.classes, -1, tables, "Error:  Unable to obtain table/column names from new classes\n",
+      {state.ordered_classes, tables,
+       "Error:  Unable to obtain table/column names from new classes\n",
        "Unable to obtain table/column names from new classes"},
   };
   for (const collection& from : collections) {

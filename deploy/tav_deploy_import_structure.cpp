@@ -40,7 +40,7 @@ static int check_class(tav_deploy_import_state& state, tav_deploy_hierarchy& hie
 int tav_deploy_import_structure(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   tav_deploy_hierarchy hierarchy{state.working_classes, {}, {}};
-  dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);
+  dd_list_walk walk(state.ordered_classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;

@@ -33,17 +33,15 @@ int tav_deploy_count_table_by_name(tav_deploy_table_counts& counts, const char* 
   return uses.all >= 2 && uses.serializable >= 1 ? 1 : uses.all;
 }
 
-static int check_columns(tav_flist_t* table, const char* table_name) {
+// The index is the caller's, to be filled anew for each table.
+static int check_columns(tav_flist_t* table, const char* table_name, dd_index<dd_by_name>& seen) {
   tav_ebuf ebuf{};
-  dd_index<dd_by_name> seen;
+  seen.clear();
   dd_walk walk(table, TAV_FLD_FIELD);
   while (tav_flist_t* column = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(column, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;
-    if (seen.find(name) == nullptr) {
-      seen.add(name, column);
-      continue;
-    }
+    if (seen.add_first(name, column) == column) continue;
     tav_deploy_report(HERE, ERROR, "duplicate column name",
                       "Error: duplicate column %s within table: %s\n", name, table_name);
   }
@@ -53,7 +51,8 @@ static int check_columns(tav_flist_t* table, const char* table_name) {
                          "Error:  while checking for unique column names\n");
 }
 
-static int check_table(tav_flist_t* table, tav_deploy_table_counts& counts, tav_ebuf* ebuf) {
+static int check_table(tav_flist_t* table, tav_deploy_table_counts& counts,
+                       dd_index<dd_by_name>& columns, tav_ebuf* ebuf) {
   const char* name = dd_text(table, TAV_FLD_NAME, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return 1;
   const int count = tav_deploy_count_table_by_name(counts, name);
@@ -62,14 +61,15 @@ static int check_table(tav_flist_t* table, tav_deploy_table_counts& counts, tav_
     tav_deploy_report(HERE, ERROR, "duplicate table name", "Error: duplicate table name: %s\n",
                       name);
   }
-  return check_columns(table, name);
+  return check_columns(table, name, columns);
 }
 
 static int check_tables(dd_list& tables, tav_deploy_table_counts& counts) {
   tav_ebuf ebuf{};
+  dd_index<dd_by_name> columns;
   dd_walk walk(tables.get(), TAV_FLD_ARGS);
   while (tav_flist_t* table = walk.next(at(&ebuf, HERE))) {
-    if (check_table(table, counts, &ebuf) < 1) return -1;
+    if (check_table(table, counts, columns, &ebuf) < 1) return -1;
   }
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }

@@ -6,7 +6,6 @@
 static constexpr char MODULE[] = "tav_deploy_import";
 
 static tav_flist_t* by_name(dd_list& list, const char* name, dd_site site) {
-  if (list.get() == nullptr) return nullptr;
   tav_ebuf ebuf{};
   tav_flist_t* found = list.find(name, at(&ebuf, site));
   if (dd_failed(ebuf)) tav_deploy_call_failed(site, ebuf);

@@ -30,14 +30,14 @@ void name_cache::add(const char* name, int64_t value) {
   const size_t size = std::strlen(name) + 1;
   auto* copy = static_cast<char*>(names_.allocate(size, 1));
   std::memcpy(copy, name, size);
-  values.add(copy, value);
+  values.add_first(copy, value);
 }
 
 class_world::class_world(store& store, int64_t database) : store_(store), database_(database) {}
 
 void class_world::add_fields(const field_plan& plan) {
   for (const planned_field& field : plan.changes) {
-    fields_.values.add(field.row.name, field.row.type);
+    fields_.values.add_first(field.row.name, field.row.type);
   }
 }
 

@@ -7,8 +7,8 @@
 #include <memory_resource>
 #include <unordered_map>
 
+#include "dd/index.h"
 #include "dm/class_json.h"
-#include "dm/first_index.h"
 #include "dm/session.h"
 
 namespace dm {
@@ -23,7 +23,7 @@ bool load_class(class_reader& reader, const class_row& row, dd_flist& list, clas
 // Names of one kind that were looked up or read all, with what stands under them.
 struct name_cache {
   static constexpr int64_t ABSENT = -1;
-  first_index<dd_by_name> values;
+  dd_index<dd_by_name, int64_t> values;
   bool is_complete = false;
   // Keeps a copy of the name.
   void add(const char* name, int64_t value);

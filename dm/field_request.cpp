@@ -16,8 +16,8 @@ void read_request(const tav_node* input, field_request& request) {
     field.descr = static_cast<const char*>(tav_node_get(node, TAV_FLD_DESCR));
     field.elem_id = id;
     const auto place = static_cast<int64_t>(request.fields.size());
-    if (field.name != nullptr) request.by_name.add(field.name, place);
-    if (field.number != nullptr) request.by_number.add(*field.number, place);
+    if (field.name != nullptr) request.by_name.add_first(field.name, place);
+    if (field.number != nullptr) request.by_number.add_first(*field.number, place);
     request.fields.push_back(field);
   }
 }

@@ -2,7 +2,7 @@
 #ifndef DM_FIELD_REQUEST_H
 #define DM_FIELD_REQUEST_H
 
-#include "dm/first_index.h"
+#include "dd/index.h"
 #include "dm/session.h"
 
 namespace dm {
@@ -24,8 +24,8 @@ struct asked_field {
 
 struct field_request {
   std::vector<asked_field> fields;
-  first_index<dd_by_name> by_name;  // positions in `fields`
-  first_index<dd_by_number> by_number;
+  dd_index<dd_by_name, int64_t> by_name;  // positions in `fields`
+  dd_index<dd_by_number, int64_t> by_number;
 };
 
 // Reads the request; its texts are borrowed from the list.

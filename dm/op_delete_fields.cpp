@@ -1,6 +1,6 @@
 // 585: deletes fields; all or nothing. What the dictionary does not hold so is left alone.
+#include "dd/index.h"
 #include "dm/class_world.h"
-#include "dm/first_index.h"
 #include "dm/operations.h"
 
 namespace dm {
@@ -54,7 +54,7 @@ static bool find_doomed(operation& op, const database_row& database,
   return true;
 }
 
-using doomed_names = first_index<dd_by_name>;
+using doomed_names = dd_index<dd_by_name, int64_t>;
 
 // Looks for the first entry of the class that is one of the fields.
 static bool uses_none(operation& op, const class_def& definition, const doomed_names& names,
@@ -74,7 +74,7 @@ static bool uses_none(operation& op, const class_def& definition, const doomed_n
 static bool are_unused(operation& op, int64_t database, const std::vector<doomed_field>& doomed) {
   doomed_names names;
   for (size_t i = 0; i < doomed.size(); ++i) {
-    names.add(doomed[i].name.c_str(), static_cast<int64_t>(i));
+    names.add_first(doomed[i].name.c_str(), static_cast<int64_t>(i));
   }
   class_reader reader;
   class_def definition;

@@ -42,14 +42,14 @@ struct class_run {
 static constexpr uint32_t MANY = 200;
 
 static void find_repeated(class_run& run) {
-  first_index<dd_by_name> names;
+  dd_index<dd_by_name, int64_t> names;
   uint32_t position = 0;
   int32_t id = 0;
   for (int64_t place = 0;; ++place) {
     const tav_node* node = tav_node_next(run.op.input, TAV_FLD_OBJ_DESC, &position, &id);
     if (node == nullptr) return;
     const auto* name = static_cast<const char*>(tav_node_get(node, TAV_FLD_NAME));
-    if (name != nullptr && names.add(name, place) != place) run.repeated.insert(folded(name));
+    if (name != nullptr && names.add_first(name, place) != place) run.repeated.insert(folded(name));
   }
 }
 

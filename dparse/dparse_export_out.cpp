@@ -1,5 +1,6 @@
 #include "dparse/dparse_export_out.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -35,7 +36,7 @@ void dparse_put_number(dparse_out& out, int32_t number) {
 
 static void append_escaped(std::string& text, std::string_view value) {
   for (;;) {
-    const size_t plain = value.find_first_of("\t\n");
+    const size_t plain = std::min(value.find('\t'), value.find('\n'));
     text.append(value.substr(0, plain));
     if (plain == value.npos) return;
     text.append(value[plain] == '\t' ? "\\t" : "\\n");

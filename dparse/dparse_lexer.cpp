@@ -45,8 +45,10 @@ int get(FILE* stream) {
 void skip_ahead(FILE* stream) {
   const std::string_view ahead = dparse_read_ahead(stream);
   size_t taken = 0;
+  int lines = 0;
   for (; taken < ahead.size() && is(static_cast<unsigned char>(ahead[taken]), SPACE); ++taken)
-    dparse_lineno += ahead[taken] == '\n';
+    lines += ahead[taken] == '\n';
+  dparse_lineno += lines;
   dparse_take_ahead(stream, taken);
 }
 

@@ -99,7 +99,7 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
       {TAV_DEPLOY_MODE_CREATE, "",
        "field( name=F type=5 id=7 ) field( name=f type=5 id=7 descr=d )",
        "1|Warning: Duplicate field definition f, keeping old\n",
-       "field0( name=F type=5 id=7 mark=1 ) ", "field0( name=F type=5 id=7 ) "},
+       "field0( name=F type=5 id=7 mark=1 ) ", ""},
       {TAV_DEPLOY_MODE_REPLACE, "",
        "field( name=F type=5 id=7 ) field( name=f type=5 id=7 descr=d ) field( name=F type=5 id=7 "
        "descr= )",
@@ -107,7 +107,11 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
        "Warning: Duplicate field definition F, replacing description\n",
        "field0( name=F type=5 id=7 mark=1 ) field1( name=f type=5 id=7 descr=d ) "
        "field2( name=F type=5 id=7 descr= ) ",
-       "field0( name=F type=5 id=7 descr=d ) "},
+       ""},
+      {TAV_DEPLOY_MODE_REPLACE, "field( name=F type=5 id=7 descr=old )",
+       "field( name=f type=5 id=7 descr=d )",
+       "1 conflict|Warning: Duplicate field definition f, replacing description\n",
+       "field0( name=f type=5 id=7 descr=d mark=1 ) ", "field0( name=F type=5 id=7 descr=d ) "},
       {TAV_DEPLOY_MODE_VERIFY, "field( name=A type=5 )", "field( name=B ) field( name=a id=1 )",
        "1 error conflict|Error: Conflicting field definition B, id in use by different field\n"
        "Error: Conflicting field definition a, different type\n",
@@ -180,15 +184,15 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
 TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
   static const struct {
     const char* classes;
-    int32_t last_server_class;
+    bool is_new;
     const char* outcome;
   } rows[] = {
-      {"class( Name=/a/b sql=t )", 0, "1 error|Error:  No table needed for subclass /a/b\n"},
-      {"class( Name=/a/b sql=t )", -1, "1|"},
-      {"class( Name=/a )", 0, "1 error|Error:  Missing table name for /a\n"},
-      {"class( Name=/a sql= )", 0, "1|"},
-      {"class( Name=/a sql= )", -1, "1 error|Error:  Missing table name for /a\n"},
-      {"class( Name=/a/b sql=t entry( name=S sql=c ) )", 0,
+      {"class( Name=/a/b sql=t )", false, "1 error|Error:  No table needed for subclass /a/b\n"},
+      {"class( Name=/a/b sql=t )", true, "1|"},
+      {"class( Name=/a )", false, "1 error|Error:  Missing table name for /a\n"},
+      {"class( Name=/a sql= )", false, "1|"},
+      {"class( Name=/a sql= )", true, "1 error|Error:  Missing table name for /a\n"},
+      {"class( Name=/a/b sql=t entry( name=S sql=c ) )", false,
        "-1 error|Error:  No table needed for subclass /a/b\nError: Column without Table\n"
        "Error:  Unable to obtain table/column names from Server classes\n"},
   };
@@ -196,9 +200,11 @@ TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
     SCOPED_TRACE(row.classes);
     tav_deploy_import_state state{};
     state.working_fields.give(list_of("field( name=S type=5 )"));
-    state.working_classes.give(list_of(row.classes));
-    state.last_server_class = row.last_server_class;
-    state.classes.give(list_of(""));
+    state.working_classes.give(list_of(row.is_new ? "" : row.classes));
+    const dd_flist input = list_of(row.is_new ? row.classes : "");
+    tav_ebuf ebuf{};
+    dd_walk walk(input.get(), TAV_FLD_OBJ_DESC);
+    while (tav_flist_t* storable = walk.next(&ebuf)) state.working_classes.lend(storable, &ebuf);
     EXPECT_EQ(outcome([&] { return tav_deploy_import_storage(state); }), row.outcome);
   }
 }
