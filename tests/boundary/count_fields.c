@@ -9,9 +9,11 @@ int main(void) {
   tav_flist_t* output = NULL;
   tcm_connect(&context, &database, &ebuf);
   tav_flist_t* input = tav_flist_create(&ebuf);
-  tavi_flist_put(input, TAV_FLD_POID, 0, 0, tav_poid_create(database, "/dd/fields", 0, &ebuf), &ebuf);
+  tavi_flist_put(input, TAV_FLD_POID, 0, 0, tav_poid_create(database, "/dd/fields", 0, &ebuf),
+                 &ebuf);
   tcm_op(context, TCM_OP_SDK_GET_FLD_SPECS, 0, input, &output, &ebuf);
-  if (ebuf.err_code == TAV_ERR_NONE) printf("%d\n", (int)tav_flist_elem_count(output, TAV_FLD_FIELD, &ebuf));
+  if (ebuf.err_code == TAV_ERR_NONE)
+    printf("%d\n", (int)tav_flist_elem_count(output, TAV_FLD_FIELD, &ebuf));
   if (ebuf.err_code != TAV_ERR_NONE) fprintf(stderr, "%s\n", tav_taverr_to_str(ebuf.err_code));
   const int failed = ebuf.err_code != TAV_ERR_NONE;
   tav_flist_destroy(input, NULL);
