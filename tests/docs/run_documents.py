@@ -37,7 +37,7 @@ def commands(path):
         for line in lines:
             if line.startswith("$ "):
                 found.append([line[2:], []])
-            elif line.startswith("> ") and found and not found[-1][1]:
+            elif (line + " ").startswith("> ") and found and not found[-1][1]:
                 found[-1][0] += "\n" + line[2:]
             elif found:
                 found[-1][1].append(line)
