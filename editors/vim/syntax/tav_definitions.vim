@@ -28,10 +28,10 @@ syntax match tavClass "\%(^\|[[:space:];={}]\)\@1<=/[^[:space:];={}]*"
 syntax match tavNumber "\%(^\|[[:space:];={}]\)\@1<=[-+]\=\d\+\%(\.\d*\)\=\%($\|[[:space:];={}]\)\@="
 syntax match tavDelimiter "[{}=;]"
 " A comment and a string begin where a token could; elsewhere # and quotes belong to a word.
-syntax match tavComment "\%(^\|[[:space:];={}\"]\)\@1<=#.*$" contains=@Spell
+syntax match tavComment +\%(^\|[[:space:];={}"]\)\@1<=#.*$+ contains=@Spell
 syntax match tavEscape "\\[nt]" contained
-syntax match tavString "\%(^\|[[:space:];={}\"]\)\@1<=\"[^\"]*\"" contains=tavEscape,@Spell
-syntax match tavUnclosed "\%(^\|[[:space:];={}\"]\)\@1<=\"[^\"]*$"
+syntax match tavString +\%(^\|[[:space:];={}"]\)\@1<="[^"]*"+ contains=tavEscape,@Spell
+syntax match tavUnclosed +\%(^\|[[:space:];={}"]\)\@1<="[^"]*$+
 
 highlight default link tavStructure Statement
 highlight default link tavType Type
