@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Holds manual pages, completions and the editors' syntax files against the tables of the source and
-against what the programs say.   check_tables.py PROGRAMS_FOLDER"""
+against what the programs say.   check_tables.py PROGRAMS_FOLDER EDITORS_FOLDER"""
 import glob
 import json
 import os
@@ -12,6 +12,7 @@ import tempfile
 
 os.environ["PATH"] = os.path.realpath(sys.argv[1]) + ":" + os.environ["PATH"]
 os.environ.pop("TAV_CONF", None)
+editors = os.path.realpath(sys.argv[2])
 os.chdir(os.path.join(os.path.dirname(os.path.realpath(__file__)), "../.."))
 failures = []
 
@@ -52,9 +53,9 @@ for found, row in zip(described, rows):
     same("tav_definitions.5", found, (row[0], *places))
 
 # Editors: the keywords in their groups, and the examples coloured by them.
-vim = read("editors/vim/syntax/tav_definitions.vim")
+vim = read(editors + "/vim/syntax/tav_definitions.vim")
 patterns = [(p["name"], re.compile(p["match"]))
-            for p in json.loads(read("editors/tav_definitions.tmLanguage.json"))["patterns"]]
+            for p in json.loads(read(editors + "/tav_definitions.tmLanguage.json"))["patterns"]]
 scopes = {"Attribute": "support.type.property-name.tav_definitions", "Value": "constant.language.tav_definitions",
           "Structure": "keyword.other.structure.tav_definitions", "Type": "storage.type.tav_definitions"}
 for part, words in parts.items():
@@ -69,7 +70,7 @@ for path in glob.glob("examples/*.def"):
     with tempfile.NamedTemporaryFile("w", suffix=".vim") as script:
         script.write(echo + "qa!\n")
         script.flush()
-        coloured = said("vim", "-es", "-u", "NONE", "-i", "NONE", "-N", "--cmd", "set rtp^=editors/vim", "-c", "syntax on",
+        coloured = said("vim", "-es", "-u", "NONE", "-i", "NONE", "-N", "--cmd", f"set rtp^={editors}/vim", "-c", "syntax on",
                         "-c", f"edit {path}", "-c", f"verbose source {script.name}") if shutil.which("vim") else ""
     groups = re.findall(r"^\|(?:tav)?(\w*)", coloured, re.M)
     for index, (number, at, word, line) in enumerate(tokens):
