@@ -1,14 +1,13 @@
 #!/usr/bin/env python3
-"""Runs what the documents tell their readers to type, and compares what they say it prints.
+"""Runs what documents tell their readers to type, and compares what they say it prints.
 
   run_documents.py PROGRAMS_FOLDER DOCUMENT...
 
-A session is an indented block of a .md file, or a .Bd -literal block of a manual page, with lines
-that begin with "$ ": each is a command (lines that begin with "> " continue it), and the lines after
-it are all that it prints, on both outputs; a line "..." stands for any lines. Trailing blanks and
-empty lines at the end do not count. All sessions of a document run in one shell, in order, in a
-folder that is empty at first; the source folder is /path/to/tav_deploy and its programs are built.
-A block is passed over after a line <!-- not run: WHY --> (.md) or .\\" not run: WHY (manual page).
+In an indented block of a .md file, or a .Bd -literal block of a manual page, a line that begins with
+"$ " is a command ("> " continues it), and the lines after it are all that it prints; a line "..."
+stands for any lines. All commands of a document run in one shell, in a folder that is empty at first;
+/path/to/tav_deploy is this source, built. A block after a line <!-- not run: WHY -->, in a manual page
+.\\" not run: WHY, is passed over.
 """
 import os
 import re
@@ -24,7 +23,7 @@ def blocks(path):
     """The blocks of a document, each a list of lines; those that are not to be run left out."""
     text = open(path, encoding="utf-8").read()
     if path.endswith(".md"):
-        found = re.finditer(r"(?m)^(?:(<!-- not run: .*-->)\n\n?)?((?:(?: {4}.*)?\n)*(?: {4}.*\n))", text)
+        found = re.finditer(r"(?m)^(?:(<!-- not run: .*-->)\n\n?)?((?:(?: {4}.*)?\n)* {4}.*\n)", text)
         return [re.sub(r"(?m)^ {4}", "", m[2]).strip("\n").split("\n") for m in found if not m[1]]
     found = re.finditer(r'(?m)^(\.\\" not run: .*\n)?\.Bd -literal.*\n((?s:.*?))^\.Ed$', text)
     return [re.sub(r"\\e", r"\\", m[2].replace(r"\&", "")).split("\n") for m in found if not m[1]]
@@ -45,12 +44,12 @@ def commands(path):
 
 
 def run(script, programs):
+    path = programs + ":" + os.environ["PATH"]
     with tempfile.TemporaryDirectory() as folder:
-        env = dict(os.environ, HOME=folder, LC_ALL="C.UTF-8", PATH=programs + ":" + os.environ["PATH"])
-        env.pop("TAV_CONF", None)
-        done = subprocess.run(["bash"], input=script, cwd=folder, env=env, text=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
-        return done.stdout.replace(os.path.realpath(folder), "/path/to/folder")
+        done = subprocess.run(["bash"], input=script, cwd=folder, check=False, text=True,
+                              env={"HOME": folder, "LC_ALL": "C.UTF-8", "PATH": path},
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        return done.stdout
 
 
 def check(path, programs):
