@@ -11,6 +11,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
 os.environ["PATH"] = os.path.realpath(sys.argv[1]) + ":" + os.environ["PATH"]
 os.environ.pop("TAV_CONF", None)
@@ -28,30 +29,25 @@ def lacks(what, found, wanted):
     same(what + " lacks", set(wanted) - set(found), set())
 
 
-def read(path):
-    with open(path, encoding="utf-8") as file:
-        return file.read()
-
-
 def said(*words, folder="."):
     return subprocess.run(words, cwd=folder, check=False, text=True, stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
 
 
-KEYWORDS = set(re.findall(r'X\(\w+, "(\w+)", \d+\)', read("dparse/dparse_tokens.h")))
+KEYWORDS = set(re.findall(r'X\(\w+, "(\w+)", \d+\)', Path("dparse/dparse_tokens.h").read_text()))
 ROWS = re.findall(r"\{DPARSE_KEY_(\w+), TAV_FLD_\w+, &\w+, ([A-Z_ |]+),\s+([A-Z_ |]+)",
-                  read("dparse/dparse_attributes.cpp"))
+                  Path("dparse/dparse_attributes.cpp").read_text())
 PARTS = {"Attribute": {row[0] for row in ROWS},
-         "Value": set(re.findall(r"\{DPARSE_KEY_(\w+)", read("dparse/dparse_words.h"))),
+         "Value": set(re.findall(r"\{DPARSE_KEY_(\w+)", Path("dparse/dparse_words.h").read_text())),
          "Structure": {"STORABLE", "CLASS", "IMPLEMENTATION"}}
 PARTS["Type"] = KEYWORDS.difference(*PARTS.values())
-SCOPES = {"Attribute": "support.type.property-name", "Value": "constant.language",
-          "Structure": "keyword.other.structure", "Type": "storage.type"}
+SCOPES = {"support.type.property-name": "Attribute", "constant.language": "Value",
+          "keyword.other.structure": "Structure", "storage.type": "Type"}
 
 
 def check_language_page():
     """Every keyword, and of every attribute where it is read and where it is written."""
-    page = read("docs/man/tav_definitions.5")
+    page = Path("docs/man/tav_definitions.5").read_text()
     lacks("tav_definitions.5", re.findall(r"\w+", page), KEYWORDS)
     found = re.findall(r"^\.It Sy (\w+) Ta ([a-z -]+) Ta ([a-z -]+) Ta ", page, re.M)
     same("rows of attributes in tav_definitions.5", len(found), len(ROWS))
@@ -70,27 +66,27 @@ def vim_groups(path, tokens):
     with tempfile.NamedTemporaryFile("w", suffix=".vim") as script:
         script.write(echo + "qa!\n")
         script.flush()
-        shown = said("vim", "-esN", "-u", "NONE", "-i", "NONE", "--cmd", f"set rtp^={EDITORS}/vim", "-c",
+        shown = said("vim", "-esN", "-u", "NONE", "-i", "NONE",
+                     "--cmd", f"set rtp^={EDITORS}/vim", "-c",
                      f"syntax on | edit {path} | verbose source {script.name}")
     return re.findall(r"^\|(?:tav)?(\w*)", shown, re.M)
 
 
 def check_editors():
     """The examples, and a file of all keywords, coloured."""
-    grammar = json.loads(read(EDITORS + "/tav_definitions.tmLanguage.json"))
+    grammar = json.loads(Path(EDITORS + "/tav_definitions.tmLanguage.json").read_text())
     patterns = [(p["name"].rsplit(".", 1)[0], re.compile(p["match"])) for p in grammar["patterns"]]
-    parts = {scope: part for part, scope in SCOPES.items()}
     with tempfile.NamedTemporaryFile("w", suffix=".def") as everything:
         everything.write("STORABLE " + " ".join(KEYWORDS) + " " + " ".join(KEYWORDS).lower())
         everything.flush()
         for path in [everything.name, *glob.glob("examples/*.def")]:
             tokens = [(number, m.start(), m[0].upper(), line)
-                      for number, line in enumerate(read(path).split("\n"), 1)
+                      for number, line in enumerate(Path(path).read_text().split("\n"), 1)
                       for m in re.finditer(r'#.*|"[^"]*"|[{}=;]|[^\s;={}"#]+', line)]
             wanted = [next((p for p in PARTS if token[2] in PARTS[p]), None) for token in tokens]
             scopes = [next(name for name, pattern in patterns if pattern.match(line, at))
                       for _, at, _, line in tokens]
-            same("TextMate, " + path, [parts.get(scope) for scope in scopes], wanted)
+            same("TextMate, " + path, [SCOPES.get(scope) for scope in scopes], wanted)
             if shutil.which("vim"):
                 groups = [g if g in PARTS else None for g in vim_groups(path, tokens)]
                 same("Vim, " + path, groups, wanted)
@@ -106,12 +102,12 @@ def completed(line, folder="."):
 
 def check_help():
     """What the programs say of themselves is in their pages and is completed."""
-    page = read("docs/man/tav_deploy.1")
+    page = Path("docs/man/tav_deploy.1").read_text()
     for mode, letters in re.findall(r"tav_deploy (\w+) \[-(\w+)", said("tav_deploy")):
         lacks("tav_deploy.1", re.findall(r"^\.It Fl (\w)", page, re.M), letters)
         offered = completed(f"tav_deploy {mode} -")
         lacks(f"completion of {mode}", offered, ["-" + letter for letter in letters])
-    page = read("docs/man/tav_dict.1")
+    page = Path("docs/man/tav_dict.1").read_text()
     flags = ["-" + flag for flag in " ".join(re.findall(r"^\.It Fl (.*)", page, re.M)).split()]
     commands = re.findall(r"^  ([a-z][a-z-]*)  ", said("tav_dict", "--help"), re.M)
     lacks("tav_dict.1", re.findall(r"^\.It Cm ([a-z-]+)", page, re.M), commands)

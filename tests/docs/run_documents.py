@@ -3,10 +3,10 @@
 
   run_documents.py PROGRAMS_FOLDER DOCUMENT...
 
-In an indented block of a .md file, or a .Bd -literal block of a manual page, a line that begins with
-"$ " is a command ("> " continues it), and the lines after it are all that it prints; a line "..."
-stands for any lines. All commands of a document run in one shell, in a folder that is empty at first;
-/path/to/tav_deploy is this source, built. A block after a line <!-- not run: WHY -->, in a manual page
+In an indented block of a .md file, or a .Bd -literal block of a manual page, a line that begins
+with "$ " is a command ("> " continues it); the lines after it are all that it prints, "..." stands
+for any lines. All commands of a document run in one shell, in a folder that is empty at first;
+/path/to/tav_deploy is this source, built. A block after a line <!-- not run: WHY -->, or in a page
 .\\" not run: WHY, is passed over.
 """
 import os
@@ -23,7 +23,8 @@ def blocks(path):
     """The blocks of a document, each a list of lines; those that are not to be run left out."""
     text = open(path, encoding="utf-8").read()
     if path.endswith(".md"):
-        found = re.finditer(r"(?m)^(?:(<!-- not run: .*-->)\n\n?)?((?:(?: {4}.*)?\n)* {4}.*\n)", text)
+        block = r"(?m)^(?:(<!-- not run: .*-->)\n\n?)?((?:(?: {4}.*)?\n)* {4}.*\n)"
+        found = re.finditer(block, text)
         return [re.sub(r"(?m)^ {4}", "", m[2]).strip("\n").split("\n") for m in found if not m[1]]
     found = re.finditer(r'(?m)^(\.\\" not run: .*\n)?\.Bd -literal.*\n((?s:.*?))^\.Ed$', text)
     return [re.sub(r"\\e", r"\\", m[2].replace(r"\&", "")).split("\n") for m in found if not m[1]]
@@ -44,12 +45,10 @@ def commands(path):
 
 
 def run(script, programs):
-    path = programs + ":" + os.environ["PATH"]
+    env = {"LC_ALL": "C.UTF-8", "PATH": programs + ":" + os.environ["PATH"]}
     with tempfile.TemporaryDirectory() as folder:
-        done = subprocess.run(["bash"], input=script, cwd=folder, check=False, text=True,
-                              env={"HOME": folder, "LC_ALL": "C.UTF-8", "PATH": path},
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        return done.stdout
+        return subprocess.run(["bash"], input=script, cwd=folder, check=False, text=True, env=env,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
 
 
 def check(path, programs):
@@ -59,9 +58,9 @@ def check(path, programs):
     script = script.replace("/path/to/tav_deploy/build/release/bin", programs)
     printed = run(script.replace("/path/to/tav_deploy", SOURCE), programs).split(MARK + "\n")
     failed = 0
-    for (command, expected), actual in zip(session, printed + [""] * len(session)):
-        plain = re.sub(r"(?m)[ \t]+$", "", actual).rstrip("\n")
-        wanted = re.sub(r"(?m)[ \t]+$", "", "\n".join(expected)).rstrip("\n")
+    for (command, expected), actual in zip(session, printed + ["(not run)"] * len(session)):
+        plain, wanted = (re.sub(r"(?m)[ \t]+$", "", text).rstrip("\n")
+                         for text in (actual, "\n".join(expected)))
         pattern = "(?s:.*)".join(re.escape(part) for part in re.split(r"(?m)^\.\.\.$", wanted))
         if not re.fullmatch(pattern, plain):
             failed += 1
