@@ -3,8 +3,7 @@
 // A C interface, so that the tool can be linked with any library that exports these names.
 // Conventions that hold for every call:
 //
-//  1. Error buffers. A call that can fail takes one last. It does nothing (and gives null or 0)
-//  when
+//  1. Error buffers. A call that can fail takes one last. It does nothing (and gives null or 0) if
 //     the buffer already holds an error, so a sequence of calls may be tested once at its end. A
 //     null error buffer is allowed; the failure is then seen in the result only.
 //  2. Ownership. Each pointer is one of: *owned* by the caller afterwards, *borrowed* (valid while
@@ -131,7 +130,7 @@ tav_decimal_t* tav_decimal_alloc_result_zero(tav_ebuf* ebuf);
 void tav_decimal_to_str(const tav_decimal_t* decimal, int32_t mode, char* buffer, size_t size,
                         tav_ebuf* ebuf);
 
-// --- Names and texts (borrowed, never null) -----------------------------------------------------
+// --- Names and texts (borrowed, never null) ---------------------------------------------------
 // The symbolic name of a field identifier; for one not known its type keyword and number ("INT
 // 12").
 const char* tav_name_of_field(uint32_t field);
@@ -139,17 +138,16 @@ const char* tav_errloc_to_str(int32_t location);
 const char* tav_errclass_to_str(int32_t err_class);
 const char* tav_taverr_to_str(int32_t err_code);
 
-// --- Configuration ------------------------------------------------------------------------------
+// --- Configuration ----------------------------------------------------------------------------
 // Looks an entry up in tav.conf: the program's own section first, then the entries above any
 // section. Program "-" sees only the latter. Value types: POID (tav_poid_t*), STRING (char*), INT
 // (int32_t*), each owned by the caller and released with tavi_client_put_cleanup. *error is 0 or a
 // TAV_ERR_ code (NOT_FOUND for an entry that is missing); *value is null then.
 void tav_conf(const char* program, const char* key, int32_t type, void** value, int32_t* error);
 
-// --- Log
-// ------------------------------------------------------------------------------------------ One
-// record each in the application's tavlog; level 1 for errors and warnings, 3 for debugging. Texts
-// are taken as they are, never as formats. A log that cannot be written is passed over.
+// --- Log --------------------------------------------------------------------------------------
+// One record each in the application's tavlog; level 1 for errors and warnings, 3 for debugging.
+// Texts are taken as they are, never as formats. A log that cannot be written is passed over.
 void tav_err_log_msg(int32_t level, const char* message, const char* source, int32_t line);
 void tav_err_log_ebuf(int32_t level, const char* message, const char* source, int32_t line,
                       const tav_ebuf* ebuf);
@@ -165,9 +163,8 @@ size_t tav_snprintf(char* buffer, size_t size, const char* format, ...) TAV_PRIN
 size_t tav_strlcpy(char* buffer, const char* text, size_t size);
 size_t tav_strlcat(char* buffer, const char* text, size_t size);
 
-// --- Connection
-// ----------------------------------------------------------------------------------- Opens the
-// dictionary that the configuration names. On success *context is owned and closed with
+// --- Connection -------------------------------------------------------------------------------
+// Opens the dictionary that the configuration names. On success *context is owned and closed with
 // tcm_context_close; on failure it is null. Errors: location 5 (the dictionary cannot be reached).
 void tcm_connect(tcm_context_t** context, uint64_t* database, tav_ebuf* ebuf);
 // Carries out one operation. `input` is read only; *output is owned, and null on failure. Without a

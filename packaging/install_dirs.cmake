@@ -1,0 +1,5 @@
+# Where things are installed. Debian's linker looks for libraries in a folder per architecture.
+if(EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE AND NOT CMAKE_INSTALL_LIBDIR)
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries, below the prefix")
+endif()
+include(GNUInstallDirs)
