@@ -34,14 +34,14 @@ int restore(const std::string& file) {
   if (store == nullptr && why.code == TAV_ERR_NOT_FOUND) {
     why.sentence = dm::join({"Backup ", dm::quoted(file), " does not exist."});
   }
-  if (store == nullptr) return fail(why);
+  // What is restored is the very snapshot that was found sound.
+  if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   checker check{*store, std::cout};
   if (!check_store(check)) return fail(check.why);
   if (check.findings > 0) {
     std::cerr << "tav_dict: The backup is damaged; nothing was restored.\n";
     return FOUND;
   }
-  if (!store->calls->begin(store.get(), false, why)) return fail(why);
   const auto fill = [&](dm::store& restored, dm::problem& fault) {
     return dm::copy_dictionary(*store, restored, fault);
   };

@@ -50,11 +50,7 @@ static bool is_damage(checker& check) {
 }
 
 bool check_store(checker& check) {
-  const bool checked = check.store.calls->begin(&check.store, false, check.why) &&
-                       check_engine(check) && check_databases(check);
-  const bool told = checked || is_damage(check);
-  check.store.calls->rollback(&check.store);
-  return told;
+  return (check_engine(check) && check_databases(check)) || is_damage(check);
 }
 
 int check() {
@@ -67,6 +63,7 @@ int check() {
     return why.code == TAV_ERR_STORAGE ? FOUND : status;
   }
   checker check{*store, std::cout};
+  if (!store->calls->begin(store.get(), false, why)) return fail(why);
   if (!check_store(check)) return fail(check.why);
   if (check.findings == 0) std::cout << "No findings.\n";
   return check.findings == 0 ? DONE : FOUND;

@@ -15,8 +15,8 @@ struct checker {
   dm::problem why{};     // why the check itself had to end
 };
 
-// Checks all that the store holds as one snapshot of it. False when the store fails; a damaged one
-// is a finding.
+// Checks all that the store holds, in an open transaction. False when the store fails; a damaged
+// one is a finding.
 bool check_store(checker& check);
 
 // Its parts, for one database; false when the store fails.

@@ -1,6 +1,7 @@
 // The fields of a database: each by itself and against the others, and the predefined ones.
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "dict/check.h"
 #include "dm/field_rules.h"
@@ -13,8 +14,8 @@ namespace {
 
 // What was met so far, by which later fields are judged.
 struct met_fields {
-  std::map<int32_t, std::string> names;    // by number
-  std::map<std::string, int32_t> numbers;  // by folded name
+  std::map<int32_t, std::string> by_number;  // their names
+  std::set<std::string> keys;                // folded names
 };
 
 }  // namespace
@@ -34,11 +35,9 @@ static void check_field(checker& check, const dm::database_row& database, const 
   if (!dm::is_well_formed({row.name, &row.number, &row.type, row.descr}, why)) {
     tell(check, database, why.sentence);
   }
-  const auto [holder, is_free] = met.names.try_emplace(row.number, row.name);
+  const auto [holder, is_free] = met.by_number.try_emplace(row.number, row.name);
   if (!is_free) fault({" has the number of field ", dm::quoted(holder->second), "."});
-  if (!met.numbers.try_emplace(dm::folded(row.name), row.number).second) {
-    fault({" stands there twice."});
-  }
+  if (!met.keys.insert(dm::folded(row.name)).second) fault({" stands there twice."});
   if (row.flags != 0 && !is_predefined(row.name)) {
     fault({" has flags, which only predefined fields have."});
   }
