@@ -41,6 +41,7 @@ static bool keep_rows(class_check& run) {
     return true;
   };
   auto table = [&](const dm::table_row& row) {
+    if (dm::folded(row.name) != row.key) fault(run, "Table ", row.name, " has a wrong key.");
     return run.tables.emplace(row.class_id, row.key), true;
   };
   return store.calls->classes(&store, run.database.id, {}, dm::visit<dm::class_row>(klass),
@@ -90,6 +91,7 @@ static void check_one(class_check& run, const kept_class& row, const kept_class*
   if (previous != nullptr && previous->key == row.key) {
     fault(run, "Class ", row.name, " stands there twice.");
   }
+  if (dm::folded(row.name) != row.key) fault(run, "Class ", row.name, " has a wrong key.");
   if (row.stamp < 0 || row.stamp > run.database.counter) {
     fault(run, "Class ", row.name, " has a stamp that its database has not reached.");
   }

@@ -46,6 +46,19 @@ static void check_field(checker& check, const dm::database_row& database, const 
   }
 }
 
+// A field with another key than its folded name would never be found.
+static bool check_key(checker& check, const dm::database_row& database, int32_t number,
+                      const std::string& name) {
+  bool is_found = false;
+  auto look = [&](const dm::field_row& row) { return !(is_found = row.number == number); };
+  const dm::choice named{dm::choice::NAMED, name.c_str()};
+  const bool read = check.store.calls->fields(&check.store, database.id, named,
+                                              dm::visit<dm::field_row>(look), check.why);
+  if (!read || is_found) return read;
+  tell(check, database, dm::join({"Field ", dm::quoted(name), " has a wrong key."}));
+  return true;
+}
+
 // A new description is all that a predefined field can get.
 static bool check_predefined(checker& check, const dm::database_row& database,
                              const dm::field_row& expected) {
@@ -75,6 +88,9 @@ bool check_fields(checker& check, const dm::database_row& database) {
   if (!check.store.calls->fields(&check.store, database.id, {}, dm::visit<dm::field_row>(look),
                                  check.why)) {
     return false;
+  }
+  for (const auto& [number, name] : met.by_number) {
+    if (!check_key(check, database, number, name)) return false;
   }
   for (const dm::field_row& expected : dm::predefined_fields()) {
     if (!check_predefined(check, database, expected)) return false;

@@ -72,20 +72,14 @@ static constexpr const char* ROW_TESTS[] = {
     " FROM dd_databases WHERE counter NOT BETWEEN 0 AND 1 << 62",
     "SELECT 'Database ' || quote(number) || ' has no number of the form N.N.N.N.' FROM dd_databases"
     " WHERE number NOT GLOB '[0-9]*.[0-9]*.[0-9]*.[0-9]*' OR number GLOB '*[^0-9.]*'",
-    "SELECT 'Field ' || quote(name) || ' has a wrong key.' FROM dd_fields"
-    " WHERE folded IS NOT lower(name)",
     "SELECT 'Field ' || quote(name) || ' has a number, a type or flags out of range.'"
     " FROM dd_fields WHERE max(abs(number), abs(type), abs(flags)) >= 1 << 31",
     "SELECT 'Field ' || number || ' holds a NUL byte.' FROM dd_fields"
     " WHERE instr(CAST(name || ifnull(descr, '') AS BLOB), x'00')",
-    "SELECT 'Class ' || quote(name) || ' has a wrong key.' FROM dd_classes"
-    " WHERE folded IS NOT lower(name)",
     "SELECT 'Class ' || quote(name) || ' has the row id ' || id || '.' FROM dd_classes WHERE id < "
     "1",
     "SELECT 'Class ' || quote(name) || ' holds a NUL byte.' FROM dd_classes"
     " WHERE instr(CAST(name || definition AS BLOB), x'00')",
-    "SELECT 'Table ' || quote(name) || ' has a wrong key.' FROM dd_tables"
-    " WHERE folded IS NOT lower(name)",
 };
 
 bool sqlite_integrity(store* base, visitor<std::string_view> visitor, problem& why) {

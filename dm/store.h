@@ -99,8 +99,7 @@ struct store_calls {
   bool (*delete_table)(store*, int64_t database, const char* name, problem&);
 
   // The engine's own test of what it keeps, and of what only it sees: tables and guards that are
-  // not as it makes them, keys that are not those of their names, values that rows cannot hold. One
-  // sentence for each fault.
+  // not as it makes them, values that rows cannot hold. One sentence for each fault.
   bool (*integrity)(store*, visitor<std::string_view>, problem&);
 };
 
