@@ -14,6 +14,8 @@ int init();
 int add_database(const std::string& number);
 int status();
 int check();
+int backup(const std::string& file);
+int restore(const std::string& file);
 
 // Says on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);

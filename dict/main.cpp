@@ -7,7 +7,8 @@
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
-    "Exit status: 0, 1 when 'check' found something, 2 for wrong usage or a failure.";
+    "Exit status: 0, 1 when 'check' (or 'restore', in the backup) found something, 2 for wrong\n"
+    "usage or a failure.";
 
 int main(int argc, char** argv) {
   CLI::App app(DESCRIPTION, "tav_dict");
@@ -26,6 +27,15 @@ int main(int argc, char** argv) {
       ->callback([&] { result = dict::status(); });
   app.add_subcommand("check", "Verify the dictionary's integrity and every rule of its content")
       ->callback([&] { result = dict::check(); });
+  std::string file;
+  auto* save =
+      app.add_subcommand("backup", "Copy the dictionary into a new file, while others work");
+  save->add_option("FILE", file, "The copy: a dictionary file, for its owner only")->required();
+  save->callback([&] { result = dict::backup(file); });
+  auto* restore =
+      app.add_subcommand("restore", "Make the dictionary, with all that a backup holds");
+  restore->add_option("FILE", file, "The backup")->required();
+  restore->callback([&] { result = dict::restore(file); });
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

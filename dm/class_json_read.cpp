@@ -1,4 +1,4 @@
-#define RAPIDJSON_SSE2
+#include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
 #include <cstring>
@@ -7,8 +7,17 @@
 #include "dd/owners.h"
 #include "dd/values.h"
 #include "dm/class_json.h"
+#include "dm/text_rules.h"
 
 namespace dm {
+
+// A half of a code point that is written as two: the library lets a second one alone pass.
+static bool holds_surrogate(std::string_view text) {
+  for (size_t at = 0; (at = text.find('\xed', at)) != text.npos; ++at) {
+    if (at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) >= 0xa0) return true;
+  }
+  return false;
+}
 
 namespace {
 
@@ -60,12 +69,15 @@ class builder {
     row_ = nullptr;
     if (at_entries_) return true;
     row_ = depth_ == 0 ? look(CLASS_ATTRIBUTES, wanted) : look(ENTRY_ATTRIBUTES, wanted);
-    return row_ != nullptr || fail("holds an unknown attribute");
+    return row_ != nullptr || fail("holds an attribute that is unknown or stands there twice");
   }
 
   bool String(const char* text, rapidjson::SizeType length, bool) {
-    if (row_ == nullptr || std::memchr(text, '\0', length) != nullptr)
+    if (row_ == nullptr || std::memchr(text, '\0', length) != nullptr ||
+        holds_surrogate({text, length}))
       return fail("holds a bad text");
+    if (row_->form == value_form::DECIMAL && length > LONGEST_TEXT)
+      return fail("holds a number that is too long");
     tav_flist_t* list = lists_[depth_];
     if (row_->form == value_form::TEXT) {
       dd_set_text(list, row_->field, text, &ebuf_);
@@ -113,6 +125,7 @@ class builder {
       const size_t place = next_;
       if (++next_ == N) next_ = 0;
       if (key != row.key) continue;
+      if ((given_[depth_] & bit(place)) != 0) return nullptr;
       given_[depth_] |= bit(place);
       return &row;
     }
@@ -144,7 +157,8 @@ class_reader::~class_reader() = default;
 
 bool class_reader::read(const char* text, tav_flist_t* element, const char*& fault) {
   builder build(element);
-  rapidjson::StringStream stream(text);
+  // A stream with an end: the reader takes whole sequences, also where the text ends in one.
+  rapidjson::MemoryStream stream(text, std::strlen(text));
   // The reader calls itself for each level; the builder allows few.
   const auto result = buffers_->json.Parse<rapidjson::kParseValidateEncodingFlag>(stream, build);
   fault = build.fault();

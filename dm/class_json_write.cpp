@@ -1,4 +1,3 @@
-#define RAPIDJSON_SSE2
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 

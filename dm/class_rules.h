@@ -17,6 +17,9 @@ void check_hierarchy(const class_def& definition, class_world& world, findings& 
 void check_storage(const class_def& definition, class_world& world,
                    std::vector<std::string>& tables, findings& result);
 
+// The table of a subclass, which needs none: it is not stored. Null where there is none.
+const char* needless_table(const class_def& definition);
+
 // All of them; those on what is in the class first, and the others only when it is sound so far.
 void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,
                  findings& result);

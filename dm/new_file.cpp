@@ -75,6 +75,14 @@ static bool sync_folder(const std::string& folder) {
   return synced;
 }
 
+bool cannot_make(const std::string& path, int error, problem& why) {
+  why.detail = error;
+  why.code = error == EEXIST ? TAV_ERR_CONFLICT : TAV_ERR_STORAGE;
+  why.sentence = join({"Dictionary ", quoted(path), " cannot be made: ", std::strerror(error),
+                       error == EEXIST ? "; it is left as it is." : "."});
+  return false;
+}
+
 bool make_file(const std::string& path, std::string_view bytes, problem& why) {
   const std::string folder = path.substr(0, path.rfind('/') + 1);
   const nameless_file file(folder);
@@ -82,11 +90,7 @@ bool make_file(const std::string& path, std::string_view bytes, problem& why) {
       fsync(file.fd) == 0 && file.name(path) && sync_folder(folder)) {
     return true;
   }
-  why.detail = errno;
-  why.code = why.detail == EEXIST ? TAV_ERR_CONFLICT : TAV_ERR_STORAGE;
-  why.sentence = join({"Dictionary ", quoted(path), " cannot be made: ", std::strerror(why.detail),
-                       why.detail == EEXIST ? "; it is left as it is." : "."});
-  return false;
+  return cannot_make(path, errno, why);
 }
 
 }  // namespace dm

@@ -14,6 +14,9 @@ namespace dm {
 // between, leaves nothing.
 bool make_file(const std::string& path, std::string_view bytes, problem& why);
 
+// Says why such a file cannot be made, by an errno; gives false.
+bool cannot_make(const std::string& path, int error, problem& why);
+
 }  // namespace dm
 
 #endif

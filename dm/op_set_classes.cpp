@@ -90,12 +90,11 @@ static std::vector<std::string> tables_of(const class_def& definition) {
 
 // A subclass's own table is not stored.
 static void drop_own_table(class_run& run) {
-  const void*& table = run.definition.values[CLASS_TABLE];
-  const char* name = text_of(run.definition, CLASS_NAME);
-  if (table == nullptr || !is_subclass(name)) return;
-  run.notes.push_back(join({"Subclass ", quoted(name), " needs no table: its table ",
-                            quoted(static_cast<const char*>(table)), " is not stored."}));
-  table = nullptr;
+  const char* table = needless_table(run.definition);
+  if (table == nullptr) return;
+  run.notes.push_back(join({"Subclass ", quoted(text_of(run.definition, CLASS_NAME)),
+                            " needs no table: its table ", quoted(table), " is not stored."}));
+  run.definition.values[CLASS_TABLE] = nullptr;
 }
 
 static bool may_replace(class_run& run, const old_class& old) {

@@ -38,4 +38,10 @@ store_owner open_dictionary(const settings& settings, const open_options& option
   return path.empty() ? nullptr : open_sqlite(path, options, why);
 }
 
+bool create_dictionary(const settings& settings, const fill_store& fill, std::string& name,
+                       problem& why) {
+  name = sqlite_path(settings, why);
+  return !name.empty() && create_sqlite(name, fill, why);
+}
+
 }  // namespace dm

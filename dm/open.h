@@ -12,6 +12,11 @@ std::string sqlite_path(const settings& settings, problem& why);
 
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why);
 
+// Makes the dictionary, with what `fill` writes, and says what it is called. Refuses one that is
+// there; a failed or interrupted call leaves nothing behind.
+bool create_dictionary(const settings& settings, const fill_store& fill, std::string& name,
+                       problem& why);
+
 }  // namespace dm
 
 #endif

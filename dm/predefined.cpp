@@ -7,6 +7,10 @@ namespace dm {
 static constexpr field_row PREDEFINED[] = {DD_FIELD_IDS(FIELD_ROW)};
 #undef FIELD_ROW
 
+std::span<const field_row> predefined_fields() {
+  return PREDEFINED;
+}
+
 bool make_database(store& store, uint64_t number, problem& why) {
   int64_t id = 0;
   if (!store.calls->add_database(&store, number, id, why)) return false;

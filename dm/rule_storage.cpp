@@ -90,6 +90,11 @@ static void check_columns(const class_def& definition, findings& result) {
   }
 }
 
+const char* needless_table(const class_def& definition) {
+  const bool needs_one = !is_subclass(text_of(definition, CLASS_NAME));
+  return needs_one ? nullptr : static_cast<const char*>(definition.values[CLASS_TABLE]);
+}
+
 void check_storage(const class_def& definition, class_world& world,
                    std::vector<std::string>& tables, findings& result) {
   collect_tables(definition, tables, result);

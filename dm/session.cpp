@@ -60,7 +60,13 @@ bool find_database(session& session, const tav_node* input, database_row& databa
   };
   store* store = session.store.get();
   if (!store->calls->databases(store, visit<database_row>(look), why)) return false;
-  if (is_there) return true;
+  if (is_there && database.counter >= 0 && database.counter <= HIGHEST_COUNTER) return true;
+  if (is_there) {
+    why = {TAV_ERR_STORAGE, TAV_FLD_POID, 0, 0,
+           join({"The counter of database ", database_text(wanted),
+                 " is damaged; restore the dictionary from a backup."})};
+    return false;
+  }
   why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
          join({"The dictionary holds no database ", database_text(wanted),
                "; 'tav_dict add-database' adds one."})};

@@ -1,5 +1,7 @@
 #include "dm/sqlite_handle.h"
 
+#include <cstring>
+
 namespace dm {
 
 static constexpr char FIELD_COLUMNS[] =
@@ -119,7 +121,8 @@ bool sqlite_failed(const sqlite_store& store, int result, problem& why) {
     why.code = meaning.code;
     advice = meaning.advice;
   }
-  const bool has_more = sqlite3_extended_errcode(store.db) == result;
+  const bool has_more = sqlite3_extended_errcode(store.db) == result &&
+                        std::strcmp(sqlite3_errmsg(store.db), sqlite3_errstr(result)) != 0;
   why.sentence =
       join({"Dictionary ", quoted(store.path), ": ", advice, " (", sqlite3_errstr(result),
             has_more ? ": " : "", has_more ? sqlite3_errmsg(store.db) : "", ")."});

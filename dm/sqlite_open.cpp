@@ -98,6 +98,9 @@ static int connect(sqlite_store& store, const char* name, int flags, const open_
   if (result != SQLITE_OK) return result;
   sqlite3_busy_timeout(store.db, options.busy_milliseconds);
   sqlite3_db_config(store.db, SQLITE_DBCONFIG_ENABLE_FKEY, 1, nullptr);
+  // Whoever made the file, its views and triggers do nothing beyond it.
+  sqlite3_db_config(store.db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(store.db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   result = read_number(store, "PRAGMA application_id", mark);
   return result == SQLITE_OK ? read_number(store, "PRAGMA user_version", store.version) : result;
 }

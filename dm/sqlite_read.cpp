@@ -21,8 +21,8 @@ static bool unchanged(const sqlite_store& store, problem& why) {
   return false;
 }
 
-static bool damaged_row(const sqlite_store& store, problem& why) {
-  return sqlite_failed(store, SQLITE_CORRUPT, why);
+static bool fits(int64_t value) {
+  return value == static_cast<int32_t>(value);
 }
 
 // Steps through the rows; `row_of` makes a row of the columns, false for one that cannot be.
@@ -34,7 +34,7 @@ static bool read_rows(sqlite_store& store, sqlite_use& use, visitor<Row> visitor
     const int result = use.step();
     if (result == SQLITE_DONE) return unchanged(store, why);
     if (result != SQLITE_ROW) return sqlite_failed(store, result, why);
-    if (!row_of(use, row)) return damaged_row(store, why);
+    if (!row_of(use, row)) return sqlite_failed(store, SQLITE_CORRUPT, why);
     if (!visitor.call(visitor.context, row)) return unchanged(store, why);
   }
 }
@@ -50,6 +50,7 @@ bool sqlite_databases(store* base, visitor<database_row> visitor, problem& why) 
 }
 
 static bool field_of(sqlite_use& use, field_row& row) {
+  if (!fits(use.integer(1)) || !fits(use.integer(2)) || !fits(use.integer(4))) return false;
   row.name = use.text(0);
   row.number = static_cast<int32_t>(use.integer(1));
   row.type = static_cast<int32_t>(use.integer(2));

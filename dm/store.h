@@ -5,6 +5,7 @@
 #ifndef DM_STORE_H
 #define DM_STORE_H
 
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -17,6 +18,9 @@ struct database_row {
   uint64_t number;
   int64_t counter;  // stamped on what a write changes, and raised by each write
 };
+
+// More writes than there will be: counters stay far from where they would overflow.
+inline constexpr int64_t HIGHEST_COUNTER = int64_t{1} << 62;
 
 struct field_row {
   const char* name;
@@ -94,7 +98,8 @@ struct store_calls {
   bool (*add_table)(store*, int64_t database, const table_row&, problem&);
   bool (*delete_table)(store*, int64_t database, const char* name, problem&);
 
-  // The engine's own test of what it keeps: one sentence for each fault.
+  // The engine's own test of what it keeps, and of what only it sees: tables and guards that are
+  // not as it makes them, values that rows cannot hold. One sentence for each fault.
   bool (*integrity)(store*, visitor<std::string_view>, problem&);
 };
 
@@ -107,6 +112,9 @@ struct close_store {
   void operator()(store* opened) const { opened->calls->close(opened); }
 };
 using store_owner = std::unique_ptr<store, close_store>;
+
+// Writes what a new dictionary holds; false with the reason.
+using fill_store = std::function<bool(store&, problem&)>;
 
 }  // namespace dm
 

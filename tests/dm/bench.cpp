@@ -9,6 +9,7 @@
 
 #include "dd/values.h"
 #include "dm/class_json.h"
+#include "dm/predefined.h"
 
 namespace fs = std::filesystem;
 
@@ -227,7 +228,8 @@ dictionary::dictionary() {
   path = folder + "/dictionary.db";
   settings = {"sqlite:" + path, true, true, true, 1};
   dm::problem why;
-  EXPECT_TRUE(dm::create_sqlite(path, 1, why)) << why.sentence;
+  const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_database(s, 1, p); };
+  EXPECT_TRUE(dm::create_sqlite(path, fill, why)) << why.sentence;
 }
 
 dictionary::~dictionary() {

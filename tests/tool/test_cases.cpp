@@ -29,6 +29,7 @@ struct test_case {
 static step new_step(const std::string& arguments) {
   step made;
   std::istringstream words(arguments);
+  if (arguments.rfind("sqlite3 ", 0) == 0) words >> made.options.program;
   for (std::string word; words >> word;) {
     if (word == "<") {
       words >> made.options.input;
@@ -120,6 +121,7 @@ class case_test : public testing::Test {
       std::string command;
       for (const std::string& word : s.words) command += " " + word;
       SCOPED_TRACE(file_ + ":" + std::to_string(case_.line) + ":" + command);
+      if (!s.options.program.empty()) s.options.program = SQLITE3;
       const run_result result = place.run(s.words, s.options);
       compare("standard output", s.expected["out"], result.out);
       compare("standard error", s.expected["err"], result.err);
@@ -202,6 +204,8 @@ static void register_findings_test(const fs::path& folder,
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
+  setenv("TAV_DEPLOY", TAV_DEPLOY, 1);
+  setenv("TAV_DICT", TAV_DICT, 1);
   std::vector<fs::path> files;
   const fs::path folder = argc > 1 ? argv[1] : TAV_CASES;
   for (const auto& entry : fs::directory_iterator(folder)) {

@@ -1,0 +1,31 @@
+// Every rule that the operations keep, over what a store holds.
+#ifndef DICT_CHECK_H
+#define DICT_CHECK_H
+
+#include <ostream>
+
+#include "dm/store.h"
+
+namespace dict {
+
+struct checker {
+  dm::store& store;
+  std::ostream& out;     // gets a line for each finding
+  int64_t findings = 0;  // so far
+  dm::problem why{};     // why the check itself had to end
+};
+
+// Checks all that the store holds, in an open transaction. False when the store fails; a damaged
+// one is a finding.
+bool check_store(checker& check);
+
+// Its parts, for one database; false when the store fails.
+bool check_fields(checker& check, const dm::database_row& database);
+bool check_classes(checker& check, const dm::database_row& database);
+
+// Tells a finding in a database, in a sentence.
+void tell(checker& check, const dm::database_row& database, std::string_view sentence);
+
+}  // namespace dict
+
+#endif

@@ -1,0 +1,74 @@
+#include "dm/copy.h"
+
+#include <unordered_map>
+#include <vector>
+
+namespace dm {
+
+namespace {
+
+// One database on its way.
+struct passage {
+  store &from, &to;
+  int64_t source, target;  // row ids of the database
+  problem& why;
+};
+
+}  // namespace
+
+// Gives each row that `read` visits to `write`, up to the first that fails.
+template <class Row, class Read, class Write>
+static bool pass(passage& p, Read read, Write write) {
+  bool written = true;
+  auto next = [&](const Row& row) { return written = write(row); };
+  return read(&p.from, p.source, choice(), visit<Row>(next), p.why) && written;
+}
+
+static bool copy_fields(passage& p) {
+  return pass<field_row>(p, p.from.calls->fields, [&](const field_row& row) {
+    return p.to.calls->add_field(&p.to, p.target, row, p.why);
+  });
+}
+
+static bool copy_classes(passage& p, std::unordered_map<int64_t, int64_t>& new_ids) {
+  return pass<class_row>(p, p.from.calls->classes, [&](const class_row& row) {
+    class_row copy = row;
+    copy.id = 0;
+    if (!p.to.calls->put_class(&p.to, p.target, copy, p.why)) return false;
+    new_ids[row.id] = copy.id;
+    return true;
+  });
+}
+
+static bool copy_tables(passage& p, const std::unordered_map<int64_t, int64_t>& new_ids) {
+  return pass<table_row>(p, p.from.calls->tables, [&](const table_row& row) {
+    const auto id = new_ids.find(row.class_id);
+    if (id != new_ids.end()) {
+      return p.to.calls->add_table(&p.to, p.target, {row.key, row.name, id->second}, p.why);
+    }
+    p.why.code = TAV_ERR_STORAGE;
+    p.why.sentence = join({"Table ", quoted(row.name),
+                           " belongs to no class of its database; see 'tav_dict check'."});
+    return false;
+  });
+}
+
+static bool copy_database(store& from, store& to, const database_row& row, problem& why) {
+  passage p{from, to, row.id, 0, why};
+  std::unordered_map<int64_t, int64_t> new_ids;
+  return to.calls->add_database(&to, row.number, p.target, why) && copy_fields(p) &&
+         copy_classes(p, new_ids) && copy_tables(p, new_ids) &&
+         to.calls->set_counter(&to, p.target, row.counter, why);
+}
+
+bool copy_dictionary(store& from, store& to, problem& why) {
+  std::vector<database_row> databases;
+  auto note = [&](const database_row& row) { return databases.push_back(row), true; };
+  if (!from.calls->databases(&from, visit<database_row>(note), why)) return false;
+  for (const database_row& row : databases) {
+    if (!copy_database(from, to, row, why)) return false;
+  }
+  return true;
+}
+
+}  // namespace dm
