@@ -6,6 +6,10 @@
 
 #include "dm/problem.h"
 
+namespace CLI {
+class App;
+}
+
 namespace dict {
 
 enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
@@ -14,6 +18,12 @@ int init();
 int add_database(const std::string& number);
 int status();
 int check();
+
+// Commands with options of their own: each adds itself, and sets the exit status when it has run.
+void add_diff(CLI::App& app, int& result);
+
+// Reads a database number, N.N.N.N; false with the reason.
+bool read_database(const std::string& text, uint64_t& number, dm::problem& why);
 
 // Says on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);
