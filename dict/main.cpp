@@ -7,7 +7,8 @@
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
-    "Exit status: 0, 1 when 'check' or 'diff' found something, 2 for wrong usage or a failure.";
+    "Exit status: 0, 1 when 'check' or 'diff' found something or 'explain' did not, 2 for wrong "
+    "usage or a failure.";
 
 int main(int argc, char** argv) {
   CLI::App app(DESCRIPTION, "tav_dict");
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
   app.add_subcommand("check", "Verify the dictionary's integrity and every rule of its content")
       ->callback([&] { result = dict::check(); });
   dict::add_diff(app, result);
+  dict::add_explain(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
