@@ -110,6 +110,56 @@ static void compare(const char* what, const std::string& expected, const std::st
   EXPECT_EQ(expected, text) << what;
 }
 
+// --- Every import is preceded by a diff, which must agree with it -------------------------------
+
+static int diff(const workshop& place, const step& s) {
+  std::vector<std::string> words{"dict", "diff"};
+  words.insert(words.end(), s.words.begin() + 1, s.words.end());
+  return place.run(words, s.options).exit_status;
+}
+
+// What the dictionary says in the definition language.
+static std::string exported(const workshop& place) {
+  return place.run({"field"}).out + place.run({"class", "-m"}).out;
+}
+
+static bool holds(const std::string& text, const char* part) {
+  return text.find(part) != std::string::npos;
+}
+
+static void check_agreement(const workshop& place, const step& s, const run_result& result,
+                            int told, bool has_changed) {
+  const bool was_read = !holds(result.log, "Error reading import files") &&
+                        !holds(result.err, "without interface") &&
+                        !holds(result.err, "when implementation was provided") &&
+                        !holds(result.err, "between interface/implementation");
+  EXPECT_EQ(told == 2, !was_read) << "diff compares what an import can read and merge";
+  if (holds(result.err, "Error: Conflicting field")) {
+    EXPECT_EQ(told, 1);
+  }
+  if (holds(result.out, "committed successfully")) {
+    EXPECT_EQ(told == 1, has_changed) << "diff tells whether a deployment changes anything";
+    EXPECT_EQ(diff(place, s), 0) << "nothing is left to deploy";
+  } else if (result.out == "No Conflicts detected\n" && !holds(result.err, "keeping old")) {
+    EXPECT_EQ(told, 1) << "all of the input is new";
+  }
+}
+
+static run_result run_import(const workshop& place, const step& s) {
+  const int told = diff(place, s);
+  const bool deploys = s.words[0] != "verify";
+  const std::string before = deploys ? exported(place) : "";
+  const run_result result = place.run(s.words, s.options);
+  check_agreement(place, s, result, told, deploys && exported(place) != before);
+  return result;
+}
+
+// Whether the step is an import whose words diff understands too.
+static bool is_import(const step& s) {
+  static const std::set<std::string> modes{"verify", "create", "replace"};
+  return modes.count(s.words[0]) != 0 && (s.words.size() < 2 || s.words[1] != "-e");
+}
+
 class case_test : public testing::Test {
  public:
   case_test(test_case c, std::string file) : case_(std::move(c)), file_(std::move(file)) {}
@@ -120,7 +170,9 @@ class case_test : public testing::Test {
       std::string command;
       for (const std::string& word : s.words) command += " " + word;
       SCOPED_TRACE(file_ + ":" + std::to_string(case_.line) + ":" + command);
-      const run_result result = place.run(s.words, s.options);
+      const run_result result = file_ != "command_line" && is_import(s)
+                                    ? run_import(place, s)
+                                    : place.run(s.words, s.options);
       compare("standard output", s.expected["out"], result.out);
       compare("standard error", s.expected["err"], result.err);
       if (s.expected.count("log") != 0) compare("log", s.expected["log"], result.log);
