@@ -118,9 +118,11 @@ static int diff(const workshop& place, const step& s) {
   return place.run(words, s.options).exit_status;
 }
 
-// What the dictionary says in the definition language.
-static std::string exported(const workshop& place) {
-  return place.run({"field"}).out + place.run({"class", "-m"}).out;
+// What the step's database says in the definition language.
+static std::string exported(const workshop& place, const step& s) {
+  const bool is_chosen = s.words.size() > 2 && s.words[1] == "-d";
+  const std::string database = is_chosen ? s.words[2] : "0.0.0.1";
+  return place.run({"field", "-d", database}).out + place.run({"class", "-md", database}).out;
 }
 
 static bool holds(const std::string& text, const char* part) {
@@ -148,9 +150,9 @@ static void check_agreement(const workshop& place, const step& s, const run_resu
 static run_result run_import(const workshop& place, const step& s) {
   const int told = diff(place, s);
   const bool deploys = s.words[0] != "verify";
-  const std::string before = deploys ? exported(place) : "";
+  const std::string before = deploys ? exported(place, s) : "";
   const run_result result = place.run(s.words, s.options);
-  check_agreement(place, s, result, told, deploys && exported(place) != before);
+  check_agreement(place, s, result, told, deploys && exported(place, s) != before);
   return result;
 }
 
