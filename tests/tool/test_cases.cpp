@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "tests/tool/sources.h"
 #include "tests/tool/workshop.h"
 
 namespace fs = std::filesystem;
@@ -190,34 +191,23 @@ class case_test : public testing::Test {
 // --- Every finding is expected by some case
 // -----------------------------------------------------------
 
-static std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 // The "Error: ..." and "Warning: ..." texts in the sources of the import, with their %s.
 static std::set<std::string> findings_in_sources() {
-  static const std::regex joined("\"\\s*\\n\\s*\"");
-  static const std::regex text("\"(?:\\\\n)?((?:Error|Warning): [^\"\\\\]*)");
+  static const std::regex finding("\n?((?:Error|Warning): [^\"\n]*)\\s*");
   std::set<std::string> found;
-  for (const auto& entry : fs::directory_iterator(TAV_SOURCES)) {
-    if (entry.path().filename().string().rfind("tav_deploy_import", 0) != 0) continue;
-    const std::string source = std::regex_replace(slurp(entry.path()), joined, "");
-    for (std::sregex_iterator it(source.begin(), source.end(), text), end; it != end; ++it) {
-      found.insert((*it)[1]);
-    }
+  for (const source_text& each : texts_in("deploy", "tav_deploy_import")) {
+    std::smatch match;
+    if (std::regex_match(each.text, match, finding)) found.insert(match[1]);
   }
   return found;
 }
 
-// Whether the line is the finding with anything in place of its %s and %d.
-static bool is_finding(const std::string& finding, const std::string& line) {
+// Fits the finding with anything in place of its %s and %d.
+static std::regex pattern_of(const std::string& finding) {
   static const std::regex special("[.()*+?^$|{}\\[\\]\\\\]");
   static const std::regex placeholder("%[sd]");
   const std::string quoted = std::regex_replace(finding, special, "\\$&");
-  return std::regex_match(line, std::regex(std::regex_replace(quoted, placeholder, ".*")));
+  return std::regex(std::regex_replace(quoted, placeholder, ".*"));
 }
 
 class findings_test : public testing::Test {
@@ -227,9 +217,10 @@ class findings_test : public testing::Test {
     const std::set<std::string> findings = findings_in_sources();
     EXPECT_GT(findings.size(), 40u);
     for (const std::string& finding : findings) {
-      bool expected = false;
-      for (const std::string& line : lines_) expected = expected || is_finding(finding, line);
-      EXPECT_TRUE(expected) << "no case expects: " << finding;
+      const std::regex pattern = pattern_of(finding);
+      const auto fits = [&](const std::string& line) { return std::regex_match(line, pattern); };
+      EXPECT_TRUE(std::any_of(lines_.begin(), lines_.end(), fits))
+          << "no case expects: " << finding;
     }
   }
 
@@ -240,7 +231,8 @@ class findings_test : public testing::Test {
 static void register_findings_test(const fs::path& folder,
                                    const std::vector<std::vector<test_case>>& files) {
   std::set<std::string> lines;
-  for (const std::string& line : lines_of(slurp(folder / "unreachable.txt"))) lines.insert(line);
+  for (const std::string& line : lines_of(slurp_source(folder / "unreachable.txt")))
+    lines.insert(line);
   for (const auto& cases : files) {
     for (const test_case& c : cases) {
       for (const step& s : c.steps) {

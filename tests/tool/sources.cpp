@@ -1,0 +1,52 @@
+#include "tests/tool/sources.h"
+
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+std::string slurp_source(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+static std::string plain(std::string text) {
+  static const std::pair<const char*, const char*> escapes[] = {
+      {"\\n", "\n"}, {"\\t", "\t"}, {"\\\"", "\""}};
+  for (const auto& [written, real] : escapes) {
+    for (size_t at; (at = text.find(written)) != text.npos;) text.replace(at, 2, real);
+  }
+  return text;
+}
+
+static void add_texts(const std::string& source, std::vector<source_text>& texts) {
+  static const std::regex noise(R"re(#include[^\n]*|(^|\s)//[^\n]*|'"'|R"\([^]*?\)")re");
+  static const std::regex joined("([^\\\\])\"\\s*\\n\\s*\"");
+  static const std::regex token("\"((?:[^\"\\\\\\n]|\\\\.)*)\"|;");
+  const std::string code = std::regex_replace(std::regex_replace(source, noise, ""), joined, "$1");
+  size_t first = texts.size();  // of the statement
+  std::string statement;
+  for (std::sregex_iterator it(code.begin(), code.end(), token), end; it != end; ++it) {
+    statement += it->prefix();
+    if (it->str() != ";") {
+      texts.push_back({plain((*it)[1]), ""});
+      continue;
+    }
+    for (; first < texts.size(); ++first) texts[first].statement = statement;
+    statement.clear();
+  }
+}
+
+std::vector<source_text> texts_in(const std::string& folder, const std::string& file_name) {
+  std::vector<source_text> texts;
+  for (const auto& entry : fs::directory_iterator(fs::path(TAV_ROOT) / folder)) {
+    const std::string name = entry.path().filename().string();
+    const std::string kind = entry.path().extension().string();
+    if (name.rfind(file_name, 0) != 0 || (kind != ".cpp" && kind != ".h")) continue;
+    add_texts(slurp_source(entry.path()), texts);
+  }
+  return texts;
+}
