@@ -1,7 +1,6 @@
 #include "tests/tool/sources.h"
 
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -13,10 +12,12 @@ std::string slurp_source(const fs::path& path) {
   return text.str();
 }
 
+std::vector<std::string> matches_in(const std::string& text, const std::regex& pattern) {
+  return {std::sregex_token_iterator(text.begin(), text.end(), pattern), {}};
+}
+
 static std::string plain(std::string text) {
-  static const std::pair<const char*, const char*> escapes[] = {
-      {"\\n", "\n"}, {"\\t", "\t"}, {"\\\"", "\""}};
-  for (const auto& [written, real] : escapes) {
+  for (const auto& [written, real] : {std::pair{"\\n", "\n"}, {"\\t", "\t"}, {"\\\"", "\""}}) {
     for (size_t at; (at = text.find(written)) != text.npos;) text.replace(at, 2, real);
   }
   return text;
@@ -43,10 +44,9 @@ static void add_texts(const std::string& source, std::vector<source_text>& texts
 std::vector<source_text> texts_in(const std::string& folder, const std::string& file_name) {
   std::vector<source_text> texts;
   for (const auto& entry : fs::directory_iterator(fs::path(TAV_ROOT) / folder)) {
+    const bool is_source = entry.path().extension() == ".cpp" || entry.path().extension() == ".h";
     const std::string name = entry.path().filename().string();
-    const std::string kind = entry.path().extension().string();
-    if (name.rfind(file_name, 0) != 0 || (kind != ".cpp" && kind != ".h")) continue;
-    add_texts(slurp_source(entry.path()), texts);
+    if (is_source && name.rfind(file_name, 0) == 0) add_texts(slurp_source(entry.path()), texts);
   }
   return texts;
 }

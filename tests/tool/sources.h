@@ -3,10 +3,12 @@
 #define TESTS_TOOL_SOURCES_H
 
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
 std::string slurp_source(const std::filesystem::path& path);
+std::vector<std::string> matches_in(const std::string& text, const std::regex& pattern);
 
 // A string literal, with \n, \t and \" made real, and the code of the statement it stands in.
 struct source_text {
@@ -14,7 +16,7 @@ struct source_text {
   std::string statement;
 };
 
-// Those of a folder's .h and .cpp files whose names begin so; raw strings are left out.
+// Those of a folder's files whose names begin so; raw strings are left out.
 std::vector<source_text> texts_in(const std::string& folder, const std::string& file_name = "");
 
 #endif
