@@ -1,16 +1,8 @@
 #include "tests/tool/sources.h"
 
-#include <fstream>
-#include <sstream>
+#include "tests/tool/workshop.h"
 
 namespace fs = std::filesystem;
-
-std::string slurp_source(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 std::vector<std::string> matches_in(const std::string& text, const std::regex& pattern) {
   return {std::sregex_token_iterator(text.begin(), text.end(), pattern), {}};
@@ -46,7 +38,7 @@ std::vector<source_text> texts_in(const std::string& folder, const std::string& 
   for (const auto& entry : fs::directory_iterator(fs::path(TAV_ROOT) / folder)) {
     const bool is_source = entry.path().extension() == ".cpp" || entry.path().extension() == ".h";
     const std::string name = entry.path().filename().string();
-    if (is_source && name.rfind(file_name, 0) == 0) add_texts(slurp_source(entry.path()), texts);
+    if (is_source && name.rfind(file_name, 0) == 0) add_texts(slurp(entry.path()), texts);
   }
   return texts;
 }

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-std::string slurp_source(const std::filesystem::path& path);
 std::vector<std::string> matches_in(const std::string& text, const std::regex& pattern);
 
 // A string literal, with \n, \t and \" made real, and the code of the statement it stands in.

@@ -220,8 +220,7 @@ class findings_test : public testing::Test {
 static void register_findings_test(const fs::path& folder,
                                    const std::vector<std::vector<test_case>>& files) {
   std::set<std::string> lines;
-  for (const std::string& line : lines_of(slurp_source(folder / "unreachable.txt")))
-    lines.insert(line);
+  for (const std::string& line : lines_of(slurp(folder / "unreachable.txt"))) lines.insert(line);
   for (const auto& cases : files) {
     for (const test_case& c : cases) {
       for (const step& s : c.steps) {

@@ -4,11 +4,12 @@
 #include <set>
 
 #include "tests/tool/sources.h"
+#include "tests/tool/workshop.h"
 
 using texts = std::set<std::string>;
 
 static texts texts_on_page() {
-  const std::string page = slurp_source(TAV_ROOT "/docs/messages.md");
+  const std::string page = slurp(TAV_ROOT "/docs/messages.md");
   texts found;
   for (const std::string& heading : matches_in(page, std::regex("\n### `[^\n]*`"))) {
     EXPECT_TRUE(found.insert(heading.substr(6, heading.size() - 7)).second) << "twice: " << heading;

@@ -13,13 +13,6 @@
 namespace fs = std::filesystem;
 using words = std::vector<std::string>;
 
-static std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 static std::string random_bytes(size_t count) {
   std::mt19937 chance(7);
   std::string bytes(count, '\0');
@@ -196,6 +189,9 @@ static void there_and_back(const workshop& first, const words& files) {
       "No Conflicts detected\nFields committed successfully!\nClasses committed successfully!\n");
   const std::string exported = first.run({"class", "-nmcp"}).out;
   ASSERT_NE(exported, "");
+  create.front() = "diff";
+  create.insert(create.begin(), "dict");
+  EXPECT_EQ(first.run(create).out, "No differences.\n");
 
   const workshop second;
   std::string line;
@@ -207,6 +203,9 @@ static void there_and_back(const workshop& first, const words& files) {
     EXPECT_EQ(line.rfind("Warning: Duplicate field definition TAV_FLD_", 0), 0u) << line;
   }
   EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
+  EXPECT_EQ(first.run({"dict", "diff", second.path("export.def")}).out, "No differences.\n");
+  EXPECT_EQ(first.run({"dict", "diff", "--with", "sqlite:" + second.path("dictionary.db")}).out,
+            "No differences.\n");
   const run_result replaced = second.run({"replace", "export.def"});
   EXPECT_EQ(replaced.exit_status, 0);
   EXPECT_EQ(replaced.out.substr(0, 62),
@@ -237,4 +236,30 @@ TEST(round_trip, of_a_real_dictionary) {
   const run_result verified = place.run({"verify", "real.def"});
   EXPECT_EQ(verified.out, "No Conflicts detected\n");
   there_and_back(place, {"real.def"});
+}
+
+static run_options with_programs(const std::string& program) {
+  run_options options;
+  options.program = program;
+  options.env = {"PATH=" + fs::path(TAV_DICT).parent_path().string() + ":/usr/bin:/bin"};
+  return options;
+}
+
+TEST(examples, tell_a_pipeline_what_is_to_be_done) {
+  const workshop place;
+  const run_options ci = with_programs(TAV_EXAMPLES "/ci.sh");
+  copy_examples(place);
+  EXPECT_EQ(place.run({"fields.def"}, ci).exit_status, 1);
+  ASSERT_EQ(place.run({"create", "fields.def"}).exit_status, 0);
+  EXPECT_EQ(place.run({"fields.def"}, ci).exit_status, 0);
+  EXPECT_EQ(place.run({"fields.def", "none.def"}, ci).exit_status, 2);
+}
+
+TEST(progress, is_drawn_on_a_terminal_and_taken_away) {
+  const workshop place;
+  const std::string job = "(sleep 1.2; echo 'INT F { ID = 20001; }') | tav_dict diff";
+  const std::string out =
+      place.run({"-qec", job, "/dev/null"}, with_programs("/usr/bin/script")).out;
+  EXPECT_NE(out.find("\r\033[Kcomparing fields 1 of "), out.npos) << out;
+  EXPECT_NE(out.find("\r\033[K\033[32m+ field F (INT)\033[0m\r\n"), out.npos) << out;
 }
