@@ -17,14 +17,14 @@ static constexpr char START_OF_EMPTY_LINE[] = "\r\033[K";
 // 10000 as 10,000.
 static std::string grouped(uint64_t number) {
   std::string text = std::to_string(number);
-  for (size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
+  for (size_t at = text.size(); at > 3;) text.insert(at -= 3, 1, ',');
   return text;
 }
 
 static void draw(progress& shown) {
   std::string line = shown.what;
-  line += " " + grouped(shown.done);
-  if (shown.total != 0) line += " of " + grouped(shown.total);
+  line.append(" ").append(grouped(shown.done));
+  if (shown.total != 0) line.append(" of ").append(grouped(shown.total));
   std::fprintf(stderr, "%s%s", START_OF_EMPTY_LINE, line.c_str());
   std::fflush(stderr);
   shown.is_drawn = true;

@@ -204,8 +204,6 @@ static void there_and_back(const workshop& first, const words& files) {
   }
   EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
   EXPECT_EQ(first.run({"dict", "diff", second.path("export.def")}).out, "No differences.\n");
-  EXPECT_EQ(first.run({"dict", "diff", "--with", "sqlite:" + second.path("dictionary.db")}).out,
-            "No differences.\n");
   const run_result replaced = second.run({"replace", "export.def"});
   EXPECT_EQ(replaced.exit_status, 0);
   EXPECT_EQ(replaced.out.substr(0, 62),
