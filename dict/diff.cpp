@@ -58,10 +58,24 @@ static dm::settings settings_of_other(const request& asked, const dm::settings& 
   return other;
 }
 
-static bool choose_database(const std::string& text, uint64_t otherwise, uint64_t& number,
-                            dm::problem& why) {
-  number = otherwise;
-  return text.empty() || read_database(text, number, why);
+// The databases of both sides: the login's, where the command line chooses none.
+static bool choose_databases(const request& asked, const dm::settings& settings, uint64_t& own,
+                             uint64_t& other, dm::problem& why) {
+  own = settings.database;
+  if (asked.database.empty() && !settings.has_login) {
+    why.sentence = "tav.conf has no entry 'userid', which names the database; choose one with -d.";
+    return false;
+  }
+  if (!asked.database.empty() && !read_database(asked.database, own, why)) return false;
+  other = own;
+  return asked.with_database.empty() || read_database(asked.with_database, other, why);
+}
+
+static bool fetch_other(const dm::settings& settings, uint64_t database, definitions& after,
+                        dm::problem& why) {
+  if (fetch(settings, database, after, why)) return true;
+  why.sentence.insert(0, "--with: ");
+  return false;
 }
 
 // Both sides, or the failure told.
@@ -69,19 +83,17 @@ static int gather(const request& asked, definitions& before, definitions& after)
   dm::settings settings;
   dm::problem why;
   uint64_t database = 0;
-  uint64_t other_database = 0;
-  if (!dm::read_settings(settings, why) ||
-      !choose_database(asked.database, settings.database, database, why) ||
-      !choose_database(asked.with_database, database, other_database, why)) {
-    return fail(why);
-  }
+  uint64_t other = 0;
+  if (!dm::read_settings(settings, why)) return fail(why);
+  if (!choose_databases(asked, settings, database, other, why)) return fail(why);
   if (asked.with.empty() && !read_files(asked.files, after)) {
     why.sentence = "The definition files have errors; nothing was compared.";
     return fail(why);
   }
   if (!fetch(settings, database, before, why)) return fail(why);
   if (asked.with.empty()) return DONE;
-  return fetch(settings_of_other(asked, settings), other_database, after, why) ? DONE : fail(why);
+  const dm::settings theirs = settings_of_other(asked, settings);
+  return fetch_other(theirs, other, after, why) ? DONE : fail(why);
 }
 
 static bool is_coloured(const std::string& when) {
