@@ -35,7 +35,7 @@ static void add_texts(const std::string& source, std::vector<source_text>& texts
 
 std::vector<source_text> texts_in(const std::string& folder, const std::string& file_name) {
   std::vector<source_text> texts;
-  for (const auto& entry : fs::directory_iterator(fs::path(TAV_ROOT) / folder)) {
+  for (const auto& entry : fs::recursive_directory_iterator(fs::path(TAV_ROOT) / folder)) {
     const bool is_source = entry.path().extension() == ".cpp" || entry.path().extension() == ".h";
     const std::string name = entry.path().filename().string();
     if (is_source && name.rfind(file_name, 0) == 0) add_texts(slurp(entry.path()), texts);

@@ -24,10 +24,10 @@ static const std::pair<const char*, std::regex> SHOWN[] = {
     {"dparse",
      std::regex(PRINTED
                 "|^[^|]* [^|]*\\|[^]*(dparse_(fail|note)\\(|expect\\(|KEY_ID, TAV|\\[\\] = )")},
-    {"dict", std::regex("^[^|]*[a-z]{2}[^]*\\|[^]*(sentence|join\\(|tell\\()")},
+    {"dict", std::regex("^[^|]*[a-z]{2}[^]*\\|[^]*(sentence|(join|tell|fault)\\()")},
     {"dm", std::regex("^[^|]*([a-z]{2}[^|]* | [^|]*[a-z]{2})")}};
 static const std::regex UNSEEN(
-    "^TCM_OP|^C=|[{]\n|STORABLE|\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA)"
+    "^TCM_OP|^C=|^[a-z]+ ?$|[{]\n|STORABLE|\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA)"
     "\\b");
 static const std::regex LINE("[^\\s][^\n]*[^\\s]"), WORD("[A-Za-z]{3}|[=;{}] ");
 
@@ -56,7 +56,7 @@ TEST(messages, of_the_page_are_in_the_sources) {
     for (const source_text& each : texts_in(folder)) sources += each.text + "|";
   }
   // Placeholders and the signs at which sentences are joined from pieces.
-  static const std::regex between("\\s*(%[sdc]|['<>:.(])\\s*|$");
+  static const std::regex between("\\s*(%[sdc]|['<>:.,;()])\\s*|$");
   for (const std::string& text : texts_on_page()) {
     std::sregex_token_iterator it(text.begin(), text.end(), between, -1), end;
     for (; it != end; ++it) EXPECT_NE(sources.find(*it), sources.npos) << text << ": " << *it;
