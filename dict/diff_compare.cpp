@@ -56,17 +56,13 @@ static difference one_sided(const element_kind& kind, const matched& pair, tav_e
           type_of(kind, element, at(ebuf, HERE)), dd_text(element, kind.name, at(ebuf, HERE))};
 }
 
-static bool is_change(const difference& d) {
-  return d.kind != change::KEPT;
-}
-
 // What a pair's values and entries come to together.
 static change verdict(const difference& pair) {
   for (const value_change& value : pair.values) {
     if (!value.is_kept) return change::CHANGED;
   }
   for (const difference& entry : pair.entries) {
-    if (is_change(entry)) return change::CHANGED;
+    if (entry.kind != change::KEPT) return change::CHANGED;
   }
   return change::KEPT;
 }
@@ -74,7 +70,7 @@ static change verdict(const difference& pair) {
 static void compare_pair(const element_kind& kind, const matched& pair, bool is_deployment,
                          std::vector<difference>& found, tav_ebuf* ebuf);
 
-// Both dictionaries' entries go no deeper than a dictionary may nest them, and so does this.
+// Goes no deeper than the dictionary nests its entries: only pairs are looked into.
 static void compare_entries(const matched& parent, bool is_deployment,
                             std::vector<difference>& found, tav_ebuf* ebuf) {
   const both sides{ENTRY, TAV_FLD_OBJ_ELEM, parent.before, parent.after};

@@ -33,7 +33,8 @@ static void put_text(writer& out, std::string text) {
 
 static void put_member(writer& out, const char* key, const std::string& text) {
   out.Key(key);
-  text.empty() ? static_cast<void>(out.Null()) : put_text(out, text);
+  if (!text.empty()) return put_text(out, text);
+  out.Null();
 }
 
 static void put_value(writer& out, const value_change& value) {
