@@ -8,11 +8,9 @@ std::vector<std::string> matches_in(const std::string& text, const std::regex& p
   return {std::sregex_token_iterator(text.begin(), text.end(), pattern), {}};
 }
 
-static std::string plain(std::string text) {
-  for (const auto& [written, real] : {std::pair{"\\n", "\n"}, {"\\t", "\t"}, {"\\\"", "\""}}) {
-    for (size_t at; (at = text.find(written)) != text.npos;) text.replace(at, 2, real);
-  }
-  return text;
+static std::string plain(const std::string& text) {
+  static const std::regex newline("\\\\n"), quote("\\\\\"");
+  return std::regex_replace(std::regex_replace(text, newline, "\n"), quote, "\"");
 }
 
 static void add_texts(const std::string& source, std::vector<source_text>& texts) {

@@ -9,7 +9,7 @@
 
 std::vector<std::string> matches_in(const std::string& text, const std::regex& pattern);
 
-// A string literal, with \n, \t and \" made real, and the code of the statement it stands in.
+// A string literal, with \n and \" made real, and the code of the statement it stands in.
 struct source_text {
   std::string text;
   std::string statement;

@@ -27,9 +27,9 @@ static const std::pair<const char*, std::regex> SHOWN[] = {
     {"dict", std::regex("^[^|]*[a-z]{2}[^]*\\|[^]*(sentence|(join|tell|fault)\\()")},
     {"dm", std::regex("^[^|]*([a-z]{2}[^|]* | [^|]*[a-z]{2})")}};
 static const std::regex UNSEEN(
-    "^TCM_OP|^C=|^[a-z]+ ?$|[{]\n|STORABLE|\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA)"
+    "^TCM_OP|^C=|^\\\\t|^[a-z]+ ?$|[{]\n|STORABLE|\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA)"
     "\\b");
-static const std::regex LINE("[^\\s][^\n]*[^\\s]"), WORD("[A-Za-z]{3}|[=;{}] ");
+static const std::regex LINE("[^\\s][^\n]*[^\\s]");
 
 TEST(messages, of_the_sources_are_on_the_page) {
   const texts page = texts_on_page();
@@ -38,9 +38,7 @@ TEST(messages, of_the_sources_are_on_the_page) {
     for (const source_text& each : texts_in(folder)) {
       const std::string subject = each.text + "|" + each.statement;
       if (!std::regex_search(subject, pattern) || std::regex_search(each.text, UNSEEN)) continue;
-      for (const std::string& line : matches_in(each.text, LINE)) {
-        if (std::regex_search(line, WORD)) shown.insert(line);
-      }
+      for (const std::string& line : matches_in(each.text, LINE)) shown.insert(line);
     }
   }
   EXPECT_GT(shown.size(), 250u);

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <sstream>
 
@@ -164,9 +163,7 @@ TEST(surroundings, that_are_broken_are_explained) {
   }
 }
 
-// --- Whole dictionaries
-// ------------------------------------------------------------------------------- What an export
-// loses, by contract; the round trips below hold without these:
+// --- Whole dictionaries. What an export loses, by contract; the round trips hold without these:
 //   CREATE_ACCESS and RESIDENCY_TYPE of a class; LDAP implementations (merging drops them too);
 //   SQL_STORAGE of a field that has a column; a double quote inside a text; the implementation's
 //   name.
@@ -236,28 +233,28 @@ TEST(round_trip, of_a_real_dictionary) {
   there_and_back(place, {"real.def"});
 }
 
-static run_options with_programs(const std::string& program) {
+static run_result shell(const workshop& place, const std::string& program, words arguments) {
   run_options options;
   options.program = program;
   options.env = {"PATH=" + fs::path(TAV_DICT).parent_path().string() + ":/usr/bin:/bin"};
-  return options;
+  return place.run(std::move(arguments), options);
 }
 
 TEST(examples, tell_a_pipeline_what_is_to_be_done) {
   const workshop place;
-  const run_options ci = with_programs(TAV_EXAMPLES "/ci.sh");
   copy_examples(place);
-  EXPECT_EQ(place.run({"fields.def"}, ci).exit_status, 1);
+  const auto ci = [&](words files) {
+    return shell(place, TAV_EXAMPLES "/ci.sh", files).exit_status;
+  };
+  EXPECT_EQ(ci({"fields.def"}), 1);
   ASSERT_EQ(place.run({"create", "fields.def"}).exit_status, 0);
-  EXPECT_EQ(place.run({"fields.def"}, ci).exit_status, 0);
-  EXPECT_EQ(place.run({"fields.def", "none.def"}, ci).exit_status, 2);
+  EXPECT_EQ(ci({"fields.def"}), 0);
+  EXPECT_EQ(ci({"fields.def", "none.def"}), 2);
 }
 
 TEST(progress, is_drawn_on_a_terminal_and_taken_away) {
-  const workshop place;
-  const std::string job = "(sleep 1.2; echo 'INT F { ID = 20001; }') | tav_dict diff";
-  const std::string out =
-      place.run({"-qec", job, "/dev/null"}, with_programs("/usr/bin/script")).out;
+  const char job[] = "(sleep 1.2; echo 'INT F { ID = 20001; }') | tav_dict diff";
+  const std::string out = shell(workshop(), "/usr/bin/script", {"-qec", job, "/dev/null"}).out;
   EXPECT_NE(out.find("\r\033[Kcomparing fields 1 of "), out.npos) << out;
   EXPECT_NE(out.find("\r\033[K\033[32m+ field F (INT)\033[0m\r\n"), out.npos) << out;
 }
