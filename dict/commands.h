@@ -6,6 +6,10 @@
 
 #include "dm/problem.h"
 
+namespace CLI {
+class App;
+}
+
 namespace dict {
 
 enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
@@ -16,6 +20,13 @@ int status();
 int check();
 int backup(const std::string& file);
 int restore(const std::string& file);
+
+// Commands with options of their own: each adds itself, and sets the exit status when it has run.
+void add_diff(CLI::App& app, int& result);
+void add_explain(CLI::App& app, int& result);
+
+// Reads a database number, N.N.N.N; false with the reason.
+bool read_database(const std::string& text, uint64_t& number, dm::problem& why);
 
 // Says on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);

@@ -7,7 +7,8 @@
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
-    "Exit status: 0, 1 when 'check' (or 'restore', in the backup) found something, 2 for wrong\n"
+    "Exit status: 0, 1 when 'check' or 'diff' found something (so does 'restore' with what 'check'\n"
+    "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
     "usage or a failure.";
 
 int main(int argc, char** argv) {
@@ -36,6 +37,8 @@ int main(int argc, char** argv) {
       app.add_subcommand("restore", "Make the dictionary, with all that a backup holds");
   restore->add_option("FILE", file, "The backup")->required();
   restore->callback([&] { result = dict::restore(file); });
+  dict::add_diff(app, result);
+  dict::add_explain(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

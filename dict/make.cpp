@@ -40,16 +40,19 @@ static bool has_database(dm::store& store, uint64_t number, bool& is_there, dm::
   return store.calls->databases(&store, dm::visit<dm::database_row>(note), why);
 }
 
+bool read_database(const std::string& text, uint64_t& number, dm::problem& why) {
+  if (dm::database_of_text(text.c_str(), number)) return true;
+  why.sentence = dm::join({dm::quoted(text),
+                           " is no database number: expected four numbers from 0 to 65535, such "
+                           "as 0.0.1.1."});
+  return false;
+}
+
 int add_database(const std::string& text) {
   dm::settings settings;
   dm::problem why;
   uint64_t number = 0;
-  if (!dm::database_of_text(text.c_str(), number)) {
-    why.sentence = dm::join({dm::quoted(text),
-                             " is no database number: expected four numbers from 0 to 65535, such "
-                             "as 0.0.1.1."});
-    return fail(why);
-  }
+  if (!read_database(text, number, why)) return fail(why);
   if (!dm::read_settings(settings, why)) return fail(why);
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), true, why)) return fail(why);

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <sstream>
 
@@ -12,13 +11,6 @@
 
 namespace fs = std::filesystem;
 using words = std::vector<std::string>;
-
-static std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 static std::string random_bytes(size_t count) {
   std::mt19937 chance(7);
@@ -171,9 +163,7 @@ TEST(surroundings, that_are_broken_are_explained) {
   }
 }
 
-// --- Whole dictionaries
-// ------------------------------------------------------------------------------- What an export
-// loses, by contract; the round trips below hold without these:
+// --- Whole dictionaries. What an export loses, by contract; the round trips hold without these:
 //   CREATE_ACCESS and RESIDENCY_TYPE of a class; LDAP implementations (merging drops them too);
 //   SQL_STORAGE of a field that has a column; a double quote inside a text; the implementation's
 //   name.
@@ -196,6 +186,9 @@ static void there_and_back(const workshop& first, const words& files) {
       "No Conflicts detected\nFields committed successfully!\nClasses committed successfully!\n");
   const std::string exported = first.run({"class", "-nmcp"}).out;
   ASSERT_NE(exported, "");
+  create.front() = "diff";
+  create.insert(create.begin(), "dict");
+  EXPECT_EQ(first.run(create).out, "No differences.\n");
 
   const workshop second;
   std::string line;
@@ -207,6 +200,7 @@ static void there_and_back(const workshop& first, const words& files) {
     EXPECT_EQ(line.rfind("Warning: Duplicate field definition TAV_FLD_", 0), 0u) << line;
   }
   EXPECT_EQ(second.run({"class", "-nmcp"}).out, exported);
+  EXPECT_EQ(first.run({"dict", "diff", second.path("export.def")}).out, "No differences.\n");
   const run_result replaced = second.run({"replace", "export.def"});
   EXPECT_EQ(replaced.exit_status, 0);
   EXPECT_EQ(replaced.out.substr(0, 62),
@@ -237,4 +231,30 @@ TEST(round_trip, of_a_real_dictionary) {
   const run_result verified = place.run({"verify", "real.def"});
   EXPECT_EQ(verified.out, "No Conflicts detected\n");
   there_and_back(place, {"real.def"});
+}
+
+static run_result shell(const workshop& place, const std::string& program, words arguments) {
+  run_options options;
+  options.program = program;
+  options.env = {"PATH=" + fs::path(TAV_DICT).parent_path().string() + ":/usr/bin:/bin"};
+  return place.run(std::move(arguments), options);
+}
+
+TEST(examples, tell_a_pipeline_what_is_to_be_done) {
+  const workshop place;
+  copy_examples(place);
+  const auto ci = [&](words files) {
+    return shell(place, TAV_EXAMPLES "/ci.sh", files).exit_status;
+  };
+  EXPECT_EQ(ci({"fields.def"}), 1);
+  ASSERT_EQ(place.run({"create", "fields.def"}).exit_status, 0);
+  EXPECT_EQ(ci({"fields.def"}), 0);
+  EXPECT_EQ(ci({"fields.def", "none.def"}), 2);
+}
+
+TEST(progress, is_drawn_on_a_terminal_and_taken_away) {
+  const char job[] = "(sleep 1.2; echo 'INT F { ID = 20001; }') | tav_dict diff";
+  const std::string out = shell(workshop(), "/usr/bin/script", {"-qec", job, "/dev/null"}).out;
+  EXPECT_NE(out.find("\r\033[Kcomparing fields 1 of "), out.npos) << out;
+  EXPECT_NE(out.find("\r\033[K\033[32m+ field F (INT)\033[0m\r\n"), out.npos) << out;
 }

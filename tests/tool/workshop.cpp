@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 static const char CONFIGURATION[] =
     "userid = 0.0.0.1 /admin 1\n[dm]\nfields_writeable = yes\nobjects_writeable = yes\n";
 
-static std::string slurp(const fs::path& path) {
+std::string slurp(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   std::stringstream text;
   text << in.rdbuf();

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+std::string slurp(const std::filesystem::path& path);
+
 struct run_result {
   int exit_status = -1;  // 128 and the signal for a program that was killed
   std::string out;

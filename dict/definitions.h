@@ -1,0 +1,30 @@
+// The fields and classes of one database, as lists: what the dictionary holds, or what definition
+// files say.
+#ifndef DICT_DEFINITIONS_H
+#define DICT_DEFINITIONS_H
+
+#include <string>
+#include <vector>
+
+#include "dd/list.h"
+#include "dm/settings.h"
+
+namespace dict {
+
+struct definitions {
+  dd_list fields{DD_FIELDS};
+  dd_list classes{DD_CLASSES};
+};
+
+// Fetches a database of the dictionary that the settings name, in one snapshot; false with the
+// reason.
+bool fetch(const dm::settings& settings, uint64_t database, definitions& result, dm::problem& why);
+
+// Reads and merges definition files (standard input for none) exactly as an import does, which
+// reports to standard error what is wrong. False when they cannot be read, or cannot be deployed as
+// they stand.
+bool read_files(const std::vector<std::string>& files, definitions& result);
+
+}  // namespace dict
+
+#endif

@@ -1,0 +1,142 @@
+// The command: what is compared with what, and how the result is shown.
+#include "dict/diff.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "deploy/tav_deploy.h"
+#include "dict/commands.h"
+
+namespace dict {
+
+namespace {
+
+struct request {
+  std::vector<std::string> files;
+  std::string database;
+  std::string with;  // another dictionary, as tav.conf would name it
+  std::string with_database;
+  bool lists_missing = false;
+  bool is_json = false;
+  std::string colour = "auto";
+};
+
+constexpr char STANDARD_INPUT[] = "-";
+constexpr std::string_view SQLITE = "sqlite:";
+
+}  // namespace
+
+static bool choose_files(request& asked, dm::problem& why) {
+  const auto is_input = [](const std::string& file) { return file == STANDARD_INPUT; };
+  const auto end = std::remove_if(asked.files.begin(), asked.files.end(), is_input);
+  const bool reads_input = end != asked.files.end();
+  asked.files.erase(end, asked.files.end());
+  if (reads_input && !asked.files.empty()) {
+    why.sentence = "Either standard input (-) or files can be compared, not both.";
+  } else if (!asked.with.empty() && (reads_input || !asked.files.empty())) {
+    why.sentence = "Either files or another dictionary (--with) can be compared, not both.";
+  } else if (asked.files.size() > TAV_DEPLOY_MAX_NAMES) {
+    why.sentence =
+        dm::join({"At most ", std::to_string(TAV_DEPLOY_MAX_NAMES), " files can be compared."});
+  }
+  return why.sentence.empty();
+}
+
+// A path on the command line is seen from the working folder, not from tav.conf's.
+static dm::settings settings_of_other(const request& asked, const dm::settings& own) {
+  dm::settings other = own;
+  other.dictionary = asked.with;
+  if (asked.with.compare(0, SQLITE.size(), SQLITE) == 0 && asked.with.size() > SQLITE.size()) {
+    const auto path = std::filesystem::absolute(asked.with.substr(SQLITE.size()));
+    other.dictionary = std::string(SQLITE) + path.string();
+  }
+  return other;
+}
+
+// The databases of both sides: the login's, where the command line chooses none.
+static bool choose_databases(const request& asked, const dm::settings& settings, uint64_t& own,
+                             uint64_t& other, dm::problem& why) {
+  own = settings.database;
+  if (asked.database.empty() && !settings.has_login) {
+    why.sentence = "tav.conf has no entry 'userid', which names the database; choose one with -d.";
+    return false;
+  }
+  if (!asked.database.empty() && !read_database(asked.database, own, why)) return false;
+  other = own;
+  return asked.with_database.empty() || read_database(asked.with_database, other, why);
+}
+
+static bool fetch_other(const dm::settings& settings, uint64_t database, definitions& after,
+                        dm::problem& why) {
+  if (fetch(settings, database, after, why)) return true;
+  why.sentence.insert(0, "--with: ");
+  return false;
+}
+
+// Both sides, or the failure told.
+static int gather(const request& asked, definitions& before, definitions& after) {
+  dm::settings settings;
+  dm::problem why;
+  uint64_t database = 0;
+  uint64_t other = 0;
+  if (!dm::read_settings(settings, why)) return fail(why);
+  if (!choose_databases(asked, settings, database, other, why)) return fail(why);
+  if (asked.with.empty() && !read_files(asked.files, after)) {
+    why.sentence = "The definition files have errors; nothing was compared.";
+    return fail(why);
+  }
+  if (!fetch(settings, database, before, why)) return fail(why);
+  if (asked.with.empty()) return DONE;
+  const dm::settings theirs = settings_of_other(asked, settings);
+  return fetch_other(theirs, other, after, why) ? DONE : fail(why);
+}
+
+static bool is_coloured(const std::string& when) {
+  if (when != "auto") return when == "always";
+  const char* refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) && (refused == nullptr || *refused == '\0');
+}
+
+static int diff(request asked) {
+  dm::problem why;
+  if (!choose_files(asked, why)) return fail(why);
+  definitions before;
+  definitions after;
+  progress shown("comparing");
+  if (gather(asked, before, after) != DONE) return FAILED;
+  const bool is_deployment = asked.with.empty();
+  const comparison how{is_deployment, asked.lists_missing || !is_deployment, shown};
+  std::vector<difference> found;
+  if (!compare(before, after, how, found, why)) return fail(why);
+  hide(shown);
+  std::cout << (asked.is_json ? as_json(found) : as_text(found, is_coloured(asked.colour)));
+  const difference_counts counts = count(found);
+  return counts.added + counts.changed + counts.missing == 0 ? DONE : FOUND;
+}
+
+void add_diff(CLI::App& app, int& result) {
+  const auto asked = std::make_shared<request>();
+  auto* command = app.add_subcommand(
+      "diff", "Tell what deploying definition files would change, or how two dictionaries differ");
+  command->add_option("files", asked->files, "Definition files; none or - for standard input");
+  command->add_option("-d,--database", asked->database,
+                      "The database, N.N.N.N, in place of the login's");
+  command->add_option(
+      "--with", asked->with,
+      "Another dictionary in place of files, as tav.conf names it: sqlite:PATH, ...");
+  command->add_option("--with-database", asked->with_database,
+                      "Its database, in place of the same number");
+  command->add_flag("--missing", asked->lists_missing,
+                    "List also what the dictionary holds and the files do not");
+  command->add_flag("--json", asked->is_json, "Write JSON");
+  command->add_option("--color", asked->colour, "auto, always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
+  command->callback([asked, &result] { result = diff(*asked); });
+}
+
+}  // namespace dict

@@ -1,0 +1,145 @@
+// Pairs what stands on both sides by name, and compares the pairs.
+#include <unordered_set>
+
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "dict/diff_values.h"
+
+namespace dict {
+
+static constexpr char MODULE[] = "tav_dict";
+
+namespace {
+
+// The elements of one array on both sides.
+struct both {
+  const element_kind& kind;
+  uint32_t array;
+  tav_flist_t* before;
+  tav_flist_t* after;
+};
+
+// One name: on both sides, or null on one.
+struct matched {
+  tav_flist_t* before;
+  tav_flist_t* after;
+};
+
+}  // namespace
+
+// Names that stand twice are paired in their order. Gives those of `after` first.
+static std::vector<matched> match(const both& sides, tav_ebuf* ebuf) {
+  dd_index<dd_by_name> unmatched;
+  std::vector<matched> result;
+  std::unordered_set<tav_flist_t*> taken;
+  dd_walk before(sides.before, sides.array);
+  while (tav_flist_t* element = before.next(at(ebuf, HERE))) {
+    unmatched.add(dd_text(element, sides.kind.name, at(ebuf, HERE)), element);
+  }
+  dd_walk after(sides.after, sides.array);
+  while (tav_flist_t* element = after.next(at(ebuf, HERE))) {
+    const char* name = dd_text(element, sides.kind.name, at(ebuf, HERE));
+    tav_flist_t* old = unmatched.find(name);
+    if (old != nullptr) unmatched.remove(name, old), taken.insert(old);
+    result.push_back({old, element});
+  }
+  dd_walk rest(sides.before, sides.array);
+  while (tav_flist_t* element = rest.next(at(ebuf, HERE))) {
+    if (taken.count(element) == 0) result.push_back({element, nullptr});
+  }
+  return result;
+}
+
+static difference one_sided(const element_kind& kind, const matched& pair, tav_ebuf* ebuf) {
+  tav_flist_t* element = pair.after != nullptr ? pair.after : pair.before;
+  return {pair.after != nullptr ? change::NEW : change::MISSING, kind.what,
+          type_of(kind, element, at(ebuf, HERE)), dd_text(element, kind.name, at(ebuf, HERE))};
+}
+
+// What a pair's values and entries come to together.
+static change verdict(const difference& pair) {
+  for (const value_change& value : pair.values) {
+    if (!value.is_kept) return change::CHANGED;
+  }
+  for (const difference& entry : pair.entries) {
+    if (entry.kind != change::KEPT) return change::CHANGED;
+  }
+  return change::KEPT;
+}
+
+static void compare_pair(const element_kind& kind, const matched& pair, bool is_deployment,
+                         std::vector<difference>& found, tav_ebuf* ebuf);
+
+// Goes no deeper than the dictionary nests its entries: only pairs are looked into.
+static void compare_entries(const matched& parent, bool is_deployment,
+                            std::vector<difference>& found, tav_ebuf* ebuf) {
+  const both sides{ENTRY, TAV_FLD_OBJ_ELEM, parent.before, parent.after};
+  for (const matched& pair : match(sides, ebuf)) {
+    compare_pair(ENTRY, pair, is_deployment, found, ebuf);
+  }
+}
+
+static void compare_pair(const element_kind& kind, const matched& pair, bool is_deployment,
+                         std::vector<difference>& found, tav_ebuf* ebuf) {
+  if (pair.before == nullptr || pair.after == nullptr) {
+    found.push_back(one_sided(kind, pair, ebuf));
+    return;
+  }
+  difference both{change::KEPT, kind.what, type_of(kind, pair.after, at(ebuf, HERE)),
+                  dd_text(pair.before, kind.name, at(ebuf, HERE))};
+  both.values = compare_values(kind, pair.before, pair.after, is_deployment, at(ebuf, HERE));
+  if (&kind != &FIELD) compare_entries(pair, is_deployment, both.entries, ebuf);
+  if (both.values.empty() && both.entries.empty()) return;
+  both.kind = verdict(both);
+  found.push_back(std::move(both));
+}
+
+static bool is_predefined(tav_flist_t* field, tav_ebuf* ebuf) {
+  return (dd_int(field, TAV_FLD_FIELD_FLAGS, at(ebuf, HERE)) & DD_FIELD_PREDEFINED) != 0;
+}
+
+// Whether the pair is one that the comparison passes over.
+static bool is_left_out(const matched& pair, const comparison& how, tav_ebuf* ebuf) {
+  if (pair.before != nullptr && pair.after != nullptr) return false;
+  if (pair.after == nullptr && !how.lists_missing) return true;
+  return is_predefined(pair.after != nullptr ? pair.after : pair.before, ebuf);
+}
+
+static void compare_lists(const both& sides, const comparison& how, const char* doing,
+                          std::vector<difference>& found, tav_ebuf* ebuf) {
+  const std::vector<matched> pairs = match(sides, ebuf);
+  next(how.shown, doing, pairs.size());
+  for (const matched& pair : pairs) {
+    if (dd_failed(*ebuf)) return;
+    if (!is_left_out(pair, how, ebuf)) {
+      compare_pair(sides.kind, pair, how.is_deployment, found, ebuf);
+    }
+    step(how.shown);
+  }
+}
+
+bool compare(definitions& before, definitions& after, const comparison& how,
+             std::vector<difference>& found, dm::problem& why) {
+  tav_ebuf ebuf{};
+  compare_lists({FIELD, TAV_FLD_FIELD, before.fields.get(), after.fields.get()}, how,
+                "comparing fields", found, &ebuf);
+  compare_lists({CLASS, TAV_FLD_OBJ_DESC, before.classes.get(), after.classes.get()}, how,
+                "comparing classes", found, &ebuf);
+  if (!dd_failed(ebuf)) return true;
+  why.code = ebuf.err_code;
+  why.sentence =
+      dm::join({"The definitions cannot be compared: ", tav_taverr_to_str(ebuf.err_code), "."});
+  return false;
+}
+
+difference_counts count(const std::vector<difference>& found) {
+  difference_counts counts;
+  for (const difference& d : found) {
+    if (d.kind == change::NEW) ++counts.added;
+    if (d.kind == change::CHANGED) ++counts.changed;
+    if (d.kind == change::MISSING) ++counts.missing;
+  }
+  return counts;
+}
+
+}  // namespace dict

@@ -1,0 +1,72 @@
+// The differences for people: a line for each thing and value, indented by what it belongs to.
+#include "dict/diff.h"
+
+namespace dict {
+
+namespace {
+
+struct mark {
+  const char* sign;
+  const char* colour;
+};
+
+// In the order of the enumeration.
+constexpr mark MARKS[] = {
+    {"+ ", "\033[32m"}, {"~ ", "\033[33m"}, {"- ", "\033[31m"}, {"= ", "\033[2m"}};
+constexpr char PLAIN[] = "\033[0m";
+
+struct page {
+  std::string text;
+  bool coloured;
+};
+
+}  // namespace
+
+// A text may hold anything; a terminal must not take it for an order.
+static std::string printable(std::string_view text) {
+  std::string result(text);
+  for (char& c : result) {
+    if (static_cast<unsigned char>(c) < ' ' || c == '\177') c = '?';
+  }
+  return result;
+}
+
+static void put_line(page& out, size_t indent, change kind, const std::string& text) {
+  const mark& of = MARKS[static_cast<size_t>(kind)];
+  out.text.append(indent, ' ');
+  if (out.coloured) out.text += of.colour;
+  out.text.append(of.sign).append(printable(text));
+  if (out.coloured) out.text += PLAIN;
+  out.text += '\n';
+}
+
+static void put_value(page& out, size_t indent, const value_change& value) {
+  const std::string before = value.before.empty() ? "none" : value.before;
+  const std::string after = value.after.empty() ? "none" : value.after;
+  const std::string attribute(value.attribute);
+  if (value.is_kept) {
+    put_line(out, indent, change::KEPT,
+             attribute + ": " + before + " stays (the files say " + after + ")");
+  } else {
+    put_line(out, indent, change::CHANGED, attribute + ": " + before + " -> " + after);
+  }
+}
+
+static void put(page& out, size_t indent, const difference& d) {
+  std::string head = std::string(d.what) + " " + d.name;
+  if (!d.type.empty()) head += " (" + d.type + ")";
+  put_line(out, indent, d.kind, head);
+  for (const value_change& value : d.values) put_value(out, indent + 4, value);
+  for (const difference& entry : d.entries) put(out, indent + 4, entry);
+}
+
+std::string as_text(const std::vector<difference>& found, bool coloured) {
+  page out{{}, coloured};
+  for (const difference& d : found) put(out, 0, d);
+  const difference_counts counts = count(found);
+  if (counts.added + counts.changed + counts.missing == 0) return out.text + "No differences.\n";
+  return out.text + std::to_string(counts.added) + " new, " + std::to_string(counts.changed) +
+         " changed, " + std::to_string(counts.missing) + " missing.\n";
+}
+
+}  // namespace dict

@@ -1,0 +1,140 @@
+#include "dict/diff_values.h"
+
+#include "dd/fold.h"
+#include "dd/values.h"
+#include "deploy/tav_deploy_import.h"
+#include "dm/attributes.h"
+#include "dparse/dparse_export_forms.h"
+#include "dparse/dparse_export_sql.h"
+
+namespace dict {
+
+const element_kind FIELD{"field", TAV_FLD_FIELD_NAME, DPARSE_IN_DEFINITION};
+const element_kind CLASS{"class", TAV_FLD_NAME, DPARSE_IN_CLASS | DPARSE_IN_SQL_CLASS};
+const element_kind ENTRY{"entry", TAV_FLD_FIELD_NAME, DPARSE_IN_ENTRY | DPARSE_IN_SQL_ENTRY};
+
+namespace {
+
+// An attribute's value in an element.
+struct written {
+  std::string text;       // as the language writes it; empty: it writes none
+  bool is_given = false;  // an empty text is none
+};
+
+struct element {
+  const element_kind& kind;
+  tav_flist_t* list;
+  const char* name;
+  int32_t type;  // 0 for a class
+};
+
+}  // namespace
+
+static element read_element(const element_kind& kind, tav_flist_t* list, tav_ebuf* ebuf) {
+  const bool has_type = &kind != &CLASS;
+  return {kind, list, dd_text(list, kind.name, ebuf),
+          has_type ? dd_int(list, TAV_FLD_FIELD_TYPE, ebuf) : 0};
+}
+
+// What the writer's line "KEYWORD = value;" gives as value; empty where there is no such line.
+static std::string value_in(std::string_view lines, std::string_view keyword) {
+  const std::string start = std::string(keyword) + " = ";
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find('\n'));
+    lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+    if (line.substr(0, start.size()) != start) continue;
+    return std::string(line.substr(start.size(), line.size() - start.size() - 1));
+  }
+  return {};
+}
+
+static written write_value(const element& of, const dparse_attribute& row, tav_ebuf* ebuf) {
+  const void* value = tavi_flist_get(of.list, row.field, 0, 1, 0, ebuf);
+  dparse_out out{nullptr, {}};
+  dparse_writing writing{out, of.name, 0, ebuf};
+  if (&of.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {
+    dparse_put_sql_names(out, of.type, static_cast<const char*>(value), nullptr, 0);
+  } else if (row.form->write != nullptr) {
+    row.form->write(writing, row, value);
+  }
+  const bool is_text = DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_STRING;
+  std::string text = value_in(out.text, dparse_keyword_text(row.token));
+  const bool is_given = is_text ? !text.empty() : value != nullptr;
+  return {std::move(text), is_given};
+}
+
+template <size_t N>
+static dm::keeping keeping_in(const std::array<dm::attribute, N>& rows, uint32_t field) {
+  for (const dm::attribute& row : rows) {
+    if (row.field == field) return row.kept;
+  }
+  return dm::keeping::NEVER;
+}
+
+// What a deployment does with the old value of an attribute.
+static dm::keeping keeping_of(const element_kind& kind, uint32_t field) {
+  if (&kind == &CLASS) return keeping_in(dm::CLASS_ATTRIBUTES, field);
+  if (&kind == &ENTRY) return keeping_in(dm::ENTRY_ATTRIBUTES, field);
+  return field == TAV_FLD_DESCR ? dm::keeping::IF_SILENT : dm::keeping::NEVER;
+}
+
+// A decimal without the digits that say nothing.
+static std::string plain_decimal(std::string text) {
+  const bool is_negative = !text.empty() && text[0] == '-';
+  text.erase(0, text.find_first_not_of("+-0"));
+  if (text.find('.') != text.npos) text.erase(text.find_last_not_of('0') + 1);
+  if (!text.empty() && text.back() == '.') text.pop_back();
+  return is_negative && !text.empty() ? "-" + text : text;
+}
+
+static bool is_same(uint32_t field, const std::string& before, const std::string& after) {
+  if (field == TAV_FLD_ORDER) return plain_decimal(before) == plain_decimal(after);
+  if (field == TAV_FLD_SQL_TABLE || field == TAV_FLD_SQL_STORAGE) {
+    return dd_equal(before.c_str(), after.c_str());
+  }
+  return before == after;
+}
+
+// Whether a deployment passes the new value over in silence.
+static bool is_passed_over(const element& of, uint32_t field, const written& after) {
+  if (&of.kind == &CLASS && field == TAV_FLD_SQL_TABLE && tav_deploy_is_subclass(of.name)) {
+    return true;  // a subclass needs no table: its own is not stored
+  }
+  return !after.is_given && keeping_of(of.kind, field) != dm::keeping::NEVER;
+}
+
+static void compare_value(const element& before, const element& after, const dparse_attribute& row,
+                          bool is_deployment, std::vector<value_change>& changes, tav_ebuf* ebuf) {
+  written was = write_value(before, row, ebuf);
+  written is = write_value(after, row, ebuf);
+  if (is_same(row.field, was.text, is.text)) return;
+  if (is_deployment && is_passed_over(after, row.field, is)) return;
+  const bool is_kept =
+      is_deployment && was.is_given && keeping_of(after.kind, row.field) == dm::keeping::ALWAYS;
+  changes.push_back(
+      {dparse_keyword_text(row.token), std::move(was.text), std::move(is.text), is_kept});
+}
+
+static std::string keyword_of(int32_t type) {
+  const char* keyword = type != TAV_FLDT_UNUSED ? dd_type_keyword(type) : nullptr;
+  return keyword != nullptr ? keyword : "";
+}
+
+std::string type_of(const element_kind& kind, tav_flist_t* list, tav_ebuf* ebuf) {
+  return keyword_of(read_element(kind, list, ebuf).type);
+}
+
+std::vector<value_change> compare_values(const element_kind& kind, tav_flist_t* before,
+                                         tav_flist_t* after, bool is_deployment, tav_ebuf* ebuf) {
+  std::vector<value_change> changes;
+  const element was = read_element(kind, before, ebuf);
+  const element is = read_element(kind, after, ebuf);
+  if (was.type != is.type) changes.push_back({"type", keyword_of(was.type), keyword_of(is.type)});
+  for (const dparse_attribute& row : dparse_attributes()) {
+    if ((row.read_in & kind.attributes) == 0) continue;
+    compare_value(was, is, row, is_deployment, changes, ebuf);
+  }
+  return changes;
+}
+
+}  // namespace dict

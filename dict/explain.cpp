@@ -1,0 +1,57 @@
+// The command: what a printed line means and what to do about it.
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <set>
+
+#include "dict/commands.h"
+#include "dict/messages.h"
+
+namespace dict {
+
+static void print(const message_entry& entry) {
+  std::cout << "    Cause: " << entry.cause << "\n    To do: " << entry.remedy << '\n';
+}
+
+static int explain_text(const message_page& page, const std::string& line) {
+  const message* found = find_message(page, line);
+  if (found == nullptr) {
+    std::cerr << "tav_dict: "
+              << dm::join({"No message of tav_deploy or tav_dict: ", dm::quoted(line)}) << '\n';
+    return FOUND;
+  }
+  std::cout << found->text << '\n';
+  print(page.entries[found->entry]);
+  return DONE;
+}
+
+// Each line, and below it what it means; a cause that was told is not told again.
+static int explain_input(const message_page& page) {
+  int result = DONE;
+  std::set<size_t> told;
+  for (std::string line; std::getline(std::cin, line);) {
+    std::cout << line << '\n';
+    if (line.find_first_not_of(" \t\r") == line.npos) continue;
+    const message* found = find_message(page, line);
+    if (found == nullptr) {
+      std::cout << "    No message of tav_deploy or tav_dict.\n";
+      result = FOUND;
+    } else if (told.insert(found->entry).second) {
+      print(page.entries[found->entry]);
+    }
+  }
+  return result;
+}
+
+void add_explain(CLI::App& app, int& result) {
+  const auto line = std::make_shared<std::string>();
+  auto* command = app.add_subcommand(
+      "explain", "Tell what a printed message means and what to do: the text, or standard input's");
+  command->add_option("text", *line, "A line as it was printed");
+  command->callback([line, command, &result] {
+    const message_page page = read_messages(MESSAGES_PAGE);
+    result = command->count("text") != 0 ? explain_text(page, *line) : explain_input(page);
+  });
+}
+
+}  // namespace dict

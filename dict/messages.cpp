@@ -1,0 +1,108 @@
+#include "dict/messages.h"
+
+#include <algorithm>
+
+namespace dict {
+
+static constexpr std::string_view HEADING = "### `";
+static constexpr std::string_view REMEDY = "To do: ";
+static constexpr std::string_view BETWEEN = ": ";  // what a line says, and whose words it hands on
+
+static std::string_view take_line(std::string_view& text) {
+  const std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(line.size() == text.size() ? line.size() : line.size() + 1);
+  return line;
+}
+
+static bool begins(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
+static void append_line(std::string& paragraph, std::string_view line) {
+  if (line.empty()) return;
+  if (!paragraph.empty()) paragraph += ' ';
+  paragraph += line;
+}
+
+message_page read_messages(std::string_view page) {
+  message_page result;
+  bool in_heading = false;
+  bool in_remedy = false;
+  while (!page.empty()) {
+    std::string_view line = take_line(page);
+    if (begins(line, HEADING)) {
+      if (!in_heading) result.entries.emplace_back();
+      in_heading = true;
+      in_remedy = false;
+      line.remove_prefix(HEADING.size());
+      result.messages.push_back({line.substr(0, line.rfind('`')), result.entries.size() - 1});
+    } else if (begins(line, "#")) {
+      in_remedy = false;
+    } else if (!result.entries.empty()) {
+      if (begins(line, REMEDY)) in_remedy = true, line.remove_prefix(REMEDY.size());
+      message_entry& entry = result.entries.back();
+      append_line(in_remedy ? entry.remedy : entry.cause, line);
+      if (!line.empty()) in_heading = false;
+    }
+  }
+  return result;
+}
+
+// What stands before the next placeholder; the rest of the text begins behind it.
+static std::string_view take_words(std::string_view& text, bool& is_last) {
+  size_t at = text.find('%');
+  while (at != text.npos && (at + 1 == text.size() || std::string_view("sdc").find(text[at + 1]) ==
+                                                          std::string_view::npos)) {
+    at = text.find('%', at + 1);
+  }
+  const std::string_view words = text.substr(0, at);
+  is_last = at == text.npos;
+  text.remove_prefix(is_last ? text.size() : at + 2);
+  return words;
+}
+
+// How many characters of the line the text says itself; 0 where it does not fit.
+static size_t said(std::string_view text, std::string_view line) {
+  bool is_last = false;
+  std::string_view words = take_words(text, is_last);
+  size_t sum = words.size();
+  if (!begins(line, words) || (is_last && line != words)) return 0;
+  line.remove_prefix(words.size());
+  while (!is_last) {
+    words = take_words(text, is_last);
+    const size_t at =
+        is_last ? line.size() - std::min(words.size(), line.size()) : line.find(words);
+    if (at == line.npos || line.substr(at, words.size()) != words) return 0;
+    line.remove_prefix(at + words.size());
+    sum += words.size();
+  }
+  return sum;
+}
+
+static std::string_view trimmed(std::string_view line) {
+  static constexpr char BLANK[] = " \t\r\n";
+  const size_t first = line.find_first_not_of(BLANK);
+  if (first == line.npos) return {};
+  return line.substr(first, line.find_last_not_of(BLANK) - first + 1);
+}
+
+const message* find_message(const message_page& page, std::string_view line) {
+  const message* best = nullptr;
+  size_t best_said = 0;
+  size_t best_length = 1;
+  for (line = trimmed(line); !line.empty();) {
+    for (const message& each : page.messages) {
+      const size_t words = said(each.text, line);
+      // The share of the line that a text says, not the length, tells how well it fits.
+      if (words * best_length <= best_said * line.size()) continue;
+      best = &each;
+      best_said = words;
+      best_length = line.size();
+    }
+    const size_t next = line.find(BETWEEN);
+    line.remove_prefix(next == line.npos ? line.size() : next + BETWEEN.size());
+  }
+  return best;
+}
+
+}  // namespace dict

@@ -1,0 +1,39 @@
+// The page of messages (docs/messages.md), and the entry that a printed line is about.
+//
+// An entry of the page is one heading or more, each a text in backquotes, then the cause, then a
+// paragraph that begins with "To do: ". In a text %s, %d and %c stand for anything.
+#ifndef DICT_MESSAGES_H
+#define DICT_MESSAGES_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dict {
+
+extern const char MESSAGES_PAGE[];
+
+struct message {
+  std::string_view text;
+  size_t entry;  // the same for texts with the same cause
+};
+
+struct message_entry {
+  std::string cause;  // in one line each
+  std::string remedy;
+};
+
+struct message_page {
+  std::vector<message> messages;
+  std::vector<message_entry> entries;
+};
+
+// Borrows the page's text.
+message_page read_messages(std::string_view page);
+
+// The message that says most of the line, or of what follows a ": " in it; null where none fits.
+const message* find_message(const message_page& page, std::string_view line);
+
+}  // namespace dict
+
+#endif
