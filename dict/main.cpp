@@ -9,7 +9,6 @@ static constexpr char DESCRIPTION[] =
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
     "Exit status: 0, 1 when 'check' or 'diff' found something (so does 'restore' with what 'check'\n"
     "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
-    "usage or a failure.";
 
 int main(int argc, char** argv) {
   CLI::App app(DESCRIPTION, "tav_dict");
