@@ -2,7 +2,7 @@
 #include <CLI/CLI.hpp>
 
 #include "dict/commands.h"
-#include "dm/sqlite_schema.h"
+#include "dm/schema.h"
 
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"

@@ -25,9 +25,9 @@ int init() {
         "such as 'userid = 0.0.0.1 /admin 1'.";
     return fail(why);
   }
-  const std::string path = dm::sqlite_path(settings, why);
-  if (path.empty() || !dm::create_sqlite(path, settings.database, why)) return fail(why);
-  std::cout << "Made dictionary " << path << " with database "
+  std::string name;
+  if (!dm::create_dictionary(settings, name, why)) return fail(why);
+  std::cout << "Made dictionary " << name << " with database "
             << dm::database_text(settings.database) << ".\n";
   return DONE;
 }

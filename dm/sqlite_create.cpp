@@ -2,6 +2,7 @@
 // a part of it.
 #include "dm/new_file.h"
 #include "dm/predefined.h"
+#include "dm/schema.h"
 #include "dm/sqlite_handle.h"
 #include "dm/sqlite_schema.h"
 

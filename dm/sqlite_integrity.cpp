@@ -1,4 +1,5 @@
 // The engine's own test of a dictionary file.
+#include "dm/schema.h"
 #include "dm/sqlite_handle.h"
 
 namespace dm {
@@ -28,9 +29,7 @@ bool sqlite_integrity(store* base, visitor<std::string_view> visitor, problem& w
     return text == "ok" || visitor.call(visitor.context, text);
   });
   return read && run_test(store, "PRAGMA foreign_key_check", why, [&](sqlite3_stmt* row) {
-           return visitor.call(visitor.context,
-                               join({"A row of ", column(row, 0), " names a row of ",
-                                     column(row, 2), " that is not there."}));
+           return visitor.call(visitor.context, orphan(column(row, 0), column(row, 2)));
          });
 }
 
