@@ -1,6 +1,7 @@
 // Reading rows.
 #include "dm/postgres/postgres_rows.h"
 #include "dm/rows.h"
+#include "dm/text_rules.h"
 
 namespace dm {
 
@@ -25,12 +26,20 @@ static bool read_rows(postgres_store& store, query which, const parameters& with
   return outcome == postgres_rows::END;
 }
 
+// What is no text of a dictionary is not there; the server would refuse the question.
+static bool can_be_stored(const std::string& key) {
+  return text_fault(key.c_str()) == nullptr;
+}
+
 template <class Row>
 static bool look_up(store* base, int64_t database, const lookup& wanted, visitor<Row> visitor,
                     problem& why) {
-  parameters with;
-  with.add(database);
-  for (int i = 0; i < wanted.texts; ++i) with.add(wanted.keys[static_cast<size_t>(i)]);
+  parameters with(database);
+  for (int i = 0; i < wanted.texts; ++i) {
+    const std::string& key = wanted.keys[static_cast<size_t>(i)];
+    if (!can_be_stored(key)) return true;
+    with.add(key);
+  }
   if (wanted.has_number) with.add(int64_t{wanted.number});
   return read_rows(postgres_of(base), wanted.which, with, visitor, why);
 }
@@ -47,7 +56,8 @@ bool postgres_fields(store* base, int64_t database, const choice& choice,
 bool postgres_classes(store* base, int64_t database, const choice& choice,
                       visitor<class_row> visitor, problem& why) {
   const lookup wanted = class_lookup(choice);
-  bool answered = false;
+  bool answered = wanted.texts > 0 && !can_be_stored(wanted.keys[0]);
+  if (answered) return true;
   if (!answer_ahead(postgres_of(base), database, wanted, visitor, answered, why)) return false;
   return answered || look_up(base, database, wanted, visitor, why);
 }

@@ -1,4 +1,6 @@
 // 577 and 578.
+#include <algorithm>
+
 #include "bench.h"
 
 class classes : public dictionary {
@@ -115,7 +117,8 @@ TEST_F(classes, are_refused_by_rule) {
     if (std::string(row.result) != "ok") {
       EXPECT_EQ(content(), before) << row.text;
     }
-    sql("DELETE FROM dd_tables WHERE folded NOT LIKE 'held%'; DELETE FROM dd_classes WHERE folded "
+    query(
+        "DELETE FROM dd_tables WHERE folded NOT LIKE 'held%'; DELETE FROM dd_classes WHERE folded "
         "NOT IN ('/held', '/held/sub'); UPDATE dd_databases SET counter = " +
         before.substr(10, 1));
   }
@@ -196,4 +199,26 @@ TEST_F(classes, many_at_once_are_judged_as_one_by_one) {
   EXPECT_EQ(admin.classes("/m249\n/HELD/*\n"),
             "{name:/m249,sql_table:m249,entries:[{name:S1,type:5,sql_name:c}]}\n{name:/"
             "held,sql_table:held_t}\n{name:/held/n}\n");
+}
+
+// In the order of their keys, against it, and with one of them twice.
+TEST_F(classes, many_are_replaced_in_any_order) {
+  std::vector<std::string> names;
+  for (int i = 1000; i < 1600; ++i) names.push_back("/m" + std::to_string(i));
+  const auto list = [&names](const std::string& descr) {
+    std::string text;
+    for (const std::string& n : names) text += n + " sql_table=t" + n.substr(1) + descr + "\n";
+    return text;
+  };
+  EXPECT_EQ(admin.set_classes(list("")), "ok");
+  EXPECT_EQ(admin.set_classes(list(" descr=up") + "/m1100/sub\n/m1001 descr=again\n"), "ok");
+  std::reverse(names.begin(), names.end());
+  EXPECT_EQ(admin.set_classes(list(" descr=down") + "/m1001 descr=last\n/m1600 sql_table=u\n"),
+            "ok");
+  const std::string all = admin.classes();
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 602);
+  EXPECT_EQ(all.substr(0, 92),
+            "{name:/m1000,sql_table:tm1000,descr:down}\n"
+            "{name:/m1001,sql_table:tm1001,descr:last}\n{name:/m");
+  EXPECT_EQ(query("SELECT count(*) FROM dd_tables"), "601\n");
 }
