@@ -15,7 +15,7 @@ static constexpr char FOLLOWING[] =
     " WHERE database = $1 AND folded >= $2 ORDER BY folded LIMIT $3";
 
 // Behind every key: no UTF-8 text has such a byte.
-static constexpr char BEHIND_ALL[] = "\xff";
+static constexpr char BEHIND_ALL = '\xff';
 
 static bool covers(const postgres_ahead& ahead, int64_t database, const std::string& from,
                    const std::string& to) {
@@ -46,7 +46,7 @@ static bool read_from(postgres_store& store, int64_t database, const std::string
     next.last = row.key;
   }
   if (outcome == postgres_rows::FAILED) return false;
-  if (static_cast<int>(next.rows.size()) < next.size) next.last = BEHIND_ALL;
+  if (static_cast<int>(next.rows.size()) < next.size) next.last.assign(1, BEHIND_ALL);
   next.database = database;
   store.ahead = std::move(next);
   return true;

@@ -55,7 +55,7 @@ static bool new_class_id(postgres_store& store, int64_t& id, problem& why) {
 }
 
 static std::string class_key(int64_t id) {
-  return "c" + std::to_string(id);
+  return join({"c", std::to_string(id)});
 }
 
 bool postgres_put_class(store* base, int64_t database, class_row& row, problem& why) {
