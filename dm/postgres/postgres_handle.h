@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
-#include "dm/postgres/postgres_ahead.h"
 #include "dm/postgres/postgres_batch.h"
+#include "dm/postgres/postgres_kept.h"
 #include "dm/store.h"
 
 namespace dm {
@@ -32,7 +32,7 @@ struct postgres_store : store {
   unsigned cursors = 0;               // opened so far
   int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
   postgres_batch batch{};
-  postgres_ahead ahead{};
+  postgres_kept kept{};
 };
 
 inline postgres_store& postgres_of(store* base) {

@@ -28,7 +28,7 @@ static void postgres_rollback(store* base) {
   postgres_store& store = postgres_of(base);
   settle(store);
   store.batch = postgres_batch();
-  store.ahead = postgres_ahead();
+  store.kept = postgres_kept();
   store.is_writing = false;
   store.last_class = 0;
   if (PQtransactionStatus(store.connection) == PQTRANS_IDLE) return;

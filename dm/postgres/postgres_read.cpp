@@ -58,7 +58,7 @@ bool postgres_classes(store* base, int64_t database, const choice& choice,
   const lookup wanted = class_lookup(choice);
   bool answered = wanted.texts > 0 && !can_be_stored(wanted.keys[0]);
   if (answered) return true;
-  if (!answer_ahead(postgres_of(base), database, wanted, visitor, answered, why)) return false;
+  if (!answer_kept(postgres_of(base), database, wanted, visitor, answered, why)) return false;
   return answered || look_up(base, database, wanted, visitor, why);
 }
 

@@ -60,13 +60,14 @@ static std::string class_key(int64_t id) {
 
 bool postgres_put_class(store* base, int64_t database, class_row& row, problem& why) {
   postgres_store& store = postgres_of(base);
-  store.ahead.written.insert(row.key);
-  if (row.id != 0) {
+  const bool is_new = row.id == 0;
+  if (is_new && !new_class_id(store, row.id, why)) return false;
+  note_kept(store, database, row);
+  if (!is_new) {
     return put_change(store, change::REPLACE_CLASS, class_key(row.id),
                       {row.id, row.stamp, row.definition}, why);
   }
-  return new_class_id(store, row.id, why) &&
-         put_change(store, change::ADD_CLASS, class_key(row.id),
+  return put_change(store, change::ADD_CLASS, class_key(row.id),
                     {row.id, database, row.key, row.name, row.stamp, row.definition}, why);
 }
 
