@@ -1,4 +1,5 @@
 // Opening a dictionary, transactions, closing.
+#include <algorithm>
 #include <cstring>
 
 #include "dm/postgres/postgres_rows.h"
@@ -41,7 +42,8 @@ static bool lock(postgres_store& store, problem& why) {
   static constexpr char PREPARE[] =
       "SELECT set_config('lock_timeout', $1, true), CASE current_setting('synchronous_commit')"
       " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END";
-  const parameters wait(int64_t{store.options.busy_milliseconds});
+  // 0 would be no limit.
+  const parameters wait(std::max(int64_t{1}, int64_t{store.options.busy_milliseconds}));
   return run(store, "BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE", why) &&
          execute(store, PREPARE, wait, why) != nullptr &&
          execute(store, "SELECT version FROM dd_schema FOR UPDATE", parameters(), why) != nullptr;

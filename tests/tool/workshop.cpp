@@ -97,13 +97,10 @@ static bool on_server() {
 }
 
 static void make_on_server(const fs::path& folder) {
-  const std::string name = folder.filename().string();
-  const std::string schema = "CREATE SCHEMA \"" + name + "\"";
-  run_options nothing;
-  if (spawn(folder, PSQL, {"psql", "-qXc", schema}, nothing, ".out", ".err") != 0 ||
-      spawn(folder, TAV_DICT, {"tav_dict", "init"}, nothing, ".out", ".err") != 0) {
-    throw std::runtime_error("no dictionary on the server: " + slurp(folder / ".err"));
-  }
+  const std::string make =
+      "psql -qXc 'CREATE SCHEMA \"" + folder.filename().string() + "\"' && " + TAV_DICT + " init";
+  if (spawn(folder, "/bin/sh", {"sh", "-c", make}, {}, ".out", ".err") == 0) return;
+  throw std::runtime_error("no dictionary on the server: " + slurp(folder / ".err"));
 }
 
 workshop::workshop() : folder_(new_folder()) {
