@@ -36,11 +36,14 @@ static void postgres_rollback(store* base) {
   PQclear(PQexec(store.connection, "ROLLBACK"));
 }
 
-// Whoever holds the row of dd_schema is alone in writing; readers do not look at its lock. What is
-// committed is on the server's disk, even where it is set up to be careless.
+// Whoever holds the row of dd_schema is alone in writing; readers do not look at its lock. A
+// machine that fell silent holds it for a minute, not for hours. What is committed is on the
+// server's disk, even where it is set up to be careless.
 static bool lock(postgres_store& store, problem& why) {
   static constexpr char PREPARE[] =
-      "SELECT set_config('lock_timeout', $1, true), CASE current_setting('synchronous_commit')"
+      "SELECT set_config('lock_timeout', $1, true), set_config('tcp_keepalives_idle', '30', true),"
+      " set_config('tcp_keepalives_interval', '10', true),"
+      " set_config('tcp_keepalives_count', '3', true), CASE current_setting('synchronous_commit')"
       " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END";
   // 0 would be no limit.
   const parameters wait(std::max(int64_t{1}, int64_t{store.options.busy_milliseconds}));
