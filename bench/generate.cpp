@@ -1,9 +1,10 @@
 // Makes a dictionary of a given size, the same at every run, in the forms that bench/run compares:
 //   generate SIZE FOLDER
 // writes FOLDER/SIZE.def (definitions), SIZE.sql (the same facts as three tables in one
-// transaction), SIZE.proto and SIZE.fbs (a message or table per class, descriptions as comments).
-// Sizes: S has 1,000 fields and 100 classes of 10 fields, one of them an ARRAY with two members,
-// and a BUF in every tenth class; M has ten times, L a hundred times as many.
+// transaction), SIZE.copy (the same for psql, as COPY), SIZE.proto and SIZE.fbs (a message or table
+// per class, descriptions as comments). Sizes: S has 1,000 fields and 100 classes of 10 fields, one
+// of them an ARRAY with two members, and a BUF in every tenth class; M has ten times, L a hundred
+// times as many.
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -181,17 +182,18 @@ void write_sql_entry(FILE* out, const storable& c, const entry& e, const char* p
   }
 }
 
+constexpr char TABLES[] =
+    "CREATE TABLE fields(name TEXT PRIMARY KEY, number INTEGER UNIQUE, type INTEGER, descr "
+    "TEXT);\n"
+    "CREATE TABLE classes(name TEXT PRIMARY KEY, seq_start INTEGER, descr TEXT,"
+    " sql_table TEXT UNIQUE);\n"
+    "CREATE TABLE entries(class TEXT, parent TEXT, name TEXT, type INTEGER, descr TEXT,"
+    " pos INTEGER, length INTEGER, create_permission TEXT, modify_permission TEXT,"
+    " sql_column TEXT, sql_table TEXT, PRIMARY KEY(class, parent, name));\n";
+
 void write_sql(FILE* out, const dictionary& d) {
-  std::fputs(
-      "BEGIN;\n"
-      "CREATE TABLE fields(name TEXT PRIMARY KEY, number INTEGER UNIQUE, type INTEGER, descr "
-      "TEXT);\n"
-      "CREATE TABLE classes(name TEXT PRIMARY KEY, seq_start INTEGER, descr TEXT,"
-      " sql_table TEXT UNIQUE);\n"
-      "CREATE TABLE entries(class TEXT, parent TEXT, name TEXT, type INTEGER, descr TEXT,"
-      " pos INTEGER, length INTEGER, create_permission TEXT, modify_permission TEXT,"
-      " sql_column TEXT, sql_table TEXT, PRIMARY KEY(class, parent, name));\n",
-      out);
+  std::fputs("BEGIN;\n", out);
+  std::fputs(TABLES, out);
   for (const field& f : d.fields) {
     std::fprintf(out, "INSERT INTO fields VALUES('%s',%d,%d,'%s');\n", f.name.c_str(), f.number,
                  f.type->code, f.descr.c_str());
@@ -202,6 +204,33 @@ void write_sql(FILE* out, const dictionary& d) {
     for (const entry& e : c.entries) write_sql_entry(out, c, e, "");
   }
   std::fputs("COMMIT;\n", out);
+}
+
+// For psql: no text of the bench needs an escape.
+void write_copy_entry(FILE* out, const storable& c, const entry& e, const char* parent) {
+  std::fprintf(out, "%s\t%s\t%s\t%d\t%s\t%d\t60\tOptional\tWriteable\t%s\t%s\n", c.name.c_str(),
+               parent, e.definition->name.c_str(), e.definition->type->code, e.descr.c_str(),
+               e.order, e.column.c_str(), e.table.c_str());
+  for (const entry& member : e.members) {
+    write_copy_entry(out, c, member, e.definition->name.c_str());
+  }
+}
+
+void write_copy(FILE* out, const dictionary& d) {
+  std::fputs(TABLES, out);
+  std::fputs("COPY fields FROM stdin;\n", out);
+  for (const field& f : d.fields) {
+    std::fprintf(out, "%s\t%d\t%d\t%s\n", f.name.c_str(), f.number, f.type->code, f.descr.c_str());
+  }
+  std::fputs("\\.\nCOPY classes FROM stdin;\n", out);
+  for (const storable& c : d.classes) {
+    std::fprintf(out, "%s\t1\t%s\t%s\n", c.name.c_str(), c.descr.c_str(), c.table.c_str());
+  }
+  std::fputs("\\.\nCOPY entries FROM stdin;\n", out);
+  for (const storable& c : d.classes) {
+    for (const entry& e : c.entries) write_copy_entry(out, c, e, "");
+  }
+  std::fputs("\\.\n", out);
 }
 
 // In the style of those languages, which warn of capitals.
@@ -291,6 +320,7 @@ int main(int argc, char** argv) {
   const std::string stem = std::string(argv[2]) + "/" + *at;
   write_file(stem + ".def", d, write_definitions);
   write_file(stem + ".sql", d, write_sql);
+  write_file(stem + ".copy", d, write_copy);
   write_file(stem + ".proto", d, write_proto);
   write_file(stem + ".fbs", d, write_flat);
 }

@@ -2,12 +2,13 @@
 #include <CLI/CLI.hpp>
 
 #include "dict/commands.h"
-#include "dm/sqlite_schema.h"
+#include "dm/schema.h"
 
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
-    "Exit status: 0, 1 when 'check' or 'diff' found something (so does 'restore' with what 'check'\n"
+    "Exit status: 0, 1 when 'check' or 'diff' found something (so does 'restore' with what "
+    "'check'\n"
     "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
 
 int main(int argc, char** argv) {

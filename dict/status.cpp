@@ -28,7 +28,7 @@ int status() {
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   const bool writeable = store->calls->writeable(store.get());
-  std::cout << "dictionary: " << dm::sqlite_path(settings, why) << '\n'
+  std::cout << "dictionary: " << store->calls->name(store.get()) << '\n'
             << "schema version: " << store->calls->schema_version(store.get()) << '\n'
             << "writeable: " << accepts(writeable) << '\n'
             << "accepts fields: " << accepts(writeable && settings.fields_writeable) << '\n'

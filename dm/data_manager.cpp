@@ -11,11 +11,13 @@ namespace dm {
 static constexpr char MODULE[] = "dm";
 
 static int32_t class_of(int32_t code) {
-  const bool is_system = code == TAV_ERR_NO_MEM || code == TAV_ERR_BUSY || code == TAV_ERR_STORAGE;
+  const bool is_system = code == TAV_ERR_NO_MEM || code == TAV_ERR_BUSY ||
+                         code == TAV_ERR_STORAGE || code == TAV_ERR_NOT_CONNECTED;
   return is_system ? TAV_ERRCLASS_SYSTEM : TAV_ERRCLASS_REQUEST;
 }
 
 static void report(int32_t location, const problem& why, tav_ebuf* ebuf) {
+  if (why.is_unreachable) location = TAV_ERRLOC_CM;
   const auto component = location == TAV_ERRLOC_CM ? tav_component::CM : tav_component::DM;
   tav_component_log(component, 1, why.sentence.c_str(), HERE);
   tav_set_error(ebuf, {location, class_of(why.code), why.code, why.field, why.rec_id, why.detail});

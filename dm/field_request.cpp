@@ -44,11 +44,11 @@ static constexpr size_t FEW = 200;
 static constexpr int64_t ROWS_PER_LOOK_UP = 8;
 
 static bool is_small(store& store, int64_t database, size_t asked, bool& small, problem& why) {
-  small = asked <= FEW;
+  small = asked * store.look_up_cost <= FEW;
   int64_t rows = 0;
   if (small) return true;
   if (!store.calls->count(&store, database, counted::FIELDS, rows, why)) return false;
-  small = static_cast<int64_t>(asked) * ROWS_PER_LOOK_UP < rows;
+  small = static_cast<int64_t>(asked * store.look_up_cost) * ROWS_PER_LOOK_UP < rows;
   return true;
 }
 

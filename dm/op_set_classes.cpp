@@ -38,7 +38,7 @@ struct class_run {
 
 }  // namespace
 
-// Above so many classes all keys are read at once.
+// Above so many classes (in a file) all keys are read at once.
 static constexpr uint32_t MANY = 200;
 
 static void find_repeated(class_run& run) {
@@ -182,7 +182,8 @@ static bool set_all(class_run& run) {
   const field_plan& pending = run.op.session.pending;
   if (pending.database.id == run.database.id) run.world.add_fields(pending);
   find_repeated(run);
-  if (tav_node_count(run.op.input, TAV_FLD_OBJ_DESC) > MANY && !run.world.read_all()) {
+  const uint32_t cost = run.op.session.store->look_up_cost;
+  if (tav_node_count(run.op.input, TAV_FLD_OBJ_DESC) > MANY / cost && !run.world.read_all()) {
     run.op.why = run.world.why;
     return false;
   }

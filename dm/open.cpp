@@ -1,5 +1,7 @@
 #include "dm/open.h"
 
+#include "dm/postgres_module.h"
+#include "dm/sqlite_store.h"
 #include "vantor/data_manager.h"
 
 namespace dm {
@@ -8,40 +10,57 @@ static bool begins(const std::string& text, std::string_view prefix) {
   return text.compare(0, prefix.size(), prefix) == 0;
 }
 
-static std::string bad_dictionary(const std::string& text, problem& why) {
-  // The text is not repeated where it may hold a password.
-  const bool server = begins(text, "postgresql://") || begins(text, "postgres://") ||
-                      text.find('=') != std::string::npos;
-  why.code = TAV_ERR_BAD_CONF;
-  why.sentence =
-      server ? join({"Configuration ", quoted(tav_conf_file()),
-                     ": the dictionary is on a PostgreSQL server, which is not available in this "
-                     "build; use sqlite:PATH."})
-             : join({"Configuration ", quoted(tav_conf_file()), ": entry 'dictionary' is ",
-                     quoted(text), "; expected sqlite:PATH."});
-  return "";
+static constexpr std::string_view FILE_PREFIX = "sqlite:";
+
+static bool is_file(const std::string& dictionary) {
+  return begins(dictionary, FILE_PREFIX) && dictionary.size() > FILE_PREFIX.size();
 }
 
-std::string sqlite_path(const settings& settings, problem& why) {
-  static constexpr std::string_view PREFIX = "sqlite:";
-  if (!begins(settings.dictionary, PREFIX) || settings.dictionary.size() == PREFIX.size()) {
-    return bad_dictionary(settings.dictionary, why);
-  }
-  const std::string path = settings.dictionary.substr(PREFIX.size());
+// A URL, or a string of keys and values.
+static bool is_on_server(const std::string& dictionary) {
+  return !is_file(dictionary) &&
+         (begins(dictionary, "postgresql://") || begins(dictionary, "postgres://") ||
+          dictionary.find('=') != std::string::npos);
+}
+
+static std::string sqlite_path(const std::string& dictionary) {
+  const std::string path = dictionary.substr(FILE_PREFIX.size());
   if (path.front() == '/') return path;
   const std::string folder = tav_conf_folder();
   return join({folder.empty() ? "." : folder, "/", path});
 }
 
+static bool bad_dictionary(const std::string& text, problem& why) {
+  why.code = TAV_ERR_BAD_CONF;
+  why.sentence = join({"Configuration ", quoted(tav_conf_file()), ": entry 'dictionary' is ",
+                       quoted(text), "; expected sqlite:PATH or postgresql://HOST/DATABASE."});
+  return false;
+}
+
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why) {
-  const std::string path = sqlite_path(settings, why);
-  return path.empty() ? nullptr : open_sqlite(path, options, why);
+  const std::string& dictionary = settings.dictionary;
+  if (is_file(dictionary)) return open_sqlite(sqlite_path(dictionary), options, why);
+  if (!is_on_server(dictionary)) return bad_dictionary(dictionary, why), nullptr;
+  const postgres_module* module = load_postgres(why);
+  return module != nullptr ? module->open(dictionary, options, why) : nullptr;
+}
+
+static bool create_on_server(const settings& settings, const fill_store& fill, std::string& name,
+                             problem& why) {
+  const postgres_module* module = load_postgres(why);
+  if (module == nullptr) return false;
+  const store_owner made = module->begin_new(settings.dictionary, why);
+  if (made == nullptr) return false;
+  name = made->calls->name(made.get());
+  return fill(*made, why) && made->calls->commit(made.get(), why);
 }
 
 bool create_dictionary(const settings& settings, const fill_store& fill, std::string& name,
                        problem& why) {
-  name = sqlite_path(settings, why);
-  return !name.empty() && create_sqlite(name, fill, why);
+  if (is_on_server(settings.dictionary)) return create_on_server(settings, fill, name, why);
+  if (!is_file(settings.dictionary)) return bad_dictionary(settings.dictionary, why);
+  name = sqlite_path(settings.dictionary);
+  return create_sqlite(name, fill, why);
 }
 
 }  // namespace dm

@@ -3,13 +3,11 @@
 #define DM_OPEN_H
 
 #include "dm/settings.h"
-#include "dm/sqlite_store.h"
+#include "dm/store.h"
 
 namespace dm {
 
-// The path of a dictionary in an SQLite file, or "" with the reason for any other kind.
-std::string sqlite_path(const settings& settings, problem& why);
-
+// Opens an existing dictionary.
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why);
 
 // Makes the dictionary, with what `fill` writes, and says what it is called. Refuses one that is

@@ -15,7 +15,8 @@ struct problem {
   uint32_t field = 0;           // identifier of the field concerned, 0 for none
   int32_t rec_id = 0;           // id of the element concerned
   int32_t detail = 0;           // the engine's result code, an errno
-  std::string sentence;         // for the administrator: what was wrong with which field or class
+  std::string sentence{};       // for the administrator: what was wrong with which field or class
+  bool is_unreachable = false;  // the connection to the dictionary is lost
 };
 
 inline bool found(const problem& why) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "dm/new_file.h"
+#include "dm/schema.h"
 #include "dm/sqlite_handle.h"
 #include "dm/sqlite_schema.h"
 

@@ -2,62 +2,37 @@
 
 #include <cstring>
 
+#include "dm/schema.h"
+
 namespace dm {
 
-static constexpr char FIELD_COLUMNS[] =
-    "SELECT name, number, type, descr, flags, stamp FROM dd_fields ";
-static constexpr char CLASS_COLUMNS[] =
-    "SELECT id, folded, name, stamp, definition FROM dd_classes ";
-static constexpr char KEY_COLUMNS[] = "SELECT id, folded, name, stamp FROM dd_classes ";
-static constexpr char TABLE_COLUMNS[] = "SELECT folded, name, class FROM dd_tables ";
-
-// In two parts, because columns are shared; in the order of the statements.
-static constexpr struct {
-  statement which;
-  const char *columns, *rest;
-} TEXTS[] = {
-    {SELECT_DATABASES, "", "SELECT id, number, counter FROM dd_databases ORDER BY id"},
-    {SELECT_FIELDS, FIELD_COLUMNS, "WHERE database = ?1 ORDER BY number"},
-    {SELECT_FIELD_NAMED, FIELD_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
-    {SELECT_FIELD_NUMBERED, FIELD_COLUMNS, "WHERE database = ?1 AND number = ?2"},
-    {SELECT_CLASSES, CLASS_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
-    {SELECT_CLASS_NAMED, CLASS_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
-    {SELECT_CLASSES_BELOW, CLASS_COLUMNS,
-     "WHERE database = ?1 AND folded > ?2 AND folded < ?3 ORDER BY folded"},
-    {SELECT_CLASS_KEYS, KEY_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
-    {SELECT_CLASS_KEYS_BELOW, KEY_COLUMNS,
-     "WHERE database = ?1 AND folded > ?2 AND folded < ?3 ORDER BY folded"},
-    {SELECT_TABLES, TABLE_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
-    {SELECT_TABLE_NAMED, TABLE_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
-    {COUNT_FIELDS, "", "SELECT count(*) FROM dd_fields WHERE database = ?1"},
-    {COUNT_CLASSES, "", "SELECT count(*) FROM dd_classes WHERE database = ?1"},
-    {INSERT_DATABASE, "", "INSERT INTO dd_databases (number, counter) VALUES (?1, 0)"},
-    {UPDATE_COUNTER, "", "UPDATE dd_databases SET counter = ?2 WHERE id = ?1"},
-    {INSERT_FIELD, "",
-     "INSERT INTO dd_fields (database, folded, name, number, type, descr, flags, stamp)"
-     " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)"},
-    {UPDATE_DESCRIPTION, "",
-     "UPDATE dd_fields SET descr = ?3, stamp = ?4 WHERE database = ?1 AND number = ?2"},
-    {DELETE_FIELD, "", "DELETE FROM dd_fields WHERE database = ?1 AND number = ?2"},
-    {INSERT_CLASS, "",
-     "INSERT INTO dd_classes (database, folded, name, stamp, definition) VALUES (?1, ?2, ?3, ?4, "
-     "?5)"},
-    {UPDATE_CLASS, "", "UPDATE dd_classes SET stamp = ?2, definition = ?3 WHERE id = ?1"},
-    {INSERT_TABLE, "",
-     "INSERT INTO dd_tables (database, folded, name, class) VALUES (?1, ?2, ?3, ?4)"},
-    {DELETE_TABLE, "", "DELETE FROM dd_tables WHERE database = ?1 AND folded = ?2"},
+// In the order of the statements.
+static constexpr const char* WRITES[] = {
+    "INSERT INTO dd_databases (number, counter) VALUES (?1, 0)",
+    "UPDATE dd_databases SET counter = ?2 WHERE id = ?1",
+    "INSERT INTO dd_fields (database, folded, name, number, type, descr, flags, stamp)"
+    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)",
+    "UPDATE dd_fields SET descr = ?3, stamp = ?4 WHERE database = ?1 AND number = ?2",
+    "DELETE FROM dd_fields WHERE database = ?1 AND number = ?2",
+    "INSERT INTO dd_classes (database, folded, name, stamp, definition) VALUES (?1, ?2, ?3, ?4, "
+    "?5)",
+    "UPDATE dd_classes SET stamp = ?2, definition = ?3 WHERE id = ?1",
+    "INSERT INTO dd_tables (database, folded, name, class) VALUES (?1, ?2, ?3, ?4)",
+    "DELETE FROM dd_tables WHERE database = ?1 AND folded = ?2",
 };
-static_assert(std::size(TEXTS) == STATEMENTS);
+static_assert(std::size(WRITES) + QUERIES == STATEMENTS);
 
-static int prepare(sqlite_store& store, statement which) {
-  const std::string sql = std::string(TEXTS[which].columns) + TEXTS[which].rest;
+static int prepare(sqlite_store& store, int which, sqlite3_stmt*& prepared) {
+  const std::string sql =
+      which < QUERIES ? query_text(static_cast<query>(which)) : WRITES[which - QUERIES];
   return sqlite3_prepare_v3(store.db, sql.c_str(), static_cast<int>(sql.size()),
-                            SQLITE_PREPARE_PERSISTENT, &store.prepared[which], nullptr);
+                            SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
 }
 
-sqlite_use::sqlite_use(sqlite_store& store, statement which) : store_(store) {
-  if (store.prepared[which] == nullptr) result_ = prepare(store, which);
-  statement_ = store.prepared[which];
+sqlite_use::sqlite_use(sqlite_store& store, int which) : store_(store) {
+  sqlite3_stmt*& prepared = store.prepared[static_cast<size_t>(which)];
+  if (prepared == nullptr) result_ = prepare(store, which, prepared);
+  statement_ = prepared;
 }
 
 sqlite_use::~sqlite_use() {
@@ -96,20 +71,18 @@ static constexpr struct {
   int result, code;
   const char* advice;
 } MEANINGS[] = {
-    {SQLITE_BUSY, TAV_ERR_BUSY, "another process is writing to it; try again when it has ended"},
-    {SQLITE_LOCKED, TAV_ERR_BUSY, "another process is writing to it; try again when it has ended"},
+    {SQLITE_BUSY, TAV_ERR_BUSY, ANOTHER_WRITES},
+    {SQLITE_LOCKED, TAV_ERR_BUSY, ANOTHER_WRITES},
     {SQLITE_READONLY, TAV_ERR_WRITE_REFUSED,
      "it cannot be written; check the permissions of the file and its folder"},
     {SQLITE_FULL, TAV_ERR_STORAGE, "the disk is full; make room and try again"},
     {SQLITE_CORRUPT, TAV_ERR_STORAGE, "the file is damaged; restore it from a backup"},
     {SQLITE_NOTADB, TAV_ERR_STORAGE, "the file is no dictionary; check the entry 'dictionary'"},
-    {SQLITE_ERROR, TAV_ERR_STORAGE,
-     "it does not hold what a dictionary holds; restore it from a backup"},
+    {SQLITE_ERROR, TAV_ERR_STORAGE, IS_INCOMPLETE},
     {SQLITE_CANTOPEN, TAV_ERR_STORAGE,
      "it cannot be opened; check the permissions of the file and its folder"},
     {SQLITE_NOMEM, TAV_ERR_NO_MEM, "there is not enough memory"},
-    {SQLITE_CONSTRAINT, TAV_ERR_STORAGE,
-     "it holds what breaks its own rules; find it with 'tav_dict check'"},
+    {SQLITE_CONSTRAINT, TAV_ERR_STORAGE, BREAKS_RULES},
 };
 
 bool sqlite_failed(const sqlite_store& store, int result, problem& why) {

@@ -7,25 +7,14 @@
 
 #include <array>
 
+#include "dm/queries.h"
 #include "dm/sqlite_store.h"
 
 namespace dm {
 
+// The writes; the questions are every engine's.
 enum statement {
-  SELECT_DATABASES,
-  SELECT_FIELDS,
-  SELECT_FIELD_NAMED,
-  SELECT_FIELD_NUMBERED,
-  SELECT_CLASSES,
-  SELECT_CLASS_NAMED,
-  SELECT_CLASSES_BELOW,
-  SELECT_CLASS_KEYS,
-  SELECT_CLASS_KEYS_BELOW,
-  SELECT_TABLES,
-  SELECT_TABLE_NAMED,
-  COUNT_FIELDS,
-  COUNT_CLASSES,
-  INSERT_DATABASE,
+  INSERT_DATABASE = QUERIES,
   UPDATE_COUNTER,
   INSERT_FIELD,
   UPDATE_DESCRIPTION,
@@ -55,7 +44,7 @@ inline sqlite_store& sqlite_of(store* base) {
 // A prepared statement in use: made at its first use, ready for the next when this goes.
 class sqlite_use {
  public:
-  sqlite_use(sqlite_store& store, statement which);
+  sqlite_use(sqlite_store& store, int which);  // a query or a statement
   ~sqlite_use();
   sqlite_use(const sqlite_use&) = delete;
   sqlite_use& operator=(const sqlite_use&) = delete;
@@ -70,6 +59,7 @@ class sqlite_use {
   // Runs a statement that gives no rows.
   bool run(problem& why);
 
+  int count() const { return sqlite3_column_count(statement_); }
   int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
   // The text of a column; null for NULL.
   const char* text(int column) const {

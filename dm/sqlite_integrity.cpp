@@ -1,6 +1,7 @@
 // The engine's own test of a dictionary file.
 #include <map>
 
+#include "dm/schema.h"
 #include "dm/sqlite_handle.h"
 #include "dm/sqlite_schema.h"
 
@@ -89,8 +90,7 @@ bool sqlite_integrity(store* base, visitor<std::string_view> visitor, problem& w
     return text == "ok" || visitor.call(visitor.context, text);
   };
   const auto tell_row = [&](sqlite3_stmt* row) {
-    return visitor.call(visitor.context, join({"A row of ", column(row, 0), " names a row of ",
-                                               column(row, 2), " that is not there."}));
+    return visitor.call(visitor.context, orphan(column(row, 0), column(row, 2)));
   };
   if (!run_test(store, "PRAGMA integrity_check", why, tell)) return false;
   if (!check_schema(store, visitor, why)) return false;

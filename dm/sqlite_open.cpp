@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "dm/schema.h"
 #include "dm/sqlite_handle.h"
 #include "dm/sqlite_schema.h"
 
@@ -15,6 +16,10 @@ static void sqlite_close(store* base) {
   for (sqlite3_stmt* statement : store->prepared) sqlite3_finalize(statement);
   sqlite3_close(store->db);
   delete store;
+}
+
+static const char* sqlite_name(store* base) {
+  return sqlite_of(base).path.c_str();
 }
 
 static bool sqlite_writeable(store* base) {
@@ -45,11 +50,12 @@ static void sqlite_rollback(store* base) {
 }
 
 const store_calls SQLITE_CALLS = {
-    sqlite_close,       sqlite_writeable, sqlite_version,         sqlite_begin,
-    sqlite_commit,      sqlite_rollback,  sqlite_databases,       sqlite_fields,
-    sqlite_classes,     sqlite_tables,    sqlite_count,           sqlite_add_database,
-    sqlite_set_counter, sqlite_add_field, sqlite_set_description, sqlite_delete_field,
-    sqlite_put_class,   sqlite_add_table, sqlite_delete_table,    sqlite_integrity,
+    sqlite_close,        sqlite_name,        sqlite_writeable, sqlite_version,
+    sqlite_begin,        sqlite_commit,      sqlite_rollback,  sqlite_databases,
+    sqlite_fields,       sqlite_classes,     sqlite_tables,    sqlite_count,
+    sqlite_add_database, sqlite_set_counter, sqlite_add_field, sqlite_set_description,
+    sqlite_delete_field, sqlite_put_class,   sqlite_add_table, sqlite_delete_table,
+    sqlite_integrity,
 };
 
 static bool refuse(problem& why, int32_t code, std::string sentence) {
@@ -141,10 +147,7 @@ store_owner open_sqlite(const std::string& path, const open_options& options, pr
   if (result != SQLITE_OK) return sqlite_failed(*store, result, why), nullptr;
   if (mark != DICTIONARY_MARK) return sqlite_failed(*store, SQLITE_NOTADB, why), nullptr;
   if (store->version == SCHEMA_VERSION) return owner;
-  refuse(why, TAV_ERR_STORAGE,
-         join({"Dictionary ", quoted(path), " has schema version ", std::to_string(store->version),
-               ", this program reads version ", std::to_string(SCHEMA_VERSION),
-               "; use the program that it was made with, or export and deploy it anew."}));
+  refuse(why, TAV_ERR_STORAGE, join({"Dictionary ", quoted(path), other_version(store->version)}));
   return nullptr;
 }
 

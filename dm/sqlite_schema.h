@@ -4,8 +4,7 @@
 
 namespace dm {
 
-// Raised with every change of the tables; kept in the file as its user version.
-inline constexpr int SCHEMA_VERSION = 1;
+// The schema version is kept in the file as its user version.
 // Marks a file as a dictionary; kept in the file as its application id ("TAVD").
 inline constexpr int DICTIONARY_MARK = 0x54415644;
 

@@ -8,10 +8,6 @@
 
 namespace dm {
 
-struct open_options {
-  int busy_milliseconds = 10000;  // how long to wait for another writer
-};
-
 // Opens an existing dictionary; none with the reason when it is missing, no dictionary, of another
 // schema version, locked or unreadable. One that cannot be written is opened for reading.
 store_owner open_sqlite(const std::string& path, const open_options& options, problem& why);

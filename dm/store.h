@@ -72,6 +72,8 @@ struct store;
 struct store_calls {
   // Ends the connection; an open transaction is rolled back.
   void (*close)(store*);
+  // What the dictionary is called when people are told of it: never with a password. Borrowed.
+  const char* (*name)(store*);
   // Whether the store takes writes at all.
   bool (*writeable)(store*);
   int (*schema_version)(store*);
@@ -82,6 +84,9 @@ struct store_calls {
   bool (*commit)(store*, problem&);
   void (*rollback)(store*);
 
+  // What is read and written stands between begin and commit or rollback. Rows may reach the engine
+  // later than their call, but before what is read next, and before the commit: its refusal of one
+  // may come then.
   bool (*databases)(store*, visitor<database_row>, problem&);
   bool (*fields)(store*, int64_t database, const choice&, visitor<field_row>, problem&);
   bool (*classes)(store*, int64_t database, const choice&, visitor<class_row>, problem&);
@@ -106,6 +111,14 @@ struct store_calls {
 // An open store; an engine's own record begins with it.
 struct store {
   const store_calls* calls;
+  // What one look-up costs, in those of a file on this machine: on a server each is a round trip,
+  // and reading all pays sooner.
+  uint32_t look_up_cost = 1;
+};
+
+// How to open one.
+struct open_options {
+  int busy_milliseconds = 10000;  // how long to wait for another writer
 };
 
 struct close_store {

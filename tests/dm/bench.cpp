@@ -9,6 +9,7 @@
 
 #include "dd/values.h"
 #include "dm/class_json.h"
+#include "dm/open.h"
 #include "dm/predefined.h"
 
 namespace fs = std::filesystem;
@@ -152,6 +153,7 @@ std::string text_of_classes(const tav_flist_t* list) {
 
 static std::string result_of(const tav_ebuf& ebuf, int32_t location) {
   if (ebuf.err_code == TAV_ERR_NONE) return "ok";
+  if (ebuf.err_code == TAV_ERR_NOT_CONNECTED) location = TAV_ERRLOC_CM;
   EXPECT_EQ(ebuf.location, location);
   const std::string code = tav_taverr_to_str(ebuf.err_code);
   return code.substr(8) + (ebuf.field != 0 ? std::string(" ") + tav_name_of_field(ebuf.field) : "");
@@ -219,6 +221,20 @@ static const std::string& log_folder() {
   return made.name;
 }
 
+bool on_server() {
+  return std::getenv("TAV_POSTGRES_RESTART") != nullptr;
+}
+
+std::string output_of(const std::string& command, int* status) {
+  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  std::string output;
+  for (int c; (c = fgetc(pipe)) != EOF;) output += static_cast<char>(c);
+  const int ended = WEXITSTATUS(pclose(pipe));
+  if (status != nullptr) *status = ended;
+  EXPECT_TRUE(status != nullptr || ended == 0) << output;
+  return output;
+}
+
 dictionary::dictionary() {
   for (const char* name : {"/dm.tavlog", "/cm.tavlog"}) {
     if (fs::exists(log_folder() + name)) fs::resize_file(log_folder() + name, 0);
@@ -227,41 +243,52 @@ dictionary::dictionary() {
   if (mkdtemp(folder.data()) == nullptr) ADD_FAILURE() << "no folder";
   path = folder + "/dictionary.db";
   settings = {"sqlite:" + path, true, true, true, 1};
+  if (on_server()) {
+    schema = "\"" + folder.substr(folder.rfind('.') + 1) + "\"";
+    settings.dictionary = "options='-c search_path=" + schema + "'";
+    query("CREATE SCHEMA " + schema);
+  }
   dm::problem why;
   const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_database(s, 1, p); };
-  EXPECT_TRUE(dm::create_sqlite(path, fill, why)) << why.sentence;
+  std::string name;
+  EXPECT_TRUE(dm::create_dictionary(settings, fill, name, why)) << why.sentence;
 }
 
 dictionary::~dictionary() {
   fs::remove_all(folder);
 }
 
-std::string dictionary::content() const {
-  std::string text;
+static std::string query_file(const std::string& path, const std::string& text) {
+  std::string rows;
   sqlite3* db = nullptr;
   const auto take = [](void* to, int count, char** values, char**) {
+    auto& all = *static_cast<std::string*>(to);
     for (int i = 0; i < count; ++i) {
-      *static_cast<std::string*>(to) +=
-          std::string(values[i] != nullptr ? values[i] : "NULL") + "|";
+      all += std::string(i > 0 ? "|" : "") + (values[i] != nullptr ? values[i] : "");
     }
-    *static_cast<std::string*>(to) += "\n";
+    all += "\n";
     return 0;
   };
   EXPECT_EQ(sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-  for (const char* table : {"databases", "fields", "classes", "tables"}) {
-    const std::string query = std::string("SELECT * FROM dd_") + table;
-    EXPECT_EQ(sqlite3_exec(db, query.c_str(), take, &text, nullptr), SQLITE_OK);
-  }
+  EXPECT_EQ(sqlite3_exec(db, text.c_str(), take, &rows, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
   sqlite3_close(db);
-  return text;
+  return rows;
 }
 
-void dictionary::sql(const std::string& text) const {
-  sqlite3* db = nullptr;
-  EXPECT_EQ(sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-  EXPECT_EQ(sqlite3_exec(db, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-      << sqlite3_errmsg(db);
-  sqlite3_close(db);
+std::string dictionary::query(const std::string& text) const {
+  if (!on_server()) return query_file(path, text);
+  const std::string file = folder + "/query.sql";
+  std::ofstream(file) << "SET client_min_messages = error; SET search_path = " << schema << ";"
+                      << text;
+  return output_of("psql -qAtX -v ON_ERROR_STOP=1 -f " + file);
+}
+
+std::string dictionary::content() const {
+  std::string text;
+  for (const char* table : {"databases", "fields", "classes", "tables"}) {
+    text += std::string("SELECT * FROM dd_") + table + " ORDER BY 1, 2;";
+  }
+  return query(text);
 }
 
 std::string dictionary::log(const std::string& component) const {

@@ -1,4 +1,5 @@
-// A dictionary of its own for each test, sessions with it, and lists as text.
+// A dictionary of its own for each test, sessions with it, and lists as text. It is a file, or,
+// beside scripts/with-postgres, a schema on that server.
 //
 // Fields, one a line:      STRING NAME 100 A description
 // (number 0: not given; "!" behind the number: marked as held by the server already).
@@ -20,6 +21,10 @@ dd_flist fields_of(const std::string& text, uint64_t database = 1);
 dd_flist classes_of(const std::string& text, uint64_t database = 1);
 std::string text_of_fields(const tav_flist_t* list);
 std::string text_of_classes(const tav_flist_t* list);
+
+bool on_server();
+// What a shell command prints. It must succeed where its status is not asked for.
+std::string output_of(const std::string& command, int* status = nullptr);
 
 class client {
  public:
@@ -52,12 +57,14 @@ class dictionary : public testing::Test {
   ~dictionary() override;
   // Everything that the dictionary holds, as SQL would print it.
   std::string content() const;
-  void sql(const std::string& text) const;
+  // Runs SQL text; gives the rows, columns divided by "|".
+  std::string query(const std::string& text) const;
   // What the tavlogs ("dm", "cm") got since the test began.
   std::string log(const std::string& component) const;
 
   std::string folder;
   std::string path;
+  std::string schema;
   dm::settings settings;
 };
 

@@ -1,4 +1,6 @@
 // 577 and 578.
+#include <algorithm>
+
 #include "bench.h"
 
 class classes : public dictionary {
@@ -115,7 +117,8 @@ TEST_F(classes, are_refused_by_rule) {
     if (std::string(row.result) != "ok") {
       EXPECT_EQ(content(), before) << row.text;
     }
-    sql("DELETE FROM dd_tables WHERE folded NOT LIKE 'held%'; DELETE FROM dd_classes WHERE folded "
+    query(
+        "DELETE FROM dd_tables WHERE folded NOT LIKE 'held%'; DELETE FROM dd_classes WHERE folded "
         "NOT IN ('/held', '/held/sub'); UPDATE dd_databases SET counter = " +
         before.substr(10, 1));
   }
@@ -196,4 +199,21 @@ TEST_F(classes, many_at_once_are_judged_as_one_by_one) {
   EXPECT_EQ(admin.classes("/m249\n/HELD/*\n"),
             "{name:/m249,sql_table:m249,entries:[{name:S1,type:5,sql_name:c}]}\n{name:/"
             "held,sql_table:held_t}\n{name:/held/n}\n");
+}
+
+TEST_F(classes, many_are_replaced_in_any_order) {
+  std::string first, again;
+  for (int i = 0; i < 600; ++i) {
+    const std::string name = std::to_string(1000 + i * 7 % 600);
+    first += "/m" + name + " sql_table=t" + name + "\n";
+    again += "/M" + name + " descr=new\n";
+  }
+  EXPECT_EQ(admin.set_classes(first), "ok");
+  EXPECT_EQ(admin.set_classes(again + "/m1000/s\n/m1001 descr=last\n/n sql_table=u\n"), "ok");
+  const std::string all = admin.classes();
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 602);
+  EXPECT_EQ(all.substr(0, 101),
+            "{name:/m1000,sql_table:t1000,descr:new}\n{name:/m1000/s}\n"
+            "{name:/m1001,sql_table:t1001,descr:last}\n{nam");
+  EXPECT_EQ(query("SELECT count(*) FROM dd_tables"), "601\n");
 }

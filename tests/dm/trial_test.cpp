@@ -83,7 +83,8 @@ TEST_F(trial, sequences_of_operations) {
     if (!row.stored && !deletes_at_last) {
       EXPECT_EQ(content(), before);
     }
-    sql("DELETE FROM dd_tables; DELETE FROM dd_classes; DELETE FROM dd_fields WHERE number >= "
+    query(
+        "DELETE FROM dd_tables; DELETE FROM dd_classes; DELETE FROM dd_fields WHERE number >= "
         "5000");
   }
 }

@@ -91,10 +91,26 @@ static const fs::path& template_dictionary() {
   return made;
 }
 
+// Beside scripts/with-postgres each dictionary is a schema of its own on that server.
+static bool on_server() {
+  return std::getenv("TAV_POSTGRES_RESTART") != nullptr;
+}
+
+static void make_on_server(const fs::path& folder) {
+  const std::string make =
+      "psql -qXc 'CREATE SCHEMA \"" + folder.filename().string() + "\"' && " + TAV_DICT + " init";
+  if (spawn(folder, "/bin/sh", {"sh", "-c", make}, {}, ".out", ".err") == 0) return;
+  throw std::runtime_error("no dictionary on the server: " + slurp(folder / ".err"));
+}
+
 workshop::workshop() : folder_(new_folder()) {
   unsetenv("TAV_CONF");
   write("tav.conf", CONFIGURATION);
-  fs::copy_file(template_dictionary(), folder_ / "dictionary.db");
+  if (on_server()) {
+    make_on_server(folder_);
+  } else {
+    fs::copy_file(template_dictionary(), folder_ / "dictionary.db");
+  }
 }
 
 workshop::~workshop() {
@@ -103,7 +119,10 @@ workshop::~workshop() {
 }
 
 void workshop::write(const std::string& name, const std::string& text) const {
-  std::ofstream(folder_ / name, std::ios::binary) << text;
+  std::ofstream file(folder_ / name, std::ios::binary);
+  file << text;
+  if (name != "tav.conf" || !on_server()) return;
+  file << "dictionary = options='-c search_path=\"" << folder_.filename().string() << "\"'\n";
 }
 
 std::string workshop::read(const std::string& name) const {

@@ -1,0 +1,115 @@
+// The PostgreSQL engine's own side of a store: its connection, statements, errors.
+#ifndef DM_POSTGRES_HANDLE_H
+#define DM_POSTGRES_HANDLE_H
+
+#include <libpq-fe.h>
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "dm/postgres/postgres_batch.h"
+#include "dm/postgres/postgres_kept.h"
+#include "dm/store.h"
+
+namespace dm {
+
+struct clear_result {
+  void operator()(PGresult* result) const { PQclear(result); }
+};
+using result_owner = std::unique_ptr<PGresult, clear_result>;
+
+class postgres_rows;
+
+struct postgres_store : store {
+  PGconn* connection = nullptr;
+  std::string name;     // for people
+  std::string refusal;  // why it takes no writes; empty: it does
+  open_options options;
+  int version = 0;
+  bool is_writing = false;
+  postgres_rows* fetching = nullptr;  // whose next rows are on their way
+  unsigned cursors = 0;               // opened so far
+  int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
+  postgres_batch batch{};
+  postgres_kept kept{};
+};
+
+inline postgres_store& postgres_of(store* base) {
+  return *static_cast<postgres_store*>(base);
+}
+
+// The parameters of a statement, in the order of their numbers; what is given is copied.
+class parameters {
+ public:
+  template <class... Values>
+  explicit parameters(const Values&... values) {
+    (add(values), ...);
+  }
+  parameters(const parameters&) = delete;
+  parameters& operator=(const parameters&) = delete;
+
+  void add(int64_t value) { keep(std::to_string(value), 0); }
+  // Null is NULL.
+  void add(const char* text);
+  void add(const std::string& text) { keep(text, 0); }
+  // In the protocol's binary form.
+  void add_binary(std::string bytes) { keep(std::move(bytes), 1); }
+
+  int count() const { return static_cast<int>(values_.size()); }
+  const char* const* values() const { return values_.data(); }
+  const int* lengths() const { return lengths_.data(); }
+  const int* formats() const { return formats_.data(); }
+
+ private:
+  void keep(std::string text, int format);
+  std::deque<std::string> texts_;
+  std::vector<const char*> values_;
+  std::vector<int> lengths_, formats_;
+};
+
+// Carries out one statement and gives its result whole; none with the reason when it fails.
+result_owner execute(postgres_store& store, const std::string& sql, const parameters& with,
+                     problem& why);
+// Carries out statements that give no rows.
+bool run(postgres_store& store, const char* sql, problem& why);
+// Takes in what is on its way, so that the connection is free.
+void settle(postgres_store& store);
+
+// Says what a failed result (null: none came) means; gives false. The one place that does.
+bool postgres_failed(const postgres_store& store, const PGresult* result, problem& why);
+bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
+                     problem& why);
+
+// The engine's words in one line.
+std::string one_line(const char* text);
+// The SQL text of a query, with parameters as this engine writes them.
+std::string postgres_text(const std::string& text);
+
+// Connects; none with the reason.
+store_owner connect_postgres(const std::string& where, problem& why);
+// What the module offers.
+store_owner open_postgres(const std::string& where, const open_options& options, problem& why);
+store_owner begin_new_postgres(const std::string& where, problem& why);
+
+// Calls of the record.
+bool postgres_databases(store*, visitor<database_row>, problem&);
+bool postgres_fields(store*, int64_t, const choice&, visitor<field_row>, problem&);
+bool postgres_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
+bool postgres_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
+bool postgres_count(store*, int64_t, counted, int64_t&, problem&);
+bool postgres_integrity(store*, visitor<std::string_view>, problem&);
+bool postgres_add_database(store*, uint64_t, int64_t&, problem&);
+bool postgres_set_counter(store*, int64_t, int64_t, problem&);
+bool postgres_add_field(store*, int64_t, const field_row&, problem&);
+bool postgres_set_description(store*, int64_t, const field_row&, problem&);
+bool postgres_delete_field(store*, int64_t, int32_t, problem&);
+bool postgres_put_class(store*, int64_t, class_row&, problem&);
+bool postgres_add_table(store*, int64_t, const table_row&, problem&);
+bool postgres_delete_table(store*, int64_t, const char*, problem&);
+
+extern const store_calls POSTGRES_CALLS;
+
+}  // namespace dm
+
+#endif

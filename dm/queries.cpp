@@ -1,0 +1,80 @@
+#include "dm/queries.h"
+
+#include "dm/folded.h"
+
+namespace dm {
+
+static constexpr char FIELD_COLUMNS[] =
+    "SELECT name, number, type, descr, flags, stamp FROM dd_fields ";
+static constexpr char CLASS_COLUMNS[] =
+    "SELECT id, folded, name, stamp, definition FROM dd_classes ";
+static constexpr char KEY_COLUMNS[] = "SELECT id, folded, name, stamp FROM dd_classes ";
+static constexpr char TABLE_COLUMNS[] = "SELECT folded, name, class FROM dd_tables ";
+
+// In two parts, because columns are shared; in the order of the queries.
+static constexpr struct {
+  query which;
+  const char *columns, *rest;
+} TEXTS[] = {
+    {SELECT_DATABASES, "", "SELECT id, number, counter FROM dd_databases ORDER BY id"},
+    {SELECT_FIELDS, FIELD_COLUMNS, "WHERE database = ?1 ORDER BY number"},
+    {SELECT_FIELD_NAMED, FIELD_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
+    {SELECT_FIELD_NUMBERED, FIELD_COLUMNS, "WHERE database = ?1 AND number = ?2"},
+    {SELECT_CLASSES, CLASS_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
+    {SELECT_CLASS_NAMED, CLASS_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
+    {SELECT_CLASSES_BELOW, CLASS_COLUMNS,
+     "WHERE database = ?1 AND folded > ?2 AND folded < ?3 ORDER BY folded"},
+    {SELECT_CLASS_KEYS, KEY_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
+    {SELECT_CLASS_KEYS_BELOW, KEY_COLUMNS,
+     "WHERE database = ?1 AND folded > ?2 AND folded < ?3 ORDER BY folded"},
+    {SELECT_TABLES, TABLE_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
+    {SELECT_TABLE_NAMED, TABLE_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
+    {COUNT_FIELDS, "", "SELECT count(*) FROM dd_fields WHERE database = ?1"},
+    {COUNT_CLASSES, "", "SELECT count(*) FROM dd_classes WHERE database = ?1"},
+};
+static_assert(std::size(TEXTS) == QUERIES);
+
+std::string query_text(query which) {
+  return std::string(TEXTS[which].columns) + TEXTS[which].rest;
+}
+
+static lookup by_name(query which, const char* name) {
+  return {which, 1, {folded(name), ""}};
+}
+
+// What lies below "/a" lies between "/a/" and "/a0": '0' is the character after '/'.
+static lookup below(query which, const char* name) {
+  const std::string key = folded(name);
+  return {which, 2, {key + "/", key + "0"}};
+}
+
+lookup field_lookup(const choice& choice) {
+  if (choice.which == choice::NAMED) return by_name(SELECT_FIELD_NAMED, choice.name);
+  if (choice.which != choice::NUMBERED) return {SELECT_FIELDS};
+  lookup numbered{SELECT_FIELD_NUMBERED};
+  numbered.has_number = true;
+  numbered.number = choice.number;
+  return numbered;
+}
+
+lookup class_lookup(const choice& choice) {
+  switch (choice.which) {
+    case choice::NAMED:
+      return by_name(SELECT_CLASS_NAMED, choice.name);
+    case choice::BELOW:
+      return below(SELECT_CLASSES_BELOW, choice.name);
+    case choice::KEYS:
+      return {SELECT_CLASS_KEYS};
+    case choice::KEYS_BELOW:
+      return below(SELECT_CLASS_KEYS_BELOW, choice.name);
+    default:
+      return {SELECT_CLASSES};
+  }
+}
+
+lookup table_lookup(const choice& choice) {
+  if (choice.which == choice::NAMED) return by_name(SELECT_TABLE_NAMED, choice.name);
+  return {SELECT_TABLES};
+}
+
+}  // namespace dm

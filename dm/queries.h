@@ -1,0 +1,47 @@
+// The questions that every engine is asked, and which one a choice of rows comes to.
+#ifndef DM_QUERIES_H
+#define DM_QUERIES_H
+
+#include <array>
+#include <string>
+
+#include "dm/store.h"
+
+namespace dm {
+
+enum query {
+  SELECT_DATABASES,
+  SELECT_FIELDS,
+  SELECT_FIELD_NAMED,
+  SELECT_FIELD_NUMBERED,
+  SELECT_CLASSES,
+  SELECT_CLASS_NAMED,
+  SELECT_CLASSES_BELOW,
+  SELECT_CLASS_KEYS,
+  SELECT_CLASS_KEYS_BELOW,
+  SELECT_TABLES,
+  SELECT_TABLE_NAMED,
+  COUNT_FIELDS,
+  COUNT_CLASSES,
+  QUERIES  // their number
+};
+
+// The SQL text; parameters are ?1 (the database's row id), ?2 and ?3.
+std::string query_text(query which);
+
+// A query with its parameters behind the database.
+struct lookup {
+  query which;
+  int texts = 0;  // how many of the keys are parameters
+  std::array<std::string, 2> keys{};
+  bool has_number = false;
+  int32_t number = 0;
+};
+
+lookup field_lookup(const choice& choice);
+lookup class_lookup(const choice& choice);
+lookup table_lookup(const choice& choice);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,55 @@
+// Rows of the columns that an engine gives: `Columns` has integer(i) and text(i), null for NULL.
+// Each is false for a row that cannot be.
+#ifndef DM_ROWS_H
+#define DM_ROWS_H
+
+#include "dm/database_number.h"
+#include "dm/store.h"
+
+namespace dm {
+
+template <class Columns>
+bool take_row(const Columns& columns, database_row& row) {
+  const char* number = columns.text(1);
+  row.id = columns.integer(0);
+  row.counter = columns.integer(2);
+  return number != nullptr && database_of_text(number, row.number);
+}
+
+// Whether the number fits into 32 bits.
+inline bool take_number(int64_t value, int32_t& number) {
+  number = static_cast<int32_t>(value);
+  return value == number;
+}
+
+template <class Columns>
+bool take_row(const Columns& columns, field_row& row) {
+  row.name = columns.text(0);
+  row.descr = columns.text(3);
+  row.stamp = columns.integer(5);
+  return take_number(columns.integer(1), row.number) && take_number(columns.integer(2), row.type) &&
+         take_number(columns.integer(4), row.flags) && row.name != nullptr;
+}
+
+template <class Columns>
+bool take_row(const Columns& columns, class_row& row) {
+  const bool keys = columns.count() == 4;
+  row.id = columns.integer(0);
+  row.key = columns.text(1);
+  row.name = columns.text(2);
+  row.stamp = columns.integer(3);
+  row.definition = keys ? nullptr : columns.text(4);
+  return row.key != nullptr && row.name != nullptr && (keys || row.definition != nullptr);
+}
+
+template <class Columns>
+bool take_row(const Columns& columns, table_row& row) {
+  row.key = columns.text(0);
+  row.name = columns.text(1);
+  row.class_id = columns.integer(2);
+  return row.key != nullptr && row.name != nullptr;
+}
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,34 @@
+// What the stores have in common beside their rows.
+#ifndef DM_SCHEMA_H
+#define DM_SCHEMA_H
+
+#include <string>
+
+#include "dm/problem.h"
+
+namespace dm {
+
+// Raised with every change of the tables, whatever engine keeps them.
+inline constexpr int SCHEMA_VERSION = 1;
+
+// What every engine tells the administrator.
+inline constexpr char ANOTHER_WRITES[] =
+    "another process is writing to it; try again when it has ended";
+inline constexpr char BREAKS_RULES[] =
+    "it holds what breaks its own rules; find it with 'tav_dict check'";
+inline constexpr char IS_INCOMPLETE[] =
+    "it does not hold what a dictionary holds; restore it from a backup";
+
+inline std::string orphan(std::string_view table, std::string_view parent) {
+  return join({"A row of ", table, " names a row of ", parent, " that is not there."});
+}
+
+inline std::string other_version(int version) {
+  return join({" has schema version ", std::to_string(version), ", this program reads version ",
+               std::to_string(SCHEMA_VERSION),
+               "; use the program that it was made with, or export and deploy it anew."});
+}
+
+}  // namespace dm
+
+#endif
