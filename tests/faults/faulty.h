@@ -1,15 +1,13 @@
 // Included before every source of the tool when it is built for the fault tests: the tool's calls
-// of the client library go through doubles that can fail. The environment says how:
-//   TAV_FAIL_AT=N    the N-th fallible call fails, with a storage failure
-//   TAV_REFUSE=OP    the operation is refused (65)
-//   TAV_RECORD=FILE  appends a line per operation, and the number of fallible calls at the end
+// of the client library go through doubles that fail as the plan says (tests/faults/plan.h).
 #ifndef TESTS_FAULTS_FAULTY_H
 #define TESTS_FAULTS_FAULTY_H
 
 #include "dd/vantor.h"
 
 // X(result, name, parameters, arguments): the fallible calls; the last parameter is the error
-// buffer. tcm_op, which is recorded and refused too, stands by itself.
+// buffer. Two stand by themselves: tcm_op, which is recorded and refused too, and tav_conf, which
+// has no buffer. What the tool calls without one (to free, to close) it cannot see fail.
 #define FAULTY_CALLS(X)                                                                            \
   X(tav_flist_t*, tav_flist_create, (tav_ebuf * ebuf), (ebuf))                                     \
   X(tav_flist_t*, tav_flist_copy, (const tav_flist_t* list, tav_ebuf* ebuf), (list, ebuf))         \
@@ -51,6 +49,8 @@
 
 void faulty_tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t* input,
                    tav_flist_t** output, tav_ebuf* ebuf);
+void faulty_tav_conf(const char* program, const char* key, int32_t type, void** value,
+                     int32_t* error);
 #define FAULTY_DECLARE(result, name, parameters, arguments) result faulty_##name parameters;
 FAULTY_CALLS(FAULTY_DECLARE)
 #undef FAULTY_DECLARE
@@ -73,6 +73,7 @@ FAULTY_CALLS(FAULTY_DECLARE)
 #define tav_decimal_to_str faulty_tav_decimal_to_str
 #define tcm_connect faulty_tcm_connect
 #define tcm_op faulty_tcm_op
+#define tav_conf faulty_tav_conf
 #endif
 
 #endif
