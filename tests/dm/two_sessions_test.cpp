@@ -193,11 +193,12 @@ class two_sessions : public dictionary {
       admin a("a", WHOLE, settings), b("b", second, settings);
       for (const char turn : order) {
         go_on(turn == 'a' ? a : b, m);
-        ASSERT_EQ(own_fields(witness) + witness.classes(),
+        ASSERT_EQ(witness.fields("F_SHARED\nF_BOTH\nF_a\nF_b\n") + witness.classes(),
                   text_of(m.now.fields) + text_of(m.now.classes));
       }
       if (m.now.clock > 0) ++deployed;
     }
+    EXPECT_EQ(own_fields(witness), text_of(m.now.fields));
     EXPECT_EQ(witness.set_fields(""), "ok");
     EXPECT_EQ(witness.set_fields("STRING F_LAST 5004\n"), "ok");  // no lock is left
   }

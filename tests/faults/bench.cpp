@@ -62,12 +62,14 @@ fault_bench::fault_bench() {
     put_definitions(place, true);
     run({});
     states.push_back(content());
+    EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
     put_definitions(place, false);
   }
   healthy = run({});
   if (row.commits) states.push_back(left);
   EXPECT_EQ(healthy.exit_status, row.exit_status) << healthy.err;
   EXPECT_EQ(left, states.back());
+  EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
 }
 
 #ifdef __SANITIZE_ADDRESS__

@@ -129,6 +129,34 @@ TEST_P(every_call, fails_once_and_nothing_is_lost) {
   RecordProperty("calls", static_cast<int>(n - 1));
 }
 
+using every_operation = fault_bench;
+
+TEST_P(every_operation, is_refused_and_explained) {
+  const struct {
+    uint32_t refused;
+    std::vector<uint32_t> made;  // a refused trial still checks and cleans up
+  } rows[] = {{575, {575}},
+              {577, {575, 577}},
+              {576, {575, 577, 576, 578, 585}},
+              {578, {575, 577, 576, 578, 585}},
+              {585, {575, 577, 576, 578, 585}}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.refused);
+    fault_plan faults;
+    faults.refused_operation = row.refused;
+    const run_result result = run(faults);
+    EXPECT_EQ(result.exit_status, 1);
+    EXPECT_EQ(result.out, "\nErrors Detected...nothing committed\n");
+    EXPECT_EQ(result.err.find("Error: TCM OP Error, likely cause is tav.conf write flags not set.  "
+                              "Check DM tavlog\n") != std::string::npos,
+              row.refused == 576 || row.refused == 578);
+    EXPECT_EQ(std::vector<uint32_t>(plan().operations, plan().operations + plan().operation_count),
+              row.made);
+    EXPECT_EQ(left, states[0]);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(mode, every_operation, testing::Values(VERIFY, CREATE, REPLACE), mode_of);
 INSTANTIATE_TEST_SUITE_P(mode, every_call,
                          testing::Values(VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, CLASS),
                          mode_of);
