@@ -12,14 +12,14 @@ namespace {
 
 enum step { FETCH_FIELDS, FETCH_CLASSES, TRY_FIELDS, TRY_CLASSES, END_TRIAL, FIELDS, CLASSES };
 
-// What is committed: the text of each item, and when it was written.
+// What is committed of fields and of classes: the text of each item, and when it was written.
+enum kind { FIELD, CLASS };
 struct item {
   std::string text;
   int written;
 };
 struct world {
-  std::map<int, item> fields;  // by number
-  std::map<std::string, item> classes;
+  std::map<std::string, item> items[2];
   int clock = 0;
 };
 
@@ -35,110 +35,78 @@ struct admin {
       : name(std::move(who)), steps(std::move(plan)), session(settings, 0) {}
 };
 
-}  // namespace
-
-// Both change the shared one and add that of both, as far as each knows; each adds its own.
-static std::map<int, std::string> fields_of(const admin& who) {
-  const int own = who.name == "a" ? 5002 : 5003;
-  return {{5000, "F_SHARED"}, {5001, "F_BOTH"}, {own, "F_" + who.name}};
-}
-static std::vector<std::string> classes_of(const admin& who) {
-  return {"/shared", "/both", "/" + who.name};
-}
-
-static std::string field_text(int number, const std::string& name, const admin& who, bool marked) {
-  return "STRING " + name + " " + std::to_string(number) + (marked ? "! " : " ") + who.name + "\n";
-}
-
-template <class Map>
-static std::string text_of(const Map& items) {
-  std::string text;
-  for (const auto& [key, value] : items) text += value.text;
-  return text;
-}
-
-// The request for fields: all of them marked as fetched, or (to end the trial) the others only.
-static std::string request(const admin& who, bool all) {
-  std::string text;
-  for (const auto& [number, name] : fields_of(who)) {
-    const bool known = who.seen.fields.count(number) != 0;
-    if (all || !known) text += field_text(number, name, who, known);
-  }
-  return text;
-}
-
-static std::string request_classes(const admin& who) {
-  std::string text;
-  for (const std::string& name : classes_of(who)) {
-    text += name + " sql_table=t" + name.substr(1) + " descr=" + who.name + "\n";
-  }
-  return text;
-}
-
-// --- The model --------------------------------------------------------------------------------
-
-namespace {
-
 struct model {
   world now;
   const admin* writer = nullptr;  // who has the dictionary for itself
 };
 
+// One item that an administrator deploys.
+struct wanted {
+  std::string key, request, stored;
+};
+
 }  // namespace
 
-template <class Map, class Key>
-static bool is_foreign(const Map& items, const Key& key, const admin& who) {
-  const auto found = items.find(key);
-  return found != items.end() && found->second.written > who.seen.clock;
+// Both change the shared one and add that of both, as far as each knows; each adds its own.
+static std::vector<wanted> wanted_by(const admin& who, kind which) {
+  std::vector<wanted> all;
+  for (const std::string& name : {std::string("shared"), std::string("both"), who.name}) {
+    if (which == FIELD) {
+      const std::string number = name == "shared" ? "5000"
+                                 : name == "both" ? "5001"
+                                                  : "500" + std::to_string(who.name[0] - 'a' + 2);
+      const std::string mark = who.seen.items[FIELD].count(number) != 0 ? "! " : " ";
+      const std::string field = "STRING F_" + name + " " + number;
+      all.push_back({number, field + mark + who.name + "\n", field + " " + who.name + "\n"});
+    } else {
+      all.push_back({"/" + name, "/" + name + " sql_table=t" + name + " descr=" + who.name + "\n",
+                     "{name:/" + name + ",sql_table:t" + name + ",descr:" + who.name + "}\n"});
+    }
+  }
+  return all;
 }
 
-static bool fields_conflict(const model& m, const admin& who) {
-  const auto mine = fields_of(who);
-  return std::any_of(mine.begin(), mine.end(),
-                     [&](const auto& f) { return is_foreign(m.now.fields, f.first, who); });
+static std::string request(const admin& who, kind which, bool with_marked = true) {
+  std::string text;
+  for (const wanted& w : wanted_by(who, which)) {
+    if (with_marked || who.seen.items[which].count(w.key) == 0) text += w.request;
+  }
+  return text;
 }
 
-static bool classes_conflict(const model& m, const admin& who) {
-  const auto mine = classes_of(who);
-  return std::any_of(mine.begin(), mine.end(),
-                     [&](const auto& name) { return is_foreign(m.now.classes, name, who); });
+static std::string text_of(const world& of, kind which) {
+  std::string text;
+  for (const auto& [key, value] : of.items[which]) text += value.text;
+  return text;
+}
+
+// Whether it would write over what another has written since it fetched.
+static bool conflicts(const model& m, const admin& who, kind which) {
+  const auto mine = wanted_by(who, which);
+  return std::any_of(mine.begin(), mine.end(), [&](const wanted& w) {
+    const auto found = m.now.items[which].find(w.key);
+    return found != m.now.items[which].end() && found->second.written > who.seen.clock;
+  });
 }
 
 // What the step must report, with what it does to the model.
 static std::string expected(model& m, const admin& who, step s, bool tried) {
-  const bool writes = s != FETCH_FIELDS && s != FETCH_CLASSES && s != END_TRIAL;
-  if (writes && m.writer != nullptr && m.writer != &who) return "BUSY";
   const bool is_trial = s == TRY_FIELDS || s == TRY_CLASSES;
-  if (is_trial && tried) m.writer = &who;
-  switch (s) {
-    case FETCH_FIELDS:
-      return text_of(m.now.fields);
-    case FETCH_CLASSES:
-      return text_of(who.seen.classes);
-    case END_TRIAL:
-      if (m.writer == &who) m.writer = nullptr;
-      // Without the trial that it ends it deletes in earnest, but nothing of another.
-      return !tried && fields_conflict(m, who) ? "CONFLICT TAV_FLD_FIELD_NAME" : "ok";
-    case TRY_FIELDS:
-    case FIELDS:
-      if (fields_conflict(m, who)) return "CONFLICT TAV_FLD_FIELD_NAME";
-      break;
-    default:
-      if (classes_conflict(m, who)) return "CONFLICT TAV_FLD_NAME";
+  const kind which = s == TRY_FIELDS || s == FIELDS || s == END_TRIAL ? FIELD : CLASS;
+  static const std::string conflict[] = {"CONFLICT TAV_FLD_FIELD_NAME", "CONFLICT TAV_FLD_NAME"};
+  if (s == FETCH_FIELDS) return text_of(m.now, FIELD);
+  if (s == FETCH_CLASSES) return text_of(who.seen, CLASS);
+  if (s == END_TRIAL) {
+    if (m.writer == &who) m.writer = nullptr;
+    // Without the trial that it ends it deletes in earnest, but nothing of another.
+    return !tried && conflicts(m, who, FIELD) ? conflict[FIELD] : "ok";
   }
+  if (m.writer != nullptr && m.writer != &who) return "BUSY";
+  if (is_trial && tried) m.writer = &who;
+  if (conflicts(m, who, which)) return conflict[which];
   if (is_trial) return "ok";
   ++m.now.clock;
-  if (s == FIELDS) {
-    for (const auto& [number, name] : fields_of(who)) {
-      m.now.fields[number] = {field_text(number, name, who, false), m.now.clock};
-    }
-  } else {
-    for (const std::string& name : classes_of(who)) {
-      m.now.classes[name] = {
-          "{name:" + name + ",sql_table:t" + name.substr(1) + ",descr:" + who.name + "}\n",
-          m.now.clock};
-    }
-  }
+  for (const wanted& w : wanted_by(who, which)) m.now.items[which][w.key] = {w.stored, m.now.clock};
   return "ok";
 }
 
@@ -158,12 +126,12 @@ static std::string carry_out(admin& who, step s) {
     case FETCH_CLASSES:
       return who.session.classes();
     case END_TRIAL:
-      return who.session.delete_fields(request(who, false));
+      return who.session.delete_fields(request(who, FIELD, false));
     case TRY_FIELDS:
     case FIELDS:
-      return who.session.set_fields(request(who, true));
+      return who.session.set_fields(request(who, FIELD));
     default:
-      return who.session.set_classes(request_classes(who), s == TRY_CLASSES ? 128 : 0);
+      return who.session.set_classes(request(who, CLASS), s == TRY_CLASSES ? 128 : 0);
   }
 }
 
@@ -185,20 +153,20 @@ class two_sessions : public dictionary {
     SCOPED_TRACE(order);
     start_anew();
     model m;
-    m.now.fields[5000] = {"STRING F_SHARED 5000 old\n", 0};
-    m.now.classes["/shared"] = {"{name:/shared,sql_table:tshared}\n", 0};
+    m.now.items[FIELD]["5000"] = {"STRING F_shared 5000 old\n", 0};
+    m.now.items[CLASS]["/shared"] = {"{name:/shared,sql_table:tshared}\n", 0};
     client witness(settings, 0);
     witness.delete_fields("");  // from now on it sees the dictionary as it is
     {
       admin a("a", WHOLE, settings), b("b", second, settings);
       for (const char turn : order) {
         go_on(turn == 'a' ? a : b, m);
-        ASSERT_EQ(witness.fields("F_SHARED\nF_BOTH\nF_a\nF_b\n") + witness.classes(),
-                  text_of(m.now.fields) + text_of(m.now.classes));
+        ASSERT_EQ(witness.fields("F_shared\nF_both\nF_a\nF_b\n") + witness.classes(),
+                  text_of(m.now, FIELD) + text_of(m.now, CLASS));
       }
       if (m.now.clock > 0) ++deployed;
     }
-    EXPECT_EQ(own_fields(witness), text_of(m.now.fields));
+    EXPECT_EQ(own_fields(witness), text_of(m.now, FIELD));
     EXPECT_EQ(witness.set_fields(""), "ok");
     EXPECT_EQ(witness.set_fields("STRING F_LAST 5004\n"), "ok");  // no lock is left
   }
@@ -219,7 +187,7 @@ class two_sessions : public dictionary {
     namespace fs = std::filesystem;
     if (kept.empty()) {
       client first(settings, 0);
-      first.set_fields("STRING F_SHARED 5000 old\n");
+      first.set_fields("STRING F_shared 5000 old\n");
       first.set_classes("/shared sql_table=tshared\n");
       first.close();
       fs::copy_file(path, kept = folder + "/kept.db");
@@ -250,6 +218,7 @@ TEST_F(two_sessions, wait_for_each_other_and_not_for_ever) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(client(settings, 200).set_fields("STRING F_A 5000\n"), "BUSY");
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200));
+  EXPECT_NE(log("dm").find("another process is writing to it"), std::string::npos);
   std::thread later([&] {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     one.close();

@@ -4,9 +4,9 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <set>
-
-#include "tests/faults/disk.h"
+#include <sstream>
 
 int tav_deploy_main(int argc, char** argv);  // the tool's main
 
@@ -18,37 +18,23 @@ const fault_row REPLACE = {"replace", {"replace", "new.def"}, true, true, false,
 const fault_row FIELD = {"field", {"field", "-c"}, true, false, true, 0};
 const fault_row CLASS = {"class", {"class", "-nmcp", "-s", "/c"}, true, false, true, 0};
 
-static const char BASE_FIELDS[] =
-    "STRING F1 { ID = 30001; DESCR = \"one\"; }\n"
-    "ARRAY F2 { ID = 30002; }\n"
-    "BUF F3 { ID = 30003; }\n";
-static const char BASE_CLASSES[] =
-    "STORABLE CLASS /c/s { ARRAY F2 { INT TAV_FLD_LENGTH { } } }\n"
-    "STORABLE CLASS /c { STRING F1 { ORDER = 1.5; } BUF F3 { } }\n"
-    "STORABLE CLASS /c IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\";\n"
-    "  STRING F1 { SQL_COLUMN = \"a\"; } BUF F3 { SQL_TABLE = \"b\"; SQL_COLUMN = \"c\"; } }\n"
-    "STORABLE CLASS /c/s IMPLEMENTATION TESSEL7 { ARRAY F2 { SQL_TABLE = \"u\";\n"
-    "  INT TAV_FLD_LENGTH { SQL_COLUMN = \"d\"; } } }\n";
-// One field described anew, one added; one class changed, one added.
-static const char NEW_FIELDS[] =
-    "STRING F1 { ID = 30001; DESCR = \"another\"; }\n"
-    "STRING F4 { ID = 30004; }\n";
-static const char NEW_CLASSES[] =
-    "STORABLE CLASS /c { STRING F1 { ORDER = 2.5; } BUF F3 { } STRING F4 { } }\n"
-    "STORABLE CLASS /c IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\";\n"
-    "  STRING F1 { SQL_COLUMN = \"a\"; } BUF F3 { SQL_TABLE = \"b\"; SQL_COLUMN = \"c\"; }\n"
-    "  STRING F4 { SQL_COLUMN = \"e\"; } }\n"
-    "STORABLE CLASS /d { }\n"
-    "STORABLE CLASS /d IMPLEMENTATION TESSEL7 { SQL_TABLE = \"v\"; }\n";
-
 size_t commits_told(const run_result& result) {
   return (result.out.find("Fields committed successfully!\n") != std::string::npos ? 1u : 0u) +
          (result.out.find("Classes committed successfully!\n") != std::string::npos ? 1u : 0u);
 }
 
+std::string fault_data(const std::string& name) {
+  std::ostringstream text;
+  text << std::ifstream(std::string(TAV_FAULT_DATA) + "/" + name + ".txt").rdbuf();
+  EXPECT_NE(text.str(), "") << name;
+  return text.str();
+}
+
 static void put_definitions(const workshop& place, bool fields_only) {
-  place.write("base.def", std::string(BASE_FIELDS) + (fields_only ? "" : BASE_CLASSES));
-  place.write("new.def", std::string(NEW_FIELDS) + (fields_only ? "" : NEW_CLASSES));
+  for (const std::string name : {"base", "new"}) {
+    place.write(name + ".def",
+                fault_data(name + "_fields") + (fields_only ? "" : fault_data(name + "_classes")));
+  }
 }
 
 fault_bench::fault_bench() {

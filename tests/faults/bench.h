@@ -33,6 +33,8 @@ class fault_bench : public testing::TestWithParam<fault_row> {
   std::string left;    // content after the last run
 };
 
+// A file of the data folder.
+std::string fault_data(const std::string& name);
 // How many commits the run told of.
 size_t commits_told(const run_result& result);
 

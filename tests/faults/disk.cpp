@@ -1,11 +1,10 @@
-#include "tests/faults/disk.h"
-
 #include <fcntl.h>
 #include <signal.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,12 +12,13 @@
 
 namespace {
 
-// What the engine holds as a file; the real one follows it in memory.
+// An open file: the engine's own, with some of its calls replaced.
 struct file {
-  sqlite3_file base;
-  std::string* path;
-  sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
+  std::string path;
+  const sqlite3_io_methods* real;
+  sqlite3_io_methods faulty;
 };
+std::map<sqlite3_file*, file> files;
 
 // A change that is not synchronised yet: what stood there, and how long the file was.
 struct change {
@@ -26,24 +26,22 @@ struct change {
   sqlite3_int64 offset, size;
 };
 std::vector<change> unsynchronised;
+constexpr sqlite3_int64 LONGEST = 1 << 30;  // of a file
 
 enum class call { OPEN, READ, WRITE, TRUNCATE, SYNC, DELETE, SHARE };
 
 }  // namespace
 
-static file& file_of(sqlite3_file* handle) {
-  return *reinterpret_cast<file*>(handle);
-}
-
 static void forget_changes(const std::string& path) {
   std::erase_if(unsynchronised, [&](const change& c) { return c.path == path; });
 }
 
-static void note_change(file& f, sqlite3_int64 offset, sqlite3_int64 count) {
-  change c{*f.path, "", offset, 0};
-  f.real()->pMethods->xFileSize(f.real(), &c.size);
+static void note_change(sqlite3_file* handle, sqlite3_int64 offset, sqlite3_int64 count) {
+  const file& f = files[handle];
+  change c{f.path, "", offset, 0};
+  f.real->xFileSize(handle, &c.size);
   c.before.resize(static_cast<size_t>(std::clamp<sqlite3_int64>(c.size - offset, 0, count)));
-  f.real()->pMethods->xRead(f.real(), c.before.data(), static_cast<int>(c.before.size()), offset);
+  f.real->xRead(handle, c.before.data(), static_cast<int>(c.before.size()), offset);
   unsynchronised.push_back(std::move(c));
 }
 
@@ -91,96 +89,63 @@ static int fault(call which, int io_error) {
 }
 
 static int write_file(sqlite3_file* handle, const void* bytes, int count, sqlite3_int64 offset) {
-  file& f = file_of(handle);
   const int failed = fault(call::WRITE, SQLITE_IOERR_WRITE);
   const bool half = plan().disk != disk_fault::IO_ERROR && plan().disk != disk_fault::FULL;
   const int written = failed == SQLITE_OK ? count : half ? count / 2 : 0;
-  note_change(f, offset, written);
-  const int result = f.real()->pMethods->xWrite(f.real(), bytes, written, offset);
+  note_change(handle, offset, written);
+  const int result = files[handle].real->xWrite(handle, bytes, written, offset);
   if (failed == SQLITE_OK) return result;
   if (plan().disk == disk_fault::KILL || plan().disk == disk_fault::POWER_LOSS) die();
   return failed;
 }
 
 static int read_file(sqlite3_file* handle, void* bytes, int count, sqlite3_int64 offset) {
-  file& f = file_of(handle);
   const int failed = fault(call::READ, SQLITE_IOERR_READ);
-  return failed != SQLITE_OK ? failed : f.real()->pMethods->xRead(f.real(), bytes, count, offset);
+  return failed != SQLITE_OK ? failed : files[handle].real->xRead(handle, bytes, count, offset);
 }
 
 static int truncate_file(sqlite3_file* handle, sqlite3_int64 size) {
-  file& f = file_of(handle);
   const int failed = fault(call::TRUNCATE, SQLITE_IOERR_TRUNCATE);
   if (failed != SQLITE_OK) return failed;
-  sqlite3_int64 was = 0;
-  f.real()->pMethods->xFileSize(f.real(), &was);
-  note_change(f, size, was);
-  return f.real()->pMethods->xTruncate(f.real(), size);
+  note_change(handle, size, LONGEST);
+  return files[handle].real->xTruncate(handle, size);
 }
 
-static int sync_file(sqlite3_file* handle, int flags) {
-  file& f = file_of(handle);
+// What the disk keeps when it fails is played here: nothing needs to wait for the real one.
+static int sync_file(sqlite3_file* handle, int) {
   const int failed = fault(call::SYNC, SQLITE_IOERR_FSYNC);
-  if (failed != SQLITE_OK) return failed;
-  forget_changes(*f.path);
-  // What the disk keeps when it fails is played above: nothing needs to wait for the real one.
-  (void)flags;
-  return SQLITE_OK;
+  if (failed == SQLITE_OK) forget_changes(files[handle].path);
+  return failed;
 }
 
 static int close_file(sqlite3_file* handle) {
-  file& f = file_of(handle);
-  delete f.path;
-  return f.real()->pMethods->xClose(f.real());
+  const int result = files[handle].real->xClose(handle);
+  files.erase(handle);
+  return result;
 }
 
 static int map_shared(sqlite3_file* handle, int region, int size, int extend, void volatile** at) {
-  file& f = file_of(handle);
   const int failed = fault(call::SHARE, SQLITE_IOERR_SHMMAP);
   return failed != SQLITE_OK ? failed
-                             : f.real()->pMethods->xShmMap(f.real(), region, size, extend, at);
+                             : files[handle].real->xShmMap(handle, region, size, extend, at);
 }
-
-// Calls that only pass through.
-#define PASS(name, parameters, arguments)   \
-  [] parameters -> int {                    \
-    sqlite3_file* real = file_of(f).real(); \
-    return real->pMethods->name arguments;  \
-  }
-
-static const sqlite3_io_methods METHODS = {
-    2,
-    close_file,
-    read_file,
-    write_file,
-    truncate_file,
-    sync_file,
-    PASS(xFileSize, (sqlite3_file * f, sqlite3_int64* size), (real, size)),
-    PASS(xLock, (sqlite3_file * f, int level), (real, level)),
-    PASS(xUnlock, (sqlite3_file * f, int level), (real, level)),
-    PASS(xCheckReservedLock, (sqlite3_file * f, int* held), (real, held)),
-    PASS(xFileControl, (sqlite3_file * f, int which, void* value), (real, which, value)),
-    PASS(xSectorSize, (sqlite3_file * f), (real)),
-    PASS(xDeviceCharacteristics, (sqlite3_file * f), (real)),
-    map_shared,
-    PASS(xShmLock, (sqlite3_file * f, int from, int count, int flags), (real, from, count, flags)),
-    [](sqlite3_file* f) { file_of(f).real()->pMethods->xShmBarrier(file_of(f).real()); },
-    PASS(xShmUnmap, (sqlite3_file * f, int remove), (real, remove)),
-    nullptr,
-    nullptr,
-};
 
 static sqlite3_vfs* below;  // the default one
 
 static int open_file(sqlite3_vfs*, const char* path, sqlite3_file* handle, int flags, int* given) {
-  file& f = file_of(handle);
-  f.base.pMethods = nullptr;
-  const int failed = fault(call::OPEN, SQLITE_CANTOPEN);
-  if (failed != SQLITE_OK) return failed;
-  const int result = below->xOpen(below, path, f.real(), flags, given);
+  handle->pMethods = nullptr;
+  int result = fault(call::OPEN, SQLITE_CANTOPEN);
+  if (result == SQLITE_OK) result = below->xOpen(below, path, handle, flags, given);
   if (result != SQLITE_OK) return result;
-  f.path = new std::string(path != nullptr ? path : "");
-  f.base.pMethods = &METHODS;
+  file& f = files[handle] = {path != nullptr ? path : "", handle->pMethods, *handle->pMethods};
+  f.faulty.iVersion = 2;
+  f.faulty.xClose = close_file;
+  f.faulty.xRead = read_file;
+  f.faulty.xWrite = write_file;
+  f.faulty.xTruncate = truncate_file;
+  f.faulty.xSync = sync_file;
+  f.faulty.xShmMap = map_shared;
+  handle->pMethods = &f.faulty;
   return SQLITE_OK;
 }
 
@@ -197,7 +162,6 @@ void put_disk_under_plan() {
   faulty = *below;
   faulty.zName = "faulty";
   faulty.pNext = nullptr;
-  faulty.szOsFile += static_cast<int>(sizeof(file));
   faulty.xOpen = open_file;
   faulty.xDelete = delete_file;
   sqlite3_vfs_register(&faulty, 1);

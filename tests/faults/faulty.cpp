@@ -26,7 +26,7 @@ static bool is_the_one(const char* name) {
 }
 
 // Whether this call is the one that must fail; one made with an error in the buffer does nothing.
-static bool fails(const char* name, tav_ebuf* ebuf) {
+bool faulty_fails(const char* name, tav_ebuf* ebuf) {
   if (ebuf == nullptr || ebuf->err_code != 0 || !is_the_one(name)) return false;
   plan().failed_module = ebuf->filename != nullptr ? ebuf->filename : "dm";
   plan().failed_line = ebuf->line_no;
@@ -42,16 +42,9 @@ static bool refuses(uint32_t opcode, tav_ebuf* ebuf) {
   return true;
 }
 
-#define FAULTY_DEFINE(result, name, parameters, arguments) \
-  result faulty_##name parameters {                        \
-    if (fails(#name, ebuf)) return static_cast<result>(0); \
-    return name arguments;                                 \
-  }
-FAULTY_CALLS(FAULTY_DEFINE)
-
 void faulty_tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t* input,
                    tav_flist_t** output, tav_ebuf* ebuf) {
-  if (fails("tcm_op", ebuf) || refuses(opcode, ebuf)) return;
+  if (faulty_fails("tcm_op", ebuf) || refuses(opcode, ebuf)) return;
   tcm_op(context, opcode, flags, input, output, ebuf);
 }
 

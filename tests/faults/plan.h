@@ -35,4 +35,7 @@ struct fault_plan {
 // The one plan.
 fault_plan& plan();
 
+// From now on this process's dictionaries are on a disk that fails by the plan.
+void put_disk_under_plan();
+
 #endif
