@@ -171,14 +171,16 @@ class two_sessions : public dictionary {
     EXPECT_EQ(witness.set_fields("STRING F_LAST 5004\n"), "ok");  // no lock is left
   }
 
-  // Every order of the first's seven steps and the second's.
+  // Every order of the first's seven steps and the second's. Where both take the same steps, the
+  // orders that the second begins are those that the first does with the names exchanged.
   int run_all(const std::vector<step>& second) {
     std::string order = "aaaaaaa" + std::string(second.size(), 'b');
     int orders = 0;
     do {
       run(order, second);
       ++orders;
-    } while (!HasFailure() && std::next_permutation(order.begin(), order.end()));
+    } while (!HasFailure() && std::next_permutation(order.begin(), order.end()) &&
+             (order[0] == 'a' || second != WHOLE));
     return orders;
   }
 
@@ -203,8 +205,8 @@ class two_sessions : public dictionary {
 };
 
 TEST_F(two_sessions, in_every_order) {
-  EXPECT_EQ(run_all(WHOLE), 3432);
-  EXPECT_GT(deployed, 1000);
+  EXPECT_EQ(run_all(WHOLE), 1716);
+  EXPECT_GT(deployed, 500);
 }
 
 // The second's set-fields never reached the data manager: its delete-fields is in earnest.
