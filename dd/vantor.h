@@ -171,7 +171,9 @@ void tcm_connect(tcm_context_t** context, uint64_t* database, tav_ebuf* ebuf);
 // connection: location 3, TAV_ERR_NOT_CONNECTED. The data manager's own errors have location 4.
 void tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t* input,
             tav_flist_t** output, tav_ebuf* ebuf);
-// Ends the session and frees the connection, also when it fails; null is allowed.
+// Ends the session and frees the connection, also when it fails; null is allowed. Without an error
+// buffer, or with one that holds an error, the session is given up: fields that were set as its
+// very last operation, which the server may still take for a trial, are not kept.
 void tcm_context_close(tcm_context_t* context, int32_t reserved, tav_ebuf* ebuf);
 
 #ifdef __cplusplus

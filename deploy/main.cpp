@@ -27,5 +27,6 @@ int main(int argc, char** argv) {
 #endif
   static tav_deploy_ctx_t ctx;  // all zero
   if (tav_deploy_read_arguments(argc, argv, &ctx) < 1) return 1;
-  return dispatch(&ctx, argv[0]) < 1 ? 1 : 0;
+  const int result = dispatch(&ctx, argv[0]);
+  return result < 1 || tav_deploy_get_error() < 1 ? 1 : 0;
 }

@@ -11,9 +11,8 @@ static constexpr char MODULE[] = "tav_deploy_import";
 static int count_input(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   tav_deploy_fld_count = state.fields.count(at(&ebuf, HERE));
-  dd_clear(ebuf);
   tav_deploy_class_count = state.classes.count(at(&ebuf, HERE));
-  return 1;
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
 
 // A login without an identity leaves the buffer clear: the retrieval then tells what is missing.

@@ -100,7 +100,7 @@ static tav_flist_t* run(tav_dm_session* session, uint32_t opcode, uint32_t flags
 static void close_session(tav_dm_session* session, tav_ebuf* ebuf) {
   const std::unique_ptr<tav_dm_session> owner(session);
   problem why;
-  if (settle_at_end(*session, why)) return;
+  if (ebuf == nullptr || settle_at_end(*session, why)) return;
   why.sentence.insert(0, "The fields could not be stored at the end of the session: ");
   report(TAV_ERRLOC_DM, why, ebuf);
 }

@@ -27,11 +27,19 @@ static int store_both(dparse_element& element, uint32_t field, std::string_view 
   return dparse_store_text(element, field, text);
 }
 
+// What the element holds already, or null with the failure recorded.
+static const char* held_text(dparse_element& element, uint32_t field) {
+  tav_ebuf ebuf{};
+  const char* text = dd_text(element.list.get(), field, at(&ebuf, HERE));
+  return dparse_done(HERE, ebuf) < 1 ? nullptr : text;
+}
+
 int dparse_read_table(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   char name[DPARSE_TEXT_SIZE];
   if (read_name(stream, row, name) < 1) return -1;
   if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name);
-  const char* text = dparse_text_of(element, row.field);
+  const char* text = held_text(element, row.field);
+  if (text == nullptr) return -1;
   return store_both(element, row.field, dparse_sql_part(text, DPARSE_COLUMN_MARK), name);
 }
 
@@ -39,7 +47,8 @@ int dparse_read_column(FILE* stream, dparse_element& element, const dparse_attri
   char name[DPARSE_TEXT_SIZE];
   if (read_name(stream, row, name) < 1) return -1;
   if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name);
-  const char* text = dparse_text_of(element, row.field);
+  const char* text = held_text(element, row.field);
+  if (text == nullptr) return -1;
   return store_both(element, row.field, name, dparse_sql_part(text, DPARSE_TABLE_MARK));
 }
 

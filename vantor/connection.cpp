@@ -60,8 +60,7 @@ void tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t
 void tcm_context_close(tcm_context_t* context, int32_t, tav_ebuf* ebuf) {
   if (context == nullptr) return;
   const std::unique_ptr<tcm_context> closed(context);
-  tav_ebuf own{};
-  tav_ebuf* error = ebuf == nullptr || held(ebuf) ? &own : ebuf;
+  tav_ebuf* error = held(ebuf) ? nullptr : ebuf;
   guarded<void>({error, 0, 0, TAV_ERRLOC_CONNECTION},
                 [&] { tav_bound_data_manager()->close(closed->session, error); });
 }

@@ -22,7 +22,8 @@ struct tav_data_manager {
   // or null with the error set.
   tav_flist_t* (*op)(tav_dm_session* session, uint32_t opcode, uint32_t flags,
                      const tav_flist_t* input, tav_ebuf* ebuf);
-  // Ends the session and frees it, also when it fails.
+  // Ends the session and frees it, also when it fails. Without an error buffer the session is given
+  // up: nothing that is not durable yet becomes so.
   void (*close)(tav_dm_session* session, tav_ebuf* ebuf);
 };
 

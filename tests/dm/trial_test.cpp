@@ -1,7 +1,4 @@
 // The provisional 576: what a sequence of operations gives, and what is stored afterwards.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <sstream>
 
 #include "bench.h"
@@ -89,41 +86,7 @@ TEST_F(trial, sequences_of_operations) {
   }
 }
 
-TEST_F(trial, nobody_else_sees_it_and_other_writers_wait) {
-  client admin(settings);
-  client other(settings);
-  EXPECT_EQ(other.set_fields("STRING F_EARLY 4999\n"), "ok");
-  EXPECT_EQ(admin.set_fields(F_GOOD), "BUSY");  // the other's own is undecided
-  EXPECT_EQ(other.fields("F_EARLY\n"), "STRING F_EARLY 4999\n");
-
-  client third(settings);
-  EXPECT_EQ(third.set_fields(F_GOOD), "ok");
-  EXPECT_EQ(other.fields("F_NEW\n"), "");
-  EXPECT_EQ(other.set_fields("STRING F_LATE 5001\n"), "BUSY");
-  EXPECT_EQ(third.set_classes("/t sql_table=t_t\n", 128), "ok");
-  EXPECT_EQ(other.set_fields("STRING F_LATE 5001\n"), "BUSY");
-  EXPECT_EQ(third.delete_fields(F_GOOD), "ok");
-  EXPECT_EQ(other.set_fields("STRING F_LATE 5001\n"), "ok");
-  EXPECT_NE(log("dm").find("another process is writing to it"), std::string::npos);
-}
-
-// A session ends without a close when its process does.
-TEST_F(trial, what_ends_unorderly_is_rolled_back) {
-  const std::string before = content();
-  const pid_t child = fork();
-  if (child == 0) {
-    client admin(settings);
-    _exit(admin.set_fields(F_GOOD) == "ok" ? 0 : 1);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(content(), before);
-  client next(settings);
-  EXPECT_EQ(next.set_fields(F_GOOD), "ok");
-}
-
-TEST_F(trial, two_administrators) {
+TEST_F(trial, own_changes_are_no_conflict) {
   client one(settings), two(settings);
   EXPECT_EQ(one.set_fields("STRING F_A 5000 old\nSTRING F_B 5001 old\n"), "ok");
   EXPECT_EQ(one.set_classes("/a sql_table=a_t\n/b sql_table=b_t\n"), "ok");
@@ -142,15 +105,4 @@ TEST_F(trial, two_administrators) {
             "{name:/a,sql_table:a_t,descr:twice}\n"
             "{name:/b,sql_table:b_t,descr:one}\n{name:/new,sql_table:n_t}\n");
   EXPECT_EQ(one.set_classes("/a descr=one\n"), "ok");  // has seen it now
-}
-
-TEST_F(trial, fetches_see_one_snapshot_up_to_the_first_write) {
-  client one(settings), two(settings);
-  EXPECT_EQ(one.fields("F_NEW\n"), "");
-  EXPECT_EQ(two.set_fields(F_GOOD), "ok");
-  EXPECT_EQ(two.set_classes("/t sql_table=t_t\n"), "ok");
-  EXPECT_EQ(one.fields("F_NEW\n") + one.classes(), "");
-  EXPECT_EQ(one.set_fields("STRING F_OWN 5001\n"), "ok");
-  EXPECT_EQ(one.fields("F_NEW\n") + one.classes(),
-            std::string(F_GOOD) + "{name:/t,sql_table:t_t}\n");
 }

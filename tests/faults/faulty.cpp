@@ -1,63 +1,56 @@
 #define FAULTY_DOUBLES
 #include "tests/faults/faulty.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <sys/mman.h>
 
-namespace {
+#include <new>
 
-long number(const char* variable) {
-  const char* text = std::getenv(variable);
-  return text != nullptr ? std::atol(text) : 0;
+#include "tests/faults/plan.h"
+
+fault_plan& plan() {
+  static auto* shared = new (mmap(nullptr, sizeof(fault_plan), PROT_READ | PROT_WRITE,
+                                  MAP_SHARED | MAP_ANONYMOUS, -1, 0)) fault_plan;
+  return *shared;
 }
 
-void record(const char* format, unsigned a, unsigned b) {
-  const char* path = std::getenv("TAV_RECORD");
-  FILE* out = path != nullptr ? std::fopen(path, "a") : nullptr;
-  if (out == nullptr) return;
-  std::fprintf(out, format, a, b);
-  std::fclose(out);
-}
-
-struct counter {
-  long calls = 0;
-  ~counter() { record("calls %u%.0u\n", static_cast<unsigned>(calls), 0); }
-} counted;
-
-void fail(tav_ebuf* ebuf, int32_t code) {
+static void fail(tav_ebuf* ebuf, int32_t code) {
   ebuf->location = TAV_ERRLOC_DM;
   ebuf->err_class = TAV_ERRCLASS_SYSTEM;
   ebuf->err_code = code;
 }
 
+static bool is_the_one(const char* name) {
+  if (++plan().calls != plan().failing_call) return false;
+  plan().failed_call = name;
+  return true;
+}
+
 // Whether this call is the one that must fail; one made with an error in the buffer does nothing.
-bool fails(tav_ebuf* ebuf) {
-  if (ebuf == nullptr || ebuf->err_code != 0 || ++counted.calls != number("TAV_FAIL_AT")) {
-    return false;
-  }
+bool faulty_fails(const char* name, tav_ebuf* ebuf) {
+  if (ebuf == nullptr || ebuf->err_code != 0 || !is_the_one(name)) return false;
+  plan().failed_module = ebuf->filename != nullptr ? ebuf->filename : "dm";
+  plan().failed_line = ebuf->line_no;
   fail(ebuf, TAV_ERR_STORAGE);
   return true;
 }
 
-bool refuses(uint32_t opcode, uint32_t flags, tav_ebuf* ebuf) {
+static bool refuses(uint32_t opcode, tav_ebuf* ebuf) {
   if (ebuf == nullptr || ebuf->err_code != 0) return false;
-  record("op %u flags %u\n", opcode, flags);
-  if (number("TAV_REFUSE") != static_cast<long>(opcode)) return false;
+  plan().operations[plan().operation_count++] = opcode;
+  if (plan().refused_operation != opcode) return false;
   fail(ebuf, TAV_ERR_WRITE_REFUSED);
   return true;
 }
 
-}  // namespace
-
-#define FAULTY_DEFINE(result, name, parameters, arguments) \
-  result faulty_##name parameters {                        \
-    if (fails(ebuf)) return static_cast<result>(0);        \
-    return name arguments;                                 \
-  }
-FAULTY_CALLS(FAULTY_DEFINE)
-
 void faulty_tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t* input,
                    tav_flist_t** output, tav_ebuf* ebuf) {
-  if (fails(ebuf) || refuses(opcode, flags, ebuf)) return;
+  if (faulty_fails("tcm_op", ebuf) || refuses(opcode, ebuf)) return;
   tcm_op(context, opcode, flags, input, output, ebuf);
+}
+
+void faulty_tav_conf(const char* program, const char* key, int32_t type, void** value,
+                     int32_t* error) {
+  if (!is_the_one("tav_conf")) return tav_conf(program, key, type, value, error);
+  *value = nullptr;
+  *error = TAV_ERR_BAD_CONF;
 }

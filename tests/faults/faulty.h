@@ -1,78 +1,54 @@
 // Included before every source of the tool when it is built for the fault tests: the tool's calls
-// of the client library go through doubles that can fail. The environment says how:
-//   TAV_FAIL_AT=N    the N-th fallible call fails, with a storage failure
-//   TAV_REFUSE=OP    the operation is refused (65)
-//   TAV_RECORD=FILE  appends a line per operation, and the number of fallible calls at the end
+// of the client library go through doubles that fail as the plan says (tests/faults/plan.h). What
+// the tool calls without an error buffer (to free, to close) it cannot see fail.
 #ifndef TESTS_FAULTS_FAULTY_H
 #define TESTS_FAULTS_FAULTY_H
 
+#include <tuple>
+
 #include "dd/vantor.h"
 
-// X(result, name, parameters, arguments): the fallible calls; the last parameter is the error
-// buffer. tcm_op, which is recorded and refused too, stands by itself.
-#define FAULTY_CALLS(X)                                                                            \
-  X(tav_flist_t*, tav_flist_create, (tav_ebuf * ebuf), (ebuf))                                     \
-  X(tav_flist_t*, tav_flist_copy, (const tav_flist_t* list, tav_ebuf* ebuf), (list, ebuf))         \
-  X(void*, tavi_flist_get,                                                                         \
-    (tav_flist_t * list, uint32_t field, int32_t id, int32_t optional, int32_t r,                  \
-     tav_ebuf * ebuf),                                                                             \
-    (list, field, id, optional, r, ebuf))                                                          \
-  X(void, tavi_flist_set,                                                                          \
-    (tav_flist_t * list, uint32_t field, int32_t id, int32_t r, const void* value,                 \
-     tav_ebuf* ebuf),                                                                              \
-    (list, field, id, r, value, ebuf))                                                             \
-  X(void, tavi_flist_put,                                                                          \
-    (tav_flist_t * list, uint32_t field, int32_t id, int32_t r, void* value, tav_ebuf* ebuf),      \
-    (list, field, id, r, value, ebuf))                                                             \
-  X(void, tavi_flist_drop, (tav_flist_t * list, uint32_t field, int32_t id, tav_ebuf * ebuf),      \
-    (list, field, id, ebuf))                                                                       \
-  X(tav_flist_t*, tav_flist_elem_add,                                                              \
-    (tav_flist_t * list, uint32_t array, int32_t id, tav_ebuf * ebuf), (list, array, id, ebuf))    \
-  X(tav_flist_t*, tav_flist_elem_get_next,                                                         \
-    (tav_flist_t * list, uint32_t array, int32_t * id, int32_t r, tav_cookie_t * *cookie,          \
-     int32_t r2, tav_ebuf * ebuf),                                                                 \
-    (list, array, id, r, cookie, r2, ebuf))                                                        \
-  X(tav_flist_t*, tav_flist_elem_take_next,                                                        \
-    (tav_flist_t * list, uint32_t array, int32_t * id, int32_t r, tav_cookie_t * *cookie,          \
-     int32_t r2, tav_ebuf * ebuf),                                                                 \
-    (list, array, id, r, cookie, r2, ebuf))                                                        \
-  X(int32_t, tav_flist_elem_count, (tav_flist_t * list, uint32_t array, tav_ebuf * ebuf),          \
-    (list, array, ebuf))                                                                           \
-  X(tav_poid_t*, tav_poid_create,                                                                  \
-    (uint64_t database, const char* type, int64_t id, tav_ebuf* ebuf), (database, type, id, ebuf)) \
-  X(tav_poid_t*, tav_poid_copy, (const tav_poid_t* poid, tav_ebuf* ebuf), (poid, ebuf))            \
-  X(tav_decimal_t*, tav_decimal, (const char* text, tav_ebuf* ebuf), (text, ebuf))                 \
-  X(tav_decimal_t*, tav_decimal_alloc_result_zero, (tav_ebuf * ebuf), (ebuf))                      \
-  X(void, tav_decimal_to_str,                                                                      \
-    (const tav_decimal_t* decimal, int32_t mode, char* buffer, size_t size, tav_ebuf* ebuf),       \
-    (decimal, mode, buffer, size, ebuf))                                                           \
-  X(void, tcm_connect, (tcm_context_t * *context, uint64_t * database, tav_ebuf * ebuf),           \
-    (context, database, ebuf))
+// Whether the call, which `name` holds the name of, is the one that must fail; its buffer is set.
+bool faulty_fails(const char* name, tav_ebuf* ebuf);
 
+// The double of a call whose last parameter is the error buffer.
+template <auto Call>
+struct faulty;
+template <class Result, class... Parameters, Result (*Call)(Parameters...)>
+struct faulty<Call> {
+  static Result call(Parameters... given) {
+    if (faulty_fails(__PRETTY_FUNCTION__, std::get<sizeof...(given) - 1>(std::tie(given...)))) {
+      return Result();
+    }
+    return Call(given...);
+  }
+};
+
+// These two are recorded too, or have no buffer.
 void faulty_tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t* input,
                    tav_flist_t** output, tav_ebuf* ebuf);
-#define FAULTY_DECLARE(result, name, parameters, arguments) result faulty_##name parameters;
-FAULTY_CALLS(FAULTY_DECLARE)
-#undef FAULTY_DECLARE
+void faulty_tav_conf(const char* program, const char* key, int32_t type, void** value,
+                     int32_t* error);
 
 #ifndef FAULTY_DOUBLES
-#define tav_flist_create faulty_tav_flist_create
-#define tav_flist_copy faulty_tav_flist_copy
-#define tavi_flist_get faulty_tavi_flist_get
-#define tavi_flist_set faulty_tavi_flist_set
-#define tavi_flist_put faulty_tavi_flist_put
-#define tavi_flist_drop faulty_tavi_flist_drop
-#define tav_flist_elem_add faulty_tav_flist_elem_add
-#define tav_flist_elem_get_next faulty_tav_flist_elem_get_next
-#define tav_flist_elem_take_next faulty_tav_flist_elem_take_next
-#define tav_flist_elem_count faulty_tav_flist_elem_count
-#define tav_poid_create faulty_tav_poid_create
-#define tav_poid_copy faulty_tav_poid_copy
-#define tav_decimal faulty_tav_decimal
-#define tav_decimal_alloc_result_zero faulty_tav_decimal_alloc_result_zero
-#define tav_decimal_to_str faulty_tav_decimal_to_str
-#define tcm_connect faulty_tcm_connect
 #define tcm_op faulty_tcm_op
+#define tav_conf faulty_tav_conf
+#define tav_flist_create faulty<tav_flist_create>::call
+#define tav_flist_copy faulty<tav_flist_copy>::call
+#define tavi_flist_get faulty<tavi_flist_get>::call
+#define tavi_flist_set faulty<tavi_flist_set>::call
+#define tavi_flist_put faulty<tavi_flist_put>::call
+#define tavi_flist_drop faulty<tavi_flist_drop>::call
+#define tav_flist_elem_add faulty<tav_flist_elem_add>::call
+#define tav_flist_elem_get_next faulty<tav_flist_elem_get_next>::call
+#define tav_flist_elem_take_next faulty<tav_flist_elem_take_next>::call
+#define tav_flist_elem_count faulty<tav_flist_elem_count>::call
+#define tav_poid_create faulty<tav_poid_create>::call
+#define tav_poid_copy faulty<tav_poid_copy>::call
+#define tav_decimal faulty<tav_decimal>::call
+#define tav_decimal_alloc_result_zero faulty<tav_decimal_alloc_result_zero>::call
+#define tav_decimal_to_str faulty<tav_decimal_to_str>::call
+#define tcm_connect faulty<tcm_connect>::call
 #endif
 
 #endif

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -37,6 +38,7 @@ static int open_or_die(const std::string& path, int flags) {
 static int spawn(const fs::path& folder, const std::string& program,
                  const std::vector<std::string>& words, const run_options& options,
                  const std::string& out, const std::string& err) {
+  std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
     if (chdir(folder.c_str()) != 0) _exit(126);
@@ -47,6 +49,7 @@ static int spawn(const fs::path& folder, const std::string& program,
     std::vector<char*> argv;
     for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
     argv.push_back(nullptr);
+    if (options.inside) std::exit(options.inside(static_cast<int>(words.size()), argv.data()));
     execv(program.c_str(), argv.data());
     _exit(127);
   }

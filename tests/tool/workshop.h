@@ -3,6 +3,7 @@
 #define TESTS_TOOL_WORKSHOP_H
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct run_options {
   std::string output;            // a path for standard output in place of catching it
   std::vector<std::string> env;  // further NAME=VALUE
   std::string program;           // in place of the tool
+  std::function<int(int, char**)> inside;  // run in a child process in place of a program
 };
 
 class workshop {

@@ -1,0 +1,46 @@
+// Runs of the tool in a child process under a fault plan, and what they leave of the dictionary.
+#ifndef TESTS_FAULTS_BENCH_H
+#define TESTS_FAULTS_BENCH_H
+
+#include <gtest/gtest.h>
+
+#include "tests/faults/plan.h"
+#include "tests/tool/workshop.h"
+
+struct fault_row {
+  const char* mode;
+  std::vector<std::string> words;
+  bool has_base;  // the base definitions are in the dictionary before the run
+  bool commits;
+  bool is_export;
+  int exit_status;  // without a fault
+};
+
+extern const fault_row VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, CLASS;
+
+class fault_bench : public testing::TestWithParam<fault_row> {
+ protected:
+  fault_bench();
+  // Runs the tool on the dictionary as it was before any fault.
+  run_result run(const fault_plan& faults);
+  // Everything that the dictionary holds, as text. The engine must find it sound and unlocked.
+  std::string content() const;
+
+  workshop place;
+  // What a run may leave: the dictionary before it, with the fields committed, with the classes.
+  std::vector<std::string> states;
+  run_result healthy;  // the run without a fault
+  std::string left;    // content after the last run
+};
+
+// A file of the data folder.
+std::string fault_data(const std::string& name);
+// How many commits the run told of.
+size_t commits_told(const run_result& result);
+
+// Names the tests of a suite.
+inline std::string mode_of(const testing::TestParamInfo<fault_row>& row) {
+  return row.param.mode;
+}
+
+#endif

@@ -1,0 +1,103 @@
+// Every call of the client library fails once, in each mode: the run tells the whole chain of
+// messages that this failure has, ends with status 1, leaks nothing, and leaves the dictionary as
+// its last commit left it.
+#include <algorithm>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "tests/faults/bench.h"
+
+static std::string simplified(const std::string& err) {
+  static const std::regex display(
+      "Error: \\[location=<TAV_ERRLOC_(DM:4|CONNECTION:3)>[^\\]]*\\]\n\n"
+      "Please check the (DM|CM) tavlog file for more information\\.\n\n");
+  static const std::regex warning("Warning: .*\n");
+  return std::regex_replace(std::regex_replace(err, display, "<buffer>\n"), warning, "");
+}
+
+// The chains of a kind of run are regular expressions, one a line behind its first word; in them
+// "@" is a line's end, B the internal error with its buffer.
+static bool is_chain(const std::string& err, const std::string& kind) {
+  std::istringstream lines(fault_data("chains"));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind(kind, 0) != 0) continue;
+    line = std::regex_replace(line.substr(kind.size() + 1), std::regex("B"),
+                              "(Error: Internal Error@<buffer>@)");
+    if (std::regex_match(err, std::regex(std::regex_replace(line, std::regex("@"), "\n")))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+class every_call : public fault_bench {
+ protected:
+  void expect_told(const run_result& result) {
+    EXPECT_EQ(result.exit_status, 1) << result.err;
+    static std::set<std::string> known;
+    const bool exports = GetParam().is_export;
+    const std::string err = simplified(result.err);
+    if (known.count(err) == 0) {
+      EXPECT_TRUE(is_chain(err, exports ? "export" : "import")) << result.err;
+    }
+    known.insert(err);
+    if (exports) return;
+    const bool reading = err.find(".def at line") != std::string::npos || result.out.empty();
+    const bool committing = result.out.rfind(healthy.out.substr(0, 22), 0) == 0;
+    if (!reading && !committing) {
+      EXPECT_EQ(result.out, "\nErrors Detected...nothing committed\n");
+    }
+  }
+};
+
+TEST_P(every_call, fails_once_and_nothing_is_lost) {
+  long n = 1;
+  for (;; ++n) {
+    fault_plan faults;
+    faults.failing_call = n;
+    const run_result result = run(faults);
+    if (plan().calls < n) break;
+    SCOPED_TRACE("call " + std::to_string(n) + ": " + plan().failed_call + " at " +
+                 plan().failed_module + ":" + std::to_string(plan().failed_line));
+    EXPECT_EQ(left, states[std::min(commits_told(result), states.size() - 1)]);
+    // What does not matter to the outcome may fail unseen.
+    const bool same = result.exit_status == healthy.exit_status && result.err == healthy.err &&
+                      result.out == healthy.out && left == states.back();
+    if (!same) expect_told(result);
+  }
+  EXPECT_GT(n, 50);
+  RecordProperty("calls", static_cast<int>(n - 1));
+}
+
+using every_operation = fault_bench;
+
+TEST_P(every_operation, is_refused_and_explained) {
+  const struct {
+    uint32_t refused;
+    std::vector<uint32_t> made;  // a refused trial still checks and cleans up
+  } rows[] = {{575, {575}},
+              {577, {575, 577}},
+              {576, {575, 577, 576, 578, 585}},
+              {578, {575, 577, 576, 578, 585}},
+              {585, {575, 577, 576, 578, 585}}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.refused);
+    fault_plan faults;
+    faults.refused_operation = row.refused;
+    const run_result result = run(faults);
+    EXPECT_EQ(result.exit_status, 1);
+    EXPECT_EQ(result.out, "\nErrors Detected...nothing committed\n");
+    EXPECT_EQ(result.err.find("Error: TCM OP Error, likely cause is tav.conf write flags not set.  "
+                              "Check DM tavlog\n") != std::string::npos,
+              row.refused == 576 || row.refused == 578);
+    EXPECT_EQ(std::vector<uint32_t>(plan().operations, plan().operations + plan().operation_count),
+              row.made);
+    EXPECT_EQ(left, states[0]);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(mode, every_operation, testing::Values(VERIFY, CREATE, REPLACE), mode_of);
+INSTANTIATE_TEST_SUITE_P(mode, every_call,
+                         testing::Values(VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, CLASS),
+                         mode_of);
