@@ -17,6 +17,10 @@ segment* new_segment(uint32_t capacity) {
   return new (allocate(sizeof(segment), capacity)) segment{nullptr, capacity, 0};
 }
 
+uint64_t bit_of(uint32_t field) {
+  return uint64_t{1} << (field % 64);
+}
+
 slot& append(segment& run) {
   slot* fresh = new (run.end()) slot;
   fresh->field = 0;
@@ -69,7 +73,7 @@ void share_slot(tav_node& body, slot& from, slot& to) {
 }  // namespace
 
 tav_node* new_node(uint32_t slots) {
-  return new (allocate(sizeof(tav_node), slots)) tav_node{1, 0, {nullptr, slots, 0}};
+  return new (allocate(sizeof(tav_node), slots)) tav_node{1, 0, 0, {nullptr, slots, 0}};
 }
 
 tav_node* clone(tav_node& from) {
@@ -77,10 +81,12 @@ tav_node* clone(tav_node& from) {
   each_slot(from, [&](slot&) { ++count; });
   std::unique_ptr<tav_node, reap_node> made(new_node(count));
   each_slot(from, [&](slot& s) { share_slot(from, s, append(made->first)); });
+  made->met = from.met;
   return made.release();
 }
 
 slot* find_slot(tav_node& node, uint32_t field) {
+  if ((node.met & bit_of(field)) == 0) return nullptr;
   for (segment* run = &node.first; run != nullptr; run = run->next) {
     for (slot& s : *run) {
       if (s.field == field) return &s;
@@ -89,18 +95,27 @@ slot* find_slot(tav_node& node, uint32_t field) {
   return nullptr;
 }
 
-slot& slot_for(tav_node& node, uint32_t field) {
+// The field's slot, or the first free one.
+static slot* find_or_hole(tav_node& node, uint32_t field) {
   slot* hole = nullptr;
-  segment* last = nullptr;
   for (segment* run = &node.first; run != nullptr; run = run->next) {
     for (slot& s : *run) {
-      if (s.field == field) return s;
+      if (s.field == field) return &s;
       if (s.field == 0 && hole == nullptr) hole = &s;
     }
-    last = run;
   }
-  if (hole != nullptr) return *hole;
+  return hole;
+}
+
+slot& slot_for(tav_node& node, uint32_t field) {
+  const uint64_t bit = bit_of(field);
+  if ((node.met & bit) != 0) {
+    if (slot* s = find_or_hole(node, field)) return *s;
+  }
+  segment* last = &node.first;
+  while (last->next != nullptr) last = last->next;
   if (last->used == last->capacity) last = last->next = new_segment(last->capacity + 2);
+  node.met |= bit;
   return append(*last);
 }
 

@@ -50,6 +50,7 @@ struct segment {
 struct tav_node {
   uint32_t owners;  // handles and elements; at 0 the fields are gone
   uint32_t boxes;   // that refer to a number in here
+  uint64_t met;  // a bit for each field that was ever put here, modulo 64: most searches end here
   vantor::segment first;
 };
 
