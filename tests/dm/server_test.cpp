@@ -56,19 +56,16 @@ TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
 TEST_F(on_a_server, roles_of_the_readme_may_do_what_it_says) {
   output_of("sed -n '/^```sql$/,/^```$/{/^```/!p}' " TAV_README " | psql -qX -v ON_ERROR_STOP=1");
   const auto as = [this](const std::string& role) {
-    dm::settings own = settings;
-    own.dictionary = "dbname=dictionary user=" + role;
-    return own;
+    settings.dictionary = "dbname=dictionary user=" + role;
+    return settings;
   };
   dm::problem why;
   std::string name;
   EXPECT_FALSE(dm::create_dictionary(as("dictionary_deployer"), name, why));
   EXPECT_EQ(why.code, TAV_ERR_WRITE_REFUSED) << why.sentence;
-  why = {};
   EXPECT_TRUE(dm::create_dictionary(as("dictionary_owner"), name, why)) << why.sentence;
   {
     client deployer(as("dictionary_deployer"));
-    deployer.set_fields("");
     EXPECT_EQ(deployer.set_fields("STRING F_A 5000\nSTRING F_B 5001\n"), "ok");
     EXPECT_EQ(deployer.set_classes("/a sql_table=t\n  STRING F_A sql_name=c\n"), "ok");
     EXPECT_EQ(deployer.set_classes("/a descr=new\n"), "ok");
