@@ -5,6 +5,7 @@
 #include "dict/commands.h"
 #include "dm/copy.h"
 #include "dm/open.h"
+#include "dm/sqlite_store.h"
 
 namespace dict {
 

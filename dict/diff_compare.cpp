@@ -39,7 +39,8 @@ static std::vector<matched> match(const both& sides, tav_ebuf* ebuf) {
   dd_walk after(sides.after, sides.array);
   while (tav_flist_t* element = after.next(at(ebuf, HERE))) {
     const char* name = dd_text(element, sides.kind.name, at(ebuf, HERE));
-    tav_flist_t* old = unmatched.find(name);
+    tav_flist_t* const* first = unmatched.find(name);
+    tav_flist_t* old = first != nullptr ? *first : nullptr;
     if (old != nullptr) unmatched.remove(name, old), taken.insert(old);
     result.push_back({old, element});
   }

@@ -235,6 +235,12 @@ std::string output_of(const std::string& command, int* status) {
   return output;
 }
 
+bool make(const dm::settings& settings, dm::problem& why) {
+  const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_database(s, 1, p); };
+  std::string name;
+  return dm::create_dictionary(settings, fill, name, why);
+}
+
 dictionary::dictionary() {
   for (const char* name : {"/dm.tavlog", "/cm.tavlog"}) {
     if (fs::exists(log_folder() + name)) fs::resize_file(log_folder() + name, 0);
@@ -249,9 +255,7 @@ dictionary::dictionary() {
     query("CREATE SCHEMA " + schema);
   }
   dm::problem why;
-  const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_database(s, 1, p); };
-  std::string name;
-  EXPECT_TRUE(dm::create_dictionary(settings, fill, name, why)) << why.sentence;
+  EXPECT_TRUE(make(settings, why)) << why.sentence;
 }
 
 dictionary::~dictionary() {

@@ -23,6 +23,8 @@ std::string text_of_fields(const tav_flist_t* list);
 std::string text_of_classes(const tav_flist_t* list);
 
 bool on_server();
+// Makes the dictionary that the settings name, with database 1.
+bool make(const dm::settings& settings, dm::problem& why);
 // What a shell command prints. It must succeed where its status is not asked for.
 std::string output_of(const std::string& command, int* status = nullptr);
 

@@ -60,10 +60,9 @@ TEST_F(on_a_server, roles_of_the_readme_may_do_what_it_says) {
     return settings;
   };
   dm::problem why;
-  std::string name;
-  EXPECT_FALSE(dm::create_dictionary(as("dictionary_deployer"), name, why));
+  EXPECT_FALSE(make(as("dictionary_deployer"), why));
   EXPECT_EQ(why.code, TAV_ERR_WRITE_REFUSED) << why.sentence;
-  EXPECT_TRUE(dm::create_dictionary(as("dictionary_owner"), name, why)) << why.sentence;
+  EXPECT_TRUE(make(as("dictionary_owner"), why)) << why.sentence;
   {
     client deployer(as("dictionary_deployer"));
     EXPECT_EQ(deployer.set_fields("STRING F_A 5000\nSTRING F_B 5001\n"), "ok");

@@ -11,7 +11,7 @@
 
 // The lines of a file beside this one, comments left out, and an empty one at the end.
 static std::vector<std::string> lines_of(const char* name) {
-  std::ifstream data(std::filesystem::path(__FILE__).replace_filename(name));
+  std::ifstream data(std::filesystem::path(TAV_DPARSE_DATA) / name);
   std::vector<std::string> lines;
   for (std::string line; std::getline(data, line);)
     if (line.rfind("//", 0) != 0) lines.push_back(line);
