@@ -145,7 +145,8 @@ static run_result run_import(const workshop& place, const step& s) {
 
 static bool is_import_without_options(const step& s) {
   static const std::set<std::string> modes{"verify", "create", "replace"};
-  return modes.count(s.words[0]) != 0 && (s.words.size() < 2 || s.words[1][0] != '-');
+  return !s.words.empty() && modes.count(s.words[0]) != 0 &&
+         (s.words.size() < 2 || s.words[1][0] != '-');
 }
 
 class case_test : public testing::Test {
