@@ -3,6 +3,7 @@
 
 #include "dict/check.h"
 #include "dict/commands.h"
+#include "dict/progress.h"
 #include "dm/copy.h"
 #include "dm/open.h"
 #include "dm/sqlite_store.h"
@@ -13,16 +14,23 @@ static std::string path_of(const std::string& file) {
   return file.find('/') == std::string::npos ? "./" + file : file;
 }
 
+static dm::fill_store copy_of(dm::store& from, progress& shown) {
+  return [&from, &shown](dm::store& to, dm::problem& why) {
+    return dm::copy_dictionary(
+        from, to, [&shown] { step(shown); }, why);
+  };
+}
+
 int backup(const std::string& file) {
   dm::settings settings;
   dm::problem why;
   if (!dm::read_settings(settings, why)) return fail(why);
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
-  const auto fill = [&](dm::store& copy, dm::problem& fault) {
-    return dm::copy_dictionary(*store, copy, fault);
-  };
-  if (!dm::create_sqlite(path_of(file), fill, why)) return fail(why);
+  progress shown("copying rows");
+  const bool made = dm::create_sqlite(path_of(file), copy_of(*store, shown), why);
+  hide(shown);
+  if (!made) return fail(why);
   std::cout << "Wrote backup " << file << ".\n";
   return DONE;
 }
@@ -38,16 +46,18 @@ int restore(const std::string& file) {
   // What is restored is the very snapshot that was found sound.
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   checker check{*store, std::cout};
-  if (!check_store(check)) return fail(check.why);
+  const bool is_checked = check_store(check);
+  hide(check.shown);
+  if (!is_checked) return fail(check.why);
   if (check.findings > 0) {
     std::cerr << "tav_dict: The backup is damaged; nothing was restored.\n";
     return FOUND;
   }
-  const auto fill = [&](dm::store& restored, dm::problem& fault) {
-    return dm::copy_dictionary(*store, restored, fault);
-  };
+  next(check.shown, "copying rows");
   std::string name;
-  if (!dm::create_dictionary(settings, fill, name, why)) return fail(why);
+  const bool made = dm::create_dictionary(settings, copy_of(*store, check.shown), name, why);
+  hide(check.shown);
+  if (!made) return fail(why);
   std::cout << "Restored dictionary " << name << " from " << file << ".\n";
   return DONE;
 }

@@ -11,6 +11,7 @@
 namespace dict {
 
 static void tell(checker& check, std::string_view sentence) {
+  hide(check.shown);
   check.out << sentence << '\n';
   ++check.findings;
 }
@@ -64,7 +65,9 @@ int check() {
   }
   checker check{*store, std::cout};
   if (!store->calls->begin(store.get(), false, why)) return fail(why);
-  if (!check_store(check)) return fail(check.why);
+  const bool is_checked = check_store(check);
+  hide(check.shown);
+  if (!is_checked) return fail(check.why);
   if (check.findings == 0) std::cout << "No findings.\n";
   return check.findings == 0 ? DONE : FOUND;
 }

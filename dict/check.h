@@ -4,6 +4,7 @@
 
 #include <ostream>
 
+#include "dict/progress.h"
 #include "dm/store.h"
 
 namespace dict {
@@ -13,6 +14,7 @@ struct checker {
   std::ostream& out;     // gets a line for each finding
   int64_t findings = 0;  // so far
   dm::problem why{};     // why the check itself had to end
+  progress shown{"checking"};
 };
 
 // Checks all that the store holds, in an open transaction. False when the store fails; a damaged

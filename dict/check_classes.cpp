@@ -106,8 +106,10 @@ bool check_classes(checker& check, const dm::database_row& database) {
   if (!keep_rows(run)) return false;
   if (!run.world.read_all()) return check.why = run.world.why, false;
   const kept_class* previous = nullptr;
+  next(check.shown, "checking classes", run.classes.size());
   for (const kept_class& row : run.classes) {
     check_one(run, row, previous);
+    step(check.shown);
     previous = &row;
     // A class above or below that cannot be read is told as itself.
     if (dm::found(run.world.why) && run.world.why.field != TAV_FLD_NAME) {

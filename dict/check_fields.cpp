@@ -83,8 +83,10 @@ static bool check_predefined(checker& check, const dm::database_row& database,
 bool check_fields(checker& check, const dm::database_row& database) {
   met_fields met;
   auto look = [&](const dm::field_row& row) {
+    step(check.shown);
     return check_field(check, database, row, met), true;
   };
+  next(check.shown, "checking fields");
   if (!check.store.calls->fields(&check.store, database.id, {}, dm::visit<dm::field_row>(look),
                                  check.why)) {
     return false;

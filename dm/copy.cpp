@@ -11,6 +11,7 @@ namespace {
 struct passage {
   store &from, &to;
   int64_t source, target;  // row ids of the database
+  const std::function<void()>& copied;
   problem& why;
 };
 
@@ -20,7 +21,11 @@ struct passage {
 template <class Row, class Read, class Write>
 static bool pass(passage& p, Read read, Write write) {
   bool written = true;
-  auto next = [&](const Row& row) { return written = write(row); };
+  auto next = [&](const Row& row) {
+    written = write(row);
+    p.copied();
+    return written;
+  };
   return read(&p.from, p.source, choice(), visit<Row>(next), p.why) && written;
 }
 
@@ -53,20 +58,21 @@ static bool copy_tables(passage& p, const std::unordered_map<int64_t, int64_t>& 
   });
 }
 
-static bool copy_database(store& from, store& to, const database_row& row, problem& why) {
-  passage p{from, to, row.id, 0, why};
+static bool copy_database(store& from, store& to, const database_row& row,
+                          const std::function<void()>& copied, problem& why) {
+  passage p{from, to, row.id, 0, copied, why};
   std::unordered_map<int64_t, int64_t> new_ids;
   return to.calls->add_database(&to, row.number, p.target, why) && copy_fields(p) &&
          copy_classes(p, new_ids) && copy_tables(p, new_ids) &&
          to.calls->set_counter(&to, p.target, row.counter, why);
 }
 
-bool copy_dictionary(store& from, store& to, problem& why) {
+bool copy_dictionary(store& from, store& to, const std::function<void()>& copied, problem& why) {
   std::vector<database_row> databases;
   auto note = [&](const database_row& row) { return databases.push_back(row), true; };
   if (!from.calls->databases(&from, visit<database_row>(note), why)) return false;
   for (const database_row& row : databases) {
-    if (!copy_database(from, to, row, why)) return false;
+    if (!copy_database(from, to, row, copied, why)) return false;
   }
   return true;
 }
