@@ -69,42 +69,6 @@ TEST_F(store, that_cannot_be_written_can_be_read) {
   chmod(folder.c_str(), 0755);
 }
 
-TEST_F(store, damage_found_by_an_operation_is_reported) {
-  {
-    client admin(settings);
-    EXPECT_EQ(admin.set_classes("/a sql_table=t\n  STRING TAV_FLD_LABEL sql_name=c\n"), "ok");
-  }
-  const std::string deep(100000, '[');
-  for (const std::string& text :
-       {std::string("{"), std::string("[]"), std::string("{}"), deep,
-        "{\"name\":\"/a\",\"entries\":" + deep,
-        std::string("{\"name\":\"/a\",\"entries\":[{\"name\":\"x\"}]}"),
-        std::string("{\"name\":7}"), std::string("{\"name\":\"/a\",\"seq_start\":3000000000}"),
-        std::string("{\"name\":\"/a\",\"x\":1}"),
-        std::string("{\"name\":\"/a\",\"descr\":\"\xff\"}"),
-        std::string("{\"name\":\"/a\\u0000b\"}"),
-        std::string(
-            "{\"name\":\"/a\",\"entries\":[{\"name\":\"x\",\"type\":5,\"order\":\"1e5\"}]}"),
-        std::string("{\"name\":\"/a\",\"attrvals\":[[\"x\"]]}")}) {
-    query("UPDATE dd_classes SET definition = '" + text + "'");
-    client reader(settings);
-    EXPECT_EQ(reader.classes(), "STORAGE TAV_FLD_NAME") << text.substr(0, 60);
-    EXPECT_EQ(reader.set_classes("/a descr=x\n"), "STORAGE TAV_FLD_NAME");
-  }
-  EXPECT_NE(log("dm").find("The stored definition of class '/a' is no JSON text"),
-            std::string::npos);
-
-  query("ALTER TABLE dd_tables RENAME TO other");
-  EXPECT_EQ(client(settings).set_classes("/b sql_table=u\n"), "STORAGE");
-  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-  file.seekp(8192);
-  file << std::string(fs::file_size(path) - 8192, 'x');
-  file.close();
-  client reader(settings);
-  EXPECT_EQ(reader.fields(), "STORAGE");
-  EXPECT_NE(log("dm").find("the file is damaged; restore it from a backup"), std::string::npos);
-}
-
 TEST_F(store, shows_its_classes_to_sql_users) {
   client admin(settings);
   EXPECT_EQ(admin.set_classes("/a sql_table=t attrvals=v\n  ARRAY TAV_FLD_ARGS sql_name=u\n"
