@@ -12,6 +12,7 @@
 #include "dparse/dparse.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
+static constexpr size_t READ_AHEAD = 1 << 16;  // most tokens then stand whole in what was read
 
 namespace {
 
@@ -46,6 +47,7 @@ static int read_file(const char* name, bool is_first, definitions& read) {
   dparseSetFname(name);
   const open_file stream(std::fopen(name, "r"));
   if (stream == nullptr) return cannot_open(name, is_first);
+  std::setvbuf(stream.get(), nullptr, _IOFBF, READ_AHEAD);
   return parse(stream.get(), name, is_first, read);
 }
 

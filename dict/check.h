@@ -10,6 +10,8 @@
 namespace dict {
 
 struct checker {
+  checker(dm::store& checked, std::ostream& told) : store(checked), out(told) {}
+
   dm::store& store;
   std::ostream& out;     // gets a line for each finding
   int64_t findings = 0;  // so far
