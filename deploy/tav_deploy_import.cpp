@@ -176,6 +176,7 @@ static int run(tav_deploy_import_state& state) {
 int tav_deploy_import(tav_deploy_ctx_t* ctx) {
   tav_deploy_import_state state{.ctx = ctx};
   const int result = run(state);
+  if (result >= 1 && tav_deploy_get_error() >= 1) tav_deploy_logout(state.session);
   for (dd_list* list :
        {&state.fields, &state.classes, &state.working_fields, &state.working_classes}) {
     list->leave();

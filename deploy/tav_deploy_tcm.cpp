@@ -16,6 +16,13 @@ tav_deploy_session::~tav_deploy_session() {
   if (connection != nullptr) tcm_context_close(connection, 0, nullptr);
 }
 
+void tav_deploy_logout(tav_deploy_session& session) {
+  if (session.connection == nullptr) return;
+  tav_ebuf ebuf{};
+  tcm_context_close(session.connection, 0, at(&ebuf, HERE));
+  session.connection = nullptr;
+}
+
 int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
   session.connection = nullptr;
   session.identity.reset();

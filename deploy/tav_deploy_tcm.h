@@ -14,12 +14,15 @@ struct tav_deploy_session {
   tav_deploy_session() = default;
   tav_deploy_session(const tav_deploy_session&) = delete;
   tav_deploy_session& operator=(const tav_deploy_session&) = delete;
-  ~tav_deploy_session();  // closes the connection
+  ~tav_deploy_session();  // closes the connection, giving up what is not durable yet
 };
 
 // Reads the identity from tav.conf and connects: 1, or -1. Whether the run may go on is for the
 // error buffer to say.
 int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf);
+
+// The orderly end of a run in which nothing failed: closes the connection with an error buffer.
+void tav_deploy_logout(tav_deploy_session& session);
 
 // Fetches field definitions: those that the context names, or all without one. 1, or -1 after a
 // full report. The list is the caller's.
