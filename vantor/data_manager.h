@@ -73,4 +73,13 @@ struct tav_node_visitor {
 };
 void tav_node_each(const tav_node* node, tav_node_visitor visit);
 
+// Adds an element with scalar values, as elem_add and a set for each value do, but at once. Gives
+// the element, borrowed; null when it fails, and the array is then as it was.
+struct tav_value {
+  uint32_t field;
+  const void* value;
+};
+tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem_id,
+                                 const tav_value* values, size_t count, tav_ebuf* ebuf);
+
 #endif

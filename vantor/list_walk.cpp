@@ -86,6 +86,15 @@ tav_flist_t* tav_flist_elem_add(tav_flist_t* list, uint32_t array, int32_t elem_
   });
 }
 
+tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem_id,
+                                 const tav_value* values, size_t count, tav_ebuf* ebuf) {
+  tav_flist_t* added = tav_flist_elem_add(list, array, elem_id, ebuf);
+  for (size_t i = 0; i < count && added != nullptr; ++i) {
+    tavi_flist_set(added, values[i].field, 0, 0, values[i].value, ebuf);
+  }
+  return added;
+}
+
 tav_flist_t* tav_flist_elem_get_next(tav_flist_t* list, uint32_t array, int32_t* elem_id, int32_t,
                                      tav_cookie_t** cookie, int32_t, tav_ebuf* ebuf) {
   return step(list, array, elem_id, cookie, ebuf, give);
