@@ -62,10 +62,7 @@ tav_poid_t* poid_from(const std::string& text) {
   uint64_t database = 0;
   int64_t id = 0;
   if (!database_from(database_text, database) || !whole_number(rest, id)) return nullptr;
-  auto* poid = new_with_text<tav_poid>(type.c_str());
-  poid->database = database;
-  poid->id = id;
-  return poid;
+  return new_poid(database, type.c_str(), id);
 }
 
 }  // namespace vantor

@@ -26,7 +26,7 @@ tav_decimal_t* tav_decimal(const char* text, tav_ebuf* ebuf) {
   return guarded<tav_decimal_t*>(about, [&]() -> tav_decimal_t* {
     if (text == nullptr) return fail(about, TAV_ERR_BAD_ARG);
     if (!is_decimal(text)) return fail(about, TAV_ERR_BAD_VALUE);
-    return new_with_text<tav_decimal_value>(text);
+    return new_decimal(text);
   });
 }
 

@@ -1,6 +1,7 @@
 #include "vantor/elements.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace vantor {
 
@@ -52,14 +53,13 @@ element* find_one_by_one(element_array& array, int32_t id) {
 }
 
 // The place after the element with that sequence number, whether it is still there or not.
-size_t place_after(const element_array& array, uint64_t seq) {
+size_t place_after(const element_array& array, uint32_t seq) {
   const auto& places = array.places;
   if (places.empty() || seq < places.front().seq) return 0;
-  if (array.hint < places.size() && places[array.hint].seq == seq) return array.hint + 1;
-  const uint64_t guess = seq - places.front().seq;  // right as long as no hole was closed
+  const size_t guess = seq - places.front().seq;  // right as long as no hole was closed
   if (guess < places.size() && places[guess].seq == seq) return guess + 1;
   const auto later = std::upper_bound(places.begin(), places.end(), seq,
-                                      [](uint64_t s, const element& e) { return s < e.seq; });
+                                      [](uint32_t s, const element& e) { return s < e.seq; });
   return static_cast<size_t>(later - places.begin());
 }
 
@@ -69,7 +69,7 @@ size_t past_holes(std::vector<element>& places, size_t start) {
   while (end < places.size() && places[end].node == nullptr) end += places[end].skip;
   while (start < end) {
     const size_t next = start + places[start].skip;
-    places[start].skip = static_cast<uint32_t>(end - start);
+    places[start].skip = end - start;
     start = next;
   }
   return end;
@@ -102,22 +102,24 @@ element* find_id(element_array& array, int32_t id) {
   return array.places.size() <= FEW ? find_one_by_one(array, id) : find_in_table(array, id);
 }
 
-element* find_after(element_array& array, uint64_t seq) {
+element* find_after(element_array& array, uint32_t seq) {
+  if (element* next = follow(array, seq)) return next;
   const size_t place = past_holes(array.places, place_after(array, seq));
   if (place >= array.places.size()) return nullptr;
   array.hint = place;
   return &array.places[place];
 }
 
-element& at_seq(element_array& array, uint64_t seq) {
+element& at_seq(element_array& array, uint32_t seq) {
   return array.places[place_after(array, seq) - 1];
 }
 
 element& add(element_array& array, int32_t id, tav_node* node) {
+  if (array.next_seq == 0) throw std::length_error("sequence numbers are used up");
   if (array.live == 0 && !array.places.empty()) close_holes(array);
   if (array.places.empty()) array.places.reserve(4);
   const bool dense = array.dense && follows(array, id);
-  array.places.push_back({node, nullptr, array.next_seq, id, 0});
+  array.places.push_back({node, {nullptr}, array.next_seq, id});
   array.dense = dense;
   ++array.next_seq;
   ++array.live;
@@ -129,7 +131,6 @@ element& add(element_array& array, int32_t id, tav_node* node) {
 
 void remove(element_array& array, element& gone) noexcept {
   gone.node = nullptr;
-  gone.handle = nullptr;
   gone.skip = 1;
   --array.live;
   if (array.places.size() - array.live > array.live + SPARE_HOLES) close_holes(array);

@@ -15,11 +15,13 @@
 namespace vantor {
 
 struct element {
-  tav_node* node;       // its content; null: a hole
-  tav_flist_t* handle;  // what callers hold; null until the element is handed out
-  uint64_t seq;
+  tav_node* node;  // its content; null: a hole
+  union {
+    tav_flist_t* handle;  // what callers hold; null until the element is handed out
+    size_t skip;          // of a hole: how many places further to look for the next element
+  };
+  uint32_t seq;
   int32_t id;
-  uint32_t skip;  // of a hole: how many places further to look for the next element
 };
 
 struct element_array {
@@ -27,7 +29,7 @@ struct element_array {
   uint32_t live = 0;              // elements that are no holes
   tav_flist_t* home = nullptr;    // the list that the handles belong to; null: no handles
   element_array* link = nullptr;  // chains arrays that are being taken apart
-  uint64_t next_seq = 1;
+  uint32_t next_seq = 1;
   uint64_t owned_at = 0;  // the count of sharings at which the way here was found own
   size_t hint = 0;        // where the last walk stood
   bool dense = true;      // ids are consecutive, holes included
@@ -37,13 +39,24 @@ struct element_array {
 
 // An element, or null where there is none; valid until an element is added or removed.
 element* find_id(element_array& array, int32_t id);
+// The element after the one with that sequence number, if the walk goes on where the last one
+// stood and no hole follows; or null. Leaves the walk there.
+inline element* follow(element_array& array, uint32_t seq) {
+  const size_t next = seq == 0 ? 0 : array.hint + 1;
+  if (next >= array.places.size() || (seq != 0 && array.places[next - 1].seq != seq))
+    return nullptr;
+  element& found = array.places[next];
+  if (found.node == nullptr) return nullptr;
+  array.hint = next;
+  return &found;
+}
 // The first element that was added after the one with that sequence number (0: the first of all).
-element* find_after(element_array& array, uint64_t seq);
+element* find_after(element_array& array, uint32_t seq);
 // The element with that sequence number, which must be there.
-element& at_seq(element_array& array, uint64_t seq);
+element& at_seq(element_array& array, uint32_t seq);
 
 // Adds an element at the end; its id must not be there yet. The node's ownership passes to the
-// array; when it throws (std::bad_alloc) nothing has changed.
+// array; when it throws (std::bad_alloc, std::length_error) nothing has changed.
 element& add(element_array& array, int32_t id, tav_node* node);
 // Makes a hole; whoever calls has taken the node and the handle over.
 void remove(element_array& array, element& gone) noexcept;

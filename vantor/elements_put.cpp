@@ -40,7 +40,7 @@ void place_list(tav_flist_t& list, uint32_t field, int32_t id, tav_flist_t* put)
     e = &add(array, id, put->node);
   } else {
     disown(std::exchange(e->node, put->node), e->handle);
-    delete e->handle;
+    free_handle(e->handle);
   }
   e->handle = put;
   put->array = &array;
@@ -53,7 +53,7 @@ bool drop_element(tav_flist_t& list, uint32_t field, int32_t id) {
   element_array& array = own_elements(list, field);
   element& gone = *find_id(array, id);
   tav_node* node = gone.node;
-  const std::unique_ptr<tav_flist_t> handle(gone.handle);
+  const std::unique_ptr<tav_flist_t, handle_owner> handle(gone.handle);
   remove(array, gone);
   disown(node, handle.get());
   return true;

@@ -26,10 +26,14 @@ inline std::nullptr_t fail(const request& about, int32_t code) {
   return nullptr;
 }
 
+inline bool has_failed(const tav_ebuf* ebuf) {
+  return ebuf != nullptr && ebuf->err_code != TAV_ERR_NONE;
+}
+
 // Runs the call unless the buffer holds an error; null, 0 or nothing when it fails.
 template <class Result, class Call>
 Result guarded(const request& about, Call call) noexcept {
-  if (about.ebuf != nullptr && about.ebuf->err_code != TAV_ERR_NONE) return Result();
+  if (has_failed(about.ebuf)) return Result();
   try {
     return call();
   } catch (const std::bad_alloc&) {

@@ -1,17 +1,8 @@
-// Handles: what callers hold of a list or of an element that was handed out.
-//
-// Bodies may be shared, handles never are. A handle leads to its parent through the array that it
-// stands in, so that a write can first make sure that the whole way down from the root is its own.
+// Handles and what is above them: lists become own before they are written to.
 #ifndef VANTOR_HANDLE_H
 #define VANTOR_HANDLE_H
 
 #include "vantor/node.h"
-
-struct tav_flist {
-  tav_node* node;
-  vantor::element_array* array;  // where it is an element; null: a list of its own
-  uint64_t seq;                  // its element in there
-};
 
 namespace vantor {
 
@@ -32,6 +23,10 @@ inline tav_node& own(tav_flist_t& list) {
 element_array& own_elements(tav_flist_t& list, uint32_t field);
 // The same; makes an empty array where there is none.
 element_array& need_elements(tav_flist_t& list, uint32_t field);
+
+struct handle_owner {
+  void operator()(tav_flist_t* handle) const { free_handle(handle); }
+};
 
 // The handle of an element in an array that is the list's own. Throws std::bad_alloc.
 tav_flist_t* hand_out(tav_flist_t& list, element_array& array, element& e);

@@ -14,51 +14,14 @@ int32_t kept_id(uint32_t field, int32_t elem_id) {
   return DD_FIELD_ID_TYPE(field) == TAV_FLDT_ARRAY ? elem_id : 0;
 }
 
-tav_flist_t* new_handle(tav_node* node) {
-  std::unique_ptr<tav_node, reap_node> owner(node);
-  auto* list = new tav_flist{node, nullptr, 0};
-  (void)owner.release();
-  return list;
+void* lend_value(slot& s) {
+  if ((s.tag & slot::LENT) == 0) s.tag |= slot::LENT;
+  return value_of(s);
 }
 
-void* lend_value(tav_flist_t& list, uint32_t field) {
-  slot* s = find_slot(*list.node, field);
-  if (s == nullptr) return nullptr;
-  s->lent = true;
-  return value_of(*s);
-}
-
-void set_number(tav_flist_t& list, uint32_t field, const void* value) {
-  unsigned char number[sizeof(int64_t)] = {};
-  std::memcpy(number, value, number_size(field));  // the value may stand in this very list
-  slot& s = slot_for(own(list), field);
-  if (s.field == 0 || s.form == slot_form::BOXED) {
-    if (s.field != 0) clear_value(s);
-    s.form = slot_form::NUMBER;
-    s.lent = false;
-  }
-  std::memcpy(s.number, number, sizeof number);
-  s.field = field;
-}
-
-// Takes the object over. Throws std::bad_alloc; the object is then still the caller's.
-void place_object(tav_flist_t& list, uint32_t field, counted* object) {
-  slot& s = slot_for(own(list), field);
-  if (s.field != 0) clear_value(s);
-  s.form = slot_form::OBJECT;
-  s.lent = false;
-  s.object = object;
-  s.field = field;
-}
-
-void set_object(const request& about, tav_flist_t& list, const void* value) {
-  std::unique_ptr<counted, free_counted> object(copy_in(about.field, value));
-  if (object == nullptr) {
-    fail(about, TAV_ERR_BAD_ARG);
-    return;
-  }
-  place_object(list, about.field, object.get());
-  (void)object.release();
+void take_value(tav_flist_t& list, uint32_t field, void* value) {
+  set_value(own(list), field, value);
+  free_value(value);
 }
 
 void set_elements(tav_flist_t& list, uint32_t field, int32_t id, const tav_flist_t& value) {
@@ -83,14 +46,14 @@ void put_list(const request& about, tav_flist_t& list, int32_t id, tav_flist_t* 
 
 bool drop_value(tav_flist_t& list, uint32_t field) {
   if (find_slot(*list.node, field) == nullptr) return false;
-  clear_value(*find_slot(own(list), field));
+  clear_slot(*find_slot(own(list), field));
   return true;
 }
 
 }  // namespace
 
 tav_flist_t* tav_flist_create(tav_ebuf* ebuf) {
-  return guarded<tav_flist_t*>({ebuf}, [] { return new_handle(new_node()); });
+  return guarded<tav_flist_t*>({ebuf}, [] { return new_handle(*new_node()); });
 }
 
 // Frees whatever the buffer holds, or the list would be lost.
@@ -101,7 +64,7 @@ void tav_flist_destroy(tav_flist_t* list, tav_ebuf* ebuf) {
     return;
   }
   disown(list->node, list);
-  delete list;
+  free_handle(list);
 }
 
 tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
@@ -109,22 +72,36 @@ tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
   return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
     if (list == nullptr) return fail(about, TAV_ERR_BAD_ARG);
     share_node(*list->node);
-    return new_handle(list->node);
+    std::unique_ptr<tav_node, reap_node> owner(list->node);
+    tav_flist_t* copy = new_handle(*list->node);
+    (void)owner.release();
+    return copy;
+  });
+}
+
+// What is not the value of a field that is there. Kept apart so that the short way needs no stack.
+[[gnu::noinline]] static void* get_other(const request& about, tav_flist_t* list, int32_t elem_id,
+                                         bool is_optional) {
+  return guarded<void*>(about, [&]() -> void* {
+    if (list == nullptr) return fail(about, TAV_ERR_BAD_ARG);
+    const uint32_t field = about.field;
+    const holding held = holding_of(field);
+    if (held == holding::NONE) return fail(about, TAV_ERR_WRONG_TYPE);
+    void* value =
+        held == holding::ELEMENTS ? lend_element(*list, field, kept_id(field, elem_id)) : nullptr;
+    if (value == nullptr && !is_optional) fail(about, TAV_ERR_MISSING_FIELD);
+    return value;
   });
 }
 
 void* tavi_flist_get(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t optional, int32_t,
                      tav_ebuf* ebuf) {
-  const request about{ebuf, field, elem_id};
-  return guarded<void*>(about, [&]() -> void* {
-    if (list == nullptr) return fail(about, TAV_ERR_BAD_ARG);
-    const holding held = holding_of(field);
-    if (held == holding::NONE) return fail(about, TAV_ERR_WRONG_TYPE);
-    void* value = held == holding::ELEMENTS ? lend_element(*list, field, kept_id(field, elem_id))
-                                            : lend_value(*list, field);
-    if (value == nullptr && optional == 0) fail(about, TAV_ERR_MISSING_FIELD);
-    return value;
-  });
+  if (list != nullptr && !has_failed(ebuf)) {  // the call that is made most: the short way first
+    slot* s = find_slot(*list->node, field);
+    if (s != nullptr && !s->is_free() && !s->has_elements()) return lend_value(*s);
+    if (s == nullptr && optional != 0 && is_value(field)) return nullptr;
+  }
+  return get_other({ebuf, field, elem_id}, list, elem_id, optional != 0);
 }
 
 void tavi_flist_set(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t, const void* value,
@@ -136,10 +113,11 @@ void tavi_flist_set(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t,
       return;
     }
     switch (holding_of(field)) {
-      case holding::NUMBER:
-        return set_number(*list, field, value);
-      case holding::OBJECT:
-        return set_object(about, *list, value);
+      case holding::INT:
+      case holding::VALUE:
+        if (!is_malformed(field, value)) return set_value(own(*list), field, value);
+        fail(about, TAV_ERR_BAD_ARG);
+        return;
       case holding::ELEMENTS:
         return set_elements(*list, field, kept_id(field, elem_id),
                             *static_cast<const tav_flist_t*>(value));
@@ -160,10 +138,9 @@ void tavi_flist_put(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t,
     }
     switch (DD_FIELD_ID_TYPE(field)) {
       case TAV_FLDT_POID:
-        if (!nothing) place_object(*list, field, static_cast<tav_poid*>(value));
-        return;
       case TAV_FLDT_DECIMAL:
-        return place_object(*list, field, static_cast<tav_decimal_value*>(value));
+        if (!nothing) take_value(*list, field, value);
+        return;
       case TAV_FLDT_ARRAY:
       case TAV_FLDT_SUBSTRUCT:
         return put_list(about, *list, kept_id(field, elem_id), static_cast<tav_flist_t*>(value));
@@ -176,9 +153,8 @@ void tavi_flist_put(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t,
 void tavi_client_put_cleanup(void* value, uint32_t field, int32_t) {
   switch (DD_FIELD_ID_TYPE(field)) {
     case TAV_FLDT_POID:
-      return release(static_cast<tav_poid*>(value));
     case TAV_FLDT_DECIMAL:
-      return release(static_cast<tav_decimal_value*>(value));
+      return free_value(value);
     case TAV_FLDT_ARRAY:
     case TAV_FLDT_SUBSTRUCT:
       return tav_flist_destroy(static_cast<tav_flist_t*>(value), nullptr);

@@ -32,9 +32,7 @@ uint32_t tav_node_count(const tav_node* node, uint32_t array) {
 }
 
 const void* tav_node_get(const tav_node* node, uint32_t field) {
-  if (node == nullptr) return nullptr;
-  const holding held = holding_of(field);
-  if (held != holding::NUMBER && held != holding::OBJECT) return nullptr;
+  if (node == nullptr || !is_value(field)) return nullptr;
   slot* s = find_slot(const_cast<tav_node&>(*node), field);
   return s != nullptr ? value_of(*s) : nullptr;
 }
@@ -42,6 +40,6 @@ const void* tav_node_get(const tav_node* node, uint32_t field) {
 void tav_node_each(const tav_node* node, tav_node_visitor visit) {
   if (node == nullptr) return;
   each_slot(const_cast<tav_node&>(*node), [&](slot& s) {
-    visit.call(visit.context, s.field, s.form == slot_form::ELEMENTS ? nullptr : value_of(s));
+    visit.call(visit.context, s.field(), s.has_elements() ? nullptr : value_of(s));
   });
 }

@@ -104,20 +104,20 @@ tav_node* next_element(std::string& out, place& at, uint32_t field, size_t depth
 }
 
 void append_scalar(std::string& out, slot& s, size_t depth) {
-  begin_line(out, depth, s.field);
+  begin_line(out, depth, s.field());
   out += " = ";
-  append_value(out, s.field, value_of(s));
+  append_value(out, s.field(), value_of(s));
   out += '\n';
 }
 
 // Goes on until an element is to be written (given) or the list is at its end (null).
 tav_node* next_below(std::string& out, place& at, size_t depth) {
   for (; at.run != nullptr; at.run = at.run->next, at.index = 0) {
-    while (at.index < at.run->used) {
+    while (at.index < at.run->count) {
       slot& s = at.run->begin()[at.index];
-      if (s.field != 0 && s.form == slot_form::ELEMENTS) {
-        if (tav_node* element = next_element(out, at, s.field, depth)) return element;
-      } else if (s.field != 0) {
+      if (!s.is_free() && s.has_elements()) {
+        if (tav_node* element = next_element(out, at, s.field(), depth)) return element;
+      } else if (!s.is_free()) {
         append_scalar(out, s, depth);
       }
       ++at.index;

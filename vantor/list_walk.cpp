@@ -9,12 +9,12 @@ using namespace vantor;
 namespace {
 
 // A cookie is the sequence number of the element given last.
-uint64_t seq_of(const tav_cookie_t* cookie) {
-  return reinterpret_cast<uintptr_t>(cookie);
+uint32_t seq_of(const tav_cookie_t* cookie) {
+  return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(cookie));
 }
 
-tav_cookie_t* cookie_of(uint64_t seq) {
-  return reinterpret_cast<tav_cookie_t*>(static_cast<uintptr_t>(seq));
+tav_cookie_t* cookie_of(uint32_t seq) {
+  return reinterpret_cast<tav_cookie_t*>(uintptr_t{seq});
 }
 
 // Why the call cannot work on the field, or TAV_ERR_NONE.
@@ -23,18 +23,28 @@ int32_t refusal(const tav_flist_t* list, uint32_t array) {
   return DD_FIELD_ID_TYPE(array) == TAV_FLDT_ARRAY ? TAV_ERR_NONE : TAV_ERR_WRONG_TYPE;
 }
 
+// The next element in a walk that goes on where the last one stood, if the list has handed it out
+// before; or null.
+const element* next_handed_out(tav_flist_t& list, uint32_t field, uint32_t seq) {
+  if (DD_FIELD_ID_TYPE(field) != TAV_FLDT_ARRAY) return nullptr;
+  element_array* array = find_elements(*list.node, field);
+  if (array == nullptr || array->home != &list) return nullptr;
+  const element* next = follow(*array, seq);
+  return next != nullptr && next->handle != nullptr ? next : nullptr;
+}
+
 // What a step makes of the next element. An element that the list has handed out before can be
 // given again as it is.
 tav_flist_t* give(tav_flist_t& list, uint32_t field, const element_array& array,
                   const element& next) {
   if (next.handle != nullptr && array.home == &list) return next.handle;
-  const uint64_t seq = next.seq;
+  const uint32_t seq = next.seq;
   element_array& own = own_elements(list, field);
   return hand_out(list, own, at_seq(own, seq));
 }
 
 tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const element& next) {
-  const uint64_t seq = next.seq;
+  const uint32_t seq = next.seq;
   element_array& own = own_elements(list, field);
   element& gone = at_seq(own, seq);
   tav_flist_t* taken = hand_out(list, own, gone);
@@ -43,10 +53,19 @@ tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const
   return taken;
 }
 
+tav_node* new_content(const tav_value* values, size_t count) {
+  if (count == 0) return new_node();
+  size_t room = 0;
+  for (size_t i = 0; i < count; ++i) room += room_for(values[i].field, values[i].value);
+  std::unique_ptr<tav_node, reap_node> content(new_node(room));
+  for (size_t i = 0; i < count; ++i) set_value(*content, values[i].field, values[i].value);
+  return content.release();
+}
+
 // One step of a walk: `use` makes of the next element what the caller gets.
 template <class Use>
-tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id, tav_cookie_t** cookie,
-                  tav_ebuf* ebuf, Use use) {
+[[gnu::noinline]] tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id,
+                                    tav_cookie_t** cookie, tav_ebuf* ebuf, Use use) {
   const request about{ebuf, field};
   return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
     int32_t code = refusal(list, field);
@@ -57,7 +76,7 @@ tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id, tav_cooki
     element* next = elements != nullptr ? find_after(*elements, seq_of(*cookie)) : nullptr;
     if (next == nullptr) return fail(about, TAV_ERR_NOT_FOUND);
     const int32_t id = next->id;
-    const uint64_t seq = next->seq;
+    const uint32_t seq = next->seq;
     tav_flist_t* result = use(*list, field, *elements, *next);
     if (elem_id != nullptr) *elem_id = id;
     *cookie = cookie_of(seq);
@@ -69,34 +88,37 @@ tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id, tav_cooki
 
 tav_flist_t* tav_flist_elem_add(tav_flist_t* list, uint32_t array, int32_t elem_id,
                                 tav_ebuf* ebuf) {
+  return tav_elem_add_filled(list, array, elem_id, nullptr, 0, ebuf);
+}
+
+tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem_id,
+                                 const tav_value* values, size_t count, tav_ebuf* ebuf) {
   const request about{ebuf, array, elem_id};
   return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
     const int32_t code = refusal(list, array);
     if (code != TAV_ERR_NONE) return fail(about, code);
-    // The element comes with its handle, so that nothing has changed when memory runs out.
-    std::unique_ptr<tav_node, reap_node> content(new_node());
+    std::unique_ptr<tav_node, reap_node> content(new_content(values, count));
     if (tav_flist_t* there = lend_element(*list, array, elem_id)) {
       place_content(*list, array, elem_id, content.release());
       return there;
     }
-    auto handle = std::make_unique<tav_flist>(tav_flist{content.get(), nullptr, 0});
+    // The element comes with its handle, so that nothing has changed when memory runs out.
+    std::unique_ptr<tav_flist_t, handle_owner> handle(new_handle(*content));
     place_list(*list, array, elem_id, handle.get());
     (void)content.release();
     return handle.release();
   });
 }
 
-tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem_id,
-                                 const tav_value* values, size_t count, tav_ebuf* ebuf) {
-  tav_flist_t* added = tav_flist_elem_add(list, array, elem_id, ebuf);
-  for (size_t i = 0; i < count && added != nullptr; ++i) {
-    tavi_flist_set(added, values[i].field, 0, 0, values[i].value, ebuf);
-  }
-  return added;
-}
-
 tav_flist_t* tav_flist_elem_get_next(tav_flist_t* list, uint32_t array, int32_t* elem_id, int32_t,
                                      tav_cookie_t** cookie, int32_t, tav_ebuf* ebuf) {
+  if (list != nullptr && cookie != nullptr && !has_failed(ebuf)) {  // the short way first
+    if (const element* next = next_handed_out(*list, array, seq_of(*cookie))) {
+      if (elem_id != nullptr) *elem_id = next->id;
+      *cookie = cookie_of(next->seq);
+      return next->handle;
+    }
+  }
   return step(list, array, elem_id, cookie, ebuf, give);
 }
 

@@ -1,5 +1,7 @@
 #include "vantor/node.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 
 #include "vantor/reap.h"
@@ -8,140 +10,269 @@ namespace vantor {
 
 namespace {
 
-// A segment with `capacity` slots behind a record that ends with it. Throws std::bad_alloc.
-void* allocate(size_t record, uint32_t capacity) {
-  return ::operator new(record + capacity * sizeof(slot));
+constexpr size_t PLACE = 8;              // the least that a place has: a pointer fits in
+constexpr size_t FURTHER_ROOM = 48;      // for slots and values of a segment that is added
+constexpr size_t LARGEST_INSIDE = 1024;  // larger values stand behind a box
+
+size_t rounded(size_t size) {
+  return (size + PLACE - 1) / PLACE * PLACE;
 }
 
-segment* new_segment(uint32_t capacity) {
-  return new (allocate(sizeof(segment), capacity)) segment{nullptr, capacity, 0};
+// The place that a value of that size takes beside the slot.
+size_t place_for(uint32_t field, size_t size) {
+  if (holding_of(field) == holding::INT) return 0;
+  return size <= LARGEST_INSIDE ? rounded(size) : PLACE;
 }
 
-uint64_t bit_of(uint32_t field) {
-  return uint64_t{1} << (field % 64);
+size_t room_in(const segment& run) {
+  return run.low - sizeof(segment) - run.count * sizeof(slot);
 }
 
-slot& append(segment& run) {
-  slot* fresh = new (run.end()) slot;
-  fresh->field = 0;
-  ++run.used;
-  return *fresh;
+uint32_t end_of(size_t room) {
+  return static_cast<uint32_t>(sizeof(segment) + rounded(room));
 }
 
-box* new_box(tav_node& body, slot& s) {
-  auto* made = new box;
-  made->refs = 1;
-  made->body = &body;
-  made->number = s.number;
+segment* new_segment(size_t room) {
+  const uint32_t end = end_of(room);
+  return new (::operator new(end)) segment{nullptr, 0, end};
+}
+
+// The size of a slot's place; a free one keeps it there.
+size_t place_of(slot& s) {
+  if (s.is_free()) return s.distance != 0 ? *static_cast<uint32_t*>(s.place()) : 0;
+  if (s.is_boxed() || s.has_elements()) return PLACE;
+  return place_for(s.field(), value_size(s.field(), value_of(s)));
+}
+
+void make_free(slot& s, size_t place) {
+  s.tag = 0;
+  if (place > 0) {
+    *static_cast<uint32_t*>(s.place()) = static_cast<uint32_t>(place);
+  } else {
+    s.distance = 0;
+  }
+}
+
+// Leaves word in the guide of where the field comes to stand.
+void guide_to(tav_node& node, uint32_t field, unsigned at) {
+  const unsigned place = guide_place(field);
+  if (const unsigned before = guided(node, field)) {
+    const slot* other = before != ANYWHERE ? &guided_slot(node, before) : nullptr;
+    if (other == nullptr || (!other->is_free() && guide_place(other->field()) == place)) {
+      at = ANYWHERE;
+    }
+    node.guide &= ~(uint64_t{15} << place);
+  }
+  node.guide |= uint64_t{at} << place;
+}
+
+// What the guide says of a slot of that segment.
+unsigned guide_of(const tav_node& node, const segment& run, size_t index) {
+  const bool is_first = &run == &node.first;
+  const size_t at = is_first ? index + 1 : index + FURTHER;
+  const bool is_told = is_first ? at < FURTHER : at < ANYWHERE && &run == node.first.next;
+  return is_told ? static_cast<unsigned>(at) : ANYWHERE;
+}
+
+// The segment with room for one more slot with a place of that size.
+segment& segment_with_room(tav_node& node, size_t place) {
+  segment* last = &node.first;
+  while (last->next != nullptr) last = last->next;
+  if (room_in(*last) >= sizeof(slot) + place) return *last;
+  return *(last->next = new_segment(std::max(FURTHER_ROOM, sizeof(slot) + place)));
+}
+
+// A slot for the field with a place of that size, which whoever calls fills.
+slot& append(tav_node& node, uint32_t field, size_t place) {
+  segment& run = segment_with_room(node, place);
+  const uint32_t index = run.count++;
+  slot& fresh = run.begin()[index];
+  run.low -= static_cast<uint32_t>(place);
+  fresh.distance = run.low - static_cast<uint32_t>(sizeof(segment) + index * sizeof(slot));
+  guide_to(node, field, guide_of(node, run, index));
+  return fresh;
+}
+
+box* new_box(tav_node& body, void* value) {
+  auto* made = new box{1, &body, value};
   ++body.boxes;
   return made;
 }
 
-void release_box(box* b) noexcept {
-  if (--b->refs > 0) return;
-  if (--b->body->boxes == 0 && b->body->owners == 0) free_node(b->body);
-  delete b;
+box* new_box(uint32_t field, const void* value, size_t size) {
+  auto* made = new (::operator new(sizeof(box) + size)) box{1, nullptr, nullptr};
+  made->value = made + 1;
+  copy_value(field, made->value, value, size);
+  return made;
 }
 
-// Fills a free slot of another body with what `from`, a slot of `body`, holds.
-void share_slot(tav_node& body, slot& from, slot& to) {
-  to.form = from.form;
-  to.lent = false;
-  switch (from.form) {
-    case slot_form::NUMBER:
-      if (from.lent) {
-        to.boxed = new_box(body, from);
-        to.form = slot_form::BOXED;
-      } else {
-        std::memcpy(to.number, from.number, sizeof to.number);
-      }
-      break;
-    case slot_form::BOXED:
-      to.boxed = share(from.boxed);
-      break;
-    case slot_form::OBJECT:
-      to.object = share(from.object);
-      break;
-    case slot_form::ELEMENTS:
-      to.elements = from.elements;
-      share_elements(*to.elements);
-      break;
+// Fills a slot with a value, which may be the one that it has.
+void fill(slot& s, uint32_t field, const void* value, size_t size) {
+  const bool is_int = holding_of(field) == holding::INT;
+  const bool fits = is_int ? !s.is_boxed() : size <= place_of(s);
+  box* fresh = fits ? nullptr : new_box(field, value, size);
+  box* old = s.is_boxed() ? s.boxed() : nullptr;
+  if (!fits) {
+    s.boxed() = fresh;
+  } else if (is_int) {
+    std::memcpy(&s.number, value, sizeof s.number);
+  } else {
+    copy_value(field, s.place(), value, size);
   }
-  to.field = from.field;
+  s.tag = field | (fits ? s.tag & slot::LENT : slot::BOXED);
+  if (old != nullptr) release_box(old);
 }
 
-}  // namespace
-
-tav_node* new_node(uint32_t slots) {
-  return new (allocate(sizeof(tav_node), slots)) tav_node{1, 0, 0, {nullptr, slots, 0}};
+// Whether a free slot can take a value that needs such a place: inside or, for lack of room, boxed.
+// One that needs none would lose the place, and is not given it.
+bool can_take(slot& s, size_t place) {
+  const size_t has = place_of(s);
+  return place == 0 ? has == 0 : has >= PLACE;
 }
 
-tav_node* clone(tav_node& from) {
-  uint32_t count = 1;  // room for the field that is likely to come
-  each_slot(from, [&](slot&) { ++count; });
-  std::unique_ptr<tav_node, reap_node> made(new_node(count));
-  each_slot(from, [&](slot& s) { share_slot(from, s, append(made->first)); });
-  made->met = from.met;
-  return made.release();
-}
-
-slot* find_slot(tav_node& node, uint32_t field) {
-  if ((node.met & bit_of(field)) == 0) return nullptr;
+// A slot that was left and can take the value, with what the guide says of it; or null.
+slot* find_left(tav_node& node, size_t place, unsigned& at) {
   for (segment* run = &node.first; run != nullptr; run = run->next) {
-    for (slot& s : *run) {
-      if (s.field == field) return &s;
+    for (size_t i = 0; i < run->count; ++i) {
+      slot& s = run->begin()[i];
+      if (!s.is_free() || !can_take(s, place)) continue;
+      at = guide_of(node, *run, i);
+      return &s;
     }
   }
   return nullptr;
 }
 
-// The field's slot, or the first free one.
-static slot* find_or_hole(tav_node& node, uint32_t field) {
-  slot* hole = nullptr;
-  for (segment* run = &node.first; run != nullptr; run = run->next) {
-    for (slot& s : *run) {
-      if (s.field == field) return &s;
-      if (s.field == 0 && hole == nullptr) hole = &s;
+// A free slot for a field that is not there.
+slot& slot_for_new(tav_node& node, uint32_t field, size_t place) {
+  if (guided(node, field) != 0) {  // something stood or stands in its place of the guide
+    unsigned at = ANYWHERE;
+    if (slot* s = find_left(node, place, at)) {
+      guide_to(node, field, at);
+      return *s;
     }
   }
-  return hole;
+  slot& s = append(node, field, place);
+  make_free(s, place);
+  return s;
 }
 
-slot& slot_for(tav_node& node, uint32_t field) {
-  const uint64_t bit = bit_of(field);
-  if ((node.met & bit) != 0) {
-    if (slot* s = find_or_hole(node, field)) return *s;
+size_t place_in_clone(slot& s) {
+  return (s.tag & slot::LENT) != 0 ? PLACE : place_of(s);
+}
+
+// Fills an empty slot with a value that fits into its place.
+void fill_inside(slot& s, uint32_t field, const void* value, size_t size) noexcept {
+  if (holding_of(field) == holding::INT) {
+    std::memcpy(&s.number, value, sizeof s.number);
+  } else {
+    copy_value(field, s.place(), value, size);
   }
-  segment* last = &node.first;
-  while (last->next != nullptr) last = last->next;
-  if (last->used == last->capacity) last = last->next = new_segment(last->capacity + 2);
-  node.met |= bit;
-  return append(*last);
+  s.tag = field;
 }
 
-element_array* find_elements(tav_node& node, uint32_t field) {
-  const slot* s = find_slot(node, field);
-  return s != nullptr ? s->elements : nullptr;
-}
-
-void* value_of(slot& s) {
-  switch (s.form) {
-    case slot_form::NUMBER:
-      return s.number;
-    case slot_form::BOXED:
-      return s.boxed->number;
-    default:
-      return lend(s.field, s.object);
+// Fills a slot of another body with what `from`, a slot of `body`, holds.
+void share_slot(tav_node& body, slot& from, slot& to) {
+  const uint32_t field = from.field();
+  if (from.has_elements()) {
+    enter_elements(to, field, from.elements());
+    share_elements(*to.elements());
+  } else if (from.is_boxed()) {
+    to.boxed() = from.boxed();
+    ++to.boxed()->refs;
+    to.tag = field | slot::BOXED;
+  } else if ((from.tag & slot::LENT) != 0) {
+    to.boxed() = new_box(body, value_of(from));
+    to.tag = field | slot::BOXED;
+  } else {
+    const void* value = value_of(from);
+    fill_inside(to, field, value, value_size(field, value));
   }
 }
 
-void clear_value(slot& s) noexcept {
-  if (s.form == slot_form::OBJECT) release(s.object);
-  if (s.form == slot_form::BOXED) release_box(s.boxed);
-  s.field = 0;
+}  // namespace
+
+tav_node* new_node(size_t room) {
+  const size_t block = sizeof(tav_node) + rounded(room);
+  return new (::operator new(block)) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room)}};
 }
 
-void free_node(tav_node* node) noexcept {
+size_t room_for(uint32_t field, const void* value) {
+  return sizeof(slot) + place_for(field, value_size(field, value));
+}
+
+tav_node* clone(tav_node& from) {
+  size_t room = sizeof(slot) + PLACE;  // for the field that is likely to come
+  each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
+  std::unique_ptr<tav_node, reap_node> made(new_node(room));
+  each_slot(from,
+            [&](slot& s) { share_slot(from, s, append(*made, s.field(), place_in_clone(s))); });
+  return made.release();
+}
+
+slot* search_slot(tav_node& node, uint32_t field) {
+  for (segment* run = &node.first; run != nullptr; run = run->next) {
+    for (slot& s : *run) {
+      if (s.field() == field) return &s;
+    }
+  }
+  return nullptr;
+}
+
+void set_value(tav_node& node, uint32_t field, const void* value) {
+  const size_t size = value_size(field, value);
+  if (guided(node, field) == 0 && size <= LARGEST_INSIDE) {  // nearly always
+    return fill_inside(append(node, field, place_for(field, size)), field, value, size);
+  }
+  slot* s = find_slot(node, field);
+  if (s == nullptr) s = &slot_for_new(node, field, place_for(field, size));
+  fill(*s, field, value, size);
+}
+
+slot& slot_for_elements(tav_node& node, uint32_t field) {
+  slot* s = find_slot(node, field);
+  return s != nullptr ? *s : slot_for_new(node, field, PLACE);
+}
+
+void enter_elements(slot& s, uint32_t field, element_array* elements) noexcept {
+  s.elements() = elements;
+  s.tag = field;
+}
+
+void release_box(box* b) noexcept {
+  if (--b->refs > 0) return;
+  if (b->body != nullptr) {
+    --b->body->boxes;
+    free_unless_needed(b->body);
+  }
+  ::operator delete(b);
+}
+
+void clear_slot(slot& s) noexcept {
+  const size_t place = place_of(s);
+  if (s.is_boxed()) release_box(s.boxed());
+  make_free(s, place);
+}
+
+tav_flist_t* new_handle(tav_node& node) {
+  if (node.housed.node != nullptr) return new tav_flist{&node, nullptr, 0, false};
+  node.housed = {&node, nullptr, 0, true};
+  return &node.housed;
+}
+
+void free_handle(tav_flist_t* handle) noexcept {
+  if (handle == nullptr) return;
+  if (!handle->is_housed) {
+    delete handle;
+    return;
+  }
+  handle->node = nullptr;
+  char* at = reinterpret_cast<char*>(handle);
+  free_unless_needed(reinterpret_cast<tav_node*>(at - offsetof(tav_node, housed)));
+}
+
+void free_unless_needed(tav_node* node) noexcept {
+  if (node->owners > 0 || node->boxes > 0 || node->housed.node != nullptr) return;
   for (segment* run = node->first.next; run != nullptr;) {
     segment* next = run->next;
     ::operator delete(run);

@@ -34,6 +34,7 @@ void own_node(tav_flist_t& list) {
 
 void move_handles(element_array& from, element_array& to) noexcept {
   for (size_t i = 0; i < from.places.size(); ++i) {
+    if (from.places[i].node == nullptr) continue;
     tav_flist_t* handle = std::exchange(from.places[i].handle, nullptr);
     to.places[i].handle = handle;
     if (handle != nullptr) handle->array = &to;
@@ -48,26 +49,27 @@ element_array* copy_elements(const element_array& from) {
   made->dense = from.dense;
   made->places = from.places;
   for (element& e : made->places) {
+    if (e.node == nullptr) continue;
     e.handle = nullptr;
-    if (e.node != nullptr) share_node(*e.node);
+    share_node(*e.node);
   }
   return made.release();
 }
 
 // The elements in a slot of the list's own body.
 element_array& own_slot(tav_flist_t& list, slot& s) {
-  element_array* shared = s.elements;
+  element_array* shared = s.elements();
   if (shared->refs == 1) return *shared;
-  s.elements = copy_elements(*shared);
+  s.elements() = copy_elements(*shared);
   --shared->refs;
-  if (shared->home == &list) move_handles(*shared, *s.elements);
-  return *s.elements;
+  if (shared->home == &list) move_handles(*shared, *s.elements());
+  return *s.elements();
 }
 
 void own_array(tav_flist_t& list, const element_array* array) {
   if (array->refs == 1) return;
   each_slot(*list.node, [&](slot& s) {
-    if (s.form == slot_form::ELEMENTS && s.elements == array) own_slot(list, s);
+    if (s.has_elements() && s.elements() == array) own_slot(list, s);
   });
 }
 
@@ -95,19 +97,16 @@ element_array& own_elements(tav_flist_t& list, uint32_t field) {
 }
 
 element_array& need_elements(tav_flist_t& list, uint32_t field) {
-  slot& s = slot_for(own(list), field);
-  if (s.field == 0) {
-    s.elements = new element_array;
-    s.form = slot_form::ELEMENTS;
-    s.lent = false;
-    s.field = field;
-  }
+  slot& s = slot_for_elements(own(list), field);
+  if (s.is_free()) enter_elements(s, field, new element_array);
   return own_slot(list, s);
 }
 
 tav_flist_t* hand_out(tav_flist_t& list, element_array& array, element& e) {
   if (e.handle != nullptr) return e.handle;
-  e.handle = new tav_flist{e.node, &array, e.seq};
+  e.handle = new_handle(*e.node);
+  e.handle->array = &array;
+  e.handle->seq = e.seq;
   array.home = &list;
   return e.handle;
 }

@@ -1,7 +1,5 @@
 #include "vantor/reap.h"
 
-#include "vantor/handle.h"
-
 namespace vantor {
 
 namespace {
@@ -24,9 +22,9 @@ struct pile {
 
 void collect_lent(tav_node& node, const tav_flist_t* handle, pile& lent) {
   each_slot(node, [&](slot& s) {
-    if (s.form != slot_form::ELEMENTS || s.elements->home != handle) return;
-    s.elements->home = nullptr;
-    lent.push(s.elements);
+    if (!s.has_elements() || s.elements()->home != handle) return;
+    s.elements()->home = nullptr;
+    lent.push(s.elements());
   });
 }
 
@@ -34,9 +32,9 @@ void collect_lent(tav_node& node, const tav_flist_t* handle, pile& lent) {
 void free_handles(pile lent) {
   while (lent.top != nullptr) {
     for (element& e : lent.pop()->places) {
-      if (e.handle == nullptr) continue;
+      if (e.node == nullptr || e.handle == nullptr) continue;
       collect_lent(*e.node, e.handle, lent);
-      delete e.handle;
+      free_handle(e.handle);
       e.handle = nullptr;
     }
   }
@@ -59,13 +57,13 @@ void give_up(tav_node* node, const tav_flist_t* handle, pile& dead) {
     return free_handles(lent);
   }
   each_slot(*node, [&](slot& s) {
-    if (s.form == slot_form::ELEMENTS) {
-      leave_array(s.elements, handle, dead);
-    } else {
-      clear_value(s);
+    if (s.has_elements()) {
+      leave_array(s.elements(), handle, dead);
+    } else if (s.is_boxed()) {
+      release_box(s.boxed());
     }
   });
-  if (node->boxes == 0) free_node(node);
+  free_unless_needed(node);
 }
 
 }  // namespace
@@ -78,7 +76,7 @@ void disown(tav_node* node, const tav_flist_t* handle) noexcept {
     for (element& e : array->places) {
       if (e.node == nullptr) continue;
       give_up(e.node, e.handle, dead);
-      delete e.handle;
+      free_handle(e.handle);
     }
     delete array;
   }

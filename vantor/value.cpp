@@ -2,42 +2,44 @@
 
 namespace vantor {
 
-static counted* copy_buf(const tav_buf_t& from) {
-  if (from.size > 0 && from.data == nullptr) return nullptr;
-  auto* value = new_counted<buf_value>(from.size);
-  value->buf = {from.size, reinterpret_cast<unsigned char*>(value + 1)};
-  if (from.size > 0) std::memcpy(value->buf.data, from.data, from.size);
-  return value;
+static size_t text_size(const void* text) {
+  return std::strlen(static_cast<const char*>(text)) + 1;
 }
 
-counted* copy_in(uint32_t field, const void* value) {
+size_t further_size(uint32_t field, const void* value) {
   switch (DD_FIELD_ID_TYPE(field)) {
-    case TAV_FLDT_STRING:
-      return new_with_text<text_value>(static_cast<const char*>(value));
-    case TAV_FLDT_BUF:
-    case TAV_FLDT_BINSTR:
-      return copy_buf(*static_cast<const tav_buf_t*>(value));
-    case TAV_FLDT_POID:
-      return share(static_cast<const tav_poid*>(value));
     case TAV_FLDT_DECIMAL:
-      return share(static_cast<const tav_decimal_value*>(value));
+      return text_size(value);
+    case TAV_FLDT_POID:
+      return sizeof(tav_poid) + text_size(static_cast<const tav_poid*>(value)->type());
+    case TAV_FLDT_BUF:
+    case TAV_FLDT_BINSTR:
+      return sizeof(tav_buf_t) + static_cast<const tav_buf_t*>(value)->size;
+    case TAV_FLDT_ENUM:
+      return sizeof(int32_t);
     default:
-      return nullptr;
+      return sizeof(int64_t);
   }
 }
 
-void* lend(uint32_t field, counted* object) {
-  switch (DD_FIELD_ID_TYPE(field)) {
-    case TAV_FLDT_STRING:
-      return static_cast<text_value*>(object)->text();
-    case TAV_FLDT_BUF:
-    case TAV_FLDT_BINSTR:
-      return &static_cast<buf_value*>(object)->buf;
-    case TAV_FLDT_POID:
-      return static_cast<tav_poid*>(object);
-    default:
-      return static_cast<tav_decimal_value*>(object);
-  }
+void copy_buf(void* place, const tav_buf_t& from) {
+  const tav_buf_t buf = from;  // it may be what is overwritten
+  auto* to = static_cast<tav_buf_t*>(place);
+  auto* bytes = reinterpret_cast<unsigned char*>(to + 1);
+  if (buf.size > 0) std::memmove(bytes, buf.data, buf.size);
+  *to = {buf.size, bytes};
+}
+
+tav_poid_t* new_poid(uint64_t database, const char* type, int64_t id) {
+  const size_t size = text_size(type);
+  auto* poid = new (::operator new(sizeof(tav_poid) + size)) tav_poid{database, id};
+  std::memcpy(static_cast<void*>(poid + 1), type, size);
+  return poid;
+}
+
+tav_decimal_t* new_decimal(const char* text) {
+  const size_t size = text_size(text);
+  return static_cast<tav_decimal_t*>(std::memcpy(::operator new(size), text, size));
 }
 
 }  // namespace vantor

@@ -1,115 +1,89 @@
-// The values that a list holds on the heap: counted, never changed once made, so that any number of
-// lists share them and a borrowed pointer outlives every rearrangement of its list.
+// The values that a list holds: how they are laid out, in a list and on the heap alike.
 #ifndef VANTOR_VALUE_H
 #define VANTOR_VALUE_H
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <new>
 
 #include "dd/vantor.h"
 
-namespace vantor {
-
-struct counted {
-  uint32_t refs;
-};
-
-// A text: the bytes follow the count.
-struct text_value : counted {
-  char* text() { return reinterpret_cast<char*>(this + 1); }
-};
-
-// A byte buffer: the bytes follow the record that is lent.
-struct buf_value : counted {
-  tav_buf_t buf;
-};
-
-}  // namespace vantor
-
-struct tav_poid : vantor::counted {
+struct tav_poid {
   uint64_t database;
   int64_t id;
   // The type's bytes follow.
   const char* type() const { return reinterpret_cast<const char*>(this + 1); }
 };
 
-struct tav_decimal_value : vantor::counted {
-  // The text as it was written follows.
-  const char* text() const { return reinterpret_cast<const char*>(this + 1); }
+// A decimal is the text as it was written.
+struct tav_decimal_value {
+  const char* text() const { return reinterpret_cast<const char*>(this); }
 };
 
 namespace vantor {
 
-// How a list holds a field of a type.
-enum class holding : uint8_t { NONE, NUMBER, OBJECT, ELEMENTS };
+// How a list holds a field of a type: INT and ENUM in the slot itself, other values beside it.
+enum class holding : uint8_t { NONE, INT, VALUE, ELEMENTS };
+
+inline constexpr size_t TYPES = 32;  // type codes, those that no type has included
+
+inline constexpr std::array<holding, TYPES> HOLDINGS = [] {
+  std::array<holding, TYPES> table{};
+  for (const int type : {TAV_FLDT_INT, TAV_FLDT_ENUM}) table.at(size_t(type)) = holding::INT;
+  for (const int type : {TAV_FLDT_NUM, TAV_FLDT_TIMESTAMP, TAV_FLDT_INT64, TAV_FLDT_STRING,
+                         TAV_FLDT_BUF, TAV_FLDT_BINSTR, TAV_FLDT_POID, TAV_FLDT_DECIMAL}) {
+    table.at(size_t(type)) = holding::VALUE;
+  }
+  for (const int type : {TAV_FLDT_ARRAY, TAV_FLDT_SUBSTRUCT}) {
+    table.at(size_t(type)) = holding::ELEMENTS;
+  }
+  return table;
+}();
 
 inline holding holding_of(uint32_t field) {
-  switch (DD_FIELD_ID_TYPE(field)) {
-    case TAV_FLDT_INT:
-    case TAV_FLDT_ENUM:
-    case TAV_FLDT_NUM:
-    case TAV_FLDT_TIMESTAMP:
-    case TAV_FLDT_INT64:
-      return holding::NUMBER;
-    case TAV_FLDT_STRING:
-    case TAV_FLDT_BUF:
-    case TAV_FLDT_BINSTR:
-    case TAV_FLDT_POID:
-    case TAV_FLDT_DECIMAL:
-      return holding::OBJECT;
-    case TAV_FLDT_ARRAY:
-    case TAV_FLDT_SUBSTRUCT:
-      return holding::ELEMENTS;
-    default:
-      return holding::NONE;
-  }
+  const auto type = static_cast<size_t>(DD_FIELD_ID_TYPE(field));
+  return type < TYPES ? HOLDINGS[type] : holding::NONE;
 }
 
-// The size of a NUMBER field's value in bytes.
-inline size_t number_size(uint32_t field) {
+inline bool is_value(uint32_t field) {
+  const holding held = holding_of(field);
+  return held == holding::INT || held == holding::VALUE;
+}
+
+inline bool is_buf(uint32_t field) {
   const int32_t type = DD_FIELD_ID_TYPE(field);
-  return type == TAV_FLDT_INT || type == TAV_FLDT_ENUM ? sizeof(int32_t) : sizeof(int64_t);
+  return type == TAV_FLDT_BUF || type == TAV_FLDT_BINSTR;
 }
 
-// A new object with `extra` bytes after it, counted once. Throws std::bad_alloc.
-template <class Object>
-Object* new_counted(size_t extra) {
-  auto* object = new (::operator new(sizeof(Object) + extra)) Object;
-  object->refs = 1;
-  return object;
+// Whether the value is a buffer with a size and no bytes.
+inline bool is_malformed(uint32_t field, const void* value) {
+  if (!is_buf(field)) return false;
+  const auto* buf = static_cast<const tav_buf_t*>(value);
+  return buf->size > 0 && buf->data == nullptr;
 }
 
-// A new object followed by a text. Throws std::bad_alloc.
-template <class Object>
-Object* new_with_text(const char* text) {
-  const size_t size = std::strlen(text) + 1;
-  auto* object = new_counted<Object>(size);
-  std::memcpy(static_cast<void*>(object + 1), text, size);
-  return object;
+size_t further_size(uint32_t field, const void* value);
+// The bytes that the value takes. A buffer must not be malformed.
+inline size_t value_size(uint32_t field, const void* value) {
+  const int32_t type = DD_FIELD_ID_TYPE(field);
+  if (type == TAV_FLDT_STRING) return std::strlen(static_cast<const char*>(value)) + 1;
+  return type == TAV_FLDT_INT ? sizeof(int32_t) : further_size(field, value);
 }
 
-template <class Object>
-Object* share(const Object* object) {
-  auto* shared = const_cast<Object*>(object);
-  ++shared->refs;
-  return shared;
+void copy_buf(void* place, const tav_buf_t& from);
+// Copies a value of that size to a place (8-aligned), where it may stand already.
+inline void copy_value(uint32_t field, void* place, const void* value, size_t size) {
+  if (is_buf(field)) return copy_buf(place, *static_cast<const tav_buf_t*>(value));
+  std::memmove(place, value, size);
 }
 
-inline void release(counted* object) {
-  if (object != nullptr && --object->refs == 0) ::operator delete(object);
+// On the heap, owned; freed with free_value. Throw std::bad_alloc.
+tav_poid_t* new_poid(uint64_t database, const char* type, int64_t id);
+tav_decimal_t* new_decimal(const char* text);
+inline void free_value(void* value) {
+  ::operator delete(value);
 }
-
-struct free_counted {
-  void operator()(counted* object) const { release(object); }
-};
-
-// The object for a copy of an OBJECT field's value, owned; null for a value that is malformed.
-// Throws std::bad_alloc.
-counted* copy_in(uint32_t field, const void* value);
-
-// The value as the interface shows it, borrowed.
-void* lend(uint32_t field, counted* object);
 
 }  // namespace vantor
 
