@@ -35,6 +35,15 @@ void build_table(element_array& array) {
   for (size_t i = 0; i < array.places.size(); ++i) enter(array, i);
 }
 
+// A full table is given up; the next search builds a larger one.
+void enter_last(element_array& array) {
+  if (array.places.size() * 2 > array.table.size()) {
+    array.table.clear();
+  } else {
+    enter(array, array.places.size() - 1);
+  }
+}
+
 element* find_in_table(element_array& array, int32_t id) {
   if (array.table.empty()) build_table(array);
   const size_t mask = array.table.size() - 1;
@@ -117,15 +126,13 @@ element& at_seq(element_array& array, uint32_t seq) {
 element& add(element_array& array, int32_t id, tav_node* node) {
   if (array.next_seq == 0) throw std::length_error("sequence numbers are used up");
   if (array.live == 0 && !array.places.empty()) close_holes(array);
-  if (array.places.empty()) array.places.reserve(4);
+  if (array.places.capacity() == 0) array.places.reserve(4);
   const bool dense = array.dense && follows(array, id);
   array.places.push_back({node, {nullptr}, array.next_seq, id});
   array.dense = dense;
   ++array.next_seq;
   ++array.live;
-  // A full table is given up; the next search builds a larger one.
-  if (array.places.size() * 2 > array.table.size()) array.table.clear();
-  if (!array.table.empty()) enter(array, array.places.size() - 1);
+  if (!array.table.empty()) enter_last(array);
   return array.places.back();
 }
 

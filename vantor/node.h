@@ -77,8 +77,8 @@ struct tav_node {
 
 namespace vantor {
 
-// Room for a field definition or an entry: with the body's head a block of 192 bytes.
-constexpr size_t FIRST_ROOM = 192 - sizeof(tav_node);
+// Room for a field definition or an entry: with the body's head a block of 224 bytes.
+constexpr size_t FIRST_ROOM = 224 - sizeof(tav_node);
 
 // A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
 tav_node* new_node(size_t room = FIRST_ROOM);

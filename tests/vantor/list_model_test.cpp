@@ -13,8 +13,12 @@
 
 namespace {
 
-constexpr uint32_t SCALARS[] = {TAV_FLD_FLAGS, TAV_FLD_LENGTH, TAV_FLD_FIELD_NUM, TAV_FLD_NAME,
-                                TAV_FLD_DESCR};
+// Numbers, then values that can have any size.
+constexpr uint32_t SCALARS[] = {
+    TAV_FLD_FLAGS, TAV_FLD_LENGTH,      TAV_FLD_FIELD_NUM, TAV_FLD_NAME,
+    TAV_FLD_DESCR, TAV_FLD_SQL_STORAGE, TAV_FLD_ORDER,     TAV_FLD_POID,
+    TAV_FLD_LABEL, TAV_FLD_SQL_TABLE,   TAV_FLD_ATTRIBUTE, DD_FIELD_ID(TAV_FLDT_BUF, 70)};
+constexpr size_t NUMBERS = 3;
 constexpr uint32_t ARRAYS[] = {TAV_FLD_OBJ_ELEM, TAV_FLD_ARGS};
 
 struct model;
@@ -36,9 +40,22 @@ struct model {
 };
 
 std::string text_of(uint32_t field, const void* value) {
-  return DD_FIELD_ID_TYPE(field) == TAV_FLDT_STRING
-             ? static_cast<const char*>(value)
-             : std::to_string(*static_cast<const int32_t*>(value));
+  const auto* buf = static_cast<const tav_buf_t*>(value);
+  char decimal[4096] = "";
+  switch (DD_FIELD_ID_TYPE(field)) {
+    case TAV_FLDT_STRING:
+      return static_cast<const char*>(value);
+    case TAV_FLDT_POID:
+      return tav_poid_get_type(static_cast<const tav_poid_t*>(value));
+    case TAV_FLDT_DECIMAL:
+      tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, decimal, sizeof decimal,
+                         nullptr);
+      return decimal;
+    case TAV_FLDT_BUF:
+      return {reinterpret_cast<const char*>(buf->data), buf->size};
+    default:
+      return std::to_string(*static_cast<const int32_t*>(value));
+  }
 }
 
 std::unique_ptr<model> copy_of(const model& from) {
@@ -96,7 +113,7 @@ class machine {
         &machine::set_number, &machine::set_text, &machine::lend, &machine::drop_value,
         &machine::add,        &machine::add,      &machine::drop, &machine::copy,
         &machine::destroy,    &machine::put,      &machine::set,  &machine::take,
-        &machine::walk,
+        &machine::walk,       &machine::set_text,
     };
     const auto chosen = OPERATIONS[below(std::size(OPERATIONS))];
     (this->*chosen)(anywhere(), ARRAYS[below(2)]);
@@ -141,19 +158,32 @@ class machine {
   }
 
   void set_number(model& list, uint32_t) {
-    const uint32_t field = SCALARS[below(3)];
+    const uint32_t field = SCALARS[below(NUMBERS)];
     const int32_t number = any_id();
     dd_set_int(list.handle, field, number, &ebuf_);
     list.values[field] = {std::to_string(number)};
   }
   void set_text(model& list, uint32_t) {
-    const uint32_t field = SCALARS[3 + below(2)];
-    const std::string text(below(40), 'x');
-    dd_set_text(list.handle, field, text.c_str(), &ebuf_);
+    const uint32_t field = SCALARS[NUMBERS + below(std::size(SCALARS) - NUMBERS)];
+    std::string text(1 + below(below(4) == 0 ? 2500 : 40), '7');
+    tav_buf_t buf{static_cast<uint32_t>(text.size()), reinterpret_cast<unsigned char*>(&text[0])};
+    switch (DD_FIELD_ID_TYPE(field)) {
+      case TAV_FLDT_POID:
+        dd_put(list.handle, field, 0, dd_poid(tav_poid_create(1, text.c_str(), 2, &ebuf_)), &ebuf_);
+        break;
+      case TAV_FLDT_DECIMAL:
+        dd_put(list.handle, field, 0, dd_decimal(tav_decimal(text.c_str(), &ebuf_)), &ebuf_);
+        break;
+      case TAV_FLDT_BUF:
+        tavi_flist_set(list.handle, field, 0, 0, &buf, &ebuf_);
+        break;
+      default:
+        dd_set_text(list.handle, field, text.c_str(), &ebuf_);
+    }
     list.values[field] = {text};
   }
   void lend(model& list, uint32_t) {
-    const uint32_t field = SCALARS[below(5)];
+    const uint32_t field = SCALARS[below(std::size(SCALARS))];
     const void* lent = tavi_flist_get(list.handle, field, 0, 1, 0, &ebuf_);
     const auto found = list.values.find(field);
     ASSERT_EQ(lent != nullptr, found != list.values.end());
@@ -165,7 +195,7 @@ class machine {
     ebuf_ = {};
   }
   void drop_value(model& list, uint32_t) {
-    const uint32_t field = SCALARS[below(5)];
+    const uint32_t field = SCALARS[below(std::size(SCALARS))];
     tavi_flist_drop(list.handle, field, 0, &ebuf_);
     expect_drop(list.values.erase(field) > 0);
   }
