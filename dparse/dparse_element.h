@@ -4,8 +4,7 @@
 
 #include "dd/owners.h"
 #include "dparse/dparse_block.h"
-
-inline constexpr size_t DPARSE_KEYWORD_SIZE = 24;  // holds every keyword
+#include "dparse/dparse_tokens.h"
 
 struct dparse_element {
   dd_flist list;                           // owned until its parent takes it

@@ -1,9 +1,9 @@
 #include "dparse/dparse_tokens.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 
-#include "dd/fold.h"
 #include "dd/types.h"
 
 #define DPARSE_TABLE_ROW(name, text, number) {number, text},
@@ -38,56 +38,107 @@ constexpr auto TYPE_CODES = [] {
   return codes;
 }();
 
-// A letter in either case gives the same number; what else coincides the comparison tells apart.
-constexpr size_t letter(char c) {
-  return static_cast<unsigned char>(c) | 0x20u;
-}
-
 constexpr size_t LONGEST = [] {
   size_t longest = 0;
   for (const std::string_view text : TEXTS.of)
     longest = text.size() > longest ? text.size() : longest;
   return longest;
 }();
+static_assert(LONGEST < DPARSE_KEYWORD_SIZE);
 
-constexpr size_t SLOTS = 256;
-
-constexpr size_t first_slot(const char* word, size_t length) {
-  return (letter(word[0]) * 7 + letter(word[length / 2]) * 31 + letter(word[length - 1]) * 3 +
-          length * 11) %
-         SLOTS;
+// What tells keywords apart: the length and three letters, each the same number in either case.
+constexpr uint32_t marks(const char* word, size_t length) {
+  const auto byte = [word](size_t i) { return uint32_t{static_cast<unsigned char>(word[i])}; };
+  return (byte(0) | byte((length - 1) / 2) << 8 | byte(length - 1) << 16 |
+          static_cast<uint32_t>(length) << 24) |
+         0x202020u;
 }
 
-// Open addressing: row of token_table plus one, 0 for free. Filled in stored order and searched
-// from the same first slot, so the first of equal texts is found.
-constexpr auto SLOT_ROWS = [] {
-  std::array<unsigned char, SLOTS> rows{};
+constexpr unsigned SLOT_BITS = 10;
+constexpr size_t SLOTS = 1 << SLOT_BITS;
+
+constexpr size_t slot_of(uint32_t marks, uint32_t multiplier) {
+  return marks * multiplier >> (32 - SLOT_BITS);
+}
+
+constexpr bool separates(uint32_t multiplier) {
+  std::array<bool, SLOTS> taken{};
   for (size_t i = 0; i < KEYWORDS; ++i) {
     const std::string_view text = token_table[i].text;
-    size_t slot = first_slot(text.data(), text.size());
-    while (rows[slot] != 0) slot = (slot + 1) % SLOTS;
-    rows[slot] = static_cast<unsigned char>(i + 1);
+    bool& slot = taken[slot_of(marks(text.data(), text.size()), multiplier)];
+    if (slot) return false;
+    slot = true;
   }
-  return rows;
+  return true;
+}
+
+// Under this one no two keywords share a slot: a word is compared with one keyword at most.
+constexpr uint32_t MULTIPLIER = [] {
+  uint32_t multiplier = 1;
+  for (int tries = 0; tries < 1000 && !separates(multiplier); ++tries) multiplier += 0x9e3779b2u;
+  return multiplier;
+}();
+static_assert(separates(MULTIPLIER), "two keywords have the same marks: take in another letter");
+
+// Token numbers, 0 (which has no text) for free.
+constexpr auto NUMBERS = [] {
+  std::array<unsigned char, SLOTS> numbers{};
+  for (size_t i = 0; i < KEYWORDS; ++i) {
+    const std::string_view text = token_table[i].text;
+    numbers[slot_of(marks(text.data(), text.size()), MULTIPLIER)] =
+        static_cast<unsigned char>(token_table[i].number);
+  }
+  return numbers;
 }();
 
-bool equals(std::string_view keyword, const char* word, size_t length) {
-  if (keyword.size() != length) return false;
-  if (std::memcmp(keyword.data(), word, length) == 0) return true;  // mostly written so
-  for (size_t i = 0; i < length; ++i)
-    if (keyword[i] != word[i] && dd_fold(keyword[i]) != dd_fold(word[i])) return false;
+// The bytes of a keyword and its terminator as words, and the bits of them that count: of a letter
+// all but its case, of what follows the terminator none.
+struct pattern {
+  static constexpr size_t WORDS = DPARSE_KEYWORD_SIZE / sizeof(uint64_t);
+  std::array<uint64_t, WORDS> text{};
+  std::array<uint64_t, WORDS> counts{};
+};
+
+constexpr pattern pattern_of(std::string_view keyword) {
+  std::array<char, DPARSE_KEYWORD_SIZE> text{};
+  std::array<unsigned char, DPARSE_KEYWORD_SIZE> counts{};
+  for (size_t i = 0; i < keyword.size(); ++i) {
+    text[i] = keyword[i];
+    counts[i] = keyword[i] >= 'A' && keyword[i] <= 'Z' ? 0xdf : 0xff;
+  }
+  counts[keyword.size()] = 0xff;
+  return {std::bit_cast<decltype(pattern::text)>(text),
+          std::bit_cast<decltype(pattern::counts)>(counts)};
+}
+
+// By token number.
+constexpr auto PATTERNS = [] {
+  std::array<pattern, DPARSE_TOKEN_NUMBERS> patterns{};
+  for (size_t i = 0; i < patterns.size(); ++i) patterns[i] = pattern_of(TEXTS.of[i]);
+  return patterns;
+}();
+
+bool fits(const pattern& keyword, const char* padded) {
+  for (size_t i = 0; i < pattern::WORDS; ++i) {
+    uint64_t text;
+    std::memcpy(&text, padded + i * sizeof text, sizeof text);
+    if (((text ^ keyword.text[i]) & keyword.counts[i]) != 0) return false;
+  }
   return true;
 }
 
 }  // namespace
 
+int dparse_padded_keyword(const char* word, size_t length) {
+  const size_t number = NUMBERS[slot_of(marks(word, length), MULTIPLIER)];
+  return fits(PATTERNS[number], word) ? static_cast<int>(number) : DPARSE_TOKEN_WORD;
+}
+
 int dparse_keyword(const char* word, size_t length) {
+  char padded[DPARSE_KEYWORD_SIZE] = "";
   if (length == 0 || length > LONGEST) return DPARSE_TOKEN_WORD;
-  for (size_t slot = first_slot(word, length); SLOT_ROWS[slot] != 0; slot = (slot + 1) % SLOTS) {
-    const int number = token_table[SLOT_ROWS[slot] - 1u].number;
-    if (equals(TEXTS.of[static_cast<size_t>(number)], word, length)) return number;
-  }
-  return DPARSE_TOKEN_WORD;
+  std::memcpy(padded, word, length);
+  return dparse_padded_keyword(padded, length);
 }
 
 std::string_view dparse_keyword_text(int token) {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-// X(name, text, number) in stored order: the order of search, should two texts ever be alike.
+// X(name, text, number) in stored order; no two texts are alike.
 // The numbers are part of the language (one message shows them): never renumber.
 #define DPARSE_KEYWORDS(X)                        \
   X(POID, "POID", 1)                              \
@@ -103,6 +103,8 @@ enum {
 };
 enum { DPARSE_TOKEN_NUMBERS = 85 };  // all token numbers are below
 
+inline constexpr size_t DPARSE_KEYWORD_SIZE = 24;  // holds every keyword
+
 struct dparse_token_row {
   int number;
   const char* text;
@@ -110,9 +112,12 @@ struct dparse_token_row {
 // The keywords in stored order, ended by a row {0, null}.
 extern const dparse_token_row token_table[];
 
-// The number of the first keyword that equals the word without regard to case, or
-// DPARSE_TOKEN_WORD. Costs about one comparison.
+// The number of the keyword that equals the word without regard to case, or DPARSE_TOKEN_WORD.
+// Costs about one comparison.
 int dparse_keyword(const char* word, size_t length);
+// The same for a word of at least one character, terminated, in a buffer of DPARSE_KEYWORD_SIZE or
+// more.
+int dparse_padded_keyword(const char* word, size_t length);
 // The text of a keyword; empty for other tokens.
 std::string_view dparse_keyword_text(int token);
 // The type code that a type keyword stands for; TAV_FLDT_UNUSED for UINT and for all that is no
