@@ -17,16 +17,17 @@ int dparseIsDuplicateClass(dd_list* list, const char* name) {
   return found == nullptr ? 0 : dparse_fail(HERE, "Duplicate storable class in input: %s", name);
 }
 
-static int start(dparse_element& element, const char* name) {
+// A class of that name, or null with a message.
+static dd_flist start(const char* name) {
   tav_ebuf ebuf{};
-  element.list.reset(tav_flist_create(at(&ebuf, HERE)));
-  dd_set_text(element.list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
-  return dparse_done(HERE, ebuf);
+  dd_flist list(tav_flist_create(at(&ebuf, HERE)));
+  dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
+  return dparse_done(HERE, ebuf) < 1 ? nullptr : std::move(list);
 }
 
-static int append(dd_list& list, dparse_element& element) {
+static int append(dd_list& classes, dd_flist list) {
   tav_ebuf ebuf{};
-  list.append(std::move(element.list), at(&ebuf, HERE));
+  classes.append(std::move(list), at(&ebuf, HERE));
   return dparse_done(HERE, ebuf);
 }
 
@@ -34,10 +35,11 @@ static int append(dd_list& list, dparse_element& element) {
 static int read_interface(FILE* stream, dd_list& classes, const char* name) {
   if (dparseIsDuplicateClass(&classes, name) < 0)
     return dparse_fail(HERE, "Duplicate Class in input, %s", name);
-  dparse_element element{.list = nullptr, .block = &DPARSE_CLASS};
-  if (start(element, name) < 1) return -1;
+  dd_flist list = start(name);
+  if (list == nullptr) return -1;
+  dparse_element element{.list = list.get(), .block = &DPARSE_CLASS};
   if (dparse_read_block(stream, element) < 1) return -1;
-  return append(classes, element);
+  return append(classes, std::move(list));
 }
 
 // What each implementation's blocks may hold; the names are exact.
@@ -61,16 +63,16 @@ static int read_implementation(FILE* stream, dd_list& impls, const char* name, c
   if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
     return dparse_fail(HERE, "Duplicate storable class implementation");
   dparse_token token;
-  dparse_element element{.list = nullptr, .block = nullptr};
-  if (start(element, name) < 1) return -1;
+  dd_flist list = start(name);
+  if (list == nullptr) return -1;
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
     return dparse_fail(HERE, "implementation name expected");
-  element.block = block_of(token.text);
+  dparse_element element{.list = list.get(), .block = block_of(token.text)};
   if (element.block == nullptr) return dparse_fail(HERE, "unknown implementation %s", token.text);
   if (dparse_expect_open(stream) < 1) return -1;
   if (dparse_read_block(stream, element) < 1) return -1;
   if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
-  return append(impls, element);
+  return append(impls, std::move(list));
 }
 
 // class := STORABLE CLASS name ( "{" | IMPLEMENTATION ); STORABLE has been read.

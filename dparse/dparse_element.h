@@ -7,9 +7,10 @@
 #include "dparse/dparse_tokens.h"
 
 struct dparse_element {
-  dd_flist list;                           // owned until its parent takes it
+  tav_flist_t* list;                       // borrowed
   const dparse_block* block;               // what its braces may hold
   int32_t type = TAV_FLDT_UNUSED;          // of a field
+  int32_t entry_count = 0;                 // of the entries in it
   tav_flist_t* earlier = nullptr;          // field definition: the one of its name read before
   int token = 0;                           // field entry: the keyword that opened it,
   char keyword[DPARSE_KEYWORD_SIZE] = "";  // as it was written

@@ -23,12 +23,12 @@ static int find_earlier(dd_list& fields, dparse_element& definition, const char*
 static int read_head(FILE* stream, dd_list& fields, dparse_element& definition) {
   dparse_token token;
   tav_ebuf ebuf{};
-  dd_set_int(definition.list.get(), TAV_FLD_FIELD_TYPE, definition.type, at(&ebuf, HERE));
+  dd_set_int(definition.list, TAV_FLD_FIELD_TYPE, definition.type, at(&ebuf, HERE));
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
     return dparse_fail(HERE, "Class or field name expected");
   if (find_earlier(fields, definition, token.text) < 1)
     return dparse_fail(HERE, "Duplicate field %s in input, different type", token.text);
-  dd_set_text(definition.list.get(), TAV_FLD_FIELD_NAME, token.text, at(&ebuf, HERE));
+  dd_set_text(definition.list, TAV_FLD_FIELD_NAME, token.text, at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   // The small "e" of this one is deliberate.
   return dparse_take(stream, token, DPARSE_KEY_OPEN) ? 1 : dparse_fail(HERE, "{ expected");
@@ -37,13 +37,13 @@ static int read_head(FILE* stream, dd_list& fields, dparse_element& definition) 
 // field := type name "{" { ID number | DESCR string } "}"
 int dparse_read_field(FILE* stream, dd_list& fields, int type_token) {
   tav_ebuf ebuf{};
-  dparse_element definition{.list = dd_flist(tav_flist_create(at(&ebuf, HERE))),
-                            .block = &DPARSE_DEFINITION,
-                            .type = dparse_type_code(type_token)};
+  dd_flist list(tav_flist_create(at(&ebuf, HERE)));
+  dparse_element definition{
+      .list = list.get(), .block = &DPARSE_DEFINITION, .type = dparse_type_code(type_token)};
   if (dparse_done(HERE, ebuf) < 1) return -1;
   if (read_head(stream, fields, definition) < 1) return -1;
   if (dparse_read_block(stream, definition) < 1) return -1;
   if (definition.earlier != nullptr) return 1;  // a repeat is dropped
-  fields.append(std::move(definition.list), at(&ebuf, HERE));
+  fields.append(std::move(list), at(&ebuf, HERE));
   return dparse_done(HERE, ebuf);
 }

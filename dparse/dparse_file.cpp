@@ -3,6 +3,7 @@
 #include "dparse/dparse_definition.h"
 #include "dparse/dparse_lexer.h"
 #include "dparse/dparse_state.h"
+#include "dparse/dparse_stream.h"
 
 // definition := field | class
 int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
@@ -20,6 +21,7 @@ int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_lis
 }
 
 static bool at_end(FILE* stream) {
+  if (!dparse_read_ahead(stream).empty()) return false;
   const int c = dparse_fgetc(stream);
   dparse_ungetc(c, stream);
   return c == EOF;

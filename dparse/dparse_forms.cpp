@@ -13,17 +13,17 @@
 static constexpr char MODULE[] = "dparse";
 
 int dparse_read_text(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  char text[DPARSE_TEXT_SIZE];
-  if (dparseString(stream, text, sizeof text) < 1) return -1;
-  return dparse_store_text(element, row.field, text);
+  dparse_token value;
+  if (dparse_read_string(stream, value) < 1) return -1;
+  return dparse_store_text(element, row.field, value.text);
 }
 
 int dparse_read_quoted_number(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  char text[DPARSE_TEXT_SIZE];
+  dparse_token value;
   int32_t number;
-  if (dparseString(stream, text, sizeof text) < 1) return -1;
-  if (!dparse_to_number(text, number))
-    return dparse_fail(HERE, row.refused, text, dparse_text_of(element, TAV_FLD_NAME));
+  if (dparse_read_string(stream, value) < 1) return -1;
+  if (!dparse_to_number(value.text, number))
+    return dparse_fail(HERE, row.refused, value.text, dparse_text_of(element, TAV_FLD_NAME));
   return dparse_store_number(element, row.field, number);
 }
 
@@ -45,9 +45,10 @@ template <class Fits>
 static const dparse_word* read_choice(FILE* stream, const dparse_attribute& row, Fits fits) {
   dparse_token token;
   if (dparse_expect_equals(stream) < 1) return nullptr;
-  const bool quoted = dparse_next(stream, token) == DPARSE_TOKEN_STRING;
+  const int number = dparse_next(stream, token);
+  const bool quoted = number == DPARSE_TOKEN_STRING;
   const dparse_word* word = dparse_find_word(row.words, [&](const dparse_word& known) {
-    return quoted ? fits(known.text, token.text) : known.token == token.number;
+    return quoted ? fits(known.text, token.text) : known.token == number;
   });
   if (word == nullptr) {
     const char* message = quoted || row.expected == nullptr ? row.refused : row.expected;
@@ -122,12 +123,11 @@ static int compare_id(const dparse_element& definition, int32_t id, const char* 
 int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attribute& row) {
   int32_t id;
   if (read_bare(stream, row, id) < 1 || id == 0) return -1;
+  if (definition.earlier == nullptr) return dparse_store_number(definition, row.field, id);
   const char* name = dparse_text_of(definition, TAV_FLD_FIELD_NAME);
-  if (definition.earlier != nullptr && compare_id(definition, id, name) < 1) {
-    dparse_fail(HERE, "Duplicate Field %s, with different id", name);
-    return 0;
-  }
-  return dparse_store_number(definition, row.field, id);
+  if (compare_id(definition, id, name) > 0) return 1;
+  dparse_fail(HERE, "Duplicate Field %s, with different id", name);
+  return 0;
 }
 
 // order := "=" word ";" ; the library knows what a decimal is.
@@ -139,7 +139,7 @@ int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attrib
   tav_ebuf ebuf{};
   dd_decimal order(tav_decimal(token.text, at(&ebuf, HERE)));
   if (dd_failed(ebuf)) return dparse_fail(HERE, row.refused, token.text);
-  dd_put(element.list.get(), row.field, 0, std::move(order), at(&ebuf, HERE));
+  dd_put(element.list, row.field, 0, std::move(order), at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   return dparse_expect_semicolon(stream);
 }

@@ -81,8 +81,7 @@ int dparse_fail_as(dd_site site, const char* recorded, const char* format, ...) 
   return -1;
 }
 
-int dparse_done(dd_site site, const tav_ebuf& ebuf) {
-  if (!dd_failed(ebuf)) return 1;
+int dparse_call_failed(dd_site site, const tav_ebuf& ebuf) {
   dparse_note("%s", DPARSE_INTERNAL_ERROR);
   dd_log(site, dparse_emsg_temp, ebuf);
   return -1;

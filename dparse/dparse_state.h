@@ -19,7 +19,11 @@ void dparse_note(const char* format, ...) TAV_PRINTF(1, 2);
 int dparse_fail(dd_site site, const char* format, ...) TAV_PRINTF(2, 3);
 // Records one text and logs another; gives -1.
 int dparse_fail_as(dd_site site, const char* recorded, const char* format, ...) TAV_PRINTF(3, 4);
-// Gives 1, or, when the buffer holds an error, -1 with the internal error recorded and logged.
-int dparse_done(dd_site site, const tav_ebuf& ebuf);
+// Records and logs the internal error that the buffer holds; gives -1.
+int dparse_call_failed(dd_site site, const tav_ebuf& ebuf);
+// Gives 1, or -1 with that failure when the buffer holds an error.
+inline int dparse_done(dd_site site, const tav_ebuf& ebuf) {
+  return dd_failed(ebuf) ? dparse_call_failed(site, ebuf) : 1;
+}
 
 #endif

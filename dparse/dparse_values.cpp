@@ -1,5 +1,6 @@
 #include "dparse/dparse_values.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,24 +10,29 @@
 
 static constexpr char MODULE[] = "dparse";
 
-// Appends the strings that stand next to each other; the token after them is left in `token`.
-static int gather(FILE* stream, dparse_token& token, char* output, size_t size) {
-  size_t length = 0;
-  for (; token.number == DPARSE_TOKEN_STRING; dparse_next(stream, token)) {
-    if (size <= length + token.length)
-      return dparse_fail(HERE, "Buffer overflow, tokens cannot exceed 2048 characters, parsing %s",
-                         output);
-    std::memcpy(output + length, token.text, token.length + 1);
-    length += token.length;
+static int too_long(const char* value) {
+  return dparse_fail(HERE, "Buffer overflow, tokens cannot exceed 2048 characters, parsing %s",
+                     value);
+}
+
+// Appends the strings that stand next to it to the value; gives the number of the token after them.
+static int gather(FILE* stream, dparse_token& value, size_t size) {
+  dparse_token next;
+  int number;
+  while ((number = dparse_next_string(stream, next)) == DPARSE_TOKEN_STRING) {
+    if (size <= value.length + next.length) return too_long(value.text);
+    std::memcpy(value.text + value.length, next.text, next.length + 1);
+    value.length += next.length;
   }
-  return 1;
+  return number;
 }
 
 // Makes \n and \t real, in place; a backslash before anything else stays with what follows it.
-static void unescape(char* text) {
-  const char* from = std::strchr(text, '\\');
-  if (from == nullptr) return;
-  char* to = text + (from - text);
+static void unescape(dparse_token& value) {
+  const void* first = std::memchr(value.text, '\\', value.length);
+  if (first == nullptr) return;
+  const char* from = static_cast<const char*>(first);
+  char* to = value.text + (from - value.text);
   while (*from != '\0') {
     if (from[0] != '\\' || from[1] == '\0') {
       *to++ = *from++;
@@ -39,26 +45,46 @@ static void unescape(char* text) {
     }
   }
   *to = '\0';
+  value.length = static_cast<size_t>(to - value.text);
 }
 
 // string := "=" '"text"' { '"text"' } ";"
-int dparseString(FILE* stream, char* output, size_t size) {
-  char internal[DPARSE_TEXT_SIZE];
-  if (output == nullptr) size = sizeof internal;
-  if (output == nullptr || size == 0) output = internal;
-  output[0] = '\0';
-  dparse_token token;
+static int read_string(FILE* stream, dparse_token& value, size_t size) {
   if (dparse_expect_equals(stream) < 1) return -1;
-  if (!dparse_take(stream, token, DPARSE_TOKEN_STRING))
-    return dparse_fail(HERE, "Quoted string (ie, \"abc\") expected instead of '%s'", token.text);
-  if (gather(stream, token, output, size) < 1) return -1;
-  unescape(output);
-  if (token.number != DPARSE_KEY_SEMICOLON)
-    return dparse_fail(HERE, "; expected after parsing string %s,", output);
-  return 1;
+  if (dparse_next_string(stream, value) != DPARSE_TOKEN_STRING)
+    return dparse_fail(HERE, "Quoted string (ie, \"abc\") expected instead of '%s'", value.text);
+  if (size <= value.length) return too_long("");
+  const bool ended = dparse_take_semicolon_ahead(stream);
+  const int next = ended ? DPARSE_KEY_SEMICOLON : gather(stream, value, size);
+  if (next < 0) return -1;
+  unescape(value);
+  if (next == DPARSE_KEY_SEMICOLON) return 1;
+  return dparse_fail(HERE, "; expected after parsing string %s,", value.text);
+}
+
+int dparse_read_string(FILE* stream, dparse_token& value) {
+  return read_string(stream, value, sizeof value.text);
+}
+
+int dparseString(FILE* stream, char* output, size_t size) {
+  dparse_token value;
+  if (output == nullptr) return dparse_read_string(stream, value);
+  const int result = read_string(stream, value, std::min(size, sizeof value.text));
+  if (size > 0) tav_strlcpy(output, result < 1 ? "" : value.text, size);
+  return result;
+}
+
+// Whether the text is a few digits and nothing else, as nearly all numbers are.
+static bool is_plain(const char* text, int32_t& number) {
+  constexpr int FEW = 9;
+  const char* at = text;
+  number = 0;
+  for (; *at >= '0' && *at <= '9' && at - text < FEW; ++at) number = number * 10 + (*at - '0');
+  return at > text && *at == '\0';
 }
 
 bool dparse_to_number(const char* text, int32_t& number) {
+  if (is_plain(text, number)) return true;
   char* end;
   number = static_cast<int32_t>(static_cast<uint32_t>(std::strtol(text, &end, 10)));
   return end != text;
@@ -106,8 +132,9 @@ int dparseReadWriteAccessLevel(FILE* stream, char* output, size_t) {
   dparse_token token;
   output[0] = '\0';
   if (dparse_expect_equals(stream) < 1) return -1;
-  const bool quoted = dparse_next(stream, token) == DPARSE_TOKEN_STRING;
-  const int level = quoted ? quoted_level(token.text) : token.number;
+  const int number = dparse_next(stream, token);
+  const bool quoted = number == DPARSE_TOKEN_STRING;
+  const int level = quoted ? quoted_level(token.text) : number;
   const dparse_word* word = dparse_word_of_token(DPARSE_ACCESS_LEVELS, level);
   if (word == nullptr) {
     if (quoted && level == DPARSE_KEY_ANY)

@@ -4,6 +4,9 @@
 
 #include "dparse/dparse_lexer.h"
 
+// = "text" "more text";  The value, \n and \t made real: 1, or -1 with a message.
+int dparse_read_string(FILE* stream, dparse_token& value);
+
 // Converts leading decimal digits (blanks and a sign before them are allowed), cut to 32 bits; says
 // whether there were any.
 bool dparse_to_number(const char* text, int32_t& number);

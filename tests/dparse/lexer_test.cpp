@@ -2,17 +2,20 @@
 
 #include <strings.h>
 
-#include "dparse/dparse.h"
+#include "dparse/dparse_lexer.h"
 #include "language.h"
 
-static std::string tokens(const std::string& text, bool buffered) {
+using token_reader = int(FILE* stream, char* text, size_t size);
+
+static std::string tokens(const std::string& text, bool buffered,
+                          token_reader* read = dparseGetToken) {
   const file stream = stream_of(text, buffered);
   char token[DPARSE_TEXT_SIZE];
   std::string all;
   dparse_lineno = 1;
   dparse_errmsg[0] = '\0';
   for (;;) {
-    const int number = dparseGetToken(stream.get(), token, sizeof token);
+    const int number = read(stream.get(), token, sizeof token);
     all += std::to_string(number) + ":" + token + " ";
     if (number == DPARSE_TOKEN_EOF) return all + reader_error();
   }
@@ -50,6 +53,25 @@ TEST(Lexer, Tokens) {
     EXPECT_EQ(tokens(text, false), expected);
   }
   take_log();
+}
+
+static int next_string(FILE* stream, char* text, size_t size) {
+  dparse_token token;
+  const int number = dparse_next_string(stream, token);
+  EXPECT_EQ(tav_strlcpy(text, token.text, size), token.length);
+  return number;
+}
+
+// Tokens with enough behind them are taken whole from what was read ahead.
+TEST(Lexer, TokensAheadAreThoseReadByCharacter) {
+  for (const unsigned size : {1u, 17u, 18u, 23u, 24u, 31u, 32u, 33u, 2045u, 2046u, 2047u, 2048u}) {
+    const std::string word(size, 'w');
+    const std::string nul(1, '\0');
+    const std::string text = "\"" + word + "\"" + word + "=Descr\r\n# \"\n\v\"" + word + "\n\"x{" +
+                             word + nul + word + "#;}\"" + word + nul + word + "\"" +
+                             std::string(40, ' ');
+    EXPECT_EQ(tokens(text, true, next_string), tokens(text, false)) << size;
+  }
 }
 
 TEST(Lexer, WhatEndsAWordIsPushedBackUncounted) {
