@@ -53,37 +53,44 @@ void make_free(slot& s, size_t place) {
   }
 }
 
-// Leaves word in the guide of where the field comes to stand.
-void guide_to(tav_node& node, uint32_t field, unsigned at) {
+// Another field stands or stood in the same place of the guide.
+[[gnu::noinline]] void share_guide_place(tav_node& node, uint32_t field, unsigned at) {
   const unsigned place = guide_place(field);
-  if (const unsigned before = guided(node, field)) {
-    const slot* other = before != ANYWHERE ? &guided_slot(node, before) : nullptr;
-    if (other == nullptr || (!other->is_free() && guide_place(other->field()) == place)) {
-      at = ANYWHERE;
-    }
-    node.guide &= ~(uint64_t{15} << place);
-  }
-  node.guide |= uint64_t{at} << place;
+  const unsigned before = guided(node, field);
+  const slot* other = before != ANYWHERE ? &guided_slot(node, before) : nullptr;
+  const bool is_taken = other != nullptr && !other->is_free();
+  if (other == nullptr || (is_taken && guide_place(other->field()) == place)) at = ANYWHERE;
+  node.guide = (node.guide & ~(uint64_t{15} << place)) | uint64_t{at} << place;
+}
+
+// Leaves word in the guide of where the field comes to stand.
+inline void guide_to(tav_node& node, uint32_t field, unsigned at) {
+  if (guided(node, field) != 0) return share_guide_place(node, field, at);
+  node.guide |= uint64_t{at} << guide_place(field);
 }
 
 // What the guide says of a slot of that segment.
-unsigned guide_of(const tav_node& node, const segment& run, size_t index) {
+inline unsigned guide_of(const tav_node& node, const segment& run, size_t index) {
   const bool is_first = &run == &node.first;
   const size_t at = is_first ? index + 1 : index + FURTHER;
   const bool is_told = is_first ? at < FURTHER : at < ANYWHERE && &run == node.first.next;
   return is_told ? static_cast<unsigned>(at) : ANYWHERE;
 }
 
+[[gnu::noinline]] segment& add_segment(segment& last, size_t room) {
+  return *(last.next = new_segment(std::max(FURTHER_ROOM, room)));
+}
+
 // The segment with room for one more slot with a place of that size.
-segment& segment_with_room(tav_node& node, size_t place) {
+inline segment& segment_with_room(tav_node& node, size_t place) {
   segment* last = &node.first;
   while (last->next != nullptr) last = last->next;
-  if (room_in(*last) >= sizeof(slot) + place) return *last;
-  return *(last->next = new_segment(std::max(FURTHER_ROOM, sizeof(slot) + place)));
+  const size_t room = sizeof(slot) + place;
+  return room_in(*last) >= room ? *last : add_segment(*last, room);
 }
 
 // A slot for the field with a place of that size, which whoever calls fills.
-slot& append(tav_node& node, uint32_t field, size_t place) {
+inline slot& append(tav_node& node, uint32_t field, size_t place) {
   segment& run = segment_with_room(node, place);
   const uint32_t index = run.count++;
   slot& fresh = run.begin()[index];
@@ -219,14 +226,20 @@ slot* search_slot(tav_node& node, uint32_t field) {
   return nullptr;
 }
 
-void set_value(tav_node& node, uint32_t field, const void* value) {
-  const size_t size = value_size(field, value);
-  if (guided(node, field) == 0 && size <= LARGEST_INSIDE) {  // nearly always
-    return fill_inside(append(node, field, place_for(field, size)), field, value, size);
-  }
+// A value that is there, too large, or of a field that shares its place in the guide.
+[[gnu::noinline]] static void set_other(tav_node& node, uint32_t field, const void* value,
+                                        size_t size) {
   slot* s = find_slot(node, field);
   if (s == nullptr) s = &slot_for_new(node, field, place_for(field, size));
   fill(*s, field, value, size);
+}
+
+void set_value(tav_node& node, uint32_t field, const void* value) {
+  const size_t size = value_size(field, value);
+  if (guided(node, field) != 0 || size > LARGEST_INSIDE) {
+    return set_other(node, field, value, size);
+  }
+  fill_inside(append(node, field, place_for(field, size)), field, value, size);
 }
 
 slot& slot_for_elements(tav_node& node, uint32_t field) {
