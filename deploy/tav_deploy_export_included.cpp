@@ -58,10 +58,10 @@ int tav_deploy_get_include_class_fields(dparse_outline& classes, const dparse_ou
   tav_ebuf ebuf{};
   for (dparse_outline_entry& entry : dparse_entries_of(classes, of)) {
     if (entry.entry == nullptr) {
-      tav_deploy_call_failed(HERE, classes.failure);
+      ebuf = classes.failure;
+    } else if (include_field(entry, included, fields, ctx, &ebuf) < 1) {
       return fail_all(entry.depth);
     }
-    if (include_field(entry, included, fields, ctx, &ebuf) < 1) return fail_all(entry.depth);
     if (dd_failed(ebuf)) {
       tav_deploy_call_failed(HERE, ebuf);
       return fail_all(entry.depth);

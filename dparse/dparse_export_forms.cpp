@@ -33,7 +33,8 @@ static void put_quoted_number(dparse_writing& writing, const dparse_attribute& r
   dparse_begin_line(writing.out, row.token, writing.indent);
   dparse_put(writing.out, "\"");
   dparse_put_number(writing.out, value);
-  dparse_put(writing.out, "\";\n");
+  dparse_put(writing.out, "\"");
+  dparse_end_line(writing.out);
 }
 
 void dparse_write_text(dparse_writing& writing, const dparse_attribute& row, const void* value) {

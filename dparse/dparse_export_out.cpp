@@ -128,7 +128,8 @@ void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1
 static void end_quoted(dparse_out& out, const char* value) {
   dparse_put(out, "\"");
   put_escaped(out, value);
-  dparse_put(out, "\";\n");
+  dparse_put(out, "\"");
+  dparse_end_line(out);
 }
 
 void dparse_begin_line(dparse_out& out, int keyword, int indent) {

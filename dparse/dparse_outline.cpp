@@ -5,24 +5,21 @@
 
 static constexpr char MODULE[] = "dparse_export";
 
-static void add(dparse_outline& outline, tav_flist_t* entry, size_t depth) {
-  tav_ebuf ebuf{};  // who needs a name asks again for one that is not there
-  const char* name =
-      entry != nullptr ? dd_text_or_null(entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE)) : nullptr;
-  outline.entries.push_back({entry, name, static_cast<int32_t>(depth), DPARSE_TYPE_NOT_KNOWN});
-}
-
 // The entries that are open are kept in a vector, not on the stack: the dictionary decides how deep
 // they nest.
 static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth) {
   std::vector<dd_walk> levels{{parent, TAV_FLD_OBJ_ELEM}};
   while (!levels.empty()) {
-    tav_flist_t* entry = levels.back().next(at(&outline.failure, HERE));
-    if (entry == nullptr && !dd_failed(outline.failure)) {
+    tav_ebuf* ebuf = at(&outline.failure, HERE);
+    tav_flist_t* entry = levels.back().next(ebuf);
+    if (entry == nullptr && !dd_failed(*ebuf)) {
       levels.pop_back();
       continue;
     }
-    add(outline, entry, static_cast<size_t>(depth) + levels.size() - 1);
+    const char* name = dd_text_or_null(entry, TAV_FLD_FIELD_NAME, ebuf);
+    if (dd_failed(*ebuf)) entry = nullptr;
+    const auto here = static_cast<int32_t>(levels.size()) + depth - 1;
+    outline.entries.push_back({entry, name, here, DPARSE_TYPE_NOT_KNOWN});
     if (entry == nullptr) return;
     levels.emplace_back(entry, TAV_FLD_OBJ_ELEM);
   }

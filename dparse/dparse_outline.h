@@ -1,7 +1,7 @@
 // The classes of a list with their field entries at every depth, walked once for all that go
 // through them: in the order in which they are written, each entry before those inside it.
 //
-// A failed walk ends the outline. Whoever goes through it meets the failure where the walk did.
+// A failure ends the walk and the outline. Whoever goes through it meets the failure in that place.
 #ifndef DPARSE_DPARSE_OUTLINE_H
 #define DPARSE_DPARSE_OUTLINE_H
 
