@@ -1,7 +1,6 @@
 // The mode `class`.
 #include "dd/report.h"
 #include "dd/values.h"
-#include "dd/walk.h"
 #include "deploy/tav_deploy_export.h"
 #include "deploy/tav_deploy_report.h"
 #include "deploy/tav_deploy_tcm.h"
@@ -9,27 +8,24 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-static int gather(tav_flist_t* classes, dd_list& included, dd_list& fields,
+static int gather(dparse_outline& classes, tav_deploy_included& included, dd_list& fields,
                   const tav_deploy_ctx_t& ctx) {
-  tav_ebuf ebuf{};
-  included.give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
-  dd_walk walk(classes, TAV_FLD_OBJ_DESC);
-  while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
-    if (tav_deploy_get_include_class_fields(stdout, storable, included, fields, ctx) < 1) {
+  for (const dparse_outline_class& of : classes.classes) {
+    if (of.element == nullptr) return tav_deploy_call_failed(HERE, classes.failure);
+    if (tav_deploy_get_include_class_fields(classes, of, included, fields, ctx) < 1) {
       return tav_deploy_fail(HERE, "Unable to include fields in class during export",
                              "Error: Unable to include fields in class during export\n");
     }
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return 1;
 }
 
-static int write_used_fields(tav_flist_t* classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
-  dd_list included(DD_FIELDS);
+static int write_used_fields(dparse_outline& classes, dd_list& fields,
+                             const tav_deploy_ctx_t& ctx) {
+  tav_deploy_included included;
   if (gather(classes, included, fields, ctx) < 1) return -1;
   tav_ebuf ebuf{};
-  const int result = dparseExportInterfaceFields(stdout, included.get(), &ebuf);
-  included.leave();
-  if (result >= 1) return 1;
+  if (dparseExportInterfaceFields(stdout, included.fields, &ebuf) >= 1) return 1;
   return tav_deploy_fail(HERE, "Unable to export Interface fields",
                          "Error: Unable to export interface fields\n");
 }
@@ -47,7 +43,7 @@ static int implementations_failed(const tav_ebuf& ebuf) {
   return -1;
 }
 
-static int write_classes(tav_flist_t* classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
+static int write_classes(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
   const bool interfaces = ctx.export_interface != 0 || ctx.export_impl == 0;
   if (interfaces && dparseExportInterfaceClasses(stdout, &fields, classes, &ebuf) < 1) {
@@ -60,7 +56,7 @@ static int write_classes(tav_flist_t* classes, dd_list& fields, const tav_deploy
   return 1;
 }
 
-static int write_all(tav_flist_t* classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
+static int write_all(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
   const bool with_fields = ctx.select_custom != 0 || ctx.select_predefined != 0;
   if (with_fields && write_used_fields(classes, fields, ctx) < 1) {
     return tav_deploy_fail(HERE, "ERROR attempting to export class fields",
@@ -87,7 +83,8 @@ int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
                            "Error: attempting to retrieve storable classes from Quorvale Server\n");
   }
   dd_list dictionary(DD_FIELDS, std::move(fields));
-  const int result = write_all(classes.get(), dictionary, *ctx) < 1 ? -1 : found;
+  dparse_outline outline = dparse_outline_classes(classes.get(), ebuf);
+  const int result = write_all(outline, dictionary, *ctx) < 1 ? -1 : found;
   dd_leave(std::move(classes));
   dictionary.leave();
   return result;

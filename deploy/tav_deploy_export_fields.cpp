@@ -1,7 +1,6 @@
 // The mode `field`.
 #include <utility>
 
-#include "dd/leave.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -24,25 +23,20 @@ bool tav_deploy_is_written() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
-// Leaves only the selected fields, numbered 0, 1, 2, ... in their order.
-static int filter(dd_flist& fields, const tav_deploy_ctx_t& ctx) {
+// Gathers the selected fields, borrowed.
+static int filter(tav_flist_t* fields, std::vector<tav_flist_t*>& selected,
+                  const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
-  dd_flist kept(tav_flist_create(at(&ebuf, HERE)));
-  dd_walk walk(fields.get(), TAV_FLD_FIELD);
-  while (dd_flist field = walk.take(at(&ebuf, HERE))) {
-    if (tav_deploy_is_selected(field.get(), ctx, at(&ebuf, HERE))) {
-      dd_append(kept.get(), TAV_FLD_FIELD, std::move(field), at(&ebuf, HERE));
-    }
+  dd_walk walk(fields, TAV_FLD_FIELD);
+  while (tav_flist_t* field = walk.next(at(&ebuf, HERE))) {
+    if (tav_deploy_is_selected(field, ctx, at(&ebuf, HERE))) selected.push_back(field);
   }
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
-  fields = std::move(kept);
-  return 1;
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
 
 // 1 when every field asked for was fetched, else 0.
-static int report_unknown(tav_flist_t* fields, const tav_deploy_ctx_t& ctx) {
+static int report_unknown(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
-  dd_list fetched(DD_FIELDS, fields);
   if (fetched.count(at(&ebuf, HERE)) == ctx.name_count) return 1;
   int result = 1;
   for (int32_t i = 0; i < ctx.name_count; ++i) {
@@ -53,7 +47,8 @@ static int report_unknown(tav_flist_t* fields, const tav_deploy_ctx_t& ctx) {
   return result;
 }
 
-static int write_fields(tav_flist_t* fields) {
+template <class Fields>
+static int write_fields(const Fields& fields) {
   tav_ebuf ebuf{};
   if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && tav_deploy_is_written()) return 1;
   return tav_deploy_fail(HERE, "ERROR attempting to export fields to stdout",
@@ -73,12 +68,15 @@ int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
                            "Error: attempting to retrieve %s fields from Quorvale Server\n",
                            named ? "selected" : "all");
   }
-  if (!named && filter(fields, *ctx) < 1) {
+  dd_list fetched(DD_FIELDS, std::move(fields));
+  std::vector<tav_flist_t*> selected;
+  const bool selects = !named && ctx->select_custom != ctx->select_predefined;
+  if (selects && filter(fetched.get(), selected, *ctx) < 1) {
     return tav_deploy_fail(HERE, "ERROR attempting to filter field list",
                            "Error: Internal Error\n");
   }
-  const int result = named ? report_unknown(fields.get(), *ctx) : 1;
-  const int written = write_fields(fields.get());
-  dd_leave(std::move(fields));
+  const int result = named ? report_unknown(fetched, *ctx) : 1;
+  const int written = selects ? write_fields(selected) : write_fields(fetched.get());
+  fetched.leave();
   return written < 1 ? -1 : result;
 }

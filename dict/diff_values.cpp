@@ -50,7 +50,7 @@ static std::string value_in(std::string_view lines, std::string_view keyword) {
 
 static written write_value(const element& of, const dparse_attribute& row, tav_ebuf* ebuf) {
   const void* value = tavi_flist_get(of.list, row.field, 0, 1, 0, ebuf);
-  dparse_out out{nullptr, {}};
+  dparse_out out(nullptr);
   dparse_writing writing{out, of.name, 0, ebuf};
   if (&of.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {
     dparse_put_sql_names(out, of.type, static_cast<const char*>(value), nullptr, 0);
@@ -58,7 +58,7 @@ static written write_value(const element& of, const dparse_attribute& row, tav_e
     row.form->write(writing, row, value);
   }
   const bool is_text = DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_STRING;
-  std::string text = value_in(out.text, dparse_keyword_text(row.token));
+  std::string text = value_in(dparse_gathered(out), dparse_keyword_text(row.token));
   const bool is_given = is_text ? !text.empty() : value != nullptr;
   return {std::move(text), is_given};
 }

@@ -10,6 +10,7 @@
 
 #include "dd/list.h"
 #include "dd/vantor.h"
+#include "dparse/dparse_outline.h"
 
 // --- Lists ------------------------------------------------------------------------------------
 // `ebuf` is the caller's error buffer; it is clear when the whole list was written. `field_list`
@@ -19,6 +20,12 @@ int dparseExportInterfaceFields(FILE* stream, tav_flist_t* field_list, tav_ebuf*
 int dparseExportInterfaceClasses(FILE* stream, dd_list* field_list, tav_flist_t* class_list,
                                  tav_ebuf* ebuf);
 int dparseExportImplClasses(FILE* stream, dd_list* field_list, tav_flist_t* class_list,
+                            tav_ebuf* ebuf);
+// The same of fields and classes that were gathered already.
+int dparseExportInterfaceFields(FILE* stream, std::span<tav_flist_t* const> fields, tav_ebuf* ebuf);
+int dparseExportInterfaceClasses(FILE* stream, dd_list* field_list, dparse_outline& classes,
+                                 tav_ebuf* ebuf);
+int dparseExportImplClasses(FILE* stream, dd_list* field_list, dparse_outline& classes,
                             tav_ebuf* ebuf);
 
 // The field entries of a class or of an entry, at that depth (1 for those of a class), with all

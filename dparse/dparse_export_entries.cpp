@@ -1,29 +1,26 @@
-// Field entries. The entries that are open are kept in a vector, not on the stack: the dictionary
-// decides how deep they nest.
+// Field entries.
 #include "dparse/dparse_export_entries.h"
-
-#include <vector>
 
 #include "dd/report.h"
 #include "dd/values.h"
-#include "dd/walk.h"
 #include "dparse/dparse_export.h"
 #include "dparse/dparse_export_sql.h"
 #include "dparse/dparse_export_types.h"
 
 static constexpr char MODULE[] = "dparse_export";
 
-static void write_interface_entry(dparse_writing& writing, const dparse_values& values, int) {
-  dparse_write_values(writing, values, DPARSE_IN_ENTRY);
+static void write_interface_entry(dparse_writing& writing, const dparse_place& place,
+                                  const dparse_values& values, int) {
+  dparse_write_values(writing, values, place);
 }
 
 // A type without storage is told, and its block stays empty: deliberate.
-static void write_implementation_entry(dparse_writing& writing, const dparse_values& values,
-                                       int type_code) {
-  const auto text = [&values](uint32_t field) {
+static void write_implementation_entry(dparse_writing& writing, const dparse_place& place,
+                                       const dparse_values& values, int type_code) {
+  const auto text = [&](uint32_t field) {
     size_t i = 0;
-    while (values.rows[i]->field != field) ++i;
-    return static_cast<const char*>(values.values[i]);
+    while (place.rows[i]->field != field) ++i;
+    return static_cast<const char*>(values.of[i]);
   };
   dparse_put_sql_names(writing.out, type_code, text(TAV_FLD_SQL_TABLE), text(TAV_FLD_SQL_STORAGE),
                        writing.indent);
@@ -43,74 +40,66 @@ static int unknown_type(dparse_out& out, const char* name, const tav_ebuf& ebuf)
 }
 
 static void write_banner(dparse_out& out, int depth) {
-  out.text += '\n';
+  dparse_put(out, "\n");
   dparse_put_banner(out, 20, depth, "Fields", nullptr);
-  out.text += '\n';
+  dparse_put(out, "\n");
 }
 
 // All of an entry before its own entries.
-static int write_entry(dparse_out& out, dd_list* field_list, tav_flist_t* entry, int depth,
-                       const dparse_side& side, tav_ebuf* ebuf) {
-  const char* name = dd_required_text(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
+static int write_entry(dparse_exporting& to, dparse_outline_entry& of) {
+  tav_ebuf ebuf{};
+  dparse_out& out = to.out;
+  const char* name = of.name != nullptr
+                         ? of.name
+                         : dd_required_text(of.entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
   dparse_values values;
-  dparse_get_values(values, entry, side.in_entry, ebuf);
-  if (dd_failed(*ebuf)) return dparse_export_list_failed(out, HERE, *ebuf);
-  const int type = dparse_find_type(out, field_list, name);
-  if (type == -1) return unknown_type(out, name, *ebuf);
-  dparse_put_tabs(out, depth);
-  if (dparse_put_head(out, type, name) < 1) return -1;
-  dparse_writing writing{out, name, depth + 1, ebuf};
-  side.write_entry(writing, values, type);
-  if (dd_failed(*ebuf)) return dparse_export_list_failed(out, HERE, *ebuf);
-  dparse_flush_large(out);
-  return 1;
+  dparse_get_values(values, of.entry, to.in_entry, &ebuf);
+  if (dd_failed(ebuf)) return dparse_export_list_failed(out, HERE, ebuf);
+  if (of.type == DPARSE_TYPE_NOT_KNOWN) of.type = dparse_find_type(out, to.field_list, name);
+  if (of.type == DPARSE_TYPE_NOT_KNOWN) return unknown_type(out, name, ebuf);
+  dparse_put_tabs(out, of.depth);
+  if (dparse_put_head(out, of.type, name) < 1) return -1;
+  dparse_writing writing{out, name, of.depth + 1, &ebuf};
+  to.side.write_entry(writing, to.in_entry, values, of.type);
+  return dd_failed(ebuf) ? dparse_export_list_failed(out, HERE, ebuf) : 1;
 }
 
-static void close_entry(dparse_out& out, int depth) {
-  dparse_put_tabs(out, depth);
-  out.text.append("}\n\n");
-  dparse_flush_large(out);
+static void close_entries(dparse_out& out, int& open, int depth) {
+  for (; open >= depth; --open) {
+    dparse_put_tabs(out, open);
+    dparse_put(out, "}\n\n");
+  }
 }
 
 // The failure of an entry is one of each entry around it.
-static int fail_all(dparse_out& out, size_t levels, const dparse_side& side) {
-  for (; levels > 1; --levels) dparse_export_fail(out, HERE, side.failed);
+static int fail_all(dparse_exporting& to, int levels) {
+  for (; levels > 0; --levels) dparse_export_fail(to.out, HERE, to.side.failed);
   return -1;
 }
 
-int dparse_write_entries(dparse_out& out, dd_list* field_list, tav_flist_t* parent, int depth,
-                         const dparse_side& side) {
-  tav_ebuf ebuf{};
-  std::vector<dd_walk> levels{{parent, TAV_FLD_OBJ_ELEM}};
-  bool first = true;
-  for (;;) {
-    tav_flist_t* entry = levels.back().next(at(&ebuf, HERE));
-    const int here = depth + static_cast<int>(levels.size()) - 1;
-    if (entry != nullptr) {
-      if (first) write_banner(out, here);
-      if (write_entry(out, field_list, entry, here, side, &ebuf) < 1)
-        return fail_all(out, levels.size(), side);
-      levels.emplace_back(entry, TAV_FLD_OBJ_ELEM);
-      first = true;
-      continue;
+int dparse_write_entries(dparse_exporting& to, std::span<dparse_outline_entry> entries, int depth,
+                         const tav_ebuf& failure) {
+  int open = depth - 1;  // the depth of the innermost entry that is open
+  for (dparse_outline_entry& of : entries) {
+    const bool is_first = of.depth > open;
+    close_entries(to.out, open, of.depth);
+    if (of.entry == nullptr) {
+      dparse_export_list_failed(to.out, HERE, failure);
+      return fail_all(to, of.depth - depth);
     }
-    if (dd_failed(ebuf)) {
-      dparse_export_list_failed(out, HERE, ebuf);
-      return fail_all(out, levels.size(), side);
-    }
-    levels.pop_back();
-    if (levels.empty()) return 1;
-    close_entry(out, here - 1);
-    first = false;
+    if (is_first) write_banner(to.out, of.depth);
+    if (write_entry(to, of) < 1) return fail_all(to, of.depth - depth);
+    open = of.depth;
   }
+  close_entries(to.out, open, depth);
+  return 1;
 }
 
 static int export_entries(FILE* stream, dd_list* field_list, tav_flist_t* parent, int depth,
                           const dparse_side& side) {
-  dparse_out out{stream, {}};
-  const int result = dparse_write_entries(out, field_list, parent, depth, side);
-  dparse_flush(out);
-  return result;
+  dparse_exporting to(stream, field_list, side);
+  dparse_outline outline = dparse_outline_entries(parent, depth);
+  return dparse_write_entries(to, outline.entries, depth, outline.failure);
 }
 
 int dparseExportClassFields(FILE* stream, dd_list* field_list, tav_flist_t* parent, int depth) {

@@ -1,5 +1,8 @@
 #include "dparse/dparse_export_forms.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "dd/owners.h"
 #include "dparse/dparse.h"
 #include "dparse/dparse_export.h"
@@ -15,27 +18,27 @@ static int32_t number(const void* value, int32_t missing = 0) {
 }
 
 static void put_bare(dparse_writing& writing, const dparse_attribute& row, std::string_view value) {
-  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
-  writing.out.text.append(value);
-  dparse_end_bare(writing.out);
+  dparse_begin_line(writing.out, row.token, writing.indent);
+  dparse_put(writing.out, value);
+  dparse_end_line(writing.out);
 }
 
 static void put_bare_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
-  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
+  dparse_begin_line(writing.out, row.token, writing.indent);
   dparse_put_number(writing.out, value);
-  dparse_end_bare(writing.out);
+  dparse_end_line(writing.out);
 }
 
 static void put_quoted_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
-  dparse_put_bare(writing.out, dparse_keyword_text(row.token), writing.indent);
-  writing.out.text += '"';
+  dparse_begin_line(writing.out, row.token, writing.indent);
+  dparse_put(writing.out, "\"");
   dparse_put_number(writing.out, value);
-  writing.out.text += '"';
-  dparse_end_bare(writing.out);
+  dparse_put(writing.out, "\"");
+  dparse_end_line(writing.out);
 }
 
 void dparse_write_text(dparse_writing& writing, const dparse_attribute& row, const void* value) {
-  dparse_put_quoted(writing.out, dparse_keyword_text(row.token), text(value), writing.indent);
+  dparse_put_quoted(writing.out, row.token, text(value), writing.indent);
 }
 
 void dparse_write_bare_text(dparse_writing& writing, const dparse_attribute& row,
@@ -68,28 +71,40 @@ void dparse_write_yes(dparse_writing& writing, const dparse_attribute& row, cons
 
 // An order as long as the reader takes fits.
 void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, const void* value) {
-  char digits[DPARSE_TEXT_SIZE];
-  digits[0] = '\0';
   tav_ebuf* ebuf = at(writing.ebuf, HERE);
   dd_decimal zero(value == nullptr ? tav_decimal_alloc_result_zero(ebuf) : nullptr);
   const auto* order = value != nullptr ? static_cast<const tav_decimal_t*>(value) : zero.get();
-  tav_decimal_to_str(order, 0, digits, sizeof digits, ebuf);
-  put_bare(writing, row, digits);
+  dparse_begin_line(writing.out, row.token, writing.indent);
+  char* digits = dparse_room(writing.out, DPARSE_TEXT_SIZE);
+  digits[0] = '\0';
+  tav_decimal_to_str(order, 0, digits, DPARSE_TEXT_SIZE, ebuf);
+  writing.out.next += std::strlen(digits);
+  dparse_end_line(writing.out);
 }
 
-void dparse_get_values(dparse_values& values, tav_flist_t* element, unsigned context,
-                       tav_ebuf* ebuf) {
+static bool has_field(const dparse_place& place, uint32_t field) {
+  return std::any_of(place.rows, place.rows + place.count,
+                     [field](const dparse_attribute* row) { return row->field == field; });
+}
+
+dparse_place::dparse_place(unsigned in) : context(in) {
   for (const dparse_attribute& row : dparse_attributes()) {
-    if ((row.read_in & context) == 0) continue;
-    values.rows[values.count] = &row;
-    values.values[values.count++] =
-        tavi_flist_get(element, row.field, 0, !row.form->required, 0, at(ebuf, HERE));
+    if ((row.read_in & in) != 0 && !has_field(*this, row.field)) rows[count++] = &row;
   }
 }
 
-void dparse_write_values(dparse_writing& writing, const dparse_values& values, unsigned context) {
-  for (size_t i = 0; i < values.count; ++i) {
-    const dparse_attribute& row = *values.rows[i];
-    if ((row.written_in & context) != 0) row.form->write(writing, row, values.values[i]);
+void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
+                       tav_ebuf* ebuf) {
+  for (size_t i = 0; i < place.count; ++i) {
+    const dparse_attribute& row = *place.rows[i];
+    values.of[i] = tavi_flist_get(element, row.field, 0, !row.form->required, 0, at(ebuf, HERE));
+  }
+}
+
+void dparse_write_values(dparse_writing& writing, const dparse_values& values,
+                         const dparse_place& place) {
+  for (size_t i = 0; i < place.count; ++i) {
+    const dparse_attribute& row = *place.rows[i];
+    if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.of[i]);
   }
 }

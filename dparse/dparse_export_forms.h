@@ -24,19 +24,28 @@ dparse_writer dparse_write_number_above_none;  // 7, unless 0
 dparse_writer dparse_write_yes;                // YES, unless 0
 dparse_writer dparse_write_order;              // 1.5, always
 
-// The values of an element's attributes, each beside its row; borrowed, null where absent.
-struct dparse_values {
-  static constexpr size_t ROOM = 24;  // more than any element has
+// The attributes that may stand in one place, in the order in which they are written. Those that
+// share a field are there once.
+struct dparse_place {
+  static constexpr size_t ROOM = 24;  // more than any place has
   const dparse_attribute* rows[ROOM];
-  const void* values[ROOM];
   size_t count = 0;
+  unsigned context;
+
+  explicit dparse_place(unsigned in);
+};
+
+// The values of an element's attributes, in the order of its place; borrowed, null where absent.
+struct dparse_values {
+  const void* of[dparse_place::ROOM];
 };
 
 // Gets all values that may stand in that place (a failure is in the buffer), so that a list which
 // cannot be read stops the export before the element's first line.
-void dparse_get_values(dparse_values& values, tav_flist_t* element, unsigned context,
+void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf);
 // Writes those that are written in that place.
-void dparse_write_values(dparse_writing& writing, const dparse_values& values, unsigned context);
+void dparse_write_values(dparse_writing& writing, const dparse_values& values,
+                         const dparse_place& place);
 
 #endif

@@ -1,6 +1,7 @@
 #include "dparse/dparse_export_out.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -8,62 +9,107 @@
 #include "dd/report.h"
 #include "dparse/dparse_export.h"
 #include "dparse/dparse_state.h"
+#include "dparse/dparse_tokens.h"
 
-static constexpr size_t LARGE = 1 << 15;
+static constexpr size_t PIECE = 1 << 16;
+static constexpr size_t BLOCK = 1 << 12;  // streams buffer by this; whole ones they pass on
 
-void dparse_flush(dparse_out& out) {
-  if (out.stream != nullptr) std::fwrite(out.text.data(), 1, out.text.size(), out.stream);
-  out.text.clear();
+// Hands over the first bytes and keeps the others.
+static void hand_over(dparse_out& out, size_t size) {
+  if (size == 0) return;
+  if (out.stream != nullptr) std::fwrite(out.bytes.get(), 1, size, out.stream);
+  out.next = std::copy(out.bytes.get() + size, out.next, out.bytes.get());
 }
 
-void dparse_flush_large(dparse_out& out) {
-  if (out.text.size() >= LARGE) dparse_flush(out);
+void dparse_flush(dparse_out& out) {
+  hand_over(out, dparse_gathered(out).size());
+}
+
+dparse_out::~dparse_out() {
+  dparse_flush(*this);
+}
+
+static void grow(dparse_out& out, size_t size) {
+  const std::string_view gathered = dparse_gathered(out);
+  const size_t room = std::max(gathered.size() * 2 + size, PIECE);
+  auto larger = std::make_unique_for_overwrite<char[]>(room);
+  out.next = larger.get() + gathered.copy(larger.get(), gathered.size());
+  out.end = larger.get() + room;
+  out.bytes = std::move(larger);
+}
+
+void dparse_make_room(dparse_out& out, size_t size) {
+  if (out.stream != nullptr) hand_over(out, dparse_gathered(out).size() / BLOCK * BLOCK);
+  if (static_cast<size_t>(out.end - out.next) < size) grow(out, size);
 }
 
 static void put_repeated(dparse_out& out, char c, int count) {
-  if (count > 0) out.text.append(static_cast<size_t>(count), c);
+  const size_t size = count > 0 ? static_cast<size_t>(count) : 0;
+  out.next = std::fill_n(dparse_room(out, size), size, c);
 }
+
+// The texts that lines begin with are as long for every line, so that copying one is a few stores:
+// what is too many is written over.
 
 void dparse_put_tabs(dparse_out& out, int count) {
-  put_repeated(out, '\t', count);
+  static constexpr char FEW[] = {'\t', '\t', '\t', '\t', '\t', '\t', '\t', '\t'};
+  if (count < 0 || count > static_cast<int>(sizeof FEW)) return put_repeated(out, '\t', count);
+  std::memcpy(dparse_room(out, sizeof FEW), FEW, sizeof FEW);
+  out.next += count;
 }
+
+namespace {
+struct line_start {
+  char text[24];
+  size_t size;
+};
+}  // namespace
+
+// "KEYWORD = " of each keyword.
+static constexpr auto LINE_STARTS = [] {
+  std::array<line_start, DPARSE_TOKEN_NUMBERS> starts{};
+#define DPARSE_START_ROW(name, keyword, number) \
+  starts[number].size =                         \
+      std::string_view(keyword " = ").copy(starts[number].text, std::string_view::npos);
+  DPARSE_KEYWORDS(DPARSE_START_ROW)
+#undef DPARSE_START_ROW
+  return starts;
+}();
 
 void dparse_put_number(dparse_out& out, int32_t number) {
-  char digits[16];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  out.text.append(digits, end);
+  static constexpr size_t DIGITS = 16;  // and a sign
+  char* at = dparse_room(out, DIGITS);
+  out.next = std::to_chars(at, at + DIGITS, number).ptr;
 }
 
-static void append_escaped(std::string& text, std::string_view value) {
+// Tabs and newlines become two characters each.
+static void put_escaped(dparse_out& out, const char* text) {
   for (;;) {
-    const size_t plain = std::min(value.find('\t'), value.find('\n'));
-    text.append(value.substr(0, plain));
-    if (plain == value.npos) return;
-    text.append(value[plain] == '\t' ? "\\t" : "\\n");
-    value.remove_prefix(plain + 1);
+    const std::string_view plain(text, std::strcspn(text, "\t\n"));
+    dparse_put(out, plain);
+    text += plain.size();
+    if (*text == '\0') return;
+    dparse_put(out, *text++ == '\t' ? "\\t" : "\\n");
   }
-}
-
-void dparse_put_escaped(dparse_out& out, const char* text) {
-  append_escaped(out.text, text);
 }
 
 int dparseEncodeTabsNewlines(char** text) {
   if (text == nullptr || *text == nullptr) return -1;
-  std::string escaped;
-  append_escaped(escaped, *text);
-  char* grown = static_cast<char*>(std::realloc(*text, escaped.size() + 10));
+  dparse_out escaped(nullptr);
+  put_escaped(escaped, *text);
+  const std::string_view gathered = dparse_gathered(escaped);
+  char* grown = static_cast<char*>(std::realloc(*text, gathered.size() + 10));
   if (grown == nullptr) return -1;
-  std::memcpy(grown, escaped.c_str(), escaped.size() + 1);
+  grown[gathered.copy(grown, gathered.size())] = '\0';
   *text = grown;
   return 1;
 }
 
 static void put_rule(dparse_out& out, int width, int indent) {
   dparse_put_tabs(out, indent);
-  out.text += '#';
+  dparse_put(out, "#");
   put_repeated(out, '=', width - 1);
-  out.text += '\n';
+  dparse_put(out, "\n");
 }
 
 // The blank before an absent second text is part of the format.
@@ -71,40 +117,47 @@ void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1
                        const char* text2) {
   put_rule(out, width, indent);
   dparse_put_tabs(out, indent);
-  out.text.append("#  ").append(text1 != nullptr ? text1 : "").append(" ");
-  out.text.append(text2 != nullptr ? text2 : "").append("\n");
+  dparse_put(out, "#  ");
+  dparse_put(out, text1 != nullptr ? text1 : "");
+  dparse_put(out, " ");
+  dparse_put(out, text2 != nullptr ? text2 : "");
+  dparse_put(out, "\n");
   put_rule(out, width, indent);
 }
 
-void dparse_put_bare(dparse_out& out, std::string_view keyword, int indent) {
+static void end_quoted(dparse_out& out, const char* value) {
+  dparse_put(out, "\"");
+  put_escaped(out, value);
+  dparse_put(out, "\"");
+  dparse_end_line(out);
+}
+
+void dparse_begin_line(dparse_out& out, int keyword, int indent) {
+  const line_start& start = LINE_STARTS[static_cast<size_t>(keyword)];
   dparse_put_tabs(out, indent);
-  out.text.append(keyword).append(" = ");
+  std::memcpy(dparse_room(out, sizeof start.text), start.text, sizeof start.text);
+  out.next += start.size;
 }
 
-void dparse_end_bare(dparse_out& out) {
-  out.text.append(";\n");
-}
-
-void dparse_put_quoted(dparse_out& out, std::string_view keyword, const char* value, int indent) {
+void dparse_put_quoted(dparse_out& out, int keyword, const char* value, int indent) {
   if (value == nullptr || value[0] == '\0') return;
-  dparse_put_bare(out, keyword, indent);
-  out.text += '"';
-  dparse_put_escaped(out, value);
-  out.text += '"';
-  dparse_end_bare(out);
+  dparse_begin_line(out, keyword, indent);
+  end_quoted(out, value);
 }
 
 int dparseExportComment(FILE* stream, int width, int indent, const char* text1, const char* text2) {
-  dparse_out out{stream, {}};
+  dparse_out out(stream);
   dparse_put_banner(out, width, indent, text1, text2);
-  dparse_flush(out);
   return 1;
 }
 
 int dparseExportString(FILE* stream, const char* keyword, const char* value, int indent) {
-  dparse_out out{stream, {}};
-  dparse_put_quoted(out, keyword != nullptr ? keyword : "", value, indent);
-  dparse_flush(out);
+  if (value == nullptr || value[0] == '\0') return 1;
+  dparse_out out(stream);
+  dparse_put_tabs(out, indent);
+  dparse_put(out, keyword != nullptr ? keyword : "");
+  dparse_put(out, " = ");
+  end_quoted(out, value);
   return 1;
 }
 
@@ -126,8 +179,7 @@ int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebu
   return -1;
 }
 
-int dparse_export_no_buffer(dparse_out& out) {
-  dparse_flush(out);
+int dparse_export_no_buffer() {
   dd_print_error("\n*** Error buffer not initialized ***\n");
   return -1;
 }

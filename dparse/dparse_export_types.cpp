@@ -31,20 +31,20 @@ int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_nam
 }
 
 int dparseGetTypeFromField(dd_list* field_list, const char* field_name) {
-  dparse_out none{nullptr, {}};
+  dparse_out none(nullptr);
   return dparse_find_type(none, field_list, field_name);
 }
 
 static int put_type(dparse_out& out, int type_code) {
   const char* keyword = dd_type_keyword(type_code);
   if (keyword != nullptr) {
-    out.text.append(keyword);
+    dparse_put(out, keyword);
     return 1;
   }
   static constexpr char UNKNOWN[] = "UNKNOWN FIELD TYPE: %d\n";
   char line[sizeof UNKNOWN + 16];
   tav_snprintf(line, sizeof line, UNKNOWN, type_code);
-  out.text.append(line);
+  dparse_put(out, line);
   dparse_flush(out);
   dd_print_error("%s", line);
   dd_log(HERE, "Unknown field type");
@@ -52,15 +52,15 @@ static int put_type(dparse_out& out, int type_code) {
 }
 
 int dparseExportFieldType(FILE* stream, int type_code) {
-  dparse_out out{stream, {}};
-  const int result = put_type(out, type_code);
-  dparse_flush(out);
-  return result;
+  dparse_out out(stream);
+  return put_type(out, type_code);
 }
 
 int dparse_put_head(dparse_out& out, int type_code, const char* name) {
   if (put_type(out, type_code) < 1)
     return dparse_export_fail(out, HERE, "Error: Unable to export field type");
-  out.text.append(" ").append(name).append(" {\n\n");
+  dparse_put(out, " ");
+  dparse_put(out, name);
+  dparse_put(out, " {\n\n");
   return 1;
 }

@@ -126,6 +126,9 @@ TEST(Writer, Pieces) {
   EXPECT_EQ(text([](FILE* out) { return dparseExportString(out, nullptr, "%s", 1); }),
             "\t = \"%s\";\n");
   EXPECT_EQ(text([](FILE* out) { return dparseExportString(out, "K", "", 1); }), "");
+  const std::string large(200'000, 'x');  // more than a piece
+  EXPECT_EQ(text([&](FILE* out) { return dparseExportString(out, "K", large.c_str(), 12); }),
+            std::string(12, '\t') + "K = \"" + large + "\";\n");
   EXPECT_EQ(text([](FILE* out) { return dparseExportFieldType(out, 0); }), "UNUSED");
   EXPECT_EQ(text([](FILE* out) {
               return dparseExportClassImplFieldAttrs(out, TAV_FLDT_BUF, "C=c T=", "s", 1);
