@@ -45,8 +45,12 @@ std::string locate() {
 
 // Gives the text, or sets the file's error.
 std::string read_text(std::FILE* file, conf_file& conf) {
-  std::string text(LARGEST + 1, '\0');
-  text.resize(std::fread(text.data(), 1, text.size(), file));
+  std::string text;
+  char piece[4096];
+  for (size_t got; (got = std::fread(piece, 1, sizeof piece, file)) > 0;) {
+    text.append(piece, got);
+    if (text.size() > LARGEST) break;
+  }
   if (std::ferror(file) != 0) {
     refuse_conf(conf, 0, std::string("cannot be read: ") + std::strerror(errno));
   } else if (text.size() > LARGEST) {
