@@ -22,7 +22,7 @@ struct tav_deploy_import_state {
   dd_list ordered_classes{DD_CLASSES};  // the input's, each after its superclasses, all lent
   dd_flist server_fields{};
   dd_flist server_classes{};
-  dd_list working_fields{DD_FIELDS};
+  dd_list working_fields{DD_TYPED_FIELDS};
   dd_list working_classes{DD_CLASSES};
 };
 
