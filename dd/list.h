@@ -25,7 +25,6 @@ inline constexpr dd_shape DD_TYPED_FIELDS{TAV_FLD_FIELD, TAV_FLD_FIELD_NAME, TAV
                                           TAV_FLD_FIELD_TYPE};
 inline constexpr dd_shape DD_CLASSES{TAV_FLD_OBJ_DESC, TAV_FLD_NAME, 0, 0};
 inline constexpr dd_shape DD_ENTRIES{TAV_FLD_OBJ_ELEM, TAV_FLD_FIELD_NAME, 0, 0};
-inline constexpr dd_shape DD_TABLES{TAV_FLD_ARGS, TAV_FLD_NAME, 0, 0};
 
 // What the index by name knows of an element, so that a look-up need not touch it.
 struct dd_known {
