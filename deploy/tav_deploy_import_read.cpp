@@ -112,6 +112,7 @@ int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
     return tav_deploy_fail(HERE, "Unable to merge class interface with implementation",
                            "Error: Unable to merge class interface with implementation\n");
   }
+  read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);
   return 1;
