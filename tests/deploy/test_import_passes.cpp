@@ -135,7 +135,7 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
 TEST(table_counts, a_shared_serializable_table_counts_once) {
   tav_deploy_tables tables{.keeps_columns = true};
   for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) tav_deploy_add_table(tables, name);
-  for (const size_t shared : {4, 5}) tables.uses[shared].is_serializable = true;
+  for (const size_t shared : {4u, 5u}) tables.uses[shared].is_serializable = true;
   tav_deploy_table_counts counts{tables};
   for (const auto& [name, count] :
        {std::pair{"A", 3}, {"B", 1}, {"s", 1}, {"T", 1}, {"none", 0}, {"", 0}}) {
