@@ -7,8 +7,8 @@ int dd_compare(const char* a, const char* b) {
   return dd_fold(*a) - dd_fold(*b);
 }
 
-// Eight bytes at a time. Setting bit 5 makes capitals small; what else it makes equal only
-// collides.
+// Eight bytes at a time, the last eight of a long text whether or not they overlap those before.
+// Setting bit 5 makes capitals small; what else it makes equal only collides.
 uint32_t dd_hash(const char* text) {
   constexpr uint64_t SMALL = 0x2020202020202020u;
   constexpr uint64_t MIX = 0x9e3779b97f4a7c15u;
@@ -19,15 +19,16 @@ uint32_t dd_hash(const char* text) {
     hash = (hash ^ (bytes | SMALL)) * MIX;
     hash ^= hash >> 32;
   };
-  size_t done = 0;
-  for (uint64_t bytes; done + STEP <= length; done += STEP) {
+  uint64_t bytes = 0;
+  for (size_t done = 0; done + STEP < length; done += STEP) {
     std::memcpy(&bytes, text + done, STEP);
     mix(bytes);
   }
-  uint64_t rest = 0;
-  for (size_t i = done; i < length; ++i) {
-    rest = rest << 8 | static_cast<unsigned char>(text[i]);
+  if (length >= STEP) {
+    std::memcpy(&bytes, text + length - STEP, STEP);
+  } else {
+    for (size_t i = 0; i < length; ++i) bytes = bytes << 8 | static_cast<unsigned char>(text[i]);
   }
-  mix(rest);
-  return static_cast<uint32_t>(hash ^ (hash >> 29));
+  mix(bytes);
+  return static_cast<uint32_t>(hash * MIX >> 32);
 }

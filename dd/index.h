@@ -28,25 +28,34 @@ class dd_index {
  public:
   using key_type = typename By::key;
 
-  // Keeps the memory for what comes next.
+  // Keeps the memory for what comes next, but not slots by far too many: each clearing visits them.
   void clear() {
+    const bool is_sparse = slots_.size() > 64 + 4 * entries_.size();
     entries_.clear();
+    if (is_sparse) slots_.clear();
     std::fill(slots_.begin(), slots_.end(), slot{});
   }
 
+  // Whoever knows a key's hash already hands it in.
   void add(key_type key, Value value) { add(key, By::hash(key), value); }
+  void add(key_type key, uint32_t hash, Value value) {
+    entries_.push_back({key, value, hash, false});
+    if (entries_.size() * 2 > slots_.size()) return grow();
+    place(static_cast<uint32_t>(entries_.size()));
+  }
 
   // Adds the value unless the key is there; gives the one that stands.
-  Value add_first(key_type key, Value value) {
-    const uint32_t hash = By::hash(key);
+  Value add_first(key_type key, Value value) { return add_first(key, By::hash(key), value); }
+  Value add_first(key_type key, uint32_t hash, Value value) {
     if (const entry* there = look(key, hash, any)) return there->value;
     add(key, hash, value);
     return value;
   }
 
   // The first value of that key, or null; valid until one is added.
-  const Value* find(key_type key) const {
-    const entry* found = look(key, By::hash(key), any);
+  const Value* find(key_type key) const { return find(key, By::hash(key)); }
+  const Value* find(key_type key, uint32_t hash) const {
+    const entry* found = look(key, hash, any);
     return found != nullptr ? &found->value : nullptr;
   }
 
@@ -83,12 +92,6 @@ class dd_index {
       if (!e.is_removed && By::equal(e.key, key) && wanted(e)) return &e;
     }
     return nullptr;
-  }
-
-  void add(key_type key, uint32_t hash, Value value) {
-    entries_.push_back({key, value, hash, false});
-    if (entries_.size() * 2 > slots_.size()) return grow();
-    place(static_cast<uint32_t>(entries_.size()));
   }
 
   void place(uint32_t position) {

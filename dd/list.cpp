@@ -27,10 +27,14 @@ bool dd_list::build(bool& built, Add add, tav_ebuf* ebuf) {
 }
 
 tav_flist_t* dd_list::find(const char* name, tav_ebuf* ebuf) {
+  const dd_known* found = find_known(name, dd_hash(name), ebuf);
+  return found != nullptr ? found->element : nullptr;
+}
+
+const dd_known* dd_list::find_known(const char* name, uint32_t hash, tav_ebuf* ebuf) {
   if (!names_built_) names_.clear();
   if (!build(names_built_, &dd_list::add_name, ebuf)) return nullptr;
-  tav_flist_t* const* found = names_.find(name);
-  return found != nullptr ? *found : nullptr;
+  return names_.find(name, hash);
 }
 
 tav_flist_t* dd_list::find_number(int32_t number, tav_ebuf* ebuf) {
@@ -55,7 +59,7 @@ void dd_list::append(dd_flist element, tav_ebuf* ebuf) {
 }
 
 void dd_list::drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf) {
-  if (names_built_) names_.remove(dd_text(element, shape_->name, ebuf), element);
+  if (names_built_) names_.remove(dd_text(element, shape_->name, ebuf), {element});
   if (numbers_built_) numbers_.remove(dd_int(element, shape_->number, ebuf), element);
   tavi_flist_drop(list_, shape_->array, id, ebuf);
 }
@@ -66,6 +70,13 @@ void dd_list::lend(tav_flist_t* element, tav_ebuf* ebuf) {
   note(element, ebuf);
 }
 
+void dd_list::lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf) {
+  if (dd_failed(*ebuf)) return;
+  lent_.push_back(known.element);
+  if (names_built_) names_.add(key.name, key.hash, known);
+  if (numbers_built_) numbers_.add(key.number, known.element);
+}
+
 // Keeps the indexes that are built in step.
 void dd_list::note(tav_flist_t* element, tav_ebuf* ebuf) {
   if (names_built_ && !dd_failed(*ebuf)) add_name(element, ebuf);
@@ -74,7 +85,12 @@ void dd_list::note(tav_flist_t* element, tav_ebuf* ebuf) {
 
 void dd_list::add_name(tav_flist_t* element, tav_ebuf* ebuf) {
   const char* name = dd_text(element, shape_->name, ebuf);
-  if (!dd_failed(*ebuf)) names_.add(name, element);
+  dd_known known{element};
+  if (shape_->type != 0) {
+    const int32_t* type = dd_int_or_null(element, shape_->type, ebuf);
+    if (type != nullptr) known.type = *type;
+  }
+  if (!dd_failed(*ebuf)) names_.add(name, known);
 }
 
 void dd_list::add_number(tav_flist_t* element, tav_ebuf* ebuf) {

@@ -5,6 +5,8 @@
 #ifndef DD_LIST_H
 #define DD_LIST_H
 
+#include <optional>
+
 #include "dd/index.h"
 #include "dd/leave.h"
 #include "dd/owners.h"
@@ -15,12 +17,29 @@ struct dd_shape {
   uint32_t array;
   uint32_t name;
   uint32_t number;  // 0: the elements have none
+  uint32_t type;    // 0: the index by name does not keep it
 };
 
-inline constexpr dd_shape DD_FIELDS{TAV_FLD_FIELD, TAV_FLD_FIELD_NAME, TAV_FLD_FIELD_NUM};
-inline constexpr dd_shape DD_CLASSES{TAV_FLD_OBJ_DESC, TAV_FLD_NAME, 0};
-inline constexpr dd_shape DD_ENTRIES{TAV_FLD_OBJ_ELEM, TAV_FLD_FIELD_NAME, 0};
-inline constexpr dd_shape DD_TABLES{TAV_FLD_ARGS, TAV_FLD_NAME, 0};
+inline constexpr dd_shape DD_FIELDS{TAV_FLD_FIELD, TAV_FLD_FIELD_NAME, TAV_FLD_FIELD_NUM, 0};
+inline constexpr dd_shape DD_TYPED_FIELDS{TAV_FLD_FIELD, TAV_FLD_FIELD_NAME, TAV_FLD_FIELD_NUM,
+                                          TAV_FLD_FIELD_TYPE};
+inline constexpr dd_shape DD_CLASSES{TAV_FLD_OBJ_DESC, TAV_FLD_NAME, 0, 0};
+inline constexpr dd_shape DD_ENTRIES{TAV_FLD_OBJ_ELEM, TAV_FLD_FIELD_NAME, 0, 0};
+
+// What the index by name knows of an element, so that a look-up need not touch it.
+struct dd_known {
+  tav_flist_t* element = nullptr;
+  std::optional<int32_t> type{};  // none too where the shape keeps none
+
+  bool operator==(const dd_known& other) const { return element == other.element; }
+};
+
+// An element's name with its hash, and its number, where they have been read already.
+struct dd_key {
+  const char* name;
+  uint32_t hash;  // dd_hash of the name
+  int32_t number;
+};
 
 // Elements of other lists may be lent to a list: they are found and walked (dd_list_walk) after its
 // own, and must outlive its use.
@@ -41,6 +60,8 @@ class dd_list {
   // The first element of that name (or number), borrowed, or null: not there, or a failure in the
   // buffer. A missing name counts as empty, a missing number as 0.
   tav_flist_t* find(const char* name, tav_ebuf* ebuf);
+  // The same for a name of that hash, with the type; valid until an element comes or goes.
+  const dd_known* find_known(const char* name, uint32_t hash, tav_ebuf* ebuf);
   tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
 
   // The number of the list's own elements.
@@ -52,6 +73,7 @@ class dd_list {
   void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
   // Lends it the element, which stays where it is.
   void lend(tav_flist_t* element, tav_ebuf* ebuf);
+  void lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf);
 
  private:
   friend class dd_list_walk;
@@ -68,7 +90,7 @@ class dd_list {
   std::vector<tav_flist_t*> lent_;
   bool names_built_ = false;
   bool numbers_built_ = false;
-  dd_index<dd_by_name> names_;
+  dd_index<dd_by_name, dd_known> names_;
   dd_index<dd_by_number> numbers_;
 };
 

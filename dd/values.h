@@ -42,6 +42,11 @@ inline void dd_set_int(tav_flist_t* list, uint32_t field, int32_t value, tav_ebu
   tavi_flist_set(list, field, 0, 0, &value, ebuf);
 }
 
+// Whether the array has elements, which costs less than beginning a walk; false on a failure.
+inline bool dd_has_any(tav_flist_t* list, uint32_t array, tav_ebuf* ebuf) {
+  return tav_flist_elem_count(list, array, ebuf) > 0;
+}
+
 // Puts the owned value and gives up ownership when the list took it; a refused value is freed.
 template <class Owner>
 void dd_put(tav_flist_t* list, uint32_t field, int32_t elem_id, Owner value, tav_ebuf* ebuf) {

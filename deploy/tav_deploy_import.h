@@ -8,8 +8,8 @@
 
 #include <cstring>
 
-#include "dd/list.h"
 #include "deploy/tav_deploy.h"
+#include "deploy/tav_deploy_import_entries.h"
 #include "deploy/tav_deploy_tcm.h"
 
 // What one run holds. The working lists show the server and the input as one dictionary: they take
@@ -19,10 +19,11 @@ struct tav_deploy_import_state {
   tav_deploy_session session{};  // outlives the lists
   dd_list fields{DD_FIELDS};     // the input
   dd_list classes{DD_CLASSES};
+  tav_deploy_class_entries entries{};   // of the input's classes
   dd_list ordered_classes{DD_CLASSES};  // the input's, each after its superclasses, all lent
   dd_flist server_fields{};
   dd_flist server_classes{};
-  dd_list working_fields{DD_FIELDS};
+  dd_list working_fields{DD_TYPED_FIELDS};
   dd_list working_classes{DD_CLASSES};
 };
 
@@ -36,12 +37,13 @@ int tav_deploy_import_storage(tav_deploy_import_state& state);
 
 // --- Reading
 // Reads the files that the context names, or standard input, and merges each class implementation
-// into its interface. The lists are the caller's only on success.
-int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, const tav_deploy_ctx_t& ctx);
+// into its interface. The lists are the caller's only on success, and so are the entries.
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
+                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx);
 // Copies the storage names of an implementation's entries, at every depth, to the interface's
-// entries of the same names. The interface node may be none: every entry is then missing there.
-int tav_deploy_merge_class_fields(tav_flist_t* interface_node, tav_flist_t* impl_node,
-                                  const char* class_name);
+// entries of the same names. Without any of those every entry is missing there.
+int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
+                                  tav_flist_t* impl_node, const char* class_name);
 // Copies what a class or field entry has of storage names and clauses, over what the other has.
 void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);
 
@@ -56,17 +58,18 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
 
 // --- Structure of a class
 // Whether every field that the class uses, at every depth, is defined with the type it is used
-// with.
-int tav_deploy_check_field_types(tav_flist_t* storable, dd_list& working_fields,
-                                 const char* class_name);
+// with. Reads the class.
+int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* storable,
+                                 dd_list& working_fields, const char* class_name);
 // What a top-level entry may be in a base class or a subclass, and who may have SYSTEM permission.
-void tav_deploy_check_placement(tav_flist_t* entry, const char* class_name, tav_ebuf* ebuf);
-// Whether the entries nested in an entry (of that type, at that depth, 1 for top-level) may be so.
-int tav_deploy_check_field_positions(dd_list& working_classes, tav_flist_t* entry,
-                                     const char* class_name, int32_t type, int depth);
+void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name,
+                                tav_ebuf* ebuf);
+// Whether the entries nested in an entry (at that depth, 1 for top-level) may be so.
+int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                                     const char* class_name, int depth);
 // The same, and a failure is told once more, with the class.
-int tav_deploy_check_nesting(dd_list& working_classes, tav_flist_t* entry, const char* class_name,
-                             int32_t type, int depth);
+int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                             const char* class_name, int depth);
 
 // --- Storage
 // Compares a class's, or a node's entries', storage with what the server has: warnings only.

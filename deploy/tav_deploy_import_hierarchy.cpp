@@ -4,26 +4,23 @@
 #include <optional>
 #include <string>
 
+#include "dd/memory.h"
 #include "dd/values.h"
-#include "dd/walk.h"
 #include "deploy/tav_deploy_lookup.h"
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static int build(tav_deploy_hierarchy& hierarchy) {
-  if (!hierarchy.entries.empty()) return 1;
-  tav_ebuf ebuf{};
+static void build(tav_deploy_hierarchy& hierarchy, tav_ebuf* ebuf) {
+  if (!hierarchy.entries.empty()) return;
   dd_list_walk walk(hierarchy.working_classes);
-  while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
-    const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
+  while (tav_flist_t* storable = walk.next(at(ebuf, HERE))) {
+    const char* name = dd_text(storable, TAV_FLD_NAME, at(ebuf, HERE));
     hierarchy.by_name.push_back({name, hierarchy.entries.size()});
     hierarchy.entries.emplace_back(DD_ENTRIES, storable);
   }
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
   std::sort(hierarchy.by_name.begin(), hierarchy.by_name.end(),
             [](const auto& a, const auto& b) { return a.name < b.name; });
-  return 1;
 }
 
 // Adds the positions of the classes from `first` on in order of name, as long as they are wanted.
@@ -79,24 +76,23 @@ static int check_array(tav_deploy_hierarchy& hierarchy,
   if (*class_name == '\0' || *field_name == '\0') {
     return tav_deploy_fail(HERE, "Missing class name", "Error: Internal Error\n");
   }
-  if (build(hierarchy) < 1) return -1;
-  if (!positions) positions = related(hierarchy, class_name);
+  tav_ebuf ebuf{};
+  dd_with_memory(at(&ebuf, HERE), [&] {
+    build(hierarchy, &ebuf);
+    if (!positions) positions = related(hierarchy, class_name);
+  });
+  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
   return report_conflicts(hierarchy, *positions, class_name, field_name);
 }
 
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_flist_t* storable,
+int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
                                const char* class_name) {
-  tav_ebuf ebuf{};
   std::optional<std::vector<size_t>> positions;
-  dd_walk walk(storable, TAV_FLD_OBJ_ELEM);
-  while (tav_flist_t* entry = walk.next(at(&ebuf, HERE))) {
-    const int32_t type = dd_int(entry, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
-    if (type != TAV_FLDT_ARRAY && type != TAV_FLDT_SUBSTRUCT) continue;
-    const char* field_name = dd_text(entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) break;
-    if (check_array(hierarchy, positions, class_name, field_name) >= 1) continue;
+  for (const tav_deploy_entry& entry : entries) {
+    if (entry.type != TAV_FLDT_ARRAY && entry.type != TAV_FLDT_SUBSTRUCT) continue;
+    if (check_array(hierarchy, positions, class_name, entry.name) >= 1) continue;
     return tav_deploy_fail(HERE, "Unable to check duplicate array",
-                           "Error: Unable to check duplicate array %s\n", field_name);
+                           "Error: Unable to check duplicate array %s\n", entry.name);
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return 1;
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "dd/list.h"
+#include "deploy/tav_deploy_import_entries.h"
 
 struct tav_deploy_named_class {
   std::string_view name;
@@ -22,7 +22,7 @@ struct tav_deploy_hierarchy {
 
 // Reports the class's top-level arrays and substructs whose names a superclass or subclass has at
 // its top level too: 1, or -1 when lists cannot be walked or a name is missing.
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_flist_t* storable,
+int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
                                const char* class_name);
 
 #endif

@@ -1,9 +1,9 @@
 // Merges the field entries of a class implementation into its interface.
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/tav_deploy_import.h"
-#include "deploy/tav_deploy_lookup.h"
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
@@ -18,38 +18,73 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
   }
 }
 
-static void merge_entry(tav_flist_t* interface_entry, tav_flist_t* impl_entry,
+static void merge_entry(const tav_deploy_entry& entry, tav_flist_t* impl_entry,
                         const char* class_name, const char* name, tav_ebuf* ebuf) {
-  const int32_t type = dd_int(interface_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
-  if (type != impl_type) {
+  if (entry.type != impl_type) {
     tav_deploy_report(
         HERE, ERROR, "field type mismatch between interface/implementation",
         "Error: field type mismatch between interface/implementation of class %s, field %s\n",
         class_name, name);
   }
-  tav_deploy_merge_storage(interface_entry, impl_entry, ebuf);
+  tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
 }
 
-int tav_deploy_merge_class_fields(tav_flist_t* interface_node, tav_flist_t* impl_node,
-                                  const char* class_name) {
+namespace {
+
+// The interface's entries of a node. An implementation mostly has them in the same order, so that
+// the one behind the last is tried before any look-up.
+struct counterparts {
+  tav_deploy_siblings entries;
+  tav_deploy_entry* next = entries.first;
+  bool is_indexed = false;
+  dd_index<dd_by_name, tav_deploy_entry*> by_name{};
+};
+
+}  // namespace
+
+static tav_deploy_entry* look_up(counterparts& in, const char* name) {
+  if (!in.is_indexed) {
+    for (tav_deploy_entry& entry : in.entries) in.by_name.add(entry.name, entry.hash, &entry);
+    in.is_indexed = true;
+  }
+  tav_deploy_entry* const* found = in.by_name.find(name);
+  return found != nullptr ? *found : nullptr;
+}
+
+// The first entry of that name, or null.
+static tav_deploy_entry* counterpart(counterparts& in, const char* name) {
+  tav_deploy_entry* found = in.next;
+  if (found == in.entries.last || found->repeats_earlier || !dd_equal(found->name, name)) {
+    found = look_up(in, name);
+  }
+  if (found != nullptr) in.next = found + found->size;
+  return found;
+}
+
+int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
+                                  tav_flist_t* impl_node, const char* class_name) {
   tav_ebuf ebuf{};
-  dd_list entries(DD_ENTRIES, interface_node);
+  dd_with_memory(at(&ebuf, HERE), [&] { tav_deploy_mark_repeated(interface, read.seen); });
+  counterparts in{interface};
   dd_walk walk(impl_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
+    tav_deploy_entry* entry = nullptr;
+    dd_with_memory(&ebuf, [&] { entry = counterpart(in, name); });
     if (dd_failed(ebuf)) break;
-    tav_flist_t* entry = tav_deploy_get_class_field_by_name(entries, name);
     if (entry == nullptr) {
       tav_deploy_report(HERE, ERROR, "field interface",
                         "Error: Missing field interface for %s when implementation was provided\n",
                         name);
     } else {
-      merge_entry(entry, impl_entry, class_name, name, &ebuf);
+      merge_entry(*entry, impl_entry, class_name, name, &ebuf);
     }
-    if (dd_failed(ebuf)) break;
-    if (tav_deploy_merge_class_fields(entry, impl_entry, class_name) < 1) {
+    if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
+    const tav_deploy_siblings nested =
+        entry != nullptr ? tav_deploy_nested(*entry) : tav_deploy_siblings{};
+    if (tav_deploy_merge_class_fields(read, nested, impl_entry, class_name) < 1) {
       return tav_deploy_fail(HERE, "Unable to merge class fields",
                              "Error: Unable to merge class fields\n");
     }

@@ -53,12 +53,11 @@ static void check_in_base_class(const char* class_name, const char* field_name, 
   }
 }
 
-void tav_deploy_check_placement(tav_flist_t* entry, const char* class_name, tav_ebuf* ebuf) {
-  const char* field_name = dd_text(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
-  const int32_t type = dd_int(entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
-  const bool system = is_system(entry, TAV_FLD_CREATE_PERMISSION, ebuf) ||
-                      is_system(entry, TAV_FLD_MODIFY_PERMISSION, ebuf);
+void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name,
+                                tav_ebuf* ebuf) {
+  const bool system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf) ||
+                      is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
   if (dd_failed(*ebuf)) return;
   const auto check = tav_deploy_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
-  check(class_name, field_name, type, system);
+  check(class_name, entry.name, entry.type, system);
 }

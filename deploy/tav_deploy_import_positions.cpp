@@ -1,25 +1,11 @@
 // How field entries may nest.
-#include "dd/index.h"
-#include "dd/values.h"
-#include "dd/walk.h"
+#include "dd/memory.h"
 #include "deploy/tav_deploy_import.h"
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum tav_deploy_raises;
-
-// The names that more than one of the entries has, each once.
-static dd_index<dd_by_name> repeated_names(tav_flist_t* node, tav_ebuf* ebuf) {
-  dd_index<dd_by_name> seen;
-  dd_index<dd_by_name> repeated;
-  dd_walk walk(node, TAV_FLD_OBJ_ELEM);
-  while (tav_flist_t* entry = walk.next(at(ebuf, HERE))) {
-    const char* name = dd_text(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
-    if (seen.add_first(name, entry) != entry) repeated.add_first(name, entry);
-  }
-  return repeated;
-}
 
 static void check_position(const char* class_name, const char* field_name, int32_t type,
                            int32_t parent_type, int depth) {
@@ -37,34 +23,31 @@ static void check_position(const char* class_name, const char* field_name, int32
   }
 }
 
-int tav_deploy_check_field_positions(dd_list& working_classes, tav_flist_t* entry,
-                                     const char* class_name, int32_t type, int depth) {
+int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                                     const char* class_name, int depth) {
+  const tav_deploy_siblings nested = tav_deploy_nested(entry);
   tav_ebuf ebuf{};
-  const dd_index<dd_by_name> repeated = repeated_names(entry, &ebuf);
-  dd_walk walk(entry, TAV_FLD_OBJ_ELEM);
-  while (tav_flist_t* child = walk.next(at(&ebuf, HERE))) {
-    const char* name = dd_text(child, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-    const int32_t child_type = dd_int(child, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) break;
-    check_position(class_name, name, child_type, type, depth);
-    if (repeated.find(name) != nullptr) {
+  dd_with_memory(at(&ebuf, HERE), [&] { tav_deploy_mark_repeated(nested, read.seen); });
+  if (dd_failed(ebuf)) {
+    tav_deploy_call_failed(HERE, ebuf);
+    return tav_deploy_fail(HERE, "Error: Internal Error", "Error: Internal Error\n");
+  }
+  for (tav_deploy_entry& child : nested) {
+    check_position(class_name, child.name, child.type, entry.type, depth);
+    if (child.is_repeated) {
       tav_deploy_report(HERE, ERROR, "Duplicate class field",
-                        "Error: Storable class %s, Multiple use of field %s\n", class_name, name);
-    } else if (tav_deploy_check_nesting(working_classes, child, class_name, child_type, depth + 1) <
-               1) {
+                        "Error: Storable class %s, Multiple use of field %s\n", class_name,
+                        child.name);
+    } else if (tav_deploy_check_nesting(read, child, class_name, depth + 1) < 1) {
       return -1;
     }
   }
-  if (!dd_failed(ebuf)) return 1;
-  tav_deploy_call_failed(HERE, ebuf);
-  return tav_deploy_fail(HERE, "Error: Internal Error", "Error: Internal Error\n");
+  return 1;
 }
 
-int tav_deploy_check_nesting(dd_list& working_classes, tav_flist_t* entry, const char* class_name,
-                             int32_t type, int depth) {
-  if (tav_deploy_check_field_positions(working_classes, entry, class_name, type, depth) >= 1) {
-    return 1;
-  }
+int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                             const char* class_name, int depth) {
+  if (tav_deploy_check_field_positions(read, entry, class_name, depth) >= 1) return 1;
   return tav_deploy_fail(HERE, "Unable to check field positions",
                          "Error: Unable to check field positions for %s\n", class_name);
 }

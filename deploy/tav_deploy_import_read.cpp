@@ -67,7 +67,8 @@ static int read_all(definitions& read, const tav_deploy_ctx_t& ctx) {
   return 1;
 }
 
-static int merge_class(tav_flist_t* implementation, dd_list& interfaces, tav_ebuf* ebuf) {
+static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
+                       tav_deploy_class_entries& entries, tav_ebuf* ebuf) {
   const char* name = dd_text(implementation, TAV_FLD_NAME, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return 1;
   tav_flist_t* interface = tav_deploy_get_class_by_name(interfaces, name);
@@ -78,18 +79,19 @@ static int merge_class(tav_flist_t* implementation, dd_list& interfaces, tav_ebu
     return 1;
   }
   tav_deploy_merge_storage(interface, implementation, ebuf);
+  const tav_deploy_siblings own = tav_deploy_entries_of(entries, interface, ebuf);
   if (dd_failed(*ebuf)) return 1;
-  if (tav_deploy_merge_class_fields(interface, implementation, name) >= 1) return 1;
+  if (tav_deploy_merge_class_fields(entries, own, implementation, name) >= 1) return 1;
   dd_log(HERE, "Unable to merge class implementation fields into interface");
   return tav_deploy_fail(HERE, "Unable to merge storable class implementation with interface",
                          "Error: Unable to merge storable class implementation with interface\n");
 }
 
-static int merge_all(definitions& read) {
+static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
   tav_ebuf ebuf{};
   dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
-    if (merge_class(implementation, read.interfaces, &ebuf) < 1) return -1;
+    if (merge_class(implementation, read.interfaces, entries, &ebuf) < 1) return -1;
   }
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
@@ -102,18 +104,20 @@ static int create_lists(definitions& read) {
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
 
-int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, const tav_deploy_ctx_t& ctx) {
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
+                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx) {
   definitions read;
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (merge_all(read) < 1) {
+  if (merge_all(read, entries) < 1) {
     return tav_deploy_fail(HERE, "Unable to merge class interface with implementation",
                            "Error: Unable to merge class interface with implementation\n");
   }
+  read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);
   return 1;
 }
 
 int tav_deploy_import_read(tav_deploy_import_state& state) {
-  return tav_deploy_read_import_files(state.fields, state.classes, *state.ctx);
+  return tav_deploy_read_import_files(state.fields, state.classes, state.entries, *state.ctx);
 }

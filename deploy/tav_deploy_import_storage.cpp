@@ -1,7 +1,7 @@
 // The storage names of all classes: every one is there, and stands once.
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
-#include "dd/walk.h"
 #include "deploy/tav_deploy_import.h"
 #include "deploy/tav_deploy_import_tables.h"
 #include "deploy/tav_deploy_report.h"
@@ -20,12 +20,19 @@ struct class_table {
   bool may_name_table;
 };
 
-// One collection: over which classes, into which list, and what a failure is called.
+// One collection: over which classes, into which tables, and what a failure is called.
 struct collection {
   dd_list& classes;  // those that are lent to it are new
   tav_deploy_tables& tables;
   const char* failed_line;
   const char* failed_log;
+};
+
+// What both ask.
+struct dictionary {
+  dd_list& fields;
+  tav_deploy_class_entries& input;
+  std::vector<tav_deploy_entry> server_entries{};  // of the class at hand
 };
 
 }  // namespace
@@ -51,16 +58,21 @@ static void check_class_table(const class_table& read) {
 }
 
 static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool is_new,
-                         dd_list& fields, tav_ebuf* ebuf) {
+                         dictionary& known, tav_ebuf* ebuf) {
   const class_table read = read_class(storable, is_new, ebuf);
   if (dd_failed(*ebuf)) return 1;
   check_class_table(read);
-  tav_flist_t* table = nullptr;
+  size_t table = TAV_DEPLOY_NONE;
   if (read.table != nullptr && *read.table != '\0' && read.may_name_table) {
-    table = tav_deploy_add_table(tables, read.table, ebuf);
-    if (table == nullptr) return 1;
+    dd_with_memory(at(ebuf, HERE), [&] { table = tav_deploy_add_table(tables, read.table); });
+    if (dd_failed(*ebuf)) return 1;
   }
-  return tav_deploy_get_table_columns(tables, table, storable, fields, read.table);
+  tav_ebuf entries_ebuf{};
+  const tav_deploy_siblings entries =
+      is_new ? tav_deploy_entries_of(known.input, storable, &entries_ebuf)
+             : tav_deploy_read_entries(known.server_entries, storable, &entries_ebuf);
+  if (dd_failed(entries_ebuf)) return tav_deploy_storage_failed(HERE, entries_ebuf, "Flist error");
+  return tav_deploy_get_table_columns(tables, table, entries, known.fields, read.table);
 }
 
 static int reading_failed(const tav_ebuf& ebuf) {
@@ -71,12 +83,11 @@ static int reading_failed(const tav_ebuf& ebuf) {
   return -1;
 }
 
-static int collect(const collection& from, dd_list& fields) {
+static int collect(const collection& from, dictionary& known) {
   tav_ebuf ebuf{};
-  from.tables.list.give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
   dd_list_walk walk(from.classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
-    if (collect_class(from.tables, storable, walk.is_lent(), fields, &ebuf) >= 1) continue;
+    if (collect_class(from.tables, storable, walk.is_lent(), known, &ebuf) >= 1) continue;
     return tav_deploy_fail(HERE, from.failed_log, "%s", from.failed_line);
   }
   return dd_failed(ebuf) ? reading_failed(ebuf) : 1;
@@ -87,6 +98,7 @@ static int collect(const collection& from, dd_list& fields) {
 int tav_deploy_import_storage(tav_deploy_import_state& state) {
   tav_deploy_tables all_tables{.keeps_columns = false};
   tav_deploy_tables tables{.keeps_columns = true};
+  dictionary known{state.working_fields, state.entries};
   const collection collections[] = {
       {state.working_classes, all_tables,
        "Error:  Unable to obtain table/column names from Server classes\n",
@@ -96,7 +108,7 @@ int tav_deploy_import_storage(tav_deploy_import_state& state) {
        "Unable to obtain table/column names from new classes"},
   };
   for (const collection& from : collections) {
-    if (collect(from, state.working_fields) < 1) return -1;
+    if (collect(from, known) < 1) return -1;
   }
-  return tav_deploy_check_unique_names(tables.list, all_tables.list);
+  return tav_deploy_check_unique_names(tables, all_tables);
 }

@@ -7,29 +7,30 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static int check_entries(dd_list& working_classes, tav_flist_t* storable, const char* class_name) {
+static int check_entries(tav_deploy_class_entries& read, tav_deploy_siblings entries,
+                         const char* class_name) {
   tav_ebuf ebuf{};
-  dd_walk walk(storable, TAV_FLD_OBJ_ELEM);
-  while (tav_flist_t* entry = walk.next(at(&ebuf, HERE))) {
+  for (tav_deploy_entry& entry : entries) {
     tav_deploy_check_placement(entry, class_name, &ebuf);
-    const int32_t type = dd_int(entry, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) break;
-    if (tav_deploy_check_nesting(working_classes, entry, class_name, type, 1) < 1) return -1;
+    if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+    if (tav_deploy_check_nesting(read, entry, class_name, 1) < 1) return -1;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return 1;
 }
 
 static int check_class(tav_deploy_import_state& state, tav_deploy_hierarchy& hierarchy,
                        tav_flist_t* storable, const char* name) {
-  if (tav_deploy_check_field_types(storable, state.working_fields, name) < 1) {
+  if (tav_deploy_check_field_types(state.entries, storable, state.working_fields, name) < 1) {
     return tav_deploy_fail(HERE, "Unable to verify class field types",
                            "Error: Unable to verify field types for %s\n", name);
   }
-  if (check_entries(state.working_classes, storable, name) < 1) {
+  tav_ebuf none{};  // the class has been read
+  const tav_deploy_siblings entries = tav_deploy_entries_of(state.entries, storable, &none);
+  if (check_entries(state.entries, entries, name) < 1) {
     return tav_deploy_fail(HERE, "Unable to verify class structure",
                            "Error: Unable to verify class structure for %s\n", name);
   }
-  if (tav_deploy_check_hierarchy(hierarchy, storable, name) < 1) {
+  if (tav_deploy_check_hierarchy(hierarchy, entries, name) < 1) {
     return tav_deploy_fail(
         HERE, "Unable to verify class hierarchy array or substruct conflicts",
         "Error: Unable to verify class hierarchy array or substruct conflicts, %s\n", name);

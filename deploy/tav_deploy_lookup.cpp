@@ -1,5 +1,7 @@
 #include "deploy/tav_deploy_lookup.h"
 
+#include <cstddef>
+
 #include "dd/report.h"
 #include "deploy/tav_deploy.h"
 #include "deploy/tav_deploy_report.h"
@@ -8,21 +10,30 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 // A failing list looks like one without the element, so that every other finding is still told; but
 // what was judged by it is neither deployed nor a success.
-static tav_flist_t* not_looked_up() {
+static std::nullptr_t not_looked_up() {
   tav_deploy_raise_error();
   return nullptr;
 }
 
-static tav_flist_t* by_name(dd_list& list, const char* name, dd_site site) {
+static const dd_known* known_by_name(dd_list& list, const char* name, uint32_t hash, dd_site site) {
   tav_ebuf ebuf{};
-  tav_flist_t* found = list.find(name, at(&ebuf, site));
+  const dd_known* found = list.find_known(name, hash, at(&ebuf, site));
   if (!dd_failed(ebuf)) return found;
   tav_deploy_call_failed(site, ebuf);
   return not_looked_up();
 }
 
+static tav_flist_t* by_name(dd_list& list, const char* name, dd_site site) {
+  const dd_known* found = known_by_name(list, name, dd_hash(name), site);
+  return found != nullptr ? found->element : nullptr;
+}
+
 tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name) {
   return by_name(list, name, HERE);
+}
+
+const dd_known* tav_deploy_get_known_field(dd_list& list, const char* name, uint32_t hash) {
+  return known_by_name(list, name, hash, HERE);
 }
 
 tav_flist_t* tav_deploy_get_field_by_id(dd_list& list, int32_t number) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <sstream>
 
 #include "dd/values.h"
@@ -13,11 +14,10 @@
 static const struct {
   const char* word;
   uint32_t field;
-} FIELDS[] = {
-    {"field", TAV_FLD_FIELD},     {"class", TAV_FLD_OBJ_DESC}, {"entry", TAV_FLD_OBJ_ELEM},
-    {"use", TAV_FLD_ARGS},        {"Name", TAV_FLD_NAME},      {"name", TAV_FLD_FIELD_NAME},
-    {"type", TAV_FLD_FIELD_TYPE}, {"id", TAV_FLD_FIELD_NUM},   {"descr", TAV_FLD_DESCR},
-    {"mark", TAV_FLD_FLAGS},      {"sql", TAV_FLD_SQL_TABLE},  {"serial", TAV_FLD_SERIALIZABLE}};
+} FIELDS[] = {{"field", TAV_FLD_FIELD},  {"class", TAV_FLD_OBJ_DESC},  {"entry", TAV_FLD_OBJ_ELEM},
+              {"Name", TAV_FLD_NAME},    {"name", TAV_FLD_FIELD_NAME}, {"type", TAV_FLD_FIELD_TYPE},
+              {"id", TAV_FLD_FIELD_NUM}, {"descr", TAV_FLD_DESCR},     {"mark", TAV_FLD_FLAGS},
+              {"sql", TAV_FLD_SQL_TABLE}};
 
 static uint32_t field_of(const std::string& word) {
   for (const auto& row : FIELDS) {
@@ -131,8 +131,9 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
 }
 
 TEST(table_counts, a_shared_serializable_table_counts_once) {
-  dd_list tables(DD_TABLES, list_of("use( Name=a ) use( Name=b ) use( Name=A ) use( Name=s ) use( "
-                                    "Name=S serial=1 ) use( Name=t serial=1 ) use( Name=a )"));
+  tav_deploy_tables tables{.keeps_columns = true};
+  for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) tav_deploy_add_table(tables, name);
+  for (const size_t shared : {4u, 5u}) tables.uses[shared].is_serializable = true;
   tav_deploy_table_counts counts{tables};
   for (const auto& [name, count] :
        {std::pair{"A", 3}, {"B", 1}, {"s", 1}, {"T", 1}, {"none", 0}, {"", 0}}) {
@@ -146,9 +147,9 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     const char* outcome;
     const char* tables;
   } rows[] = {
-      {"entry( name=B sql=C=c_T=t )", "1|", "use0( field0( name=c ) Name=t ) "},
+      {"entry( name=B sql=C=c_T=t )", "1|", "t(c)"},
       {"entry( name=B sql=T=t_C=c )",
-       "1 error|Error: missing column name for BUF field B in table: t\n", "use0( Name=t ) "},
+       "1 error|Error: missing column name for BUF field B in table: t\n", "t("},
       {"entry( name=B sql=C=c )", "1 error|Error: missing table name for BUF field B\n", ""},
       {"entry( name=B sql=C=_T= )",
        "1 error|Error: missing table name for BUF field B\n"
@@ -160,25 +161,67 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
        "-1 error|Error: Field N has no type definition\nError: Column without Table\n", ""},
       {"entry( name=a sql=t entry( name=S sql=c ) entry( name=X ) )",
        "1 error|Error: Field X not defined\nError: missing column name for field X in table: t\n",
-       "use0( field0( name=c ) Name=t ) "},
+       "t(c)"},
       {"entry( name=A entry( name=A sql=t ) entry( name=S sql=c ) )",
        "-1 error|Error: missing tablename for array/substruct: A\nError: Column without Table\n"
        "Error: while determining table/column names\n",
-       "use0( Name=t ) "},
+       "t("},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.entries);
-    dd_list fields(DD_FIELDS, list_of("field( name=A type=9 ) field( name=B type=6 ) "
-                                      "field( name=S type=5 ) field( name=N )"));
+    dd_list fields(DD_TYPED_FIELDS, list_of("field( name=A type=9 ) field( name=B type=6 ) "
+                                            "field( name=S type=5 ) field( name=N )"));
     const dd_flist container = list_of(row.entries);
-    tav_deploy_tables tables{true, dd_list(DD_TABLES, list_of(""))};
+    tav_deploy_tables tables{.keeps_columns = true};
+    tav_ebuf ebuf{};
+    std::vector<tav_deploy_entry> records;
+    const auto entries = tav_deploy_read_entries(records, container.get(), &ebuf);
     EXPECT_EQ(outcome([&] {
-                return tav_deploy_get_table_columns(tables, nullptr, container.get(), fields,
+                return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, fields,
                                                     nullptr);
               }),
               row.outcome);
-    EXPECT_EQ(text_of(tables.list.get()), row.tables);
+    std::string found;
+    for (const auto& table : tables.uses) found += std::string(table.name) + '(';
+    for (const auto& column : tables.columns) found += std::string(column.name) + ')';
+    EXPECT_EQ(found, row.tables);
   }
+}
+
+static long until_no_memory = 0;  // allocations up to the one that fails; 0: none does
+void* operator new(size_t size) {
+  void* bytes = until_no_memory > 0 && --until_no_memory == 0 ? nullptr : std::malloc(size);
+  return bytes != nullptr ? bytes : throw std::bad_alloc();
+}
+void operator delete(void* bytes) noexcept {
+  std::free(bytes);
+}
+void operator delete(void* bytes, size_t) noexcept {
+  std::free(bytes);
+}
+
+TEST(records, without_memory_are_a_failure_that_is_told) {
+  tav_ebuf ebuf{};
+  dd_list fields(DD_TYPED_FIELDS, list_of("field( name=A type=9 ) field( name=S type=5 )"));
+  const dd_flist storable = list_of("entry( name=A type=9 sql=t entry( name=S type=5 sql=c ) )");
+  fields.find("A", &ebuf);
+  std::set<std::string> last_lines;
+  std::string text;
+  for (long n = 1; text.substr(0, 2) != "1|" && n < 100; ++n) {
+    tav_deploy_class_entries read;
+    tav_deploy_tables tables{.keeps_columns = true};
+    text = outcome([&] {
+      until_no_memory = n;
+      if (tav_deploy_check_field_types(read, storable.get(), fields, "/c") < 1) return -1;
+      const auto own = tav_deploy_entries_of(read, storable.get(), &ebuf);
+      if (tav_deploy_check_nesting(read, *own.first, "/c", 1) < 1) return -1;
+      const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t");
+      return result < 1 ? -1 : tav_deploy_check_unique_names(tables, tables);
+    });
+    until_no_memory = 0;
+    last_lines.insert(text.substr(text.rfind('\n', text.size() - 2) + 1));
+  }
+  EXPECT_EQ(last_lines.size(), 6u) << text;
 }
 
 TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
@@ -215,7 +258,9 @@ TEST(names_and_types, that_must_be_there_stop_a_check) {
   EXPECT_EQ(outcome([&] { return tav_deploy_prep_subclass(none, none, none, nameless.get()); }),
             "-1|Error: Internal Error\n");
   tav_deploy_hierarchy hierarchy{none, {}, {}};
-  EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, nameless.get(), "/a"); }),
+  tav_deploy_entry entry{nullptr, "", "", {}, 0, TAV_FLDT_ARRAY};
+  const tav_deploy_siblings one{&entry, &entry + 1};
+  EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, one, "/a"); }),
             "-1|Error: Internal Error\nError: Unable to check duplicate array \n");
   const dd_flist server = list_of("entry( name=A type=9 entry( name=S ) )");
   const dd_flist untyped = list_of("entry( name=a type=9 sql=t entry( name=S ) )");

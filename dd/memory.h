@@ -1,0 +1,22 @@
+// Plain records in place of lists: where they find no memory, it is told as of a list's call.
+#ifndef DD_MEMORY_H
+#define DD_MEMORY_H
+
+#include <new>
+
+#include "dd/call.h"
+
+// Does the work, unless the buffer holds an error; an error is in it when the memory ran out.
+template <class Work>
+void dd_with_memory(tav_ebuf* ebuf, Work work) {
+  if (dd_failed(*ebuf)) return;
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    ebuf->location = TAV_ERRLOC_LIST;
+    ebuf->err_class = TAV_ERRCLASS_SYSTEM;
+    ebuf->err_code = TAV_ERR_NO_MEM;
+  }
+}
+
+#endif
