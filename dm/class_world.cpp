@@ -18,11 +18,12 @@ bool load_class(class_reader& reader, const class_row& row, dd_flist& list, clas
   list.reset(tav_flist_create(nullptr));
   const char* fault = nullptr;
   if (list == nullptr) throw std::bad_alloc();
-  if (!reader.read(row.definition, list.get(), fault)) {
+  tav_flist_t* element = reader.read(row.definition, list.get(), 0, fault);
+  if (element == nullptr) {
     why = damaged_class(row.name, fault);
     return false;
   }
-  read_class(tav_node_of(list.get()), 0, definition);
+  read_class(tav_node_of(element), 0, definition);
   return true;
 }
 
