@@ -36,12 +36,6 @@ void name_cache::add(const char* name, int64_t value) {
 
 class_world::class_world(store& store, int64_t database) : store_(store), database_(database) {}
 
-void class_world::add_fields(const field_plan& plan) {
-  for (const planned_field& field : plan.changes) {
-    fields_.values.add_first(field.row.name, field.row.type);
-  }
-}
-
 bool class_world::read_all() {
   auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
   auto klass = [this](const class_row& row) { return classes_.add(row.key, row.id), true; };
@@ -64,6 +58,10 @@ static int64_t cached(name_cache& cache, const char* name, LookUp look_up) {
 }
 
 int64_t class_world::type_of(const char* field) {
+  const int32_t* place = asked_ != nullptr ? asked_->by_name.find(field) : nullptr;
+  if (place != nullptr && asked_->fields[static_cast<size_t>(*place)].is_planned) {
+    return *asked_->fields[static_cast<size_t>(*place)].type;
+  }
   return cached(fields_, field, [this](const choice& named) {
     int64_t type = name_cache::ABSENT;
     auto note = [&](const field_row& row) { return type = row.type, true; };
