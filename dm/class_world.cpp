@@ -42,7 +42,7 @@ bool class_world::read_all() {
   auto table = [this](const table_row& row) { return tables_.add(row.key, row.class_id), true; };
   const choice keys{choice::KEYS};
   fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
-  return store_.calls->fields(&store_, database_, {}, visit<field_row>(field), why) &&
+  return store_.calls->fields(&store_, database_, keys, visit<field_row>(field), why) &&
          store_.calls->classes(&store_, database_, keys, visit<class_row>(klass), why) &&
          store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
 }

@@ -13,7 +13,7 @@ inline constexpr size_t WORD = sizeof(uint64_t);
 // How many bytes of a word, from the first on, are neither quote, backslash nor control character,
 // and ASCII. A byte that is marked may mark later ones in vain, none before it.
 inline size_t plain_bytes(const char* word) {
-  static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the first byte is taken as the lowest");
+  static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);  // the first byte is the lowest
   constexpr uint64_t ONES = 0x0101010101010101u;
   uint64_t bytes = 0;
   std::memcpy(&bytes, word, WORD);
