@@ -7,6 +7,7 @@
 #define DM_ATTRIBUTES_H
 
 #include <array>
+#include <string_view>
 
 #include "dd/vantor.h"
 
@@ -26,7 +27,7 @@ enum class keeping {
 };
 
 struct attribute {
-  const char* key;
+  std::string_view key;
   uint32_t field;
   value_form form;
   keeping kept;

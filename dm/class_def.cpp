@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "dd/fold.h"
 
@@ -85,16 +86,15 @@ static int compare(const class_def& definition, int32_t at, int32_t parent, cons
   return dd_compare(text_of(entry, ENTRY_NAME), name);
 }
 
-static void sort_by_name(class_def& definition) {
-  definition.by_name.resize(definition.entries.size());
-  for (size_t i = 0; i < definition.by_name.size(); ++i) {
-    definition.by_name[i] = static_cast<int32_t>(i);
-  }
-  std::sort(definition.by_name.begin(), definition.by_name.end(), [&](int32_t a, int32_t b) {
+std::vector<int32_t> places_by_name(const class_def& definition) {
+  std::vector<int32_t> places(definition.entries.size());
+  std::iota(places.begin(), places.end(), 0);
+  std::sort(places.begin(), places.end(), [&](int32_t a, int32_t b) {
     const entry_def& other = definition.entries[static_cast<size_t>(b)];
     const int order = compare(definition, a, other.parent, text_of(other, ENTRY_NAME));
     return order != 0 ? order < 0 : a < b;
   });
+  return places;
 }
 
 void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
@@ -104,7 +104,6 @@ void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
   forget_empty(result.values[CLASS_TABLE]);
   forget_empty(result.values[CLASS_STORAGE]);
   read_entries(element, NO_PARENT, 1, result);
-  sort_by_name(result);
 }
 
 static const char* text_or_empty(const void* value) {
@@ -123,15 +122,6 @@ bool is_subclass(const char* class_name) {
   return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
 }
 
-int32_t find_entry(const class_def& definition, int32_t parent, const char* name) {
-  const auto at = std::lower_bound(
-      definition.by_name.begin(), definition.by_name.end(), parent,
-      [&](int32_t position, int32_t) { return compare(definition, position, parent, name) < 0; });
-  const bool is_there =
-      at != definition.by_name.end() && compare(definition, *at, parent, name) == 0;
-  return is_there ? *at : NO_PARENT;
-}
-
 std::string path_of(const class_def& definition, const entry_def& entry) {
   std::string path = text_of(entry, ENTRY_NAME);
   for (int32_t at = entry.parent; at != NO_PARENT;) {
@@ -140,6 +130,16 @@ std::string path_of(const class_def& definition, const entry_def& entry) {
     at = container.parent;
   }
   return path;
+}
+
+// The position of the entry of that name below that parent; NO_PARENT when there is none.
+static int32_t find_entry(const class_def& definition, const std::vector<int32_t>& by_name,
+                          int32_t parent, const char* name) {
+  const auto at = std::lower_bound(
+      by_name.begin(), by_name.end(), parent,
+      [&](int32_t position, int32_t) { return compare(definition, position, parent, name) < 0; });
+  const bool is_there = at != by_name.end() && compare(definition, *at, parent, name) == 0;
+  return is_there ? *at : NO_PARENT;
 }
 
 template <size_t N>
@@ -154,6 +154,7 @@ static void keep_values(std::array<const void*, N>& values, const std::array<con
 
 std::vector<std::string> keep_old(class_def& definition, const class_def& old) {
   keep_values(definition.values, old.values, CLASS_ATTRIBUTES);
+  const std::vector<int32_t> by_name = places_by_name(old);
   std::vector<int32_t> place_in_old(definition.entries.size(), NO_PARENT);
   std::vector<bool> is_kept(old.entries.size(), false);
   for (size_t i = 0; i < definition.entries.size(); ++i) {
@@ -161,7 +162,7 @@ std::vector<std::string> keep_old(class_def& definition, const class_def& old) {
     const int32_t parent =
         entry.parent == NO_PARENT ? NO_PARENT : place_in_old[static_cast<size_t>(entry.parent)];
     if (entry.parent != NO_PARENT && parent == NO_PARENT) continue;
-    const int32_t same = find_entry(old, parent, text_of(entry, ENTRY_NAME));
+    const int32_t same = find_entry(old, by_name, parent, text_of(entry, ENTRY_NAME));
     place_in_old[i] = same;
     if (same == NO_PARENT) continue;
     is_kept[static_cast<size_t>(same)] = true;

@@ -31,8 +31,6 @@ struct class_def {
   std::array<const void*, CLASS_ATTRIBUTES.size()> values;
   int32_t elem_id;
   std::vector<entry_def> entries;
-  // Positions of the entries by parent, then by folded name, then by place.
-  std::vector<int32_t> by_name;
 };
 
 // Reads the element of a class (what the record held before is gone).
@@ -47,8 +45,8 @@ inline bool is_container(int32_t type) {
 }
 bool is_subclass(const char* class_name);
 
-// The position of the entry of that name below that parent; NO_PARENT when there is none.
-int32_t find_entry(const class_def& definition, int32_t parent, const char* name);
+// Positions of the entries by parent, then by folded name, then by place.
+std::vector<int32_t> places_by_name(const class_def& definition);
 
 // The names from the top level down to the entry, in a row with dots between.
 std::string path_of(const class_def& definition, const entry_def& entry);

@@ -20,8 +20,7 @@ class class_writer {
   std::string_view write(const class_def& definition);
 
  private:
-  struct buffers;
-  std::unique_ptr<buffers> buffers_;
+  std::unique_ptr<struct json_text> json_;
 };
 
 // Reads definitions into lists.
@@ -29,9 +28,10 @@ class class_reader {
  public:
   class_reader();
   ~class_reader();
-  // Adds what the text says to an empty element. False for a text that is none of ours, with what
-  // is wrong with it, or when the list cannot be built.
-  bool read(const char* text, tav_flist_t* element, const char*& fault);
+  // Adds the class that the text defines as an element of TAV_FLD_OBJ_DESC, and gives it
+  // (borrowed). Null for a text that is none of ours, with what is wrong with it, or when the list
+  // cannot be built; a part of the class may then be there.
+  tav_flist_t* read(const char* text, tav_flist_t* list, int32_t elem_id, const char*& fault);
 
  private:
   struct buffers;

@@ -1,12 +1,12 @@
-#include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
 #include <cstring>
 #include <limits>
+#include <new>
 
 #include "dd/owners.h"
-#include "dd/values.h"
 #include "dm/class_json.h"
+#include "dm/json_run.h"
 #include "dm/text_rules.h"
 
 namespace dm {
@@ -21,40 +21,66 @@ static bool holds_surrogate(std::string_view text) {
 
 namespace {
 
+// Texts are UTF-8 and read in place. What stands for itself is taken at once, not one character
+// after the other.
+struct text_encoding : rapidjson::UTF8<> {
+  using rapidjson::UTF8<>::Validate;
+  template <class Stream>
+  static bool Validate(Stream& text, Stream&) {
+    const size_t run = plain_run(text.src_);
+    if (run == 0) return rapidjson::UTF8<>::Validate(text, text);
+    if (text.dst_ != text.src_) std::memmove(text.dst_, text.src_, run);
+    text.src_ += run;
+    text.dst_ += run;
+    return true;
+  }
+};
+
+// What was read of a class or of an entry. Its values wait until all are known, or until the
+// element must be there to take elements of its own.
+struct level {
+  tav_flist_t* list;  // the element; null until it is there
+  int32_t elem_id;
+  int32_t count;   // entries so far
+  unsigned given;  // a bit for each row that was met
+  size_t waiting;  // how many values are
+  std::array<tav_value, ENTRY_ATTRIBUTES.size()> values;
+  std::array<int32_t, ENTRY_ATTRIBUTES.size()> numbers;
+};
+static_assert(CLASS_ATTRIBUTES.size() <= ENTRY_ATTRIBUTES.size());
+
 // Text of one definition into lists. The levels of a text are: the class, its entries (an array and
 // an object each), and an array of texts; anything else ends the reading.
 class builder {
  public:
-  explicit builder(tav_flist_t* element) { lists_[0] = element; }
+  // A text without escapes holds no character that could not stand there bare.
+  builder(tav_flist_t* list, int32_t elem_id, bool has_escapes, std::vector<dd_decimal>& decimals)
+      : list_(list), elem_id_(elem_id), has_escapes_(has_escapes), decimals_(decimals) {}
 
   const char* fault() const { return fault_; }
+  tav_flist_t* element() const { return levels_[0].list; }
 
   bool StartObject() {
-    if (depth_ < 0) return depth_ = 0, true;
+    if (depth_ < 0) return begin(elem_id_);
     if (!in_entries_ || depth_ + 1 > DEEPEST_READ) return fail("is nested wrongly");
-    lists_[depth_ + 1] =
-        tav_flist_elem_add(lists_[depth_], TAV_FLD_OBJ_ELEM, count_[depth_]++, &ebuf_);
-    ++depth_;
-    count_[depth_] = 0;
-    given_[depth_] = 0;
-    in_entries_ = false;
-    next_ = 0;
-    return built();
+    return begin(levels_[depth_].count++);
   }
   bool EndObject(rapidjson::SizeType) {
     const unsigned needed = depth_ > 0 ? bit(ENTRY_NAME) | bit(ENTRY_TYPE) : bit(CLASS_NAME);
-    if ((given_[depth_] & needed) != needed) return fail("lacks a name or a type");
+    if ((levels_[depth_].given & needed) != needed) return fail("lacks a name or a type");
+    if (!build()) return false;
     in_entries_ = depth_ > 0;
     if (depth_ > 0) --depth_;
     return true;
   }
   bool StartArray() {
-    if (row_ == nullptr && at_entries_ && !in_entries_)
-      return at_entries_ = false, in_entries_ = true;
-    if (row_ == nullptr || row_->form != value_form::TEXTS || in_texts_)
-      return fail("is nested wrongly");
+    const bool is_entries = row_ == nullptr && at_entries_ && !in_entries_;
+    const bool is_texts = row_ != nullptr && row_->form == value_form::TEXTS && !in_texts_;
+    if (!is_entries && !is_texts) return fail("is nested wrongly");
+    if (is_entries) at_entries_ = false;
     texts_ = 0;
-    return in_texts_ = true;
+    (is_entries ? in_entries_ : in_texts_) = true;
+    return build();
   }
   bool EndArray(rapidjson::SizeType) {
     if (!in_texts_) in_entries_ = false;
@@ -73,29 +99,21 @@ class builder {
   }
 
   bool String(const char* text, rapidjson::SizeType length, bool) {
-    if (row_ == nullptr || std::memchr(text, '\0', length) != nullptr ||
-        holds_surrogate({text, length}))
+    if (row_ == nullptr || (has_escapes_ && is_bad({text, length})))
       return fail("holds a bad text");
-    if (row_->form == value_form::DECIMAL && length > LONGEST_TEXT)
-      return fail("holds a number that is too long");
-    tav_flist_t* list = lists_[depth_];
-    if (row_->form == value_form::TEXT) {
-      dd_set_text(list, row_->field, text, &ebuf_);
-    } else if (row_->form == value_form::DECIMAL) {
-      dd_put(list, row_->field, 0, dd_decimal(tav_decimal(text, &ebuf_)), &ebuf_);
-    } else if (in_texts_) {
-      dd_set_text(tav_flist_elem_add(list, row_->field, texts_++, &ebuf_), row_->text, text,
-                  &ebuf_);
-    } else {
-      return fail("holds a text in a wrong place");
-    }
+    if (row_->form == value_form::TEXT) return wait(text);
+    if (row_->form == value_form::DECIMAL) return read_decimal(text, length);
+    if (!in_texts_) return fail("holds a text in a wrong place");
+    const tav_value value = {row_->text, text};
+    tav_elem_add_filled(levels_[depth_].list, row_->field, texts_++, &value, 1, &ebuf_);
     return built();
   }
   bool Int(int value) {
     if (row_ == nullptr || row_->form != value_form::NUMBER)
       return fail("holds a number in a wrong place");
-    dd_set_int(lists_[depth_], row_->field, value, &ebuf_);
-    return built();
+    level& at = levels_[depth_];
+    at.numbers[at.waiting] = value;
+    return wait(&at.numbers[at.waiting]);
   }
   bool Uint(unsigned value) {
     constexpr auto MOST = static_cast<unsigned>(std::numeric_limits<int32_t>::max());
@@ -111,11 +129,56 @@ class builder {
  private:
   static constexpr unsigned bit(size_t row) { return 1u << row; }
 
+  static bool is_bad(std::string_view text) {
+    return text.find('\0') != text.npos || holds_surrogate(text);
+  }
+
   bool fail(const char* fault) {
     fault_ = fault;
     return false;
   }
   bool built() { return ebuf_.err_code == TAV_ERR_NONE || fail(tav_taverr_to_str(ebuf_.err_code)); }
+
+  bool begin(int32_t elem_id) {
+    level& next = levels_[++depth_];
+    next.list = nullptr;
+    next.elem_id = elem_id;
+    next.count = 0;
+    next.given = 0;
+    next.waiting = 0;
+    in_entries_ = false;
+    next_ = 0;
+    return true;
+  }
+
+  bool wait(const void* value) {
+    level& at = levels_[depth_];
+    at.values[at.waiting++] = {row_->field, value};
+    return true;
+  }
+
+  bool read_decimal(const char* text, size_t length) {
+    if (length > LONGEST_TEXT) return fail("holds a number that is too long");
+    decimals_.emplace_back(tav_decimal(text, &ebuf_));
+    return built() && wait(decimals_.back().get());
+  }
+
+  // Makes the element with what is known of it, or adds what came after that.
+  bool build() {
+    level& at = levels_[depth_];
+    if (at.list == nullptr) {
+      tav_flist_t* list = depth_ > 0 ? levels_[depth_ - 1].list : list_;
+      at.list = tav_elem_add_filled(list, depth_ > 0 ? TAV_FLD_OBJ_ELEM : TAV_FLD_OBJ_DESC,
+                                    at.elem_id, at.values.data(), at.waiting, &ebuf_);
+      if (at.list == nullptr && depth_ == 0) throw std::bad_alloc();
+      at.waiting = 0;
+    }
+    for (size_t i = 0; i < at.waiting; ++i) {
+      tavi_flist_set(at.list, at.values[i].field, 0, 0, at.values[i].value, &ebuf_);
+    }
+    at.waiting = 0;
+    return built();
+  }
 
   // Attributes stand in the order of the rows, so the next one is near.
   template <size_t N>
@@ -125,16 +188,18 @@ class builder {
       const size_t place = next_;
       if (++next_ == N) next_ = 0;
       if (key != row.key) continue;
-      if ((given_[depth_] & bit(place)) != 0) return nullptr;
-      given_[depth_] |= bit(place);
+      if ((levels_[depth_].given & bit(place)) != 0) return nullptr;
+      levels_[depth_].given |= bit(place);
       return &row;
     }
     return nullptr;
   }
 
-  tav_flist_t* lists_[DEEPEST_READ + 1] = {};
-  int32_t count_[DEEPEST_READ + 1] = {};   // entries so far
-  unsigned given_[DEEPEST_READ + 1] = {};  // a bit for each row that was met
+  tav_flist_t* list_;
+  int32_t elem_id_;
+  bool has_escapes_;
+  std::vector<dd_decimal>& decimals_;  // until the text is read
+  level levels_[DEEPEST_READ + 1];
   int depth_ = -1;
   int32_t texts_ = 0;
   size_t next_ = 0;
@@ -149,20 +214,30 @@ class builder {
 }  // namespace
 
 struct class_reader::buffers {
-  rapidjson::Reader json;
+  rapidjson::GenericReader<text_encoding, text_encoding> json;
+  std::string text;  // what is read in place
+  std::vector<dd_decimal> decimals;
 };
 
 class_reader::class_reader() : buffers_(std::make_unique<buffers>()) {}
 class_reader::~class_reader() = default;
 
-bool class_reader::read(const char* text, tav_flist_t* element, const char*& fault) {
-  builder build(element);
-  // A stream with an end: the reader takes whole sequences, also where the text ends in one.
-  rapidjson::MemoryStream stream(text, std::strlen(text));
+tav_flist_t* class_reader::read(const char* text, tav_flist_t* list, int32_t elem_id,
+                                const char*& fault) {
+  constexpr unsigned FLAGS = rapidjson::kParseInsituFlag | rapidjson::kParseValidateEncodingFlag;
+  std::string& copy = buffers_->text;
+  copy = text;
+  const bool has_escapes = copy.find('\\') != copy.npos;
+  // Characters are looked for a word at a time, and whole sequences of bytes are taken, also where
+  // the text ends in one.
+  copy.append(WORD, '\0');
+  buffers_->decimals.clear();
+  builder build(list, elem_id, has_escapes, buffers_->decimals);
+  rapidjson::GenericInsituStringStream<text_encoding> stream(copy.data());
   // The reader calls itself for each level; the builder allows few.
-  const auto result = buffers_->json.Parse<rapidjson::kParseValidateEncodingFlag>(stream, build);
+  const auto result = buffers_->json.Parse<FLAGS>(stream, build);
   fault = build.fault();
-  return !result.IsError();
+  return result.IsError() ? nullptr : build.element();
 }
 
 }  // namespace dm

@@ -1,5 +1,7 @@
 #include "dm/class_rules.h"
 
+#include <algorithm>
+
 namespace dm {
 
 void blame(const class_def& definition, int32_t code, uint32_t field, std::string_view fault,
@@ -14,6 +16,17 @@ void blame(const class_def& definition, const entry_def& entry, int32_t code, ui
   const std::string path = quoted(path_of(definition, entry));
   result.push_back(
       {code, field, entry.elem_id, 0, join({"Class ", name, ", field ", path, " ", fault, "."})});
+}
+
+bool may_repeat(const class_def& definition, entry_attribute which) {
+  std::vector<uint64_t> keys;  // parents and hashes
+  keys.reserve(definition.entries.size());
+  for (const entry_def& entry : definition.entries) {
+    const uint64_t parent = static_cast<uint32_t>(entry.parent);
+    keys.push_back(parent << 32 | dd_hash(text_of(entry, which)));
+  }
+  std::sort(keys.begin(), keys.end());
+  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
 }
 
 void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,

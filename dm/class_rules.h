@@ -17,6 +17,10 @@ void check_hierarchy(const class_def& definition, class_world& world, findings& 
 void check_storage(const class_def& definition, class_world& world,
                    std::vector<std::string>& tables, findings& result);
 
+// Whether two entries under one parent may have the same text there, the case apart: mostly not,
+// and then their texts need not be compared.
+bool may_repeat(const class_def& definition, entry_attribute which);
+
 // The table of a subclass, which needs none: it is not stored. Null where there is none.
 const char* needless_table(const class_def& definition);
 

@@ -18,11 +18,12 @@ bool load_class(class_reader& reader, const class_row& row, dd_flist& list, clas
   list.reset(tav_flist_create(nullptr));
   const char* fault = nullptr;
   if (list == nullptr) throw std::bad_alloc();
-  if (!reader.read(row.definition, list.get(), fault)) {
+  tav_flist_t* element = reader.read(row.definition, list.get(), 0, fault);
+  if (element == nullptr) {
     why = damaged_class(row.name, fault);
     return false;
   }
-  read_class(tav_node_of(list.get()), 0, definition);
+  read_class(tav_node_of(element), 0, definition);
   return true;
 }
 
@@ -35,19 +36,13 @@ void name_cache::add(const char* name, int64_t value) {
 
 class_world::class_world(store& store, int64_t database) : store_(store), database_(database) {}
 
-void class_world::add_fields(const field_plan& plan) {
-  for (const planned_field& field : plan.changes) {
-    fields_.values.add_first(field.row.name, field.row.type);
-  }
-}
-
 bool class_world::read_all() {
   auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
   auto klass = [this](const class_row& row) { return classes_.add(row.key, row.id), true; };
   auto table = [this](const table_row& row) { return tables_.add(row.key, row.class_id), true; };
   const choice keys{choice::KEYS};
   fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
-  return store_.calls->fields(&store_, database_, {}, visit<field_row>(field), why) &&
+  return store_.calls->fields(&store_, database_, keys, visit<field_row>(field), why) &&
          store_.calls->classes(&store_, database_, keys, visit<class_row>(klass), why) &&
          store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
 }
@@ -63,6 +58,10 @@ static int64_t cached(name_cache& cache, const char* name, LookUp look_up) {
 }
 
 int64_t class_world::type_of(const char* field) {
+  const int32_t* place = asked_ != nullptr ? asked_->by_name.find(field) : nullptr;
+  if (place != nullptr && asked_->fields[static_cast<size_t>(*place)].is_planned) {
+    return *asked_->fields[static_cast<size_t>(*place)].type;
+  }
   return cached(fields_, field, [this](const choice& named) {
     int64_t type = name_cache::ABSENT;
     auto note = [&](const field_row& row) { return type = row.type, true; };

@@ -36,8 +36,8 @@ class class_world {
  public:
   class_world(store& store, int64_t database);
 
-  // Fields that count as there. The names must stay.
-  void add_fields(const field_plan& plan);
+  // What of these is planned counts as there; they must stay.
+  void add_fields(const field_request& asked) { asked_ = &asked; }
   // Reads all keys at once, for an operation on many classes.
   bool read_all();
 
@@ -68,6 +68,7 @@ class class_world {
 
   store& store_;
   int64_t database_;
+  const field_request* asked_ = nullptr;
   class_reader reader_;
   name_cache fields_;
   name_cache classes_;  // ids

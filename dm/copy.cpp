@@ -31,7 +31,7 @@ static bool pass(passage& p, Read read, Write write) {
 
 static bool copy_fields(passage& p) {
   return pass<field_row>(p, p.from.calls->fields, [&](const field_row& row) {
-    return p.to.calls->add_field(&p.to, p.target, row, p.why);
+    return p.to.calls->add_fields(&p.to, p.target, {&row, 1}, p.why);
   });
 }
 

@@ -15,16 +15,18 @@ void read_request(const tav_node* input, field_request& request) {
     field.type = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_TYPE));
     field.descr = static_cast<const char*>(tav_node_get(node, TAV_FLD_DESCR));
     field.elem_id = id;
-    const auto place = static_cast<int64_t>(request.fields.size());
-    if (field.name != nullptr) request.by_name.add_first(field.name, place);
-    if (field.number != nullptr) request.by_number.add_first(*field.number, place);
+    const auto place = static_cast<int32_t>(request.fields.size());
+    if (field.name != nullptr) field.first_named = request.by_name.add_first(field.name, place);
+    if (field.number != nullptr) {
+      field.first_numbered = request.by_number.add_first(*field.number, place);
+    }
     request.fields.push_back(field);
   }
 }
 
 static void note_stored(field_request& request, const field_row& row) {
-  if (const int64_t* place = request.by_name.find(row.name)) {
-    asked_field& field = request.fields[static_cast<size_t>(*place)];
+  if (const int32_t* place = request.by_name.find(row.name)) {
+    asked_field& field = field_at(request, *place);
     field.is_stored = true;
     field.stored_number = row.number;
     field.stored_type = row.type;
@@ -32,8 +34,8 @@ static void note_stored(field_request& request, const field_row& row) {
     field.is_described_so =
         row.descr != nullptr && field.descr != nullptr && std::strcmp(row.descr, field.descr) == 0;
   }
-  if (const int64_t* place = request.by_number.find(row.number)) {
-    asked_field& field = request.fields[static_cast<size_t>(*place)];
+  if (const int32_t* place = request.by_number.find(row.number)) {
+    asked_field& field = field_at(request, *place);
     field.number_is_taken = field.name == nullptr || !dd_equal(field.name, row.name);
   }
 }

@@ -2,8 +2,11 @@
 #ifndef DM_FIELD_REQUEST_H
 #define DM_FIELD_REQUEST_H
 
+#include <vector>
+
 #include "dd/index.h"
-#include "dm/session.h"
+#include "dm/store.h"
+#include "vantor/data_manager.h"
 
 namespace dm {
 
@@ -13,20 +16,28 @@ struct asked_field {
   const int32_t* type;
   const char* descr;  // null: not given
   int32_t elem_id;
+  // Positions of the first field of that name and of that number, where they are given.
+  int32_t first_named = 0;
+  int32_t first_numbered = 0;
 
-  bool is_stored = false;  // under its name, with these:
   int32_t stored_number = 0;
   int32_t stored_type = 0;
   int64_t stamp = 0;
+  bool is_stored = false;        // under its name, with these three
   bool is_described_so = false;  // by the same text
   bool number_is_taken = false;  // by a stored field of another name
+  bool is_planned = false;       // to be added, or described anew where it is stored
 };
 
 struct field_request {
   std::vector<asked_field> fields;
-  dd_index<dd_by_name, int64_t> by_name;  // positions in `fields`
-  dd_index<dd_by_number, int64_t> by_number;
+  dd_index<dd_by_name, int32_t> by_name;  // positions in `fields`
+  dd_index<dd_by_number, int32_t> by_number;
 };
+
+inline asked_field& field_at(field_request& request, int32_t position) {
+  return request.fields[static_cast<size_t>(position)];
+}
 
 // Reads the request; its texts are borrowed from the list.
 void read_request(const tav_node* input, field_request& request);

@@ -1,7 +1,9 @@
 #include "dm/keywords.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <string_view>
 
 #include "dd/fold.h"
 
@@ -25,7 +27,24 @@ static constexpr const char* KEYWORDS[] = {
 // clang-format on
 static_assert(std::size(KEYWORDS) == 75);  // all of the reader's table but { } = ;
 
+// How long the keywords of each first letter are, a bit for each: mostly not as long as a name.
+static constexpr auto LENGTHS = [] {
+  std::array<uint32_t, 256> lengths{};
+  for (const std::string_view keyword : KEYWORDS) {
+    lengths[static_cast<unsigned char>(keyword[0])] |= 1u << keyword.size();
+  }
+  return lengths;
+}();
+
+static bool may_be_keyword(const char* word) {
+  const unsigned char first = dd_fold(*word);
+  const size_t length = std::strlen(word);
+  const bool is_small = first >= 'a' && first <= 'z';
+  return is_small && length < 32 && (LENGTHS[first - 'a' + 'A'] >> length & 1) != 0;
+}
+
 bool is_keyword(const char* word) {
+  if (!may_be_keyword(word)) return false;
   const auto* at =
       std::lower_bound(std::begin(KEYWORDS), std::end(KEYWORDS), word,
                        [](const char* a, const char* b) { return dd_compare(a, b) < 0; });

@@ -23,12 +23,8 @@ struct class_fetch {
 }  // namespace
 
 static bool add_class(class_fetch& fetch, const class_row& row) {
-  tav_ebuf ebuf{};
-  tav_flist_t* element =
-      tav_flist_elem_add(fetch.output.get(), TAV_FLD_OBJ_DESC, fetch.count++, &ebuf);
-  if (element == nullptr) throw std::bad_alloc();
   const char* fault = nullptr;
-  if (fetch.reader.read(row.definition, element, fault)) return true;
+  if (fetch.reader.read(row.definition, fetch.output.get(), fetch.count++, fault)) return true;
   fetch.op.why = damaged_class(row.name, fault);
   return false;
 }

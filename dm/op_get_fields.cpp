@@ -1,18 +1,20 @@
 // 575: fields in ascending number, or the named ones in the order asked for.
 #include <unordered_set>
 
-#include "dd/values.h"
 #include "dm/operations.h"
 
 namespace dm {
 
 static void add_field(tav_flist_t* output, int32_t id, const field_row& row, tav_ebuf* ebuf) {
-  tav_flist_t* element = tav_flist_elem_add(output, TAV_FLD_FIELD, id, ebuf);
-  dd_set_text(element, TAV_FLD_FIELD_NAME, row.name, ebuf);
-  dd_set_int(element, TAV_FLD_FIELD_NUM, row.number, ebuf);
-  dd_set_int(element, TAV_FLD_FIELD_TYPE, row.type, ebuf);
-  if (row.descr != nullptr) dd_set_text(element, TAV_FLD_DESCR, row.descr, ebuf);
-  if (row.flags != 0) dd_set_int(element, TAV_FLD_FIELD_FLAGS, row.flags, ebuf);
+  tav_value values[] = {{TAV_FLD_FIELD_NAME, row.name},
+                        {TAV_FLD_FIELD_NUM, &row.number},
+                        {TAV_FLD_FIELD_TYPE, &row.type},
+                        {},
+                        {}};
+  size_t count = 3;
+  if (row.descr != nullptr) values[count++] = {TAV_FLD_DESCR, row.descr};
+  if (row.flags != 0) values[count++] = {TAV_FLD_FIELD_FLAGS, &row.flags};
+  tav_elem_add_filled(output, TAV_FLD_FIELD, id, values, count, ebuf);
 }
 
 template <class Add>

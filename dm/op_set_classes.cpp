@@ -180,7 +180,7 @@ static bool set_class(class_run& run, const tav_node* node, int32_t id) {
 
 static bool set_all(class_run& run) {
   const field_plan& pending = run.op.session.pending;
-  if (pending.database.id == run.database.id) run.world.add_fields(pending);
+  if (pending.database.id == run.database.id) run.world.add_fields(pending.asked);
   find_repeated(run);
   const uint32_t cost = run.op.session.store->look_up_cost;
   if (tav_node_count(run.op.input, TAV_FLD_OBJ_DESC) > MANY / cost && !run.world.read_all()) {

@@ -25,9 +25,8 @@ static bool is_the_same(const asked_field& field, int32_t type, int32_t number, 
              join({"has another number in the dictionary: ", std::to_string(number)}));
 }
 
-static bool number_is_free(const field_request& request, const asked_field& field, problem& why) {
-  const int64_t* first = request.by_number.find(*field.number);
-  const asked_field& holder = request.fields[static_cast<size_t>(*first)];
+static bool number_is_free(field_request& request, const asked_field& field, problem& why) {
+  const asked_field& holder = field_at(request, field.first_numbered);
   const bool taken = &holder == &field ? field.number_is_taken : !dd_equal(holder.name, field.name);
   return !taken || bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
                        join({"cannot have the number ", std::to_string(*field.number),
@@ -40,7 +39,7 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
     why.rec_id = field.elem_id;
     return false;
   }
-  asked_field& first = request.fields[static_cast<size_t>(*request.by_name.find(field.name))];
+  asked_field& first = field_at(request, field.first_named);
   if (&first == &field) {
     return field.is_stored ? is_the_same(field, field.stored_type, field.stored_number, why)
                            : number_is_free(request, field, why);
@@ -53,47 +52,48 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
   return true;
 }
 
-// Takes the field's part into the plan: only a first mention has one.
-static bool plan_field(const session& session, const field_request& request,
-                       const asked_field& field, field_plan& plan, problem& why) {
-  if (&request.fields[static_cast<size_t>(*request.by_name.find(field.name))] != &field)
-    return true;
+// Takes the field into the plan: only a first mention has a part there.
+static bool plan_field(const session& session, field_plan& plan, asked_field& field, problem& why) {
+  if (&field_at(plan.asked, field.first_named) != &field) return true;
   const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
   if (field.is_stored && !describes) return true;
   if (field.is_stored && is_foreign(session, plan.target, &seen_database::fields, field.stamp)) {
     return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
                "was changed by another session since this one fetched the fields; run again");
   }
-  const int64_t stamp = plan.database.counter + 1;
-  plan.changes.push_back(
-      {{field.name, *field.number, *field.type, field.descr, 0, stamp}, !field.is_stored});
-  return true;
+  return field.is_planned = true;
 }
 
 static bool plan_fields(session& session, field_plan& plan, problem& why) {
   const tav_node* input = tav_node_of(plan.request.get());
   if (!find_database(session, input, plan.database, why)) return false;
-  field_request request;
-  read_request(input, request);
-  if (!look_up(*session.store, plan.database.id, request, why)) return false;
-  for (asked_field& field : request.fields) {
-    if (!is_acceptable(request, field, why)) return false;
+  field_request& asked = plan.asked;
+  read_request(input, asked);
+  if (!look_up(*session.store, plan.database.id, asked, why)) return false;
+  for (asked_field& field : asked.fields) {
+    if (!is_acceptable(asked, field, why)) return false;
   }
-  for (const asked_field& field : request.fields) {
-    if (!plan_field(session, request, field, plan, why)) return false;
+  for (asked_field& field : asked.fields) {
+    if (!plan_field(session, plan, field, why)) return false;
   }
   return true;
 }
 
 bool write_fields(session& session, const field_plan& plan, problem& why) {
-  if (plan.changes.empty()) return true;
   store* store = session.store.get();
   const int64_t id = plan.database.id;
-  for (const planned_field& change : plan.changes) {
-    const auto write = change.is_new ? store->calls->add_field : store->calls->set_description;
-    if (!write(store, id, change.row, why)) return false;
-  }
   const int64_t stamp = plan.database.counter + 1;
+  bool has_written = false;
+  std::vector<field_row> added;
+  for (const asked_field& field : plan.asked.fields) {
+    if (!field.is_planned) continue;
+    const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
+    if (!field.is_stored) added.push_back(row);
+    if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
+    has_written = true;
+  }
+  if (!has_written) return true;
+  if (!added.empty() && !store->calls->add_fields(store, id, added, why)) return false;
   if (!store->calls->set_counter(store, id, stamp, why)) return false;
   note_own(session, plan.target, stamp);
   return true;
@@ -103,7 +103,7 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
 static bool make_plan(operation& op, field_plan& plan) {
   if (!begin_write(op.session, op.why)) return false;
   if (plan_fields(op.session, plan, op.why)) return true;
-  plan.changes.clear();
+  plan.asked = {};
   return false;
 }
 

@@ -49,6 +49,7 @@ bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked) {
     const tav_node* field = next_unmarked(all, position);
     const tav_node* other = tav_node_next(unmarked, TAV_FLD_FIELD, &other_position, &id);
     if (field == nullptr || other == nullptr) return field == other;
+    if (field == other) continue;  // the lists share it
     if (!dd_equal(name_of(field), name_of(other))) return false;
     for (const uint32_t which : {TAV_FLD_FIELD_TYPE, TAV_FLD_FIELD_NUM}) {
       if (number_of(field, which) != number_of(other, which)) return false;

@@ -13,11 +13,8 @@ std::span<const field_row> predefined_fields() {
 
 bool make_database(store& store, uint64_t number, problem& why) {
   int64_t id = 0;
-  if (!store.calls->add_database(&store, number, id, why)) return false;
-  for (const field_row& row : PREDEFINED) {
-    if (!store.calls->add_field(&store, id, row, why)) return false;
-  }
-  return true;
+  return store.calls->add_database(&store, number, id, why) &&
+         store.calls->add_fields(&store, id, predefined_fields(), why);
 }
 
 }  // namespace dm

@@ -25,6 +25,7 @@ inline bool take_number(int64_t value, int32_t& number) {
 template <class Columns>
 bool take_row(const Columns& columns, field_row& row) {
   row.name = columns.text(0);
+  if (columns.count() == 2) return take_number(columns.integer(1), row.type) && row.name != nullptr;
   row.descr = columns.text(3);
   row.stamp = columns.integer(5);
   return take_number(columns.integer(1), row.number) && take_number(columns.integer(2), row.type) &&

@@ -99,7 +99,7 @@ void check_storage(const class_def& definition, class_world& world,
                    std::vector<std::string>& tables, findings& result) {
   collect_tables(definition, tables, result);
   check_tables(definition, world, tables, result);
-  check_columns(definition, result);
+  if (may_repeat(definition, ENTRY_SQL_NAME)) check_columns(definition, result);
 }
 
 }  // namespace dm

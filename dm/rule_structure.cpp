@@ -8,7 +8,8 @@ namespace dm {
 static constexpr int32_t BAD = TAV_ERR_BAD_VALUE;
 
 static bool is_system(const entry_def& entry, entry_attribute which) {
-  return dd_equal(text_of(entry, which), "System");
+  const char* permission = text_of(entry, which);
+  return dd_fold(*permission) == 's' && dd_equal(permission, "System");
 }
 
 // The fields that a base class may carry with system permission.
@@ -29,9 +30,9 @@ static void check_top_level(const class_def& definition, const entry_def& entry,
   if (!below && entry.type == TAV_FLDT_SUBSTRUCT) {
     blame(definition, entry, BAD, TAV_FLD_FIELD_TYPE, "is a substruct in a base class", result);
   }
-  if (!below && may_be_system(text_of(entry, ENTRY_NAME))) return;
   for (const entry_attribute which : {ENTRY_CREATE, ENTRY_MODIFY}) {
     if (!is_system(entry, which)) continue;
+    if (!below && may_be_system(text_of(entry, ENTRY_NAME))) return;
     blame(definition, entry, BAD, ENTRY_ATTRIBUTES[which].field,
           "has system permission, which only special fields of a base class may have", result);
   }
@@ -59,10 +60,9 @@ static void check_entry(const class_def& definition, const entry_def& entry, fin
   }
 }
 
-void check_structure(const class_def& definition, findings& result) {
-  for (const entry_def& entry : definition.entries) check_entry(definition, entry, result);
+static void check_names(const class_def& definition, findings& result) {
   const entry_def* previous = nullptr;
-  for (const int32_t place : definition.by_name) {
+  for (const int32_t place : places_by_name(definition)) {
     const entry_def& entry = definition.entries[static_cast<size_t>(place)];
     if (previous != nullptr && previous->parent == entry.parent &&
         dd_equal(text_of(*previous, ENTRY_NAME), text_of(entry, ENTRY_NAME))) {
@@ -70,6 +70,11 @@ void check_structure(const class_def& definition, findings& result) {
     }
     previous = &entry;
   }
+}
+
+void check_structure(const class_def& definition, findings& result) {
+  for (const entry_def& entry : definition.entries) check_entry(definition, entry, result);
+  if (may_repeat(definition, ENTRY_NAME)) check_names(definition, result);
 }
 
 }  // namespace dm

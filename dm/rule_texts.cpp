@@ -23,7 +23,7 @@ static const char* fault_of_decimal(const void* value) {
 }
 
 static const char* fault_of(const void* value, const attribute& row) {
-  if (value == nullptr || row.form == value_form::NUMBER) return nullptr;
+  if (row.form == value_form::NUMBER) return nullptr;
   if (row.form == value_form::TEXT) return text_fault(static_cast<const char*>(value));
   if (row.form == value_form::DECIMAL) return fault_of_decimal(value);
   return fault_of_texts(static_cast<const tav_node*>(value), row);
@@ -32,6 +32,7 @@ static const char* fault_of(const void* value, const attribute& row) {
 void check_texts(const class_def& definition, findings& result) {
   for (size_t i = 0; i < CLASS_ATTRIBUTES.size(); ++i) {
     const attribute& row = CLASS_ATTRIBUTES[i];
+    if (definition.values[i] == nullptr) continue;
     const char* fault = fault_of(definition.values[i], row);
     if (fault == nullptr) continue;
     blame(definition, TAV_ERR_BAD_VALUE, row.field, join({"has a bad ", row.key, ": it ", fault}),
@@ -40,6 +41,7 @@ void check_texts(const class_def& definition, findings& result) {
   for (const entry_def& entry : definition.entries) {
     for (size_t i = 0; i < ENTRY_ATTRIBUTES.size(); ++i) {
       const attribute& row = ENTRY_ATTRIBUTES[i];
+      if (entry.values[i] == nullptr) continue;
       const char* fault = fault_of(entry.values[i], row);
       if (fault == nullptr) continue;
       blame(definition, entry, TAV_ERR_BAD_VALUE, row.field,

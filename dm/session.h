@@ -10,23 +10,18 @@
 #include <vector>
 
 #include "dd/owners.h"
+#include "dm/field_request.h"
 #include "dm/open.h"
 #include "vantor/data_manager.h"
 
 namespace dm {
-
-// One field that a 576 adds or describes anew; texts are borrowed from the plan's list.
-struct planned_field {
-  field_row row;
-  bool is_new;
-};
 
 // What a 576 would write.
 struct field_plan {
   dd_flist request;     // a copy of the input, which lives as long as the plan
   uint64_t target = 0;  // database number
   database_row database{};
-  std::vector<planned_field> changes;
+  field_request asked;  // empty when it was refused
 };
 
 // What a session has fetched and written in one database.

@@ -11,7 +11,7 @@ static constexpr const char* WRITES[] = {
     "INSERT INTO dd_databases (number, counter) VALUES (?1, 0)",
     "UPDATE dd_databases SET counter = ?2 WHERE id = ?1",
     "INSERT INTO dd_fields (database, folded, name, number, type, descr, flags, stamp)"
-    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)",
+    " SELECT ?1, folded, name, number, type, descr, flags, stamp FROM dd_fields_to_add",
     "UPDATE dd_fields SET descr = ?3, stamp = ?4 WHERE database = ?1 AND number = ?2",
     "DELETE FROM dd_fields WHERE database = ?1 AND number = ?2",
     "INSERT INTO dd_classes (database, folded, name, stamp, definition) VALUES (?1, ?2, ?3, ?4, "

@@ -16,7 +16,7 @@ namespace dm {
 enum statement {
   INSERT_DATABASE = QUERIES,
   UPDATE_COUNTER,
-  INSERT_FIELD,
+  INSERT_FIELDS,
   UPDATE_DESCRIPTION,
   DELETE_FIELD,
   INSERT_CLASS,
@@ -26,10 +26,19 @@ enum statement {
   STATEMENTS  // their number
 };
 
+// Fields to be added, as the engine sees them: a table of the connection, not of the file.
+inline constexpr char NEW_FIELDS_NAME[] = "dd_fields_to_add";
+struct sqlite_new_fields : sqlite3_vtab {
+  std::span<const field_row> rows;
+  size_t at = 0;
+  sqlite3_vtab_cursor cursor{};
+};
+
 struct sqlite_store : store {
   std::string path;
   sqlite3* db = nullptr;
   std::array<sqlite3_stmt*, STATEMENTS> prepared{};
+  sqlite_new_fields added{};
   int version = 0;
   // A file on a medium or in a folder that cannot be written is read without locks; it must then
   // stay what it was when it was opened.
@@ -88,7 +97,7 @@ bool sqlite_count(store*, int64_t, counted, int64_t&, problem&);
 bool sqlite_integrity(store*, visitor<std::string_view>, problem&);
 bool sqlite_add_database(store*, uint64_t, int64_t&, problem&);
 bool sqlite_set_counter(store*, int64_t, int64_t, problem&);
-bool sqlite_add_field(store*, int64_t, const field_row&, problem&);
+bool sqlite_add_fields(store*, int64_t, std::span<const field_row>, problem&);
 bool sqlite_set_description(store*, int64_t, const field_row&, problem&);
 bool sqlite_delete_field(store*, int64_t, int32_t, problem&);
 bool sqlite_put_class(store*, int64_t, class_row&, problem&);

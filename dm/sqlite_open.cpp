@@ -35,8 +35,11 @@ static bool sqlite_begin(store* base, bool write, problem& why) {
   if (!write) return sqlite_run(store, "BEGIN", why);
   // The engine itself would begin, and fail at the first row only.
   if (!sqlite_writeable(base)) return sqlite_failed(store, SQLITE_READONLY, why);
-  // The indexes of a large dictionary stay in memory while it is written: 16 MB.
-  return sqlite_run(store, "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384; BEGIN IMMEDIATE",
+  // The indexes of a large dictionary stay in memory while it is written: 16 MB. So does what
+  // undoes a statement of many rows, which would ask for a folder of temporary files.
+  return sqlite_run(store,
+                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
+                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
                     why);
 }
 
@@ -50,11 +53,11 @@ static void sqlite_rollback(store* base) {
 }
 
 const store_calls SQLITE_CALLS = {
-    sqlite_close,        sqlite_name,        sqlite_writeable, sqlite_version,
-    sqlite_begin,        sqlite_commit,      sqlite_rollback,  sqlite_databases,
-    sqlite_fields,       sqlite_classes,     sqlite_tables,    sqlite_count,
-    sqlite_add_database, sqlite_set_counter, sqlite_add_field, sqlite_set_description,
-    sqlite_delete_field, sqlite_put_class,   sqlite_add_table, sqlite_delete_table,
+    sqlite_close,        sqlite_name,        sqlite_writeable,  sqlite_version,
+    sqlite_begin,        sqlite_commit,      sqlite_rollback,   sqlite_databases,
+    sqlite_fields,       sqlite_classes,     sqlite_tables,     sqlite_count,
+    sqlite_add_database, sqlite_set_counter, sqlite_add_fields, sqlite_set_description,
+    sqlite_delete_field, sqlite_put_class,   sqlite_add_table,  sqlite_delete_table,
     sqlite_integrity,
 };
 

@@ -18,14 +18,6 @@ bool sqlite_set_counter(store* base, int64_t database, int64_t counter, problem&
   return use.bind(database).bind(counter).run(why);
 }
 
-bool sqlite_add_field(store* base, int64_t database, const field_row& row, problem& why) {
-  const std::string key = folded(row.name);
-  sqlite_use use(sqlite_of(base), INSERT_FIELD);
-  use.bind(database).bind(key).bind(row.name).bind(static_cast<int64_t>(row.number));
-  use.bind(static_cast<int64_t>(row.type)).bind(row.descr).bind(static_cast<int64_t>(row.flags));
-  return use.bind(row.stamp).run(why);
-}
-
 bool sqlite_set_description(store* base, int64_t database, const field_row& row, problem& why) {
   sqlite_use use(sqlite_of(base), UPDATE_DESCRIPTION);
   use.bind(database).bind(static_cast<int64_t>(row.number)).bind(row.descr).bind(row.stamp);

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string_view>
 
 #include "dm/problem.h"
@@ -22,7 +23,7 @@ struct database_row {
 // More writes than there will be: counters stay far from where they would overflow.
 inline constexpr int64_t HIGHEST_COUNTER = int64_t{1} << 62;
 
-struct field_row {
+struct field_row {  // read for its key only: name and type
   const char* name;
   int32_t number;
   int32_t type;
@@ -95,7 +96,7 @@ struct store_calls {
 
   bool (*add_database)(store*, uint64_t number, int64_t& id, problem&);
   bool (*set_counter)(store*, int64_t database, int64_t counter, problem&);
-  bool (*add_field)(store*, int64_t database, const field_row&, problem&);
+  bool (*add_fields)(store*, int64_t database, std::span<const field_row>, problem&);
   bool (*set_description)(store*, int64_t database, const field_row&, problem&);
   bool (*delete_field)(store*, int64_t database, int32_t number, problem&);
   // Adds the class (id 0; gives its id) or replaces its definition.

@@ -39,15 +39,20 @@ static size_t sequence_length(const unsigned char* at) {
 // Whether it is plain ASCII, and so short that escapes cannot make it too long: nearly every text.
 static bool is_plain(const char* text) {
   constexpr uint64_t HIGH_BITS = 0x8080808080808080u;
+  constexpr size_t WORD = sizeof(uint64_t);
   const size_t length = std::strlen(text);
   if (length > LONGEST_TEXT / 2) return false;
   uint64_t bits = 0;
-  size_t done = 0;
-  for (uint64_t bytes; done + sizeof bytes <= length; done += sizeof bytes) {
-    std::memcpy(&bytes, text + done, sizeof bytes);
+  const auto take = [&](size_t at) {
+    uint64_t bytes;
+    std::memcpy(&bytes, text + at, WORD);
     bits |= bytes;
+  };
+  for (size_t at = 0; at + WORD < length; at += WORD) take(at);
+  if (length >= WORD) take(length - WORD);
+  for (size_t at = 0; length < WORD && at < length; ++at) {
+    bits |= static_cast<unsigned char>(text[at]);
   }
-  for (; done < length; ++done) bits |= static_cast<unsigned char>(text[done]);
   return (bits & HIGH_BITS) == 0;
 }
 
@@ -64,11 +69,15 @@ const char* text_fault(const char* text) {
   return length > LONGEST_TEXT ? "is longer than 2047 bytes" : nullptr;
 }
 
+static constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
+static constexpr char NO_PART_OF_A_WORD[] = " \t\n\v\f\r={};";
+
 const char* field_name_fault(const char* name) {
   if (*name == '\0') return "is empty";
   if (*name == '"' || *name == '#') return "begins with a quote or a number sign";
-  if (std::strpbrk(name, " \t\n\v\f\r") != nullptr) return "holds white space";
-  if (std::strpbrk(name, "={};") != nullptr) return "holds one of = ; { }";
+  if (const char* at = std::strpbrk(name, NO_PART_OF_A_WORD)) {
+    return std::strpbrk(at, WHITE_SPACE) != nullptr ? "holds white space" : "holds one of = ; { }";
+  }
   if (is_keyword(name)) return "is a keyword of the definition language";
   return text_fault(name);
 }

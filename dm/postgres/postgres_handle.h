@@ -101,7 +101,7 @@ bool postgres_count(store*, int64_t, counted, int64_t&, problem&);
 bool postgres_integrity(store*, visitor<std::string_view>, problem&);
 bool postgres_add_database(store*, uint64_t, int64_t&, problem&);
 bool postgres_set_counter(store*, int64_t, int64_t, problem&);
-bool postgres_add_field(store*, int64_t, const field_row&, problem&);
+bool postgres_add_fields(store*, int64_t, std::span<const field_row>, problem&);
 bool postgres_set_description(store*, int64_t, const field_row&, problem&);
 bool postgres_delete_field(store*, int64_t, int32_t, problem&);
 bool postgres_put_class(store*, int64_t, class_row&, problem&);

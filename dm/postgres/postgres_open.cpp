@@ -94,11 +94,11 @@ static bool postgres_commit(store* base, problem& why) {
 }
 
 const store_calls POSTGRES_CALLS = {
-    postgres_close,        postgres_name,        postgres_writeable, postgres_version,
-    postgres_begin,        postgres_commit,      postgres_rollback,  postgres_databases,
-    postgres_fields,       postgres_classes,     postgres_tables,    postgres_count,
-    postgres_add_database, postgres_set_counter, postgres_add_field, postgres_set_description,
-    postgres_delete_field, postgres_put_class,   postgres_add_table, postgres_delete_table,
+    postgres_close,        postgres_name,        postgres_writeable,  postgres_version,
+    postgres_begin,        postgres_commit,      postgres_rollback,   postgres_databases,
+    postgres_fields,       postgres_classes,     postgres_tables,     postgres_count,
+    postgres_add_database, postgres_set_counter, postgres_add_fields, postgres_set_description,
+    postgres_delete_field, postgres_put_class,   postgres_add_table,  postgres_delete_table,
     postgres_integrity,
 };
 

@@ -6,8 +6,8 @@
 namespace dm {
 
 static bool is_many(query which) {
-  return which == SELECT_FIELDS || which == SELECT_CLASSES || which == SELECT_CLASSES_BELOW ||
-         which == SELECT_TABLES;
+  return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES || which == SELECT_CLASSES ||
+         which == SELECT_CLASSES_BELOW || which == SELECT_TABLES;
 }
 
 template <class Row>

@@ -1,4 +1,6 @@
 // Writing rows. The keys of changes begin with a letter for their table.
+#include <algorithm>
+
 #include "dm/database_number.h"
 #include "dm/folded.h"
 #include "dm/postgres/postgres_rows.h"
@@ -24,12 +26,15 @@ static std::string field_key(int64_t database, int32_t number) {
   return join({"f", std::to_string(database), ".", std::to_string(number)});
 }
 
-bool postgres_add_field(store* base, int64_t database, const field_row& row, problem& why) {
-  const std::string key = folded(row.name);
-  return put_change(
-      postgres_of(base), change::ADD_FIELD, field_key(database, row.number),
-      {database, key.c_str(), row.name, row.number, row.type, row.descr, row.flags, row.stamp},
-      why);
+bool postgres_add_fields(store* base, int64_t database, std::span<const field_row> rows,
+                         problem& why) {
+  return std::all_of(rows.begin(), rows.end(), [&](const field_row& row) {
+    const std::string key = folded(row.name);
+    return put_change(
+        postgres_of(base), change::ADD_FIELD, field_key(database, row.number),
+        {database, key.c_str(), row.name, row.number, row.type, row.descr, row.flags, row.stamp},
+        why);
+  });
 }
 
 bool postgres_set_description(store* base, int64_t database, const field_row& row, problem& why) {

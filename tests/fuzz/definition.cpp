@@ -12,8 +12,9 @@ struct stored {
 
   bool read(const std::string& text) {
     dm::class_reader reader;
-    if (!reader.read(text.c_str(), list.get(), fault)) return false;
-    dm::read_class(tav_node_of(list.get()), 0, definition);
+    const tav_flist_t* element = reader.read(text.c_str(), list.get(), 0, fault);
+    if (element == nullptr) return false;
+    dm::read_class(tav_node_of(element), 0, definition);
     return true;
   }
   std::string written() const { return std::string(dm::class_writer().write(definition)); }

@@ -27,8 +27,8 @@ static const std::pair<const char*, std::regex> SHOWN[] = {
     {"dict", std::regex("^[^|]*[a-z]{2}[^]*\\|[^]*(sentence|(join|tell|fault)\\()")},
     {"dm", std::regex("^[^|]*([a-z]{2}[^|]* | [^|]*[a-z]{2})")}};
 static const std::regex UNSEEN(
-    "^TCM_OP|^C=|^\\\\t|^[a-z]+ ?$|[{]\n|STORABLE|\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA)"
-    "\\b");
+    "^TCM_OP|^C=|^\\\\t|^[a-z]+ ?$|[{]\n|STORABLE|"
+    "\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA|CREATE TABLE)\\b");
 static const std::regex LINE("[^\\s][^\n]*[^\\s]");
 
 TEST(messages, of_the_sources_are_on_the_page) {
