@@ -2,6 +2,7 @@
 #ifndef DM_JSON_RUN_H
 #define DM_JSON_RUN_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -13,15 +14,15 @@ inline constexpr size_t WORD = sizeof(uint64_t);
 // How many bytes of a word, from the first on, are neither quote, backslash nor control character,
 // and ASCII. A byte that is marked may mark later ones in vain, none before it.
 inline size_t plain_bytes(const char* word) {
-  static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);  // the first byte is the lowest
   constexpr uint64_t ONES = 0x0101010101010101u;
   uint64_t bytes = 0;
   std::memcpy(&bytes, word, WORD);
+  if constexpr (std::endian::native == std::endian::big) bytes = __builtin_bswap64(bytes);
   const uint64_t control = bytes - ONES * ' ';
   const uint64_t quote = (bytes ^ ONES * '"') - ONES;
   const uint64_t backslash = (bytes ^ ONES * '\\') - ONES;
   const uint64_t marks = (control | quote | backslash | bytes) & ONES * 0x80;
-  return marks == 0 ? WORD : static_cast<size_t>(__builtin_ctzll(marks)) / 8;
+  return marks == 0 ? WORD : static_cast<size_t>(std::countr_zero(marks)) / 8;
 }
 
 // The same for a text, up to its end at the latest; a word behind that can be read.
