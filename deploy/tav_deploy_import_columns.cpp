@@ -117,17 +117,24 @@ static int collect_buf(const target& to, const char* name, const char* storage) 
   return tav_deploy_storage_failed(HERE, ebuf, "Error while handling BUF column");
 }
 
-static int collect_nested(const target& to, tav_deploy_entry& entry, const char* storage) {
-  tav_ebuf ebuf{};
-  size_t table = TAV_DEPLOY_NONE;
-  if (*storage == '\0') {
+// The entry's own table, none after a report where it names none; false when it cannot be kept.
+static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& table) {
+  if (*entry.storage == '\0') {
     tav_deploy_report(HERE, ERROR, MISSING_TABLE,
                       "Error: missing tablename for array/substruct: %s\n", entry.name);
-  } else {
-    table = add_table(to.tables, storage, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) return tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE);
+    return true;
   }
-  const char* table_name = table != TAV_DEPLOY_NONE ? storage : nullptr;
+  tav_ebuf ebuf{};
+  table = add_table(to.tables, entry.storage, at(&ebuf, HERE));
+  if (!dd_failed(ebuf)) return true;
+  tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE);
+  return false;
+}
+
+static int collect_nested(const target& to, tav_deploy_entry& entry) {
+  size_t table = TAV_DEPLOY_NONE;
+  if (!find_table(to, entry, table)) return -1;
+  const char* table_name = table != TAV_DEPLOY_NONE ? entry.storage : nullptr;
   if (tav_deploy_get_table_columns(to.tables, table, tav_deploy_nested(entry), to.fields,
                                    table_name) >= 1) {
     return 1;
@@ -153,26 +160,34 @@ static int collect_column(const target& to, const char* name, const char* storag
   return dd_failed(ebuf) ? tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE) : 1;
 }
 
-static int collect_entry(const target& to, tav_deploy_entry& entry) {
+static bool read_storage(tav_deploy_entry& entry) {
   tav_ebuf ebuf{};
-  const char* storage = tav_deploy_storage_of(entry, &ebuf);
-  if (dd_failed(ebuf)) return tav_deploy_storage_failed(HERE, ebuf, "Flist error");
+  tav_deploy_storage_of(entry, &ebuf);
+  if (!dd_failed(ebuf)) return true;
+  tav_deploy_storage_failed(HERE, ebuf, "Flist error");
+  return false;
+}
+
+// Error buffers stay out of what calls itself: entries may be nested ten thousand levels deep.
+static int collect_entry(const target& to, tav_deploy_entry& entry) {
+  if (!read_storage(entry)) return -1;
   switch (defined_type(to.fields, entry)) {
     case TAV_FLDT_BUF:
-      return collect_buf(to, entry.name, storage);
+      return collect_buf(to, entry.name, entry.storage);
     case TAV_FLDT_ARRAY:
     case TAV_FLDT_SUBSTRUCT:
-      return collect_nested(to, entry, storage);
+      return collect_nested(to, entry);
     default:
-      return collect_column(to, entry.name, storage);
+      return collect_column(to, entry.name, entry.storage);
   }
 }
 
 int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
                                  tav_deploy_siblings entries, dd_list& fields,
                                  const char* table_name) {
+  const target to{tables, table, table_name, fields};
   for (tav_deploy_entry& entry : entries) {
-    if (collect_entry({tables, table, table_name, fields}, entry) < 1) return -1;
+    if (collect_entry(to, entry) < 1) return -1;
   }
   return 1;
 }
