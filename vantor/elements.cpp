@@ -10,11 +10,6 @@ namespace {
 constexpr size_t FEW = 8;             // elements that are searched one by one
 constexpr uint32_t SPARE_HOLES = 32;  // holes that are left alone in any array
 
-element* live_or_null(element_array& array, size_t place) {
-  return place < array.places.size() && array.places[place].node != nullptr ? &array.places[place]
-                                                                            : nullptr;
-}
-
 // Fibonacci hashing: the high bits of the product, so that multiples of a power of two spread.
 size_t slot_of(const element_array& array, int32_t id) {
   const uint64_t product = uint64_t{static_cast<uint32_t>(id)} * 0x9e3779b97f4a7c15u;
@@ -102,12 +97,8 @@ void close_holes(element_array& array) noexcept {
 
 }  // namespace
 
-element* find_id(element_array& array, int32_t id) {
+element* search_id(element_array& array, int32_t id) {
   if (array.places.empty()) return nullptr;
-  if (array.dense) {
-    const int64_t place = int64_t{id} - int64_t{array.places.front().id};
-    return place >= 0 ? live_or_null(array, static_cast<size_t>(place)) : nullptr;
-  }
   return array.places.size() <= FEW ? find_one_by_one(array, id) : find_in_table(array, id);
 }
 

@@ -38,7 +38,14 @@ struct element_array {
 };
 
 // An element, or null where there is none; valid until an element is added or removed.
-element* find_id(element_array& array, int32_t id);
+element* search_id(element_array& array, int32_t id);
+inline element* find_id(element_array& array, int32_t id) {
+  if (!array.dense || array.places.empty()) return search_id(array, id);
+  const int64_t place = int64_t{id} - int64_t{array.places.front().id};
+  if (place < 0 || static_cast<size_t>(place) >= array.places.size()) return nullptr;
+  element& found = array.places[static_cast<size_t>(place)];
+  return found.node != nullptr ? &found : nullptr;
+}
 // The element after the one with that sequence number, if the walk goes on where the last one
 // stood and no hole follows; or null. Leaves the walk there.
 inline element* follow(element_array& array, uint32_t seq) {

@@ -18,9 +18,8 @@ tav_flist_t* lend_element(tav_flist_t& list, uint32_t field, int32_t id) {
   return hand_out(list, array, *find_id(array, id));
 }
 
-element& place_content(tav_flist_t& list, uint32_t field, int32_t id, tav_node* content) {
+element& place_content(element_array& array, int32_t id, tav_node* content) {
   std::unique_ptr<tav_node, reap_node> owner(content);
-  element_array& array = need_elements(list, field);
   element* e = find_id(array, id);
   if (e == nullptr) {
     e = &add(array, id, content);

@@ -25,8 +25,10 @@ void take_value(tav_flist_t& list, uint32_t field, void* value) {
 }
 
 void set_elements(tav_flist_t& list, uint32_t field, int32_t id, const tav_flist_t& value) {
-  share_node(*value.node);
-  place_content(list, field, id, value.node);
+  share_node(*value.node);  // first: the list may be the value itself, or stand below it
+  std::unique_ptr<tav_node, reap_node> content(value.node);
+  element_array& array = need_elements(list, field);
+  place_content(array, id, content.release());
 }
 
 // Whether `list` is `put` or stands below it.

@@ -53,15 +53,6 @@ tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const
   return taken;
 }
 
-tav_node* new_content(const tav_value* values, size_t count) {
-  if (count == 0) return new_node();
-  size_t room = 0;
-  for (size_t i = 0; i < count; ++i) room += room_for(values[i].field, values[i].value);
-  std::unique_ptr<tav_node, reap_node> content(new_node(room));
-  for (size_t i = 0; i < count; ++i) set_value(*content, values[i].field, values[i].value);
-  return content.release();
-}
-
 // One step of a walk: `use` makes of the next element what the caller gets.
 template <class Use>
 [[gnu::noinline]] tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id,
@@ -97,16 +88,10 @@ tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem
   return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
     const int32_t code = refusal(list, array);
     if (code != TAV_ERR_NONE) return fail(about, code);
-    std::unique_ptr<tav_node, reap_node> content(new_content(values, count));
-    if (tav_flist_t* there = lend_element(*list, array, elem_id)) {
-      place_content(*list, array, elem_id, content.release());
-      return there;
-    }
-    // The element comes with its handle, so that nothing has changed when memory runs out.
-    std::unique_ptr<tav_flist_t, handle_owner> handle(new_handle(*content));
-    place_list(*list, array, elem_id, handle.get());
-    (void)content.release();
-    return handle.release();
+    std::unique_ptr<tav_node, reap_node> content(new_filled_node(values, count));
+    element_array& elements = need_elements(*list, array);
+    element& e = place_content(elements, elem_id, content.release());
+    return hand_out(*list, elements, e);  // its handle lives in the new body: nothing can fail
   });
 }
 

@@ -204,10 +204,6 @@ tav_node* new_node(size_t room) {
   return new (::operator new(block)) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room)}};
 }
 
-size_t room_for(uint32_t field, const void* value) {
-  return sizeof(slot) + place_for(field, value_size(field, value));
-}
-
 tav_node* clone(tav_node& from) {
   size_t room = sizeof(slot) + PLACE;  // for the field that is likely to come
   each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
@@ -234,12 +230,32 @@ slot* search_slot(tav_node& node, uint32_t field) {
   fill(*s, field, value, size);
 }
 
-void set_value(tav_node& node, uint32_t field, const void* value) {
-  const size_t size = value_size(field, value);
+static inline void set_value(tav_node& node, uint32_t field, const void* value, size_t size) {
   if (guided(node, field) != 0 || size > LARGEST_INSIDE) {
     return set_other(node, field, value, size);
   }
   fill_inside(append(node, field, place_for(field, size)), field, value, size);
+}
+
+void set_value(tav_node& node, uint32_t field, const void* value) {
+  set_value(node, field, value, value_size(field, value));
+}
+
+tav_node* new_filled_node(const tav_value* values, size_t count) {
+  constexpr size_t MANY = 32;
+  size_t sizes[MANY];
+  size_t room = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const size_t size = value_size(values[i].field, values[i].value);
+    room += sizeof(slot) + place_for(values[i].field, size);
+    if (i < MANY) sizes[i] = size;
+  }
+  std::unique_ptr<tav_node, reap_node> node(new_node(count > 0 ? room : FIRST_ROOM));
+  for (size_t i = 0; i < count; ++i) {
+    const auto [field, value] = values[i];
+    set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
+  }
+  return node.release();
 }
 
 slot& slot_for_elements(tav_node& node, uint32_t field) {

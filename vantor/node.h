@@ -11,6 +11,7 @@
 
 #include <atomic>
 
+#include "vantor/data_manager.h"
 #include "vantor/elements.h"
 #include "vantor/value.h"
 
@@ -82,8 +83,8 @@ constexpr size_t FIRST_ROOM = 224 - sizeof(tav_node);
 
 // A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
 tav_node* new_node(size_t room = FIRST_ROOM);
-// The room that a field with such a value takes.
-size_t room_for(uint32_t field, const void* value);
+// The same with these values in it, and room for no more where there are any.
+tav_node* new_filled_node(const tav_value* values, size_t count);
 // A new body with one owner that shares everything below its own level. Throws std::bad_alloc.
 tav_node* clone(tav_node& from);
 
