@@ -27,6 +27,7 @@ struct element {
 struct element_array {
   uint32_t refs = 1;              // nodes that share the array
   uint32_t live = 0;              // elements that are no holes
+  uint32_t room = 0;              // of the body that was last made for an element; 0: none was
   tav_flist_t* home = nullptr;    // the list that the handles belong to; null: no handles
   element_array* link = nullptr;  // chains arrays that are being taken apart
   uint32_t next_seq = 1;

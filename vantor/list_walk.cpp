@@ -88,9 +88,9 @@ tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem
   return guarded<tav_flist_t*>(about, [&]() -> tav_flist_t* {
     const int32_t code = refusal(list, array);
     if (code != TAV_ERR_NONE) return fail(about, code);
-    std::unique_ptr<tav_node, reap_node> content(new_filled_node(values, count));
     element_array& elements = need_elements(*list, array);
-    element& e = place_content(elements, elem_id, content.release());
+    element& e = place_content(
+        elements, elem_id, count > 0 ? new_filled_node(values, count) : new_element_node(elements));
     return hand_out(*list, elements, e);  // its handle lives in the new body: nothing can fail
   });
 }

@@ -250,12 +250,30 @@ tav_node* new_filled_node(const tav_value* values, size_t count) {
     room += sizeof(slot) + place_for(values[i].field, size);
     if (i < MANY) sizes[i] = size;
   }
-  std::unique_ptr<tav_node, reap_node> node(new_node(count > 0 ? room : FIRST_ROOM));
+  std::unique_ptr<tav_node, reap_node> node(new_node(room));
   for (size_t i = 0; i < count; ++i) {
     const auto [field, value] = values[i];
     set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
   }
   return node.release();
+}
+
+// As much as the first element took and a little more, and more again whenever one outgrew it.
+static uint32_t room_after(const element_array& array) {
+  constexpr size_t SPARE = 24;
+  constexpr uint32_t MORE = 64;
+  if (array.places.empty()) return FIRST_ROOM;
+  const tav_node* last = array.places.back().node;
+  if (last == nullptr) return array.room;
+  if (last->first.next != nullptr) return std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE);
+  const size_t left = room_in(last->first);
+  const bool is_first = array.places.size() == 1 && left < array.room && left > SPARE;
+  return is_first ? static_cast<uint32_t>(array.room - left + SPARE) : array.room;
+}
+
+tav_node* new_element_node(element_array& array) {
+  if (array.room != 0 || array.places.empty()) array.room = room_after(array);
+  return new_node(array.room != 0 ? array.room : FIRST_ROOM);
 }
 
 slot& slot_for_elements(tav_node& node, uint32_t field) {

@@ -78,13 +78,15 @@ struct tav_node {
 
 namespace vantor {
 
-// Room for a field definition or an entry: with the body's head a block of 224 bytes.
-constexpr size_t FIRST_ROOM = 224 - sizeof(tav_node);
+// Room for a field definition or an entry: with the body's head a block of 192 bytes.
+constexpr size_t FIRST_ROOM = 192 - sizeof(tav_node);
 
 // A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
 tav_node* new_node(size_t room = FIRST_ROOM);
-// The same with these values in it, and room for no more where there are any.
+// The same with these values in it, and room for no more.
 tav_node* new_filled_node(const tav_value* values, size_t count);
+// The same for the next element of an array, whose room follows what those before it came to need.
+tav_node* new_element_node(element_array& array);
 // A new body with one owner that shares everything below its own level. Throws std::bad_alloc.
 tav_node* clone(tav_node& from);
 
