@@ -1,7 +1,6 @@
 #include "vantor/node.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <memory>
 
 #include "vantor/reap.h"
@@ -299,23 +298,6 @@ void clear_slot(slot& s) noexcept {
   const size_t place = place_of(s);
   if (s.is_boxed()) release_box(s.boxed());
   make_free(s, place);
-}
-
-tav_flist_t* new_handle(tav_node& node) {
-  if (node.housed.node != nullptr) return new tav_flist{&node, nullptr, 0, false};
-  node.housed = {&node, nullptr, 0, true};
-  return &node.housed;
-}
-
-void free_handle(tav_flist_t* handle) noexcept {
-  if (handle == nullptr) return;
-  if (!handle->is_housed) {
-    delete handle;
-    return;
-  }
-  handle->node = nullptr;
-  char* at = reinterpret_cast<char*>(handle);
-  free_unless_needed(reinterpret_cast<tav_node*>(at - offsetof(tav_node, housed)));
 }
 
 void free_unless_needed(tav_node* node) noexcept {

@@ -165,7 +165,8 @@ void enter_elements(slot& s, uint32_t field, element_array* elements) noexcept;
 void clear_slot(slot& s) noexcept;
 void release_box(box* b) noexcept;
 
-// A handle that shows the body, which does not get another owner. Throws std::bad_alloc.
+// A handle that shows the body, which does not get another owner: in the body itself where nothing
+// lives there yet. Throws std::bad_alloc otherwise.
 tav_flist_t* new_handle(tav_node& node);
 void free_handle(tav_flist_t* handle) noexcept;
 // Frees the memory of a body unless an owner, a box or a handle that lives there still needs it.
