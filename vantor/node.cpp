@@ -9,8 +9,9 @@ namespace vantor {
 
 namespace {
 
-constexpr size_t PLACE = 8;              // the least that a place has: a pointer fits in
-constexpr size_t FURTHER_ROOM = 48;      // for slots and values of a segment that is added
+constexpr size_t PLACE = 8;          // the least that a place has: a pointer fits in
+constexpr size_t FURTHER_ROOM = 48;  // for slots and values of the first segment that is added
+constexpr size_t LARGEST_FURTHER = 4096;
 constexpr size_t LARGEST_INSIDE = 1024;  // larger values stand behind a box
 
 size_t rounded(size_t size) {
@@ -76,16 +77,20 @@ inline unsigned guide_of(const tav_node& node, const segment& run, size_t index)
   return is_told ? static_cast<unsigned>(at) : ANYWHERE;
 }
 
-[[gnu::noinline]] segment& add_segment(segment& last, size_t room) {
-  return *(last.next = new_segment(std::max(FURTHER_ROOM, room)));
+// Twice the room of the one before, so that bodies with many fields have few segments.
+[[gnu::noinline]] segment& add_segment(tav_node& node, size_t needed) {
+  size_t room = FURTHER_ROOM;
+  segment* last = &node.first;
+  for (; last->next != nullptr; last = last->next) room = std::min(2 * room, LARGEST_FURTHER);
+  return *(last->next = new_segment(std::max(room, needed)));
 }
 
 // The segment with room for one more slot with a place of that size.
 inline segment& segment_with_room(tav_node& node, size_t place) {
   segment* last = &node.first;
   while (last->next != nullptr) last = last->next;
-  const size_t room = sizeof(slot) + place;
-  return room_in(*last) >= room ? *last : add_segment(*last, room);
+  const size_t needed = sizeof(slot) + place;
+  return room_in(*last) >= needed ? *last : add_segment(node, needed);
 }
 
 // A slot for the field with a place of that size, which whoever calls fills.
