@@ -2,10 +2,16 @@
 
 #include <cstring>
 
+#include "dm/field_rules.h"
+
 namespace dm {
 
 void read_request(const tav_node* input, field_request& request) {
-  request.fields.reserve(tav_node_count(input, TAV_FLD_FIELD));
+  const uint32_t count = tav_node_count(input, TAV_FLD_FIELD);
+  request.fields.reserve(count);
+  request.by_name.reserve(count);
+  request.by_number.reserve(count);
+  problem fault;  // told when the field has its turn
   uint32_t position = 0;
   int32_t id = 0;
   while (const tav_node* node = tav_node_next(input, TAV_FLD_FIELD, &position, &id)) {
@@ -15,6 +21,8 @@ void read_request(const tav_node* input, field_request& request) {
     field.type = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_TYPE));
     field.descr = static_cast<const char*>(tav_node_get(node, TAV_FLD_DESCR));
     field.elem_id = id;
+    field.is_well_formed =
+        is_well_formed({field.name, field.number, field.type, field.descr}, fault);
     const auto place = static_cast<int32_t>(request.fields.size());
     if (field.name != nullptr) field.first_named = request.by_name.add_first(field.name, place);
     if (field.number != nullptr) {

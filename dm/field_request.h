@@ -22,11 +22,12 @@ struct asked_field {
 
   int32_t stored_number = 0;
   int32_t stored_type = 0;
-  int64_t stamp = 0;
-  bool is_stored = false;        // under its name, with these three
+  bool is_stored = false;        // under its name, with this number, type and stamp
   bool is_described_so = false;  // by the same text
   bool number_is_taken = false;  // by a stored field of another name
   bool is_planned = false;       // to be added, or described anew where it is stored
+  bool is_well_formed = false;
+  int64_t stamp = 0;
 };
 
 struct field_request {
