@@ -9,11 +9,10 @@ int dd_compare(const char* a, const char* b) {
 
 // Eight bytes at a time, the last eight of a long text whether or not they overlap those before.
 // Setting bit 5 makes capitals small; what else it makes equal only collides.
-uint32_t dd_hash(const char* text) {
+uint32_t dd_hash(const char* text, size_t length) {
   constexpr uint64_t SMALL = 0x2020202020202020u;
   constexpr uint64_t MIX = 0x9e3779b97f4a7c15u;
   constexpr size_t STEP = sizeof(uint64_t);
-  const size_t length = std::strlen(text);
   uint64_t hash = length;
   const auto mix = [&hash](uint64_t bytes) {
     hash = (hash ^ (bytes | SMALL)) * MIX;

@@ -22,6 +22,9 @@ inline bool dd_equal(const char* a, const char* b) {
 }
 
 // A hash of the folded text: equal for texts that compare equal.
-uint32_t dd_hash(const char* text);
+uint32_t dd_hash(const char* text, size_t length);
+inline uint32_t dd_hash(const char* text) {
+  return dd_hash(text, std::strlen(text));
+}
 
 #endif

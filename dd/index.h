@@ -37,17 +37,17 @@ class dd_index {
     std::fill(slots_.begin(), slots_.end(), slot{});
   }
 
-  // Makes room for so many values at once.
+  // Makes room for so many entries in all.
   void reserve(size_t count) {
     entries_.reserve(count);
-    if (count * 2 > slots_.size()) grow(std::bit_ceil(count * 2));
+    if (count * 2 > slots_.size()) resize(std::bit_ceil(count * 2));
   }
 
   // Whoever knows a key's hash already hands it in.
   void add(key_type key, Value value) { add(key, By::hash(key), value); }
   void add(key_type key, uint32_t hash, Value value) {
     entries_.push_back({key, value, hash, false});
-    if (entries_.size() * 2 > slots_.size()) return grow(std::max<size_t>(16, slots_.size() * 2));
+    if (entries_.size() * 2 > slots_.size()) return resize(std::max(slots_.size() * 2, FEWEST));
     place(static_cast<uint32_t>(entries_.size()));
   }
 
@@ -86,6 +86,8 @@ class dd_index {
     uint32_t position;  // in entries_ plus one, 0 for free
   };
 
+  static constexpr size_t FEWEST = 16;  // slots
+
   static bool any(const entry&) { return true; }
   size_t first_slot(uint32_t hash) const { return hash & (slots_.size() - 1); }
   size_t next_slot(size_t at) const { return (at + 1) & (slots_.size() - 1); }
@@ -108,7 +110,8 @@ class dd_index {
     slots_[at] = {hash, position};
   }
 
-  void grow(size_t size) {
+  // Every entry is placed anew.
+  void resize(size_t size) {
     slots_.assign(size, slot{});
     for (uint32_t i = 1; i <= entries_.size(); ++i) place(i);
   }

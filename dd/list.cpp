@@ -13,15 +13,23 @@ void dd_list::give(dd_flist list) {
   owner_ = std::move(list);
   list_ = owner_.get();
   lent_.clear();
-  names_built_ = false;
-  numbers_built_ = false;
+  forget_indexes();
 }
 
-template <class Add>
-bool dd_list::build(bool& built, Add add, tav_ebuf* ebuf) {
+void dd_list::forget_indexes() {
+  names_built_ = numbers_built_ = false;
+  names_ = {};
+  numbers_ = {};
+}
+
+template <class Index, class Add>
+bool dd_list::build(Index& index, bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
+  const int32_t own = list_ != nullptr ? count(ebuf) : 0;
+  index.clear();
+  index.reserve(static_cast<size_t>(own) + expected_);
   dd_list_walk walk(*this);
-  while (tav_flist_t* element = walk.next(ebuf)) (this->*add)(element, ebuf);
+  while (tav_flist_t* element = walk.next(ebuf)) add(element);
   built = !dd_failed(*ebuf);
   return built;
 }
@@ -32,14 +40,13 @@ tav_flist_t* dd_list::find(const char* name, tav_ebuf* ebuf) {
 }
 
 const dd_known* dd_list::find_known(const char* name, uint32_t hash, tav_ebuf* ebuf) {
-  if (!names_built_) names_.clear();
-  if (!build(names_built_, &dd_list::add_name, ebuf)) return nullptr;
-  return names_.find(name, hash);
+  const auto add = [&](tav_flist_t* element) { add_name(element, {}, ebuf); };
+  return build(names_, names_built_, add, ebuf) ? names_.find(name, hash) : nullptr;
 }
 
 tav_flist_t* dd_list::find_number(int32_t number, tav_ebuf* ebuf) {
-  if (!numbers_built_) numbers_.clear();
-  if (!build(numbers_built_, &dd_list::add_number, ebuf)) return nullptr;
+  const auto add = [&](tav_flist_t* element) { add_number(element, ebuf); };
+  if (!build(numbers_, numbers_built_, add, ebuf)) return nullptr;
   tav_flist_t* const* found = numbers_.find(number);
   return found != nullptr ? *found : nullptr;
 }
@@ -48,14 +55,10 @@ int32_t dd_list::count(tav_ebuf* ebuf) const {
   return tav_flist_elem_count(list_, shape_->array, ebuf);
 }
 
-void dd_list::put(int32_t id, dd_flist element, tav_ebuf* ebuf) {
+void dd_list::append(dd_flist element, tav_ebuf* ebuf, std::optional<uint32_t> hash) {
   tav_flist_t* borrowed = element.get();
-  dd_put(list_, shape_->array, id, std::move(element), ebuf);
-  note(borrowed, ebuf);
-}
-
-void dd_list::append(dd_flist element, tav_ebuf* ebuf) {
-  put(count(ebuf), std::move(element), ebuf);
+  dd_append(list_, shape_->array, std::move(element), ebuf);
+  note(borrowed, hash, ebuf);
 }
 
 void dd_list::drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf) {
@@ -67,7 +70,7 @@ void dd_list::drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf) {
 void dd_list::lend(tav_flist_t* element, tav_ebuf* ebuf) {
   if (dd_failed(*ebuf)) return;
   lent_.push_back(element);
-  note(element, ebuf);
+  note(element, {}, ebuf);
 }
 
 void dd_list::lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf) {
@@ -78,19 +81,19 @@ void dd_list::lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf) {
 }
 
 // Keeps the indexes that are built in step.
-void dd_list::note(tav_flist_t* element, tav_ebuf* ebuf) {
-  if (names_built_ && !dd_failed(*ebuf)) add_name(element, ebuf);
+void dd_list::note(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf) {
+  if (names_built_ && !dd_failed(*ebuf)) add_name(element, hash, ebuf);
   if (numbers_built_ && !dd_failed(*ebuf)) add_number(element, ebuf);
 }
 
-void dd_list::add_name(tav_flist_t* element, tav_ebuf* ebuf) {
+void dd_list::add_name(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf) {
   const char* name = dd_text(element, shape_->name, ebuf);
   dd_known known{element};
   if (shape_->type != 0) {
     const int32_t* type = dd_int_or_null(element, shape_->type, ebuf);
     if (type != nullptr) known.type = *type;
   }
-  if (!dd_failed(*ebuf)) names_.add(name, known);
+  if (!dd_failed(*ebuf)) names_.add(name, hash ? *hash : dd_hash(name), known);
 }
 
 void dd_list::add_number(tav_flist_t* element, tav_ebuf* ebuf) {

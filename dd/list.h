@@ -54,6 +54,8 @@ class dd_list {
   tav_flist_t* get() const { return list_; }
   // Takes another list over and frees the one before.
   void give(dd_flist list);
+  // Gives the indexes' memory back; the next look-up builds them anew.
+  void forget_indexes();
   // Leaves its own list to the end of the process (dd_leave).
   void leave() { dd_leave(std::move(owner_)); }
 
@@ -66,11 +68,13 @@ class dd_list {
 
   // The number of the list's own elements.
   int32_t count(tav_ebuf* ebuf) const;
-  // Puts the element under the id, or at the end.
-  void put(int32_t id, dd_flist element, tav_ebuf* ebuf);
-  void append(dd_flist element, tav_ebuf* ebuf);
+  // Puts the element at the end; whoever knows its name's hash already hands it in.
+  void append(dd_flist element, tav_ebuf* ebuf, std::optional<uint32_t> hash = {});
   // Drops the element, which has that id.
   void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
+  // Says that about so many elements will be lent: indexes that are not built yet make room for
+  // them at once.
+  void expect(int32_t lent) { expected_ = static_cast<size_t>(lent); }
   // Lends it the element, which stays where it is.
   void lend(tav_flist_t* element, tav_ebuf* ebuf);
   void lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf);
@@ -78,16 +82,17 @@ class dd_list {
  private:
   friend class dd_list_walk;
 
-  template <class Add>
-  bool build(bool& built, Add add, tav_ebuf* ebuf);
-  void note(tav_flist_t* element, tav_ebuf* ebuf);
-  void add_name(tav_flist_t* element, tav_ebuf* ebuf);
+  template <class Index, class Add>
+  bool build(Index& index, bool& built, Add add, tav_ebuf* ebuf);
+  void note(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf);
+  void add_name(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf);
   void add_number(tav_flist_t* element, tav_ebuf* ebuf);
 
   const dd_shape* shape_;
   dd_flist owner_;
   tav_flist_t* list_;
   std::vector<tav_flist_t*> lent_;
+  size_t expected_ = 0;
   bool names_built_ = false;
   bool numbers_built_ = false;
   dd_index<dd_by_name, dd_known> names_;

@@ -18,9 +18,9 @@ struct tav_deploy_included {
   dd_index<dd_by_name, size_t> places;  // in them
 };
 
-// Adds the field definition, unless one of that name is there: 1. One of the same name with another
-// type or id is refused and reported: -1.
-int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* field);
+// Adds the field definition, whose name has that hash, unless one of that name is there: 1. One of
+// the same name with another type or id is refused and reported: -1.
+int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* field, uint32_t hash);
 
 // Adds the definitions of the fields that a class uses, at every depth and as far as -c and -p
 // select them, in order of first use: 1, or -1 after a report. `classes` is the outline that the

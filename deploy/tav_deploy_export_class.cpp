@@ -23,6 +23,8 @@ static int gather(dparse_outline& classes, tav_deploy_included& included, dd_lis
 static int write_used_fields(dparse_outline& classes, dd_list& fields,
                              const tav_deploy_ctx_t& ctx) {
   tav_deploy_included included;
+  included.fields.reserve(classes.entries.size());
+  included.places.reserve(classes.entries.size());
   if (gather(classes, included, fields, ctx) < 1) return -1;
   tav_ebuf ebuf{};
   if (dparseExportInterfaceFields(stdout, included.fields, &ebuf) >= 1) return 1;

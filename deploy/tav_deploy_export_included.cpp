@@ -12,7 +12,8 @@ static bool is_same_definition(tav_flist_t* a, tav_flist_t* b, tav_ebuf* ebuf) {
          dd_int(a, TAV_FLD_FIELD_NUM, ebuf) == dd_int(b, TAV_FLD_FIELD_NUM, ebuf);
 }
 
-int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* field) {
+int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* field,
+                                  uint32_t hash) {
   tav_ebuf ebuf{};
   const char* name = dd_required_text(field, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
   if (dd_failed(ebuf)) {
@@ -22,7 +23,7 @@ int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* fi
     return -1;
   }
   const size_t next = included.fields.size();
-  const size_t place = included.places.add_first(name, next);
+  const size_t place = included.places.add_first(name, hash, next);
   if (place == next) included.fields.push_back(field);
   tav_flist_t* present = included.fields[place];
   if (present == field || is_same_definition(present, field, at(&ebuf, HERE))) return 1;
@@ -33,12 +34,14 @@ int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* fi
 
 static int include_field(dparse_outline_entry& entry, tav_deploy_included& included,
                          dd_list& fields, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
-  tav_flist_t* field =
-      tav_deploy_get_field_by_name(fields, entry.name != nullptr ? entry.name : "");
-  if (field == nullptr) return 1;
+  const char* name = entry.name != nullptr ? entry.name : "";
+  const uint32_t hash = dd_hash(name);
+  const dd_known* known = tav_deploy_get_known_field(fields, name, hash);
+  if (known == nullptr) return 1;
+  tav_flist_t* field = known->element;
   entry.type = dd_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE), DPARSE_TYPE_NOT_KNOWN);
   if (!tav_deploy_is_selected(field, ctx, at(ebuf, HERE))) return 1;
-  if (tav_deploy_add_included_field(included, field) >= 1) return 1;
+  if (tav_deploy_add_included_field(included, field, hash) >= 1) return 1;
   return tav_deploy_fail(HERE, "Unable to include field", "Error: Unable to include field\n");
 }
 

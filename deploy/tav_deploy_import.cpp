@@ -48,6 +48,7 @@ static int put_in_order(tav_deploy_import_state& state) {
   state.working_fields.give(nullptr);
   state.working_classes.give(nullptr);
   state.ordered_classes.give(nullptr);
+  state.entries = {};
   state.classes.leave();
   state.classes = std::move(ordered);
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;

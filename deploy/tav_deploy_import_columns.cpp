@@ -64,11 +64,11 @@ static int32_t defined_type(dd_list& fields, tav_deploy_entry& entry) {
                       entry.name);
     return 0;
   }
-  if (!entry.definition.type) {
+  if (!entry.defined_type) {
     tav_deploy_report(HERE, ERROR, "missing field type definition",
                       "Error: Field %s has no type definition\n", entry.name);
   }
-  return entry.definition.type.value_or(0);
+  return entry.defined_type.value_or(0);
 }
 
 // What follows the mark, up to the next blank; empty where the mark does not stand.

@@ -22,24 +22,21 @@ static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* nod
   }
 }
 
+static tav_deploy_siblings all_of(std::vector<tav_deploy_entry>& entries) {
+  return {entries.data(), entries.data() + entries.size()};
+}
+
 tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
                                           tav_ebuf* ebuf) {
-  using range = tav_deploy_class_entries::range;
-  range found{};
+  if (dd_failed(*ebuf)) return {};
+  const auto known = read.classes.find(storable);
+  if (known != read.classes.end()) return all_of(known->second);
+  const tav_deploy_siblings entries = tav_deploy_read_entries(read.reading, storable, ebuf);
+  tav_deploy_siblings kept;
   dd_with_memory(at(ebuf, HERE), [&] {
-    const auto [known, is_new] = read.classes.try_emplace(storable);
-    if (is_new) {
-      const size_t first = read.entries.size();
-      add_entries(read.entries, storable, ebuf);
-      known->second = {first, read.entries.size()};
-    }
-    found = known->second;
+    kept = all_of(read.classes.try_emplace(storable, entries.first, entries.last).first->second);
   });
-  if (dd_failed(*ebuf)) {
-    read.classes.erase(storable);
-    return {};
-  }
-  return {read.entries.data() + found.first, read.entries.data() + found.last};
+  return kept;
 }
 
 tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
@@ -47,7 +44,7 @@ tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entri
   entries.clear();
   dd_with_memory(at(ebuf, HERE), [&] { add_entries(entries, storable, ebuf); });
   if (dd_failed(*ebuf)) return {};
-  return {entries.data(), entries.data() + entries.size()};
+  return all_of(entries);
 }
 
 void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
@@ -62,10 +59,11 @@ void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
 }
 
 bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields) {
-  if (entry.definition.element != nullptr) return true;
+  if (entry.is_defined) return true;
   const dd_known* found = tav_deploy_get_known_field(fields, entry.name, entry.hash);
-  if (found != nullptr) entry.definition = *found;
-  return found != nullptr;
+  if (found == nullptr) return false;
+  entry.defined_type = found->type;
+  return entry.is_defined = true;
 }
 
 const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf) {

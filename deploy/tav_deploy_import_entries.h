@@ -13,12 +13,13 @@ struct tav_deploy_entry {
   tav_flist_t* element;
   const char* name;               // "" where it is missing
   const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until asked for
-  dd_known definition{};          // of that name; without an element until it was found
-  uint32_t hash = 0;              // of the name
-  int32_t type = 0;               // 0 where it is missing
-  uint32_t size = 1;              // in records: its own and those of what is nested in it
-  bool repeats_earlier = false;   // a sibling before it has its name
-  bool is_repeated = false;       // any other sibling has
+  std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
+  uint32_t hash = 0;                      // of the name
+  int32_t type = 0;                       // 0 where it is missing
+  uint32_t size = 1;                      // in records: its own and those of what is nested in it
+  bool is_defined = false;                // the definition was found
+  bool repeats_earlier = false;           // a sibling before it has its name
+  bool is_repeated = false;               // any other sibling has
 };
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
@@ -46,18 +47,13 @@ inline tav_deploy_siblings tav_deploy_nested(tav_deploy_entry& entry) {
 
 // The classes that have been read.
 struct tav_deploy_class_entries {
-  struct range {
-    size_t first;
-    size_t last;
-  };
-
-  std::vector<tav_deploy_entry> entries;
-  std::unordered_map<const tav_flist_t*, range> classes;
+  std::unordered_map<const tav_flist_t*, std::vector<tav_deploy_entry>> classes;
+  std::vector<tav_deploy_entry> reading;  // the class being read, whose size is not known yet
   dd_index<dd_by_name, tav_deploy_entry*> seen;  // scratch of tav_deploy_mark_repeated
 };
 
-// The class's top-level entries, read unless they have been; valid until another class is read.
-// None when that fails.
+// The class's top-level entries, read unless they have been; valid as long as these live. None
+// when that fails.
 tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
                                           tav_ebuf* ebuf);
 // Reads a class whose entries are asked for once only, over what was read before.

@@ -3,6 +3,7 @@
 #ifndef DEPLOY_TAV_DEPLOY_IMPORT_HIERARCHY_H
 #define DEPLOY_TAV_DEPLOY_IMPORT_HIERARCHY_H
 
+#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -16,7 +17,7 @@ struct tav_deploy_named_class {
 // Borrows the classes. Built at the first class that has an array or substruct.
 struct tav_deploy_hierarchy {
   dd_list& working_classes;
-  std::vector<dd_list> entries;                 // each class's, in the working list's order
+  std::deque<dd_list> entries;                  // each class's, in the working list's order
   std::vector<tav_deploy_named_class> by_name;  // ascending, byte by byte
 };
 

@@ -16,7 +16,7 @@ static void check_type(tav_deploy_entry& entry, dd_list& working_fields, const c
                              "Error: Storable class %s, Missing field definition %s\n", class_name,
                              entry.name);
   }
-  if (entry.definition.type.value_or(0) == entry.type) return;
+  if (entry.defined_type.value_or(0) == entry.type) return;
   tav_deploy_report(HERE, ERROR, "field type mismatch",
                     "Error: Storable class %s, field %s type mismatch\n", class_name, entry.name);
 }

@@ -12,6 +12,7 @@ struct dparse_element {
   int32_t type = TAV_FLDT_UNUSED;          // of a field
   int32_t entry_count = 0;                 // of the entries in it
   tav_flist_t* earlier = nullptr;          // field definition: the one of its name read before
+  uint32_t hash = 0;                       // and the name's hash
   int token = 0;                           // field entry: the keyword that opened it,
   char keyword[DPARSE_KEYWORD_SIZE] = "";  // as it was written
 };

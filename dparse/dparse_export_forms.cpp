@@ -89,16 +89,17 @@ static bool has_field(const dparse_place& place, uint32_t field) {
 
 dparse_place::dparse_place(unsigned in) : context(in) {
   for (const dparse_attribute& row : dparse_attributes()) {
-    if ((row.read_in & in) != 0 && !has_field(*this, row.field)) rows[count++] = &row;
+    if ((row.read_in & in) == 0 || has_field(*this, row.field)) continue;
+    optional[count] = !row.form->required;
+    rows[count++] = &row;
   }
 }
 
 void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf) {
-  for (size_t i = 0; i < place.count; ++i) {
-    const dparse_attribute& row = *place.rows[i];
-    values.of[i] = tavi_flist_get(element, row.field, 0, !row.form->required, 0, at(ebuf, HERE));
-  }
+  at(ebuf, HERE);
+  for (size_t i = 0; i < place.count; ++i)
+    values.of[i] = tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, ebuf);
 }
 
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,

@@ -29,6 +29,7 @@ dparse_writer dparse_write_order;              // 1.5, always
 struct dparse_place {
   static constexpr size_t ROOM = 24;  // more than any place has
   const dparse_attribute* rows[ROOM];
+  int32_t optional[ROOM];  // of each row: whether its value may be absent
   size_t count = 0;
   unsigned context;
 

@@ -106,10 +106,13 @@ int dparseEncodeTabsNewlines(char** text) {
 }
 
 static void put_rule(dparse_out& out, int width, int indent) {
+  const size_t marks = width > 1 ? static_cast<size_t>(width - 1) : 0;
   dparse_put_tabs(out, indent);
-  dparse_put(out, "#");
-  put_repeated(out, '=', width - 1);
-  dparse_put(out, "\n");
+  char* at = dparse_room(out, marks + 2);
+  *at++ = '#';
+  at = std::fill_n(at, marks, '=');
+  *at++ = '\n';
+  out.next = at;
 }
 
 // The blank before an absent second text is part of the format.

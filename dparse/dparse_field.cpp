@@ -10,7 +10,8 @@ static constexpr char MODULE[] = "dparse";
 // Finds the earlier definition of that name; it must have the same type.
 static int find_earlier(dd_list& fields, dparse_element& definition, const char* name) {
   tav_ebuf ebuf{};
-  definition.earlier = fields.find(name, at(&ebuf, HERE));
+  const dd_known* earlier = fields.find_known(name, definition.hash, at(&ebuf, HERE));
+  if (earlier != nullptr) definition.earlier = earlier->element;
   int32_t type = definition.type;
   if (definition.earlier != nullptr)
     type = dd_int(definition.earlier, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
@@ -26,6 +27,7 @@ static int read_head(FILE* stream, dd_list& fields, dparse_element& definition) 
   dd_set_int(definition.list, TAV_FLD_FIELD_TYPE, definition.type, at(&ebuf, HERE));
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
     return dparse_fail(HERE, "Class or field name expected");
+  definition.hash = dd_hash(token.text, token.length);
   if (find_earlier(fields, definition, token.text) < 1)
     return dparse_fail(HERE, "Duplicate field %s in input, different type", token.text);
   dd_set_text(definition.list, TAV_FLD_FIELD_NAME, token.text, at(&ebuf, HERE));
@@ -44,6 +46,6 @@ int dparse_read_field(FILE* stream, dd_list& fields, int type_token) {
   if (read_head(stream, fields, definition) < 1) return -1;
   if (dparse_read_block(stream, definition) < 1) return -1;
   if (definition.earlier != nullptr) return 1;  // a repeat is dropped
-  fields.append(std::move(list), at(&ebuf, HERE));
+  fields.append(std::move(list), at(&ebuf, HERE), definition.hash);
   return dparse_done(HERE, ebuf);
 }

@@ -21,7 +21,9 @@ static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth
     const auto here = static_cast<int32_t>(levels.size()) + depth - 1;
     outline.entries.push_back({entry, name, here, DPARSE_TYPE_NOT_KNOWN});
     if (entry == nullptr) return;
-    levels.emplace_back(entry, TAV_FLD_OBJ_ELEM);
+    // A failure counts as one inside the entry.
+    if (dd_has_any(entry, TAV_FLD_OBJ_ELEM, ebuf) || dd_failed(*ebuf))
+      levels.emplace_back(entry, TAV_FLD_OBJ_ELEM);
   }
 }
 
