@@ -82,6 +82,7 @@ void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, co
   dparse_end_line(writing.out);
 }
 
+// Of rows that share a field only the first is ever written, and the field is asked for once.
 static bool has_field(const dparse_place& place, uint32_t field) {
   return std::any_of(place.rows, place.rows + place.count,
                      [field](const dparse_attribute* row) { return row->field == field; });
