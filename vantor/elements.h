@@ -47,6 +47,16 @@ inline element* find_id(element_array& array, int32_t id) {
   element& found = array.places[static_cast<size_t>(place)];
   return found.node != nullptr ? &found : nullptr;
 }
+constexpr size_t AHEAD = 2;
+// Asks memory for the body of the element at that place, which a walk will come to: bodies stand
+// all over it, and waiting for each was a tenth of a run over a large dictionary.
+inline void expect(const element_array& array, size_t place) {
+  constexpr size_t LINE = 64;
+  constexpr size_t LINES = 3;  // most of a body
+  if (place >= array.places.size() || array.places[place].node == nullptr) return;
+  const auto* body = reinterpret_cast<const char*>(array.places[place].node);
+  for (size_t i = 0; i < LINES; ++i) __builtin_prefetch(body + i * LINE);
+}
 // The element after the one with that sequence number, if the walk goes on where the last one
 // stood and no hole follows; or null. Leaves the walk there.
 inline element* follow(element_array& array, uint32_t seq) {
@@ -56,6 +66,7 @@ inline element* follow(element_array& array, uint32_t seq) {
   element& found = array.places[next];
   if (found.node == nullptr) return nullptr;
   array.hint = next;
+  expect(array, next + AHEAD);
   return &found;
 }
 // The first element that was added after the one with that sequence number (0: the first of all).

@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "vantor/add_value.h"
 #include "vantor/elements_put.h"
 #include "vantor/guard.h"
 #include "vantor/reap.h"
@@ -14,9 +15,9 @@ int32_t kept_id(uint32_t field, int32_t elem_id) {
   return DD_FIELD_ID_TYPE(field) == TAV_FLDT_ARRAY ? elem_id : 0;
 }
 
-void* lend_value(slot& s) {
+void* lend_value(slot& s, holding held) {
   if ((s.tag & slot::LENT) == 0) s.tag |= slot::LENT;
-  return value_of(s);
+  return value_of(s, held);
 }
 
 void take_value(tav_flist_t& list, uint32_t field, void* value) {
@@ -81,17 +82,20 @@ tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
   });
 }
 
-// What is not the value of a field that is there. Kept apart so that the short way needs no stack.
-[[gnu::noinline]] static void* get_other(const request& about, tav_flist_t* list, int32_t elem_id,
-                                         bool is_optional) {
+// What is not the value of a field where the guide leads. Kept apart so that the short way needs no
+// stack.
+[[gnu::noinline]] static void* get_other(tav_flist_t* list, uint32_t field, int32_t elem_id,
+                                         int32_t optional, tav_ebuf* ebuf) {
+  const request about{ebuf, field, elem_id};
   return guarded<void*>(about, [&]() -> void* {
     if (list == nullptr) return fail(about, TAV_ERR_BAD_ARG);
-    const uint32_t field = about.field;
     const holding held = holding_of(field);
     if (held == holding::NONE) return fail(about, TAV_ERR_WRONG_TYPE);
+    slot* s = is_value(held) ? find_slot(*list->node, field) : nullptr;
+    if (s != nullptr) return lend_value(*s, held);
     void* value =
         held == holding::ELEMENTS ? lend_element(*list, field, kept_id(field, elem_id)) : nullptr;
-    if (value == nullptr && !is_optional) fail(about, TAV_ERR_MISSING_FIELD);
+    if (value == nullptr && optional == 0) fail(about, TAV_ERR_MISSING_FIELD);
     return value;
   });
 }
@@ -99,15 +103,20 @@ tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
 void* tavi_flist_get(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t optional, int32_t,
                      tav_ebuf* ebuf) {
   if (list != nullptr && !has_failed(ebuf)) {  // the call that is made most: the short way first
-    slot* s = find_slot(*list->node, field);
-    if (s != nullptr && !s->is_free() && !s->has_elements()) return lend_value(*s);
-    if (s == nullptr && optional != 0 && is_value(field)) return nullptr;
+    const holding held = holding_of(field);
+    const unsigned at = guided(*list->node, field);
+    if (is_value(held) && at != ANYWHERE) {
+      slot* s = find_slot_at(*list->node, field, at);
+      if (s != nullptr) return lend_value(*s, held);
+      if (optional != 0) return nullptr;
+    }
   }
-  return get_other({ebuf, field, elem_id}, list, elem_id, optional != 0);
+  return get_other(list, field, elem_id, optional, ebuf);
 }
 
-void tavi_flist_set(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t, const void* value,
-                    tav_ebuf* ebuf) {
+// What is not added the short way.
+[[gnu::noinline]] static void set_other(tav_flist_t* list, uint32_t field, int32_t elem_id,
+                                        const void* value, tav_ebuf* ebuf) {
   const request about{ebuf, field, elem_id};
   guarded<void>(about, [&] {
     if (list == nullptr || value == nullptr) {
@@ -127,6 +136,13 @@ void tavi_flist_set(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t,
         fail(about, TAV_ERR_WRONG_TYPE);
     }
   });
+}
+
+void tavi_flist_set(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t, const void* value,
+                    tav_ebuf* ebuf) {
+  const bool is_plain = list != nullptr && value != nullptr && !has_failed(ebuf);
+  if (is_plain && is_known_own(*list) && add_value(*list->node, field, value)) return;
+  set_other(list, field, elem_id, value, ebuf);
 }
 
 void tavi_flist_put(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t, void* value,

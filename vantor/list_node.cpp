@@ -22,6 +22,7 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
   while (place < places.size() && places[place].node == nullptr) place += places[place].skip;
   *position = static_cast<uint32_t>(place < places.size() ? place + 1 : place);
   if (place >= places.size()) return nullptr;
+  expect(*elements, place + AHEAD);
   if (elem_id != nullptr) *elem_id = places[place].id;
   return places[place].node;
 }
@@ -32,9 +33,10 @@ uint32_t tav_node_count(const tav_node* node, uint32_t array) {
 }
 
 const void* tav_node_get(const tav_node* node, uint32_t field) {
-  if (node == nullptr || !is_value(field)) return nullptr;
+  const holding held = holding_of(field);
+  if (node == nullptr || !is_value(held)) return nullptr;
   slot* s = find_slot(const_cast<tav_node&>(*node), field);
-  return s != nullptr ? value_of(*s) : nullptr;
+  return s != nullptr ? value_of(*s, held) : nullptr;
 }
 
 void tav_node_each(const tav_node* node, tav_node_visitor visit) {

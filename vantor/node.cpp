@@ -3,29 +3,20 @@
 #include <algorithm>
 #include <memory>
 
+#include "vantor/add_value.h"
 #include "vantor/reap.h"
 
 namespace vantor {
 
 namespace {
 
-constexpr size_t PLACE = 8;          // the least that a place has: a pointer fits in
 constexpr size_t FURTHER_ROOM = 48;  // for slots and values of the first segment that is added
 constexpr size_t LARGEST_FURTHER = 4096;
-constexpr size_t LARGEST_INSIDE = 1024;  // larger values stand behind a box
-
-size_t rounded(size_t size) {
-  return (size + PLACE - 1) / PLACE * PLACE;
-}
 
 // The place that a value of that size takes beside the slot.
 size_t place_for(uint32_t field, size_t size) {
   if (holding_of(field) == holding::INT) return 0;
   return size <= LARGEST_INSIDE ? rounded(size) : PLACE;
-}
-
-size_t room_in(const segment& run) {
-  return run.low - sizeof(segment) - run.count * sizeof(slot);
 }
 
 uint32_t end_of(size_t room) {
@@ -90,7 +81,7 @@ inline segment& segment_with_room(tav_node& node, size_t place) {
   segment* last = &node.first;
   while (last->next != nullptr) last = last->next;
   const size_t needed = sizeof(slot) + place;
-  return room_in(*last) >= needed ? *last : add_segment(node, needed);
+  return last->room() >= needed ? *last : add_segment(node, needed);
 }
 
 // A slot for the field with a place of that size, which whoever calls fills.
@@ -234,7 +225,7 @@ slot* search_slot(tav_node& node, uint32_t field) {
   fill(*s, field, value, size);
 }
 
-static inline void set_value(tav_node& node, uint32_t field, const void* value, size_t size) {
+static void set_value(tav_node& node, uint32_t field, const void* value, size_t size) {
   if (guided(node, field) != 0 || size > LARGEST_INSIDE) {
     return set_other(node, field, value, size);
   }
@@ -242,7 +233,7 @@ static inline void set_value(tav_node& node, uint32_t field, const void* value, 
 }
 
 void set_value(tav_node& node, uint32_t field, const void* value) {
-  set_value(node, field, value, value_size(field, value));
+  if (!add_value(node, field, value)) set_value(node, field, value, value_size(field, value));
 }
 
 tav_node* new_filled_node(const tav_value* values, size_t count) {
@@ -270,7 +261,7 @@ static uint32_t room_after(const element_array& array) {
   const tav_node* last = array.places.back().node;
   if (last == nullptr) return array.room;
   if (last->first.next != nullptr) return std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE);
-  const size_t left = room_in(last->first);
+  const size_t left = last->first.room();
   const bool is_first = array.places.size() == 1 && left < array.room && left > SPARE;
   return is_first ? static_cast<uint32_t>(array.room - left + SPARE) : array.room;
 }

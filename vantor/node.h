@@ -64,7 +64,15 @@ struct segment {
 
   slot* begin() { return reinterpret_cast<slot*>(this + 1); }
   slot* end() { return begin() + count; }
+  size_t room() const { return low - sizeof(segment) - count * sizeof(slot); }
 };
+
+// What a value of that size takes beside its slot.
+constexpr size_t PLACE = 8;              // at least: a pointer fits in
+constexpr size_t LARGEST_INSIDE = 1024;  // larger values stand behind a box
+inline size_t rounded(size_t size) {
+  return (size + PLACE - 1) / PLACE * PLACE;
+}
 
 }  // namespace vantor
 
@@ -136,12 +144,15 @@ inline slot& guided_slot(tav_node& node, unsigned at) {
 
 slot* search_slot(tav_node& node, uint32_t field);  // everywhere
 
-inline slot* find_slot(tav_node& node, uint32_t field) {
-  const unsigned at = guided(node, field);
+// What the guide says where it does not say ANYWHERE.
+inline slot* find_slot_at(tav_node& node, uint32_t field, unsigned at) {
   if (at == 0) return nullptr;
-  if (at == ANYWHERE) return search_slot(node, field);
   slot& s = guided_slot(node, at);
   return s.field() == field ? &s : nullptr;
+}
+inline slot* find_slot(tav_node& node, uint32_t field) {
+  const unsigned at = guided(node, field);
+  return at != ANYWHERE ? find_slot_at(node, field, at) : search_slot(node, field);
 }
 
 // The field's elements, or null.
@@ -151,9 +162,12 @@ inline element_array* find_elements(tav_node& node, uint32_t field) {
 }
 
 // The value in a slot that holds no elements.
-inline void* value_of(slot& s) {
+inline void* value_of(slot& s, holding held) {
   if (s.is_boxed()) return s.boxed()->value;
-  return holding_of(s.field()) == holding::INT ? &s.number : s.place();
+  return held == holding::INT ? &s.number : s.place();
+}
+inline void* value_of(slot& s) {
+  return value_of(s, holding_of(s.field()));
 }
 
 // Copies the value in, over an earlier one. Throws std::bad_alloc, and nothing has changed.

@@ -46,8 +46,7 @@ inline holding holding_of(uint32_t field) {
   return type < TYPES ? HOLDINGS[type] : holding::NONE;
 }
 
-inline bool is_value(uint32_t field) {
-  const holding held = holding_of(field);
+inline bool is_value(holding held) {
   return held == holding::INT || held == holding::VALUE;
 }
 
