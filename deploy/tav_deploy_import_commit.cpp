@@ -116,8 +116,7 @@ static int32_t copy_created(tav_flist_t* fields, tav_flist_t* created, tav_ebuf*
   dd_walk walk(fields, TAV_FLD_FIELD);
   while (tav_flist_t* field = walk.next(at(ebuf, HERE))) {
     if (dd_int(field, TAV_FLD_FLAGS, at(ebuf, HERE)) == DD_FIELD_ON_SERVER) continue;
-    dd_flist copy(tav_flist_copy(field, at(ebuf, HERE)));
-    dd_put(created, TAV_FLD_FIELD, count++, std::move(copy), at(ebuf, HERE));
+    tavi_flist_set(created, TAV_FLD_FIELD, count++, 0, field, at(ebuf, HERE));
   }
   return count;
 }

@@ -18,8 +18,8 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
   }
 }
 
-static void merge_entry(const tav_deploy_entry& entry, tav_flist_t* impl_entry,
-                        const char* class_name, const char* name, tav_ebuf* ebuf) {
+static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry, const char* class_name,
+                        const char* name, tav_ebuf* ebuf) {
   const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (entry.type != impl_type) {
@@ -29,6 +29,8 @@ static void merge_entry(const tav_deploy_entry& entry, tav_flist_t* impl_entry,
         class_name, name);
   }
   tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
+  entry.storage = nullptr;
+  tav_deploy_storage_of(entry, ebuf);  // while the entry is at hand
 }
 
 namespace {

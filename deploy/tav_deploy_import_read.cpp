@@ -12,7 +12,6 @@
 #include "dparse/dparse.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
-static constexpr size_t READ_AHEAD = 1 << 16;  // most tokens then stand whole in what was read
 
 namespace {
 
@@ -20,6 +19,10 @@ struct close_file {
   void operator()(FILE* stream) const { std::fclose(stream); }
 };
 using open_file = std::unique_ptr<FILE, close_file>;
+
+// Where the file that is open is read to: most tokens then stand whole in what was read. A C
+// library may take the size of a buffer as a wish unless it is given one.
+char read_ahead[1 << 16];
 
 struct definitions {
   dd_list fields{DD_FIELDS};
@@ -35,6 +38,7 @@ static int cannot_open(const char* name, bool is_first) {
 }
 
 static int parse(FILE* stream, const char* name, bool is_first, definitions& read) {
+  std::setvbuf(stream, read_ahead, _IOFBF, sizeof read_ahead);
   const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
   if (result >= 1) return 1;
   if (result == DPARSE_UNREADABLE) return cannot_open(name, is_first);
@@ -47,7 +51,6 @@ static int read_file(const char* name, bool is_first, definitions& read) {
   dparseSetFname(name);
   const open_file stream(std::fopen(name, "r"));
   if (stream == nullptr) return cannot_open(name, is_first);
-  std::setvbuf(stream.get(), nullptr, _IOFBF, READ_AHEAD);
   return parse(stream.get(), name, is_first, read);
 }
 
