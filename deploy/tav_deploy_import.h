@@ -62,8 +62,7 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
 int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* storable,
                                  dd_list& working_fields, const char* class_name);
 // What a top-level entry may be in a base class or a subclass, and who may have SYSTEM permission.
-void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name,
-                                tav_ebuf* ebuf);
+void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name);
 // Whether the entries nested in an entry (at that depth, 1 for top-level) may be so.
 int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
                                      const char* class_name, int depth);

@@ -26,12 +26,20 @@ static tav_deploy_siblings all_of(std::vector<tav_deploy_entry>& entries) {
   return {entries.data(), entries.data() + entries.size()};
 }
 
+static bool is_system(tav_flist_t* element, uint32_t permission, tav_ebuf* ebuf) {
+  return dd_equal(dd_text(element, permission, at(ebuf, HERE)), "System");
+}
+
 tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
                                           tav_ebuf* ebuf) {
   if (dd_failed(*ebuf)) return {};
   const auto known = read.classes.find(storable);
   if (known != read.classes.end()) return all_of(known->second);
   const tav_deploy_siblings entries = tav_deploy_read_entries(read.reading, storable, ebuf);
+  for (tav_deploy_entry& entry : entries) {
+    entry.is_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf) ||
+                      is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
+  }
   tav_deploy_siblings kept;
   dd_with_memory(at(ebuf, HERE), [&] {
     kept = all_of(read.classes.try_emplace(storable, entries.first, entries.last).first->second);

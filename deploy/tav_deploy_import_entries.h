@@ -17,6 +17,7 @@ struct tav_deploy_entry {
   uint32_t hash = 0;                      // of the name
   int32_t type = 0;                       // 0 where it is missing
   uint32_t size = 1;                      // in records: its own and those of what is nested in it
+  bool is_system = false;                 // has SYSTEM permission, at the top level
   bool is_defined = false;                // the definition was found
   bool repeats_earlier = false;           // a sibling before it has its name
   bool is_repeated = false;               // any other sibling has
@@ -56,7 +57,8 @@ struct tav_deploy_class_entries {
 // when that fails.
 tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
                                           tav_ebuf* ebuf);
-// Reads a class whose entries are asked for once only, over what was read before.
+// Reads a class whose entries are asked for once only, over what was read before; not who has
+// SYSTEM permission.
 tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
                                             tav_flist_t* storable, tav_ebuf* ebuf);
 // Marks the siblings that share a name. Throws std::bad_alloc.

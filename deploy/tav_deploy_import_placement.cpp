@@ -2,17 +2,12 @@
 #include <algorithm>
 
 #include "dd/fold.h"
-#include "dd/values.h"
 #include "deploy/tav_deploy_import.h"
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum tav_deploy_raises;
-
-static bool is_system(tav_flist_t* entry, uint32_t permission, tav_ebuf* ebuf) {
-  return dd_equal(dd_text(entry, permission, at(ebuf, HERE)), "System");
-}
 
 // The fields of every object that the system itself keeps.
 static bool may_be_system(const char* field_name) {
@@ -53,11 +48,7 @@ static void check_in_base_class(const char* class_name, const char* field_name, 
   }
 }
 
-void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name,
-                                tav_ebuf* ebuf) {
-  const bool system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf) ||
-                      is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
-  if (dd_failed(*ebuf)) return;
+void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name) {
   const auto check = tav_deploy_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
-  check(class_name, entry.name, entry.type, system);
+  check(class_name, entry.name, entry.type, entry.is_system);
 }

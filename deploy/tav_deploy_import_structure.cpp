@@ -9,10 +9,8 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 static int check_entries(tav_deploy_class_entries& read, tav_deploy_siblings entries,
                          const char* class_name) {
-  tav_ebuf ebuf{};
   for (tav_deploy_entry& entry : entries) {
-    tav_deploy_check_placement(entry, class_name, &ebuf);
-    if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+    tav_deploy_check_placement(entry, class_name);
     if (tav_deploy_check_nesting(read, entry, class_name, 1) < 1) return -1;
   }
   return 1;

@@ -32,7 +32,7 @@ static void check_field(checker& check, const dm::database_row& database, const 
     tell(check, database, dm::join({"Field ", dm::quoted(row.name), dm::join(pieces)}));
   };
   dm::problem why;
-  if (!dm::is_well_formed({row.name, &row.number, &row.type, row.descr}, why)) {
+  if (!dm::is_well_formed({row.name, row.descr, row.number, row.type}, why)) {
     tell(check, database, why.sentence);
   }
   const auto [holder, is_free] = met.by_number.try_emplace(row.number, row.name);

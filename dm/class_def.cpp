@@ -8,52 +8,38 @@
 
 namespace dm {
 
-// Rows by field number: one more than the row's place, 0 for a field that has none.
-template <size_t N>
-constexpr auto places_by_number(const std::array<attribute, N>& rows) {
-  std::array<uint8_t, 2048> places{};
-  for (size_t i = 0; i < N; ++i) {
-    places.at(static_cast<size_t>(DD_FIELD_ID_NUMBER(rows[i].field))) = static_cast<uint8_t>(i + 1);
-  }
-  return places;
-}
-
 namespace {
 
-// What the fields of a node are sorted into.
+// The fields of the rows, and the rows' places by field number, one more than the place.
 template <size_t N>
-struct sorting {
-  const tav_node* node;
-  const std::array<attribute, N>& rows;
-  const std::array<uint8_t, 2048>& places;
-  std::array<const void*, N>& values;
+struct row_places {
+  std::array<uint8_t, 2048> by_number{};
+  std::array<uint32_t, N> fields{};
 };
 
 }  // namespace
 
 template <size_t N>
-static void sort_in(void* context, uint32_t field, const void* value) {
-  const auto& into = *static_cast<const sorting<N>*>(context);
-  const auto number = static_cast<size_t>(DD_FIELD_ID_NUMBER(field));
-  const size_t place = number < into.places.size() ? into.places[number] : 0;
-  if (place == 0 || into.rows[place - 1].field != field) return;
-  if (into.rows[place - 1].form == value_form::TEXTS && tav_node_count(into.node, field) > 0) {
-    value = into.node;
+static constexpr row_places<N> places_of(const std::array<attribute, N>& rows) {
+  row_places<N> places;
+  for (size_t i = 0; i < N; ++i) {
+    const auto number = static_cast<size_t>(DD_FIELD_ID_NUMBER(rows[i].field));
+    places.by_number.at(number) = static_cast<uint8_t>(i + 1);
+    places.fields[i] = rows[i].field;
   }
-  into.values[place - 1] = value;
+  return places;
 }
+
+static constexpr auto CLASS_PLACES = places_of(CLASS_ATTRIBUTES);
+static constexpr auto ENTRY_PLACES = places_of(ENTRY_ATTRIBUTES);
 
 template <size_t N>
-static void read_values(const tav_node* node, const std::array<attribute, N>& rows,
-                        const std::array<uint8_t, 2048>& places,
+static void read_values(const tav_node* node, const row_places<N>& places,
                         std::array<const void*, N>& values) {
   values.fill(nullptr);
-  sorting<N> into{node, rows, places, values};
-  tav_node_each(node, {sort_in<N>, &into});
+  tav_node_values(node, {places.by_number.data(), places.by_number.size(), places.fields.data()},
+                  values.data());
 }
-
-static constexpr auto CLASS_PLACES = places_by_number(CLASS_ATTRIBUTES);
-static constexpr auto ENTRY_PLACES = places_by_number(ENTRY_ATTRIBUTES);
 
 // An empty storage text is none.
 static void forget_empty(const void*& text) {
@@ -68,7 +54,7 @@ static void read_entries(const tav_node* container, int32_t parent, int32_t dept
   while (const tav_node* node = tav_node_next(container, TAV_FLD_OBJ_ELEM, &position, &id)) {
     const auto place = static_cast<int32_t>(result.entries.size());
     entry_def& entry = result.entries.emplace_back();
-    read_values(node, ENTRY_ATTRIBUTES, ENTRY_PLACES, entry.values);
+    read_values(node, ENTRY_PLACES, entry.values);
     forget_empty(entry.values[ENTRY_SQL_NAME]);
     forget_empty(entry.values[ENTRY_STORAGE]);
     const auto* type = static_cast<const int32_t*>(entry.values[ENTRY_TYPE]);
@@ -100,7 +86,7 @@ std::vector<int32_t> places_by_name(const class_def& definition) {
 void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
   result.elem_id = elem_id;
   result.entries.clear();
-  read_values(element, CLASS_ATTRIBUTES, CLASS_PLACES, result.values);
+  read_values(element, CLASS_PLACES, result.values);
   forget_empty(result.values[CLASS_TABLE]);
   forget_empty(result.values[CLASS_STORAGE]);
   read_entries(element, NO_PARENT, 1, result);

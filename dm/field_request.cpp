@@ -2,9 +2,12 @@
 
 #include <cstring>
 
-#include "dm/field_rules.h"
-
 namespace dm {
+
+static std::optional<int32_t> number_of(const tav_node* node, uint32_t field) {
+  const auto* number = static_cast<const int32_t*>(tav_node_get(node, field));
+  return number != nullptr ? std::optional(*number) : std::nullopt;
+}
 
 void read_request(const tav_node* input, field_request& request) {
   const uint32_t count = tav_node_count(input, TAV_FLD_FIELD);
@@ -17,15 +20,14 @@ void read_request(const tav_node* input, field_request& request) {
   while (const tav_node* node = tav_node_next(input, TAV_FLD_FIELD, &position, &id)) {
     asked_field field{};
     field.name = static_cast<const char*>(tav_node_get(node, TAV_FLD_FIELD_NAME));
-    field.number = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_NUM));
-    field.type = static_cast<const int32_t*>(tav_node_get(node, TAV_FLD_FIELD_TYPE));
     field.descr = static_cast<const char*>(tav_node_get(node, TAV_FLD_DESCR));
+    field.number = number_of(node, TAV_FLD_FIELD_NUM);
+    field.type = number_of(node, TAV_FLD_FIELD_TYPE);
     field.elem_id = id;
-    field.is_well_formed =
-        is_well_formed({field.name, field.number, field.type, field.descr}, fault);
+    field.is_well_formed = is_well_formed(field, fault);
     const auto place = static_cast<int32_t>(request.fields.size());
     if (field.name != nullptr) field.first_named = request.by_name.add_first(field.name, place);
-    if (field.number != nullptr) {
+    if (field.number) {
       field.first_numbered = request.by_number.add_first(*field.number, place);
     }
     request.fields.push_back(field);
@@ -70,7 +72,7 @@ bool look_up(store& store, int64_t database, field_request& request, problem& wh
   if (!small) return store.calls->fields(&store, database, {}, visitor, why);
   for (size_t i = 0; i < request.fields.size(); ++i) {
     const asked_field field = request.fields[i];
-    if (field.name == nullptr || field.number == nullptr) continue;
+    if (field.name == nullptr || !field.number) continue;
     const choice named{choice::NAMED, field.name};
     const choice numbered{choice::NUMBERED, nullptr, *field.number};
     if (!store.calls->fields(&store, database, named, visitor, why)) return false;

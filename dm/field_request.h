@@ -5,16 +5,13 @@
 #include <vector>
 
 #include "dd/index.h"
+#include "dm/field_rules.h"
 #include "dm/store.h"
 #include "vantor/data_manager.h"
 
 namespace dm {
 
-struct asked_field {
-  const char* name;  // null: not given
-  const int32_t* number;
-  const int32_t* type;
-  const char* descr;  // null: not given
+struct asked_field : field_def {
   int32_t elem_id;
   // Positions of the first field of that name and of that number, where they are given.
   int32_t first_named = 0;

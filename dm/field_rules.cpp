@@ -21,14 +21,14 @@ bool is_well_formed(const field_def& field, problem& why) {
     return blame_field(name, VALUE, TAV_FLD_FIELD_NAME, join({"cannot have this name: it ", fault}),
                        why);
   }
-  if (field.type == nullptr) {
+  if (!field.type) {
     return blame_field(name, MISSING, TAV_FLD_FIELD_TYPE, "has no type", why);
   }
   if (*field.type == TAV_FLDT_UNUSED || dd_type_keyword(*field.type) == nullptr) {
     return blame_field(name, VALUE, TAV_FLD_FIELD_TYPE,
                        join({"has the unknown type ", std::to_string(*field.type)}), why);
   }
-  if (field.number == nullptr) {
+  if (!field.number) {
     return blame_field(name, MISSING, TAV_FLD_FIELD_NUM, "has no number", why);
   }
   if (*field.number < 1 || *field.number > HIGHEST_NUMBER) {

@@ -2,16 +2,18 @@
 #ifndef DM_FIELD_RULES_H
 #define DM_FIELD_RULES_H
 
+#include <optional>
+
 #include "dm/problem.h"
 
 namespace dm {
 
-// What a definition says; null: not given.
+// What a definition says; null or none: not given.
 struct field_def {
   const char* name;
-  const int32_t* number;
-  const int32_t* type;
   const char* descr;
+  std::optional<int32_t> number;
+  std::optional<int32_t> type;
 };
 
 // The first fault, with the field concerned and a sentence.

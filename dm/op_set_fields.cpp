@@ -36,7 +36,7 @@ static bool number_is_free(field_request& request, const asked_field& field, pro
 // Against the dictionary and what stands earlier in the list.
 static bool is_acceptable(field_request& request, asked_field& field, problem& why) {
   if (!field.is_well_formed) {
-    is_well_formed({field.name, field.number, field.type, field.descr}, why);
+    is_well_formed(field, why);
     why.rec_id = field.elem_id;
     return false;
   }

@@ -23,30 +23,49 @@ static const char* fault_of_decimal(const void* value) {
 }
 
 static const char* fault_of(const void* value, const attribute& row) {
-  if (row.form == value_form::NUMBER) return nullptr;
   if (row.form == value_form::TEXT) return text_fault(static_cast<const char*>(value));
   if (row.form == value_form::DECIMAL) return fault_of_decimal(value);
   return fault_of_texts(static_cast<const tav_node*>(value), row);
 }
 
-void check_texts(const class_def& definition, findings& result) {
-  for (size_t i = 0; i < CLASS_ATTRIBUTES.size(); ++i) {
-    const attribute& row = CLASS_ATTRIBUTES[i];
-    if (definition.values[i] == nullptr) continue;
-    const char* fault = fault_of(definition.values[i], row);
-    if (fault == nullptr) continue;
-    blame(definition, TAV_ERR_BAD_VALUE, row.field, join({"has a bad ", row.key, ": it ", fault}),
-          result);
+// The rows that can be at fault, ended by the number of rows: all but the numbers.
+template <size_t N>
+static constexpr auto rows_with_texts(const std::array<attribute, N>& rows) {
+  std::array<size_t, N + 1> places{};
+  size_t count = 0;
+  for (size_t i = 0; i < N; ++i) {
+    if (rows[i].form != value_form::NUMBER) places[count++] = i;
   }
+  places[count] = N;
+  return places;
+}
+
+static constexpr auto CLASS_TEXTS = rows_with_texts(CLASS_ATTRIBUTES);
+static constexpr auto ENTRY_TEXTS = rows_with_texts(ENTRY_ATTRIBUTES);
+
+// Calls with each row that is at fault, and with the fault.
+template <size_t N, class Call>
+static void each_fault(const std::array<const void*, N>& values,
+                       const std::array<attribute, N>& rows, const std::array<size_t, N + 1>& texts,
+                       Call call) {
+  for (const size_t* place = texts.data(); *place != N; ++place) {
+    const void* value = values[*place];
+    const char* fault = value != nullptr ? fault_of(value, rows[*place]) : nullptr;
+    if (fault != nullptr)
+      call(rows[*place], join({"has a bad ", rows[*place].key, ": it ", fault}));
+  }
+}
+
+void check_texts(const class_def& definition, findings& result) {
+  each_fault(definition.values, CLASS_ATTRIBUTES, CLASS_TEXTS,
+             [&](const attribute& row, const std::string& fault) {
+               blame(definition, TAV_ERR_BAD_VALUE, row.field, fault, result);
+             });
   for (const entry_def& entry : definition.entries) {
-    for (size_t i = 0; i < ENTRY_ATTRIBUTES.size(); ++i) {
-      const attribute& row = ENTRY_ATTRIBUTES[i];
-      if (entry.values[i] == nullptr) continue;
-      const char* fault = fault_of(entry.values[i], row);
-      if (fault == nullptr) continue;
-      blame(definition, entry, TAV_ERR_BAD_VALUE, row.field,
-            join({"has a bad ", row.key, ": it ", fault}), result);
-    }
+    each_fault(entry.values, ENTRY_ATTRIBUTES, ENTRY_TEXTS,
+               [&](const attribute& row, const std::string& fault) {
+                 blame(definition, entry, TAV_ERR_BAD_VALUE, row.field, fault, result);
+               });
   }
 }
 

@@ -65,13 +65,15 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
 uint32_t tav_node_count(const tav_node* node, uint32_t array);
 // The value of a scalar field, or null; null too where the value has another type than the field.
 const void* tav_node_get(const tav_node* node, uint32_t field);
-// Calls visit.call for each field, in the order in which they were added, with its value as get
-// gives it (null for the elements of an array).
-struct tav_node_visitor {
-  void (*call)(void* context, uint32_t field, const void* value);
-  void* context;
+// Which fields' values go where: by field number one more than the place, 0 for none.
+struct tav_value_places {
+  const uint8_t* by_number;
+  size_t numbers;
+  const uint32_t* fields;  // by place
 };
-void tav_node_each(const tav_node* node, tav_node_visitor visit);
+// Puts the values of all these fields to their places, as get gives them; of an array that has
+// elements, the node. Places of fields that are not there stay as they are.
+void tav_node_values(const tav_node* node, const tav_value_places& places, const void** values);
 
 // Adds an element with scalar values, as elem_add and a set for each value do, but at once. Gives
 // the element, borrowed; null when it fails, and the array is then as it was.

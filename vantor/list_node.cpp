@@ -39,9 +39,14 @@ const void* tav_node_get(const tav_node* node, uint32_t field) {
   return s != nullptr ? value_of(*s, held) : nullptr;
 }
 
-void tav_node_each(const tav_node* node, tav_node_visitor visit) {
+void tav_node_values(const tav_node* node, const tav_value_places& places, const void** values) {
   if (node == nullptr) return;
   each_slot(const_cast<tav_node&>(*node), [&](slot& s) {
-    visit.call(visit.context, s.field(), s.has_elements() ? nullptr : value_of(s));
+    const uint32_t field = s.field();
+    const auto number = static_cast<size_t>(DD_FIELD_ID_NUMBER(field));
+    const size_t place = number < places.numbers ? places.by_number[number] : 0;
+    if (place == 0 || places.fields[place - 1] != field) return;
+    const bool is_empty = s.has_elements() && s.elements()->live == 0;
+    values[place - 1] = is_empty ? nullptr : s.has_elements() ? node : value_of(s);
   });
 }

@@ -97,6 +97,8 @@ element_array& own_elements(tav_flist_t& list, uint32_t field) {
 }
 
 element_array& need_elements(tav_flist_t& list, uint32_t field) {
+  element_array* there = is_known_own(list) ? find_elements(*list.node, field) : nullptr;
+  if (there != nullptr && there->refs == 1) return *there;  // the short way
   slot& s = slot_for_elements(own(list), field);
   if (s.is_free()) enter_elements(s, field, new element_array);
   return own_slot(list, s);
