@@ -66,6 +66,11 @@ class dd_index {
     return found != nullptr ? &found->value : nullptr;
   }
 
+  // Says that a key of that hash will be sought soon: memory is asked for its slot.
+  void expect(uint32_t hash) const {
+    if (!slots_.empty()) __builtin_prefetch(&slots_[first_slot(hash)]);
+  }
+
   // Forgets one value; others of the same key stay.
   void remove(key_type key, Value value) {
     const entry* found =

@@ -64,6 +64,8 @@ class dd_list {
   tav_flist_t* find(const char* name, tav_ebuf* ebuf);
   // The same for a name of that hash, with the type; valid until an element comes or goes.
   const dd_known* find_known(const char* name, uint32_t hash, tav_ebuf* ebuf);
+  // Says that a name of that hash will be sought soon.
+  void expect_name(uint32_t hash) const { names_.expect(hash); }
   tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
 
   // The number of the list's own elements.

@@ -46,9 +46,10 @@ static size_t add_table(tav_deploy_tables& tables, const char* name, tav_ebuf* e
   return place;
 }
 
-static void add_column(tav_deploy_tables& tables, size_t table, const char* name, tav_ebuf* ebuf) {
+static void add_column(tav_deploy_tables& tables, size_t table, const char* name, uint32_t hash,
+                       tav_ebuf* ebuf) {
   if (!tables.keeps_columns) return;
-  dd_with_memory(ebuf, [&] { tables.columns.push_back({name}); });
+  dd_with_memory(ebuf, [&] { tables.columns.push_back({name, hash}); });
   if (dd_failed(*ebuf)) return;
   tav_deploy_table& use = tables.uses[table];
   const size_t column = tables.columns.size() - 1;
@@ -89,37 +90,39 @@ static buf_storage split(tav_deploy_tables& tables, std::string_view text) {
   return {kept, tables.names.emplace_back(after(text, "C=")).c_str()};
 }
 
-static int collect_buf(const target& to, const char* name, const char* storage) {
-  if (*storage == '\0') {
+static int collect_buf(const target& to, const tav_deploy_entry& entry) {
+  if (!entry.has_storage) {
     tav_deploy_report(HERE, ERROR, "missing tablename/column for BUF",
-                      "Error: missing table name and column name for BUF: %s\n", name);
+                      "Error: missing table name and column name for BUF: %s\n", entry.name);
     return 1;
   }
   tav_ebuf ebuf{};
   buf_storage names;
   size_t table = TAV_DEPLOY_NONE;
-  dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, storage); });
+  dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, entry.storage); });
   if (*names.table != '\0') {
     table = add_table(to.tables, names.table, at(&ebuf, HERE));
   } else if (!dd_failed(ebuf)) {
     tav_deploy_report(HERE, ERROR, "missing table name for BUF field",
-                      "Error: missing table name for BUF field %s\n", name);
+                      "Error: missing table name for BUF field %s\n", entry.name);
   }
   if (dd_failed(ebuf)) return tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE);
   if (*names.column == '\0') {
     tav_deploy_report(HERE, ERROR, "missing column name for BUF field",
-                      "Error: missing column name for BUF field %s in table: %s\n", name,
+                      "Error: missing column name for BUF field %s in table: %s\n", entry.name,
                       names.table);
     return 1;
   }
-  if (table != TAV_DEPLOY_NONE) add_column(to.tables, table, names.column, at(&ebuf, HERE));
+  if (table != TAV_DEPLOY_NONE) {
+    add_column(to.tables, table, names.column, dd_hash(names.column), at(&ebuf, HERE));
+  }
   if (!dd_failed(ebuf)) return 1;
   return tav_deploy_storage_failed(HERE, ebuf, "Error while handling BUF column");
 }
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
 static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& table) {
-  if (*entry.storage == '\0') {
+  if (!entry.has_storage) {
     tav_deploy_report(HERE, ERROR, MISSING_TABLE,
                       "Error: missing tablename for array/substruct: %s\n", entry.name);
     return true;
@@ -143,20 +146,20 @@ static int collect_nested(const target& to, tav_deploy_entry& entry) {
                          "Error: while determining table/column names\n");
 }
 
-static int collect_column(const target& to, const char* name, const char* storage) {
+static int collect_column(const target& to, const tav_deploy_entry& entry) {
   if (to.table_name == nullptr || to.table == TAV_DEPLOY_NONE) {
     tav_deploy_report(HERE, ERROR, "column without table", "Error: Column without Table\n");
     return -1;
   }
-  if (*storage == '\0') {
+  if (!entry.has_storage) {
     // The log text lacks its first letter: administrators search for it as it is.
     tav_deploy_report(HERE, ERROR, "issing column name for field",
-                      "Error: missing column name for field %s in table: %s\n", name,
+                      "Error: missing column name for field %s in table: %s\n", entry.name,
                       to.table_name);
     return 1;
   }
   tav_ebuf ebuf{};
-  add_column(to.tables, to.table, storage, at(&ebuf, HERE));
+  add_column(to.tables, to.table, entry.storage, entry.storage_hash, at(&ebuf, HERE));
   return dd_failed(ebuf) ? tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE) : 1;
 }
 
@@ -173,12 +176,12 @@ static int collect_entry(const target& to, tav_deploy_entry& entry) {
   if (!read_storage(entry)) return -1;
   switch (defined_type(to.fields, entry)) {
     case TAV_FLDT_BUF:
-      return collect_buf(to, entry.name, entry.storage);
+      return collect_buf(to, entry);
     case TAV_FLDT_ARRAY:
     case TAV_FLDT_SUBSTRUCT:
       return collect_nested(to, entry);
     default:
-      return collect_column(to, entry.name, entry.storage);
+      return collect_column(to, entry);
   }
 }
 

@@ -77,6 +77,8 @@ bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields) {
 const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf) {
   if (entry.storage != nullptr) return entry.storage;
   const char* storage = dd_text(entry.element, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
-  if (!dd_failed(*ebuf)) entry.storage = storage;
-  return storage;
+  if (dd_failed(*ebuf)) return storage;
+  entry.storage_hash = dd_hash(storage);
+  entry.has_storage = *storage != '\0';
+  return entry.storage = storage;
 }

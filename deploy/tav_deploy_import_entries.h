@@ -13,12 +13,14 @@ struct tav_deploy_entry {
   tav_flist_t* element;
   const char* name;               // "" where it is missing
   const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until asked for
+  uint32_t storage_hash = 0;
   std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   uint32_t hash = 0;                      // of the name
   int32_t type = 0;                       // 0 where it is missing
   uint32_t size = 1;                      // in records: its own and those of what is nested in it
   bool is_system = false;                 // has SYSTEM permission, at the top level
   bool is_defined = false;                // the definition was found
+  bool has_storage = false;               // it is not empty
   bool repeats_earlier = false;           // a sibling before it has its name
   bool is_repeated = false;               // any other sibling has
 };

@@ -21,6 +21,7 @@ struct tav_deploy_table {
 
 struct tav_deploy_column {
   const char* name;
+  uint32_t hash;  // of the name
   size_t next = TAV_DEPLOY_NONE;
 };
 

@@ -37,7 +37,7 @@ static void report_repeated(const tav_deploy_tables& tables, const tav_deploy_ta
   for (size_t place = table.first_column; place != TAV_DEPLOY_NONE;
        place = tables.columns[place].next) {
     const tav_deploy_column& column = tables.columns[place];
-    if (seen.add_first(column.name, &column) == &column) continue;
+    if (seen.add_first(column.name, column.hash, &column) == &column) continue;
     tav_deploy_report(HERE, ERROR, "duplicate column name",
                       "Error: duplicate column %s within table: %s\n", column.name, table.name);
   }
