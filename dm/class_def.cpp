@@ -41,6 +41,18 @@ static void read_values(const tav_node* node, const row_places<N>& places,
                   values.data());
 }
 
+static const char* text_or_empty(const void* value) {
+  return value != nullptr ? static_cast<const char*>(value) : "";
+}
+
+const char* text_of(const class_def& definition, class_attribute which) {
+  return text_or_empty(definition.values[which]);
+}
+
+const char* text_of(const entry_def& entry, entry_attribute which) {
+  return text_or_empty(entry.values[which]);
+}
+
 // An empty storage text is none.
 static void forget_empty(const void*& text) {
   if (text != nullptr && *static_cast<const char*>(text) == '\0') text = nullptr;
@@ -59,6 +71,7 @@ static void read_entries(const tav_node* container, int32_t parent, int32_t dept
     forget_empty(entry.values[ENTRY_STORAGE]);
     const auto* type = static_cast<const int32_t*>(entry.values[ENTRY_TYPE]);
     entry.type = type != nullptr ? *type : 0;
+    entry.name_hash = dd_hash(text_of(entry, ENTRY_NAME));
     entry.elem_id = id;
     entry.parent = parent;
     entry.depth = depth;
@@ -90,18 +103,6 @@ void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
   forget_empty(result.values[CLASS_TABLE]);
   forget_empty(result.values[CLASS_STORAGE]);
   read_entries(element, NO_PARENT, 1, result);
-}
-
-static const char* text_or_empty(const void* value) {
-  return value != nullptr ? static_cast<const char*>(value) : "";
-}
-
-const char* text_of(const class_def& definition, class_attribute which) {
-  return text_or_empty(definition.values[which]);
-}
-
-const char* text_of(const entry_def& entry, entry_attribute which) {
-  return text_or_empty(entry.values[which]);
 }
 
 bool is_subclass(const char* class_name) {

@@ -16,7 +16,8 @@ namespace dm {
 struct entry_def {
   // By row of ENTRY_ATTRIBUTES; null: not given. Of TEXTS the element that holds them.
   std::array<const void*, ENTRY_ATTRIBUTES.size()> values;
-  int32_t type;  // 0 where it is not given
+  uint32_t name_hash;  // dd_hash of the name, "" where it is not given
+  int32_t type;        // 0 where it is not given
   int32_t elem_id;
   int32_t parent;  // position of the container; NO_PARENT at the top level
   int32_t depth;   // 1 at the top level

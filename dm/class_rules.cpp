@@ -23,7 +23,8 @@ bool may_repeat(const class_def& definition, entry_attribute which) {
   keys.reserve(definition.entries.size());
   for (const entry_def& entry : definition.entries) {
     const uint64_t parent = static_cast<uint32_t>(entry.parent);
-    keys.push_back(parent << 32 | dd_hash(text_of(entry, which)));
+    const uint32_t hash = which == ENTRY_NAME ? entry.name_hash : dd_hash(text_of(entry, which));
+    keys.push_back(parent << 32 | hash);
   }
   std::sort(keys.begin(), keys.end());
   return std::adjacent_find(keys.begin(), keys.end()) != keys.end();

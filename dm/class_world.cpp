@@ -47,22 +47,37 @@ bool class_world::read_all() {
          store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
 }
 
+void class_world::add_fields(const field_request& asked) {
+  asked_ = &asked;
+  planned_types_.reserve(asked.fields.size());
+  for (const asked_field& field : asked.fields) {
+    planned_types_.push_back(field.is_planned ? *field.type : name_cache::ABSENT);
+  }
+}
+
+void class_world::expect(const class_def& definition) const {
+  for (const entry_def& entry : definition.entries) {
+    if (asked_ != nullptr) asked_->by_name.expect(entry.name_hash);
+    fields_.values.expect(entry.name_hash);
+  }
+}
+
 // What the cache knows, or what `look_up` finds now.
 template <class LookUp>
-static int64_t cached(name_cache& cache, const char* name, LookUp look_up) {
-  if (const int64_t* value = cache.values.find(name)) return *value;
+static int64_t cached(name_cache& cache, const char* name, uint32_t hash, LookUp look_up) {
+  if (const int64_t* value = cache.values.find(name, hash)) return *value;
   if (cache.is_complete) return name_cache::ABSENT;
   const int64_t value = look_up(choice{choice::NAMED, name});
   cache.add(name, value);
   return value;
 }
 
-int64_t class_world::type_of(const char* field) {
-  const int32_t* place = asked_ != nullptr ? asked_->by_name.find(field) : nullptr;
-  if (place != nullptr && asked_->fields[static_cast<size_t>(*place)].is_planned) {
-    return *asked_->fields[static_cast<size_t>(*place)].type;
-  }
-  return cached(fields_, field, [this](const choice& named) {
+int64_t class_world::type_of(const char* field, uint32_t hash) {
+  const int32_t* place = asked_ != nullptr ? asked_->by_name.find(field, hash) : nullptr;
+  const int64_t planned =
+      place != nullptr ? planned_types_[static_cast<size_t>(*place)] : name_cache::ABSENT;
+  if (planned != name_cache::ABSENT) return planned;
+  return cached(fields_, field, hash, [this](const choice& named) {
     int64_t type = name_cache::ABSENT;
     auto note = [&](const field_row& row) { return type = row.type, true; };
     store_.calls->fields(&store_, database_, named, visit<field_row>(note), why);
@@ -71,7 +86,7 @@ int64_t class_world::type_of(const char* field) {
 }
 
 int64_t class_world::class_id(const char* name) {
-  return cached(classes_, name, [this](const choice& named) {
+  return cached(classes_, name, dd_hash(name), [this](const choice& named) {
     int64_t id = name_cache::ABSENT;
     auto note = [&](const class_row& row) { return id = row.id, true; };
     store_.calls->classes(&store_, database_, named, visit<class_row>(note), why);
@@ -80,7 +95,7 @@ int64_t class_world::class_id(const char* name) {
 }
 
 int64_t class_world::table_owner(const char* table) {
-  return cached(tables_, table, [this](const choice& named) {
+  return cached(tables_, table, dd_hash(table), [this](const choice& named) {
     int64_t id = name_cache::ABSENT;
     auto note = [&](const table_row& row) { return id = row.class_id, true; };
     store_.calls->tables(&store_, database_, named, visit<table_row>(note), why);

@@ -22,7 +22,7 @@ bool load_class(class_reader& reader, const class_row& row, dd_flist& list, clas
 
 // Names of one kind that were looked up or read all, with what stands under them.
 struct name_cache {
-  static constexpr int64_t ABSENT = -1;
+  static constexpr int32_t ABSENT = -1;
   dd_index<dd_by_name, int64_t> values;
   bool is_complete = false;
   // Keeps a copy of the name.
@@ -37,13 +37,16 @@ class class_world {
   class_world(store& store, int64_t database);
 
   // What of these is planned counts as there; they must stay.
-  void add_fields(const field_request& asked) { asked_ = &asked; }
+  void add_fields(const field_request& asked);
   // Reads all keys at once, for an operation on many classes.
   bool read_all();
 
-  // The type of a field, ABSENT when there is none. On a failure of the store every question gives
-  // such an answer, and the problem is set.
-  int64_t type_of(const char* field);
+  // Says that the fields of the class's entries will be asked for: memory is asked for where they
+  // are looked up.
+  void expect(const class_def& definition) const;
+  // The type of a field (and the hash of its name), ABSENT when there is none. On a failure of the
+  // store every question gives such an answer, and the problem is set.
+  int64_t type_of(const char* field, uint32_t hash);
   bool has_class(const char* name);
   // Whether another class than the one of that name has the table.
   bool is_other_table(const char* table, const char* class_name);
@@ -69,6 +72,7 @@ class class_world {
   store& store_;
   int64_t database_;
   const field_request* asked_ = nullptr;
+  std::vector<int32_t> planned_types_;  // by position in there; ABSENT of what is not planned
   class_reader reader_;
   name_cache fields_;
   name_cache classes_;  // ids
