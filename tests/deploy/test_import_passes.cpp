@@ -258,7 +258,7 @@ TEST(names_and_types, that_must_be_there_stop_a_check) {
   EXPECT_EQ(outcome([&] { return tav_deploy_prep_subclass(none, none, none, nameless.get()); }),
             "-1|Error: Internal Error\n");
   tav_deploy_hierarchy hierarchy{none, {}, {}};
-  tav_deploy_entry entry{nullptr, "", "", {}, 0, TAV_FLDT_ARRAY};
+  tav_deploy_entry entry{.element = nullptr, .name = "", .type = TAV_FLDT_ARRAY};
   const tav_deploy_siblings one{&entry, &entry + 1};
   EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, one, "/a"); }),
             "-1|Error: Internal Error\nError: Unable to check duplicate array \n");
