@@ -18,14 +18,15 @@ static_assert(AT_ONCE >= DPARSE_KEYWORD_SIZE);
 // Takes white space that the stream has read ahead; gives what it has then.
 std::string_view skip_ahead(FILE* stream) {
   const std::string_view ahead = dparse_read_ahead(stream);
-  size_t taken = 0;
-  for (; taken < ahead.size(); ++taken) {
-    if (dparse_is(ahead[taken], DPARSE_BLANK)) continue;
-    if (ahead[taken] != '\n') break;
+  const char* at = ahead.data();
+  const char* const end = at + ahead.size();
+  for (; at != end; ++at) {
+    if (dparse_is(*at, DPARSE_BLANK)) continue;
+    if (*at != '\n') break;
     ++dparse_lineno;
   }
-  dparse_take_ahead(stream, taken);
-  return {ahead.data() + taken, ahead.size() - taken};
+  dparse_take_ahead(stream, static_cast<size_t>(at - ahead.data()));
+  return {at, static_cast<size_t>(end - at)};
 }
 
 void end_text(dparse_token& token, size_t length) {
