@@ -49,7 +49,7 @@ inline element* find_id(element_array& array, int32_t id) {
 }
 constexpr size_t AHEAD = 2;
 // Asks memory for the body of the element at that place, which a walk will come to: bodies stand
-// all over it, and waiting for each was a tenth of a run over a large dictionary.
+// all over it, and waiting for each was a twentieth of a run over a large dictionary.
 inline void expect(const element_array& array, size_t place) {
   constexpr size_t LINE = 64;
   constexpr size_t LINES = 3;  // most of a body
