@@ -1,7 +1,6 @@
 // Sends the definitions to the server: as a trial, or for good.
 #include <utility>
 
-#include "dd/leave.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -124,14 +123,13 @@ static int32_t copy_created(tav_flist_t* fields, tav_flist_t* created, tav_ebuf*
 
 static int roll_back(const target& to, tav_flist_t* fields) {
   tav_ebuf ebuf{};
-  dd_flist created(tav_flist_create(at(&ebuf, HERE)));
+  const dd_flist created(tav_flist_create(at(&ebuf, HERE)));
   address(created.get(), FIELDS, to, &ebuf);
   const int32_t count = copy_created(fields, created.get(), &ebuf);
   if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
   if (count == 0) return 1;
   run(to, TCM_OP_SDK_DEL_FLD_SPECS, 0, created.get(), "TCM_OP_SDK_DEL_FLD_SPECS\ninput flist\n",
       &ebuf);
-  dd_leave(std::move(created));
   if (!dd_failed(ebuf)) return 1;
   return tav_deploy_call_failed(HERE, ebuf, "TCM Error while trying to delete fld specs");
 }
