@@ -73,8 +73,10 @@ static dd_flist carry_out(operation& op, uint32_t opcode) {
 static void clean_up(session& session) {
   const bool is_held =
       session.trial == trial_state::UNDECIDED || session.trial == trial_state::TRIED;
-  if (!is_held) undo_write(session);
+  if (is_held) return;
+  undo_write(session);
   end_read(session);
+  session.refusal = {};
 }
 
 static tav_flist_t* run(tav_dm_session* session, uint32_t opcode, uint32_t flags,

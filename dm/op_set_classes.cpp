@@ -216,9 +216,9 @@ dd_flist set_classes(operation& op) {
                   join({"There are no flags ", std::to_string(op.flags), "."}));
   }
   database_row database{};
-  if (!begin_write(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
   const bool is_trial = op.flags != 0;
+  if (!(is_trial ? begin_trial : begin_write)(op.session, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
   if (!set_all(run) || (!is_trial && !finish(run))) return nullptr;
   return nothing_to_give(op);

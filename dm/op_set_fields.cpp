@@ -100,9 +100,10 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
   return true;
 }
 
-// A failed plan writes nothing.
+// A failed plan writes nothing. Only a provisional one can do without the right to write.
 static bool make_plan(operation& op, field_plan& plan) {
-  if (!begin_write(op.session, op.why)) return false;
+  const bool is_pending = &plan == &op.session.pending;
+  if (!(is_pending ? begin_trial : begin_write)(op.session, op.why)) return false;
   if (plan_fields(op.session, plan, op.why)) return true;
   plan.asked = {};
   return false;

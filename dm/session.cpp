@@ -31,6 +31,15 @@ bool begin_write(session& session, problem& why) {
   return session.is_writing;
 }
 
+bool begin_trial(session& session, problem& why) {
+  if (session.refusal.code != TAV_ERR_NONE) return true;  // the snapshot is open
+  if (begin_write(session, session.refusal)) return true;
+  if (session.refusal.code == TAV_ERR_WRITE_REFUSED && begin_read(session, why)) return true;
+  if (why.code == TAV_ERR_NONE) why = session.refusal;
+  session.refusal = {};
+  return false;
+}
+
 bool commit_write(session& session, problem& why) {
   if (!session.store->calls->commit(session.store.get(), why)) return false;
   session.is_writing = false;
@@ -88,13 +97,20 @@ void note_own(session& session, uint64_t database, int64_t stamp) {
 
 static void forget_pending(session& session) {
   undo_write(session);
+  end_read(session);
   session.pending = field_plan();
+  session.refusal = {};
   session.trial = trial_state::OVER;
 }
 
+// A 576 that was refused itself promised nothing.
 static bool make_durable(session& session, problem& why) {
-  const bool durable = !session.is_writing ||
-                       (write_fields(session, session.pending, why) && commit_write(session, why));
+  const bool is_refused =
+      session.refusal.code != TAV_ERR_NONE && !session.pending.asked.fields.empty();
+  if (is_refused) why = session.refusal;
+  const bool durable =
+      !is_refused && (!session.is_writing ||
+                      (write_fields(session, session.pending, why) && commit_write(session, why)));
   forget_pending(session);
   return durable;
 }

@@ -2,7 +2,8 @@
 //
 // The first 576 attempted in a session is provisional: what it would write is kept in `pending`,
 // with the dictionary held against other writers, until the next operation tells whether it was
-// a trial (nothing is ever written) or real (it is made durable first).
+// a trial (nothing is ever written) or real (it is made durable first). A user who may not write the
+// store tries on a snapshot, which holds nobody; what would make that real is refused.
 #ifndef DM_SESSION_H
 #define DM_SESSION_H
 
@@ -44,8 +45,9 @@ struct session {
   store_owner store;
   trial_state trial = trial_state::NONE_YET;
   field_plan pending;
+  problem refusal{};         // why the pending 576 cannot become real; code 0 when it can
   bool is_writing = false;   // a write transaction is open
-  bool is_reading = false;   // the snapshot of the fetches is open
+  bool is_reading = false;   // a snapshot is open: of the fetches, or of a trial that cannot write
   bool has_written = false;  // from then on fetches see the dictionary as it is
   std::map<uint64_t, seen_database> seen;
 };
@@ -61,6 +63,9 @@ void end_snapshot(session& session);
 
 // Begins to write, alone in the dictionary (or goes on, where that has begun).
 bool begin_write(session& session, problem& why);
+// The same for what may turn out to be a trial: where this user may not write the store, one
+// snapshot takes the place of the lock, and the refusal is kept.
+bool begin_trial(session& session, problem& why);
 // Makes durable what was written since.
 bool commit_write(session& session, problem& why);
 // Undoes it.

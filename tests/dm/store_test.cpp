@@ -58,9 +58,7 @@ TEST_F(store, that_cannot_be_written_can_be_read) {
     client reader(settings);
     EXPECT_EQ(reader.opened, "ok");
     EXPECT_EQ(reader.fields("TAV_FLD_LABEL\n"), "STRING TAV_FLD_LABEL 601 Label.\n");
-    EXPECT_EQ(reader.set_fields("STRING F_NEW 5000\n"), "WRITE_REFUSED");
-    EXPECT_EQ(reader.delete_fields("STRING F_NEW 5000\n"), "ok");
-    EXPECT_EQ(reader.set_classes("/n sql_table=t\n", 128), "WRITE_REFUSED");
+    EXPECT_EQ(reader.set_classes("/n sql_table=t\n"), "WRITE_REFUSED");
     const timespec times[2] = {{0, UTIME_OMIT}, {1, 0}};
     EXPECT_EQ(seteuid(was), 0);
     EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);

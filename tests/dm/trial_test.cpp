@@ -1,4 +1,7 @@
 // The provisional 576: what a sequence of operations gives, and what is stored afterwards.
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <sstream>
 
 #include "bench.h"
@@ -20,9 +23,21 @@ static std::string carry_out(client& admin, const std::string& step) {
   if (step == "585bad") return admin.delete_fields(F_BAD);
   if (step == "585case") return admin.delete_fields("STRING f_new 5000\n");
   if (step == "585other") return admin.delete_fields("STRING F_OTHER 5001\n");
-  if (step == "575") return admin.fields("F_NEW\n") == "" ? "none" : "found";
+  if (step == "575") {
+    const std::string fields = admin.fields("F_NEW\n");
+    return fields == F_GOOD ? "found" : fields == "" ? "none" : fields;
+  }
   if (step == "999") return admin.op(999, 0, fields_of(""));
   return admin.close();
+}
+
+static std::string results_of(client& admin, const std::string& steps) {
+  std::string results;
+  std::istringstream names(steps);
+  for (std::string step; names >> step;) {
+    results += (results.empty() ? "" : " ") + carry_out(admin, step);
+  }
+  return results;
 }
 
 struct trial_case {
@@ -65,15 +80,10 @@ TEST_F(trial, sequences_of_operations) {
     SCOPED_TRACE(row.steps);
     const std::string before = content();
     settings.fields_writeable = row.fields_writeable;
-    std::string results;
     {
       client admin(settings);
-      std::istringstream steps(row.steps);
-      for (std::string step; steps >> step;) {
-        results += (results.empty() ? "" : " ") + carry_out(admin, step);
-      }
+      EXPECT_EQ(results_of(admin, row.steps), row.results);
     }
-    EXPECT_EQ(results, row.results);
     EXPECT_EQ(client(settings).fields("F_NEW\n"), row.stored ? F_GOOD : "");
     const bool deletes_at_last =
         std::string(row.steps) == "576 585 576 585" || std::string(row.steps) == "576bad 576 585";
@@ -83,6 +93,54 @@ TEST_F(trial, sequences_of_operations) {
     query(
         "DELETE FROM dd_tables; DELETE FROM dd_classes; DELETE FROM dd_fields WHERE number >= "
         "5000");
+  }
+}
+
+// Who may only read tries as well; what would be stored is refused, when it is known to be meant.
+static const trial_case READER_TRIALS[] = {
+    {"576 578trial 585", "ok ok ok", false},
+    {"576 585", "ok ok", false},
+    {"578trial 578trial", "BAD_VALUE TAV_FLD_FIELD_NAME BAD_VALUE TAV_FLD_FIELD_NAME", false},
+    {"576 578trialbad 585", "ok MISSING_FIELD TAV_FLD_SQL_TABLE ok", false},
+    {"576bad 585bad", "CONFLICT TAV_FLD_FIELD_NUM ok", false},
+    {"576bad close", "CONFLICT TAV_FLD_FIELD_NUM ok", false},
+    {"576 close", "ok WRITE_REFUSED", false},
+    {"576 575", "ok WRITE_REFUSED", false},
+    {"576 578", "ok WRITE_REFUSED", false},
+    {"576 578trial 578 585", "ok ok WRITE_REFUSED ok", false},
+    {"576 578trial 585 576 close", "ok ok ok WRITE_REFUSED ok", false},
+    {"578 576 close", "WRITE_REFUSED ok WRITE_REFUSED", false},
+};
+
+TEST_F(trial, of_a_reader_works_on_a_snapshot_and_waits_for_nobody) {
+  const uid_t owner = geteuid();
+  if (!on_server() && owner != 0) GTEST_SKIP() << "only root can become somebody who may not write";
+  const std::string before = content();
+  dm::settings reading = settings;
+  chmod(path.c_str(), 0644);
+  chmod(folder.c_str(), 0755);
+  if (on_server()) {
+    query(
+        "DO 'BEGIN CREATE ROLE only_reads LOGIN; EXCEPTION WHEN duplicate_object THEN NULL; END'");
+    query("GRANT USAGE ON SCHEMA " + schema +
+          " TO only_reads; GRANT SELECT ON ALL TABLES IN SCHEMA " + schema + " TO only_reads");
+    reading.dictionary += " user=only_reads";
+  }
+  for (const trial_case& row : READER_TRIALS) {
+    SCOPED_TRACE(row.steps);
+    // A writer holds the dictionary meanwhile.
+    client writer(settings);
+    EXPECT_EQ(writer.set_fields("STRING F_OTHER 5001\n"), "ok");
+    if (!on_server()) {
+      ASSERT_EQ(seteuid(65534), 0);
+    }
+    {
+      client reader(reading);
+      EXPECT_EQ(results_of(reader, row.steps), row.results);
+    }
+    EXPECT_EQ(seteuid(owner), 0);
+    EXPECT_EQ(writer.delete_fields("STRING F_OTHER 5001\n"), "ok");
+    EXPECT_EQ(content(), before);
   }
 }
 
