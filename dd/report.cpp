@@ -1,10 +1,67 @@
 #include "dd/report.h"
 
-#include <cstdio>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "dd/visible.h"
+
+static void put(FILE* stream, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+static void put_visible(FILE* stream, std::string_view text) {
+  while (!text.empty()) {
+    const dd_visible_piece piece = dd_take_visible(text);
+    put(stream, piece.plain);
+    std::fputs(piece.code, stream);
+  }
+}
+
+// Piece by piece, so that it needs no memory: what is told may be that there is none. What follows
+// a conversion that no message has would be printed as it stands.
+static void print_visible(FILE* stream, std::string_view format, va_list arguments) {
+  while (!format.empty()) {
+    const size_t start = std::min(format.find('%'), format.size());
+    put(stream, format.substr(0, start));
+    format.remove_prefix(start);
+    const char conversion = format.size() > 1 ? format[1] : '\0';
+    if (conversion == 's') {
+      const char* text = va_arg(arguments, const char*);
+      put_visible(stream, text != nullptr ? text : "(null)");
+    } else if (conversion == 'c') {
+      const char character = static_cast<char>(va_arg(arguments, int));
+      put_visible(stream, {&character, 1});
+    } else if (conversion == 'd') {
+      std::fprintf(stream, "%d", va_arg(arguments, int));
+    } else {
+      return put(stream, format);
+    }
+    format.remove_prefix(2);
+  }
+}
+
+static void vprint(FILE* stream, const char* format, va_list arguments) TAV_PRINTF(2, 0);
+static void vprint(FILE* stream, const char* format, va_list arguments) {
+  std::fflush(stdout);
+  if (isatty(fileno(stream)) != 0) return print_visible(stream, format, arguments);
+  std::vfprintf(stream, format, arguments);
+}
 
 void dd_vprint_error(const char* format, va_list arguments) {
+  vprint(stderr, format, arguments);
+}
+
+void dd_print(FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  vprint(stream, format, arguments);
+  va_end(arguments);
+}
+
+void dd_print_error_text(const char* text) {
   std::fflush(stdout);
-  std::vfprintf(stderr, format, arguments);
+  std::fputs(text, stderr);
 }
 
 void dd_print_error(const char* format, ...) {

@@ -3,13 +3,21 @@
 #define DD_REPORT_H
 
 #include <cstdarg>
+#include <cstdio>
 
 #include "dd/call.h"
 
 // Prints to standard error; what standard output holds goes out first, so that both keep their
-// order where they end in one place.
+// order where they end in one place. On a terminal, texts and characters among the arguments are
+// made visible (dd/visible.h): names and descriptions may hold anything. The conversions are %s, %d
+// and %c, bare.
 void dd_print_error(const char* format, ...) TAV_PRINTF(1, 2);
 void dd_vprint_error(const char* format, va_list arguments) TAV_PRINTF(1, 0);
+// The same to another stream.
+void dd_print(FILE* stream, const char* format, ...) TAV_PRINTF(2, 3);
+
+// Prints a text of the program's own as it is: it may be several lines.
+void dd_print_error_text(const char* text);
 
 // One record of level 1; the second form with the error buffer's contents.
 void dd_log(dd_site site, const char* message);

@@ -17,7 +17,7 @@ void tav_deploy_display_usage(FILE* stream, const char* program) {
   const char* name = program != nullptr ? program : "tav_deploy";
   std::fflush(stdout);
   std::fputs("Usage: \n", stream);
-  for (const char* form : forms) std::fprintf(stream, "\t%s %s\n", name, form);
+  for (const char* form : forms) dd_print(stream, "\t%s %s\n", name, form);
 }
 
 // Shows the usage and refuses the command line; `log_text` may be null for none.

@@ -159,7 +159,7 @@ constexpr step STEPS[] = {
 
 static int step_failed(const step& failed) {
   for (const failure_line* line : failed.lines) {
-    if (line != nullptr) tav_deploy_fail(HERE, line->log_text, "%s", line->text);
+    if (line != nullptr) tav_deploy_fail_as(HERE, line->log_text, line->text);
   }
   if (!failed.ends_with_errors_detected) return -1;
   tav_deploy_print_outcome("\nErrors Detected...nothing committed\n");

@@ -88,7 +88,7 @@ static int collect(const collection& from, dictionary& known) {
   dd_list_walk walk(from.classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     if (collect_class(from.tables, storable, walk.is_lent(), known, &ebuf) >= 1) continue;
-    return tav_deploy_fail(HERE, from.failed_log, "%s", from.failed_line);
+    return tav_deploy_fail_as(HERE, from.failed_log, from.failed_line);
   }
   return dd_failed(ebuf) ? reading_failed(ebuf) : 1;
 }

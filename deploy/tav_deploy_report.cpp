@@ -34,6 +34,12 @@ int tav_deploy_fail(dd_site site, const char* log_text, const char* format, ...)
   return -1;
 }
 
+int tav_deploy_fail_as(dd_site site, const char* log_text, const char* text) {
+  dd_print_error_text(text);
+  dd_log(site, log_text);
+  return -1;
+}
+
 static const char* hint(int32_t location) {
   switch (location) {
     case TAV_ERRLOC_DM:
@@ -56,7 +62,8 @@ void tav_deploy_display_ebuf(const tav_ebuf* ebuf) {
                tav_taverr_to_str(ebuf->err_code), ebuf->err_code, tav_name_of_field(ebuf->field),
                DD_FIELD_ID_TYPE(ebuf->field), DD_FIELD_ID_NUMBER(ebuf->field), ebuf->rec_id,
                ebuf->reserved);
-  dd_print_error("%s%s", text, hint(ebuf->location));
+  dd_print_error_text(text);
+  dd_print_error_text(hint(ebuf->location));
 }
 
 int tav_deploy_call_failed(dd_site site, const tav_ebuf& ebuf, const char* log_text) {

@@ -16,6 +16,8 @@ void tav_deploy_report(dd_site site, tav_deploy_raises raises, const char* log_t
 // A line and its log record that raise no flag; gives -1.
 //   return tav_deploy_fail(HERE, "Unable to login", "Error: Unable to login\n");
 int tav_deploy_fail(dd_site site, const char* log_text, const char* format, ...) TAV_PRINTF(3, 4);
+// The same with a text that stands in a table.
+int tav_deploy_fail_as(dd_site site, const char* log_text, const char* text);
 
 // Shows an error buffer and where to look further.
 void tav_deploy_display_ebuf(const tav_ebuf* ebuf);

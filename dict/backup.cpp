@@ -4,6 +4,7 @@
 #include "dict/check.h"
 #include "dict/commands.h"
 #include "dict/progress.h"
+#include "dict/visible.h"
 #include "dm/copy.h"
 #include "dm/open.h"
 #include "dm/sqlite_store.h"
@@ -31,7 +32,7 @@ int backup(const std::string& file) {
   const bool made = dm::create_sqlite(path_of(file), copy_of(*store, shown), why);
   hide(shown);
   if (!made) return fail(why);
-  std::cout << "Wrote backup " << file << ".\n";
+  std::cout << "Wrote backup " << visible{file} << ".\n";
   return DONE;
 }
 
@@ -58,7 +59,7 @@ int restore(const std::string& file) {
   const bool made = dm::create_dictionary(settings, copy_of(*store, check.shown), name, why);
   hide(check.shown);
   if (!made) return fail(why);
-  std::cout << "Restored dictionary " << name << " from " << file << ".\n";
+  std::cout << "Restored dictionary " << visible{name} << " from " << visible{file} << ".\n";
   return DONE;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dict/commands.h"
+#include "dict/visible.h"
 #include "dm/database_number.h"
 #include "dm/open.h"
 
@@ -12,7 +13,7 @@ namespace dict {
 
 static void tell(checker& check, std::string_view sentence) {
   hide(check.shown);
-  check.out << sentence << '\n';
+  check.out << visible{sentence} << '\n';
   ++check.findings;
 }
 

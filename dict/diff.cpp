@@ -11,6 +11,7 @@
 
 #include "deploy/tav_deploy.h"
 #include "dict/commands.h"
+#include "dict/visible.h"
 
 namespace dict {
 
@@ -114,7 +115,11 @@ static int diff(request asked) {
   std::vector<difference> found;
   if (!compare(before, after, how, found, why)) return fail(why);
   hide(shown);
-  std::cout << (asked.is_json ? as_json(found) : as_text(found, is_coloured(asked.colour)));
+  if (asked.is_json) {
+    std::cout << visible_lines{as_json(found)};
+  } else {
+    std::cout << as_text(found, is_coloured(asked.colour));
+  }
   const difference_counts counts = count(found);
   return counts.added + counts.changed + counts.missing == 0 ? DONE : FOUND;
 }

@@ -1,5 +1,6 @@
 // The differences for people: a line for each thing and value, indented by what it belongs to.
 #include "dict/diff.h"
+#include "dict/visible.h"
 
 namespace dict {
 
@@ -35,7 +36,7 @@ static void put_line(page& out, size_t indent, change kind, const std::string& t
   const mark& of = MARKS[static_cast<size_t>(kind)];
   out.text.append(indent, ' ');
   if (out.coloured) out.text += of.colour;
-  out.text.append(of.sign).append(printable(text));
+  out.text.append(of.sign).append(visible_in_output(printable(text)));
   if (out.coloured) out.text += PLAIN;
   out.text += '\n';
 }

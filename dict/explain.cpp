@@ -6,6 +6,7 @@
 
 #include "dict/commands.h"
 #include "dict/messages.h"
+#include "dict/visible.h"
 
 namespace dict {
 
@@ -17,7 +18,8 @@ static int explain_text(const message_page& page, const std::string& line) {
   const message* found = find_message(page, line);
   if (found == nullptr) {
     std::cerr << "tav_dict: "
-              << dm::join({"No message of tav_deploy or tav_dict: ", dm::quoted(line)}) << '\n';
+              << visible{dm::join({"No message of tav_deploy or tav_dict: ", dm::quoted(line)})}
+              << '\n';
     return FOUND;
   }
   std::cout << found->text << '\n';
@@ -30,7 +32,7 @@ static int explain_input(const message_page& page) {
   int result = DONE;
   std::set<size_t> told;
   for (std::string line; std::getline(std::cin, line);) {
-    std::cout << line << '\n';
+    std::cout << visible{line} << '\n';
     if (line.find_first_not_of(" \t\r") == line.npos) continue;
     const message* found = find_message(page, line);
     if (found == nullptr) {

@@ -1,7 +1,10 @@
 // tav_dict: makes and looks after the dictionary that tav.conf names.
 #include <CLI/CLI.hpp>
+#include <iostream>
+#include <sstream>
 
 #include "dict/commands.h"
+#include "dict/visible.h"
 #include "dm/schema.h"
 
 static constexpr char DESCRIPTION[] =
@@ -42,9 +45,12 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? dict::DONE : dict::FAILED;
+    std::ostringstream refusal;  // repeats what was typed
+    const bool is_done = app.exit(error, std::cout, refusal) == 0;
+    std::cerr << dict::visible_lines{refusal.str()};
+    return is_done ? dict::DONE : dict::FAILED;
   } catch (const std::exception& error) {
-    std::cerr << "tav_dict: " << error.what() << '\n';
+    std::cerr << "tav_dict: " << dict::visible{error.what()} << '\n';
     return dict::FAILED;
   }
   std::cout.flush();

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "dict/commands.h"
+#include "dict/visible.h"
 #include "dm/database_number.h"
 #include "dm/open.h"
 #include "dm/predefined.h"
@@ -10,7 +11,7 @@ namespace dict {
 
 int fail(const dm::problem& why) {
   std::cout.flush();
-  std::cerr << "tav_dict: " << why.sentence << '\n';
+  std::cerr << "tav_dict: " << visible{why.sentence} << '\n';
   return FAILED;
 }
 
@@ -30,7 +31,7 @@ int init() {
   };
   std::string name;
   if (!dm::create_dictionary(settings, fill, name, why)) return fail(why);
-  std::cout << "Made dictionary " << name << " with database "
+  std::cout << "Made dictionary " << visible{name} << " with database "
             << dm::database_text(settings.database) << ".\n";
   return DONE;
 }

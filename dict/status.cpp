@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "dict/commands.h"
+#include "dict/visible.h"
 #include "dm/database_number.h"
 #include "dm/open.h"
 
@@ -28,7 +29,7 @@ int status() {
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   const bool writeable = store->calls->writeable(store.get());
-  std::cout << "dictionary: " << store->calls->name(store.get()) << '\n'
+  std::cout << "dictionary: " << visible{store->calls->name(store.get())} << '\n'
             << "schema version: " << store->calls->schema_version(store.get()) << '\n'
             << "writeable: " << accepts(writeable) << '\n'
             << "accepts fields: " << accepts(writeable && settings.fields_writeable) << '\n'

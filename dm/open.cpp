@@ -12,13 +12,15 @@ static bool begins(const std::string& text, std::string_view prefix) {
 
 static constexpr std::string_view FILE_PREFIX = "sqlite:";
 
+// A path is told to everybody, so a server's address behind the prefix is none.
 static bool is_file(const std::string& dictionary) {
-  return begins(dictionary, FILE_PREFIX) && dictionary.size() > FILE_PREFIX.size();
+  return begins(dictionary, FILE_PREFIX) && dictionary.size() > FILE_PREFIX.size() &&
+         !tav_text_holds_password(dictionary);
 }
 
 // A URL, or a string of keys and values.
 static bool is_on_server(const std::string& dictionary) {
-  return !is_file(dictionary) &&
+  return !begins(dictionary, FILE_PREFIX) &&
          (begins(dictionary, "postgresql://") || begins(dictionary, "postgres://") ||
           dictionary.find('=') != std::string::npos);
 }
@@ -30,17 +32,20 @@ static std::string sqlite_path(const std::string& dictionary) {
   return join({folder.empty() ? "." : folder, "/", path});
 }
 
-static bool bad_dictionary(const std::string& text, problem& why) {
+// What is not understood may hold a password anywhere.
+static bool bad_dictionary(problem& why) {
   why.code = TAV_ERR_BAD_CONF;
-  why.sentence = join({"Configuration ", quoted(tav_conf_file()), ": entry 'dictionary' is ",
-                       quoted(text), "; expected sqlite:PATH or postgresql://HOST/DATABASE."});
+  why.sentence = join({"Configuration ", quoted(tav_conf_file()),
+                       ": entry 'dictionary' is neither sqlite:PATH nor "
+                       "postgresql://HOST/DATABASE; it is not repeated here, because it may hold "
+                       "a password."});
   return false;
 }
 
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why) {
   const std::string& dictionary = settings.dictionary;
   if (is_file(dictionary)) return open_sqlite(sqlite_path(dictionary), options, why);
-  if (!is_on_server(dictionary)) return bad_dictionary(dictionary, why), nullptr;
+  if (!is_on_server(dictionary)) return bad_dictionary(why), nullptr;
   const postgres_module* module = load_postgres(why);
   return module != nullptr ? module->open(dictionary, options, why) : nullptr;
 }
@@ -58,7 +63,7 @@ static bool create_on_server(const settings& settings, const fill_store& fill, s
 bool create_dictionary(const settings& settings, const fill_store& fill, std::string& name,
                        problem& why) {
   if (is_on_server(settings.dictionary)) return create_on_server(settings, fill, name, why);
-  if (!is_file(settings.dictionary)) return bad_dictionary(settings.dictionary, why);
+  if (!is_file(settings.dictionary)) return bad_dictionary(why);
   name = sqlite_path(settings.dictionary);
   return create_sqlite(name, fill, why);
 }

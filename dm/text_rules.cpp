@@ -3,38 +3,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "dd/utf8.h"
 #include "dm/keywords.h"
 
 namespace dm {
-
-// How many bytes follow the first byte of a UTF-8 sequence, and the range of the second byte (which
-// keeps out over-long forms, surrogates and what lies beyond the last code point); 0 for no such
-// byte.
-struct sequence {
-  int following;
-  unsigned char low, high;
-};
-
-static sequence sequence_of(unsigned char first) {
-  if (first >= 0xc2 && first <= 0xdf) return {1, 0x80, 0xbf};
-  if (first == 0xe0) return {2, 0xa0, 0xbf};
-  if (first == 0xed) return {2, 0x80, 0x9f};
-  if (first >= 0xe1 && first <= 0xef) return {2, 0x80, 0xbf};
-  if (first == 0xf0) return {3, 0x90, 0xbf};
-  if (first >= 0xf1 && first <= 0xf3) return {3, 0x80, 0xbf};
-  if (first == 0xf4) return {3, 0x80, 0x8f};
-  return {0, 0, 0};
-}
-
-// The bytes of the sequence at `at`, 0 when it is none.
-static size_t sequence_length(const unsigned char* at) {
-  const sequence expected = sequence_of(*at);
-  if (expected.following == 0 || at[1] < expected.low || at[1] > expected.high) return 0;
-  for (int i = 2; i <= expected.following; ++i) {
-    if ((at[i] & 0xc0) != 0x80) return 0;
-  }
-  return static_cast<size_t>(expected.following) + 1;
-}
 
 // Whether it is plain ASCII, and so short that escapes cannot make it too long: nearly every text.
 static bool is_plain(const char* text) {
@@ -58,13 +30,12 @@ static bool is_plain(const char* text) {
 
 const char* text_fault(const char* text) {
   if (is_plain(text)) return nullptr;
-  const auto* at = reinterpret_cast<const unsigned char*>(text);
   size_t length = 0;
-  while (*at != '\0') {
-    const size_t bytes = *at < 0x80 ? 1 : sequence_length(at);
+  while (*text != '\0') {
+    const size_t bytes = dd_utf8_length(text);
     if (bytes == 0) return "is not UTF-8";
-    length += *at == '\t' || *at == '\n' ? 2 : bytes;
-    at += bytes;
+    length += *text == '\t' || *text == '\n' ? 2 : bytes;
+    text += bytes;
   }
   return length > LONGEST_TEXT ? "is longer than 2047 bytes" : nullptr;
 }

@@ -12,7 +12,8 @@ static constexpr char MODULE[] = "dparse_export";
 // This list's failures are worded a little differently from those of classes: deliberate.
 static int list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf, const char* end) {
   dparse_flush(out);
-  dd_print_error("%s%s", DPARSE_INTERNAL_ERROR, end);
+  dd_print_error_text(DPARSE_INTERNAL_ERROR);
+  dd_print_error_text(end);
   dd_log(site, "Flist error", ebuf);
   return -1;
 }

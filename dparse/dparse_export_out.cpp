@@ -166,7 +166,7 @@ int dparseExportString(FILE* stream, const char* keyword, const char* value, int
 
 int dparse_export_fail_as(dparse_out& out, dd_site site, const char* text, const char* record) {
   dparse_flush(out);
-  dd_print_error("%s", text);
+  dd_print_error_text(text);
   dd_log(site, record);
   return -1;
 }
@@ -177,7 +177,7 @@ int dparse_export_fail(dparse_out& out, dd_site site, const char* text) {
 
 int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf) {
   dparse_flush(out);
-  dd_print_error("%s", DPARSE_INTERNAL_ERROR);
+  dd_print_error_text(DPARSE_INTERNAL_ERROR);
   dd_log(site, "flist error", ebuf);
   return -1;
 }

@@ -46,7 +46,7 @@ static int put_type(dparse_out& out, int type_code) {
   tav_snprintf(line, sizeof line, UNKNOWN, type_code);
   dparse_put(out, line);
   dparse_flush(out);
-  dd_print_error("%s", line);
+  dd_print_error_text(line);
   dd_log(HERE, "Unknown field type");
   return -1;
 }

@@ -1,6 +1,8 @@
 #include "vantor/conf_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +11,7 @@
 #include <memory>
 
 #include "dd/vantor.h"
+#include "vantor/data_manager.h"
 
 namespace vantor {
 
@@ -43,6 +46,25 @@ std::string locate() {
   return "";
 }
 
+void refuse_unopened(conf_file& conf, const std::string& why) {
+  refuse_conf(conf, 0, why + ", or correct or unset the environment variable " + VARIABLE);
+}
+
+// Null with the file's error set. Without O_NONBLOCK a pipe would be waited for.
+file_owner open_conf(conf_file& conf) {
+  const int fd = open(conf.path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  struct stat found;
+  if (fd >= 0 && fstat(fd, &found) == 0 && !S_ISREG(found.st_mode)) {
+    close(fd);
+    return refuse_unopened(conf, "is no regular file; put one there"), nullptr;
+  }
+  file_owner file(fd >= 0 ? fdopen(fd, "r") : nullptr);
+  if (file != nullptr) return file;
+  const std::string reason = std::strerror(errno);
+  if (fd >= 0) close(fd);
+  return refuse_unopened(conf, "cannot be opened: " + reason + "; make it readable"), nullptr;
+}
+
 // Gives the text, or sets the file's error.
 std::string read_text(std::FILE* file, conf_file& conf) {
   std::string text;
@@ -59,26 +81,12 @@ std::string read_text(std::FILE* file, conf_file& conf) {
   return text;
 }
 
-// "password = x" in a key-value string, or "//user:password@" in a URL.
-bool holds_password(const std::string& dictionary) {
-  for (size_t at = 0; (at = dictionary.find("password", at)) != std::string::npos;) {
-    at = dictionary.find_first_not_of(" \t", at + std::strlen("password"));
-    if (at == std::string::npos) break;
-    if (dictionary[at] == '=') return true;
-  }
-  const size_t host = dictionary.find("://");
-  if (host == std::string::npos) return false;
-  const std::string rest = dictionary.substr(host + 3);
-  const std::string login = rest.substr(0, rest.find_first_of("/?"));
-  const size_t at_sign = login.rfind('@');
-  return at_sign != std::string::npos && login.find(':') < at_sign;
-}
-
+// Whatever the entry is called: a misspelt one holds its password as well.
 void check_secrecy(std::FILE* file, conf_file& conf) {
   struct stat found;
   if (fstat(fileno(file), &found) == 0 && (found.st_mode & (S_IRGRP | S_IROTH)) == 0) return;
   for (const conf_entry& e : conf.entries) {
-    if (e.name != "dictionary" || !holds_password(e.value)) continue;
+    if (!tav_text_holds_password(e.value) && !tav_text_holds_password(e.name + "=")) continue;
     return refuse_conf(conf, e.line,
                        "the file holds a password and others can read it; make it yours alone "
                        "(chmod 600), or keep the password in PostgreSQL's own password file");
@@ -101,13 +109,8 @@ conf_file read_conf() {
     return conf;
   }
   conf.folder = folder_of(conf.path);
-  const file_owner file(std::fopen(conf.path.c_str(), "re"));
-  if (file == nullptr) {
-    refuse_conf(conf, 0,
-                std::string("cannot be opened: ") + std::strerror(errno) +
-                    "; make it readable, or correct or unset the environment variable " + VARIABLE);
-    return conf;
-  }
+  const file_owner file = open_conf(conf);
+  if (file == nullptr) return conf;
   const std::string text = read_text(file.get(), conf);
   if (conf.error == TAV_ERR_NONE) parse_conf(text, conf);
   if (conf.error == TAV_ERR_NONE) check_secrecy(file.get(), conf);

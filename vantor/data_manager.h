@@ -6,6 +6,8 @@
 #ifndef VANTOR_DATA_MANAGER_H
 #define VANTOR_DATA_MANAGER_H
 
+#include <string_view>
+
 #include "dd/call.h"
 #include "dd/vantor.h"
 
@@ -54,6 +56,9 @@ void tav_component_log(tav_component component, int32_t level, const char* sente
 const char* tav_conf_file();
 const char* tav_conf_folder();
 int tav_conf_line(const char* program, const char* key);
+
+// Whether what names a dictionary may hold a password, in whatever spelling; also when in doubt.
+bool tav_text_holds_password(std::string_view dictionary);
 
 // Reading a list without unsharing what its copies share. A node is a list or an element; it lives
 // as long as the list and must not be read after the list was written to.

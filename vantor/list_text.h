@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-// Appends the text with control characters (and backslashes) escaped, so that it stays on a line.
+// Appends the text made visible (dd/visible.h), and with backslashes doubled.
 void append_escaped(std::string& out, const char* text);
 
 // Appends one line per entry, indented by one step and more for the entries of elements.

@@ -1,9 +1,12 @@
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
+#include "dd/report.h"
 #include "vantor/conf_file.h"
 #include "vantor/conf_value.h"
 #include "vantor/guard.h"
@@ -64,11 +67,47 @@ void configure() {
   if (!state.level_is_set) state.level = level;
 }
 
+// A descriptor that is closed at its owner's end; -1 for none.
+struct descriptor {
+  int fd;
+  ~descriptor() {
+    if (fd >= 0) close(fd);
+  }
+};
+
+bool is_roots_alone(const struct stat& folder) {
+  const mode_t others = folder.st_gid == 0 ? S_IWOTH : S_IWGRP | S_IWOTH;
+  return folder.st_uid == 0 && (folder.st_mode & others) == 0;
+}
+
+// Once in a process, and on standard error: the log is not where it could be read.
+void tell_refused(const std::string& folder) {
+  static bool told = false;
+  if (told) return;
+  told = true;
+  dd_print_error(
+      "%s: No log is written: others than root may write in its folder '%s'. Name one for root "
+      "alone with log_dir in tav.conf.\n",
+      program_invocation_short_name, folder.c_str());
+}
+
+// Opens the log in its folder; -1 for what is no log. Who may write in the folder can put there
+// what they like: a link to somebody else's file is not followed, a pipe not waited for, and root,
+// to whom every file is open, stays out altogether.
+int open_log_in(const std::string& folder, const char* name) {
+  const descriptor at{open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
+  struct stat found;
+  if (at.fd < 0 || fstat(at.fd, &found) != 0) return CANNOT_OPEN;
+  if (geteuid() == 0 && !is_roots_alone(found)) return tell_refused(folder), CANNOT_OPEN;
+  constexpr int SAFELY = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  descriptor file{openat(at.fd, name, O_WRONLY | O_CREAT | O_APPEND | SAFELY, 0640)};
+  if (file.fd < 0 || fstat(file.fd, &found) != 0 || !S_ISREG(found.st_mode)) return CANNOT_OPEN;
+  return std::exchange(file.fd, -1);
+}
+
 int open_log(tavlog log) {
   int& file = state.files[log];
-  if (file != NOT_OPENED) return file;
-  const std::string path = log_folder() + "/" + FILE_NAMES[log];
-  file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0640);
+  if (file == NOT_OPENED) file = open_log_in(log_folder(), FILE_NAMES[log]);
   return file;
 }
 

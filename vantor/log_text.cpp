@@ -2,46 +2,29 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 
+#include "dd/visible.h"
 #include "vantor/list_text.h"
 
 namespace vantor {
 
 namespace {
 
-bool is_control(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
-
-void append_code(std::string& out, char c) {
-  char code[8];
-  std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
-  out += code;
-}
-
-// UTC, with milliseconds.
-void append_time(std::string& out) {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
-  const auto seconds = static_cast<std::time_t>(ms / 1000);
-  std::tm utc{};
-  gmtime_r(&seconds, &utc);
-  char text[32];
-  const size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
-  std::snprintf(text + length, sizeof text - length, ".%03dZ", static_cast<int>(ms % 1000));
-  out += text;
-}
-
 // Appends one word of the first line: nothing in it ends the word.
 void append_word(std::string& out, const char* word) {
   if (word == nullptr || *word == '\0') word = "-";
-  for (; *word != '\0'; ++word) out += is_control(*word) || *word == ' ' ? '_' : *word;
+  const size_t start = out.size();
+  for (std::string_view rest = word; !rest.empty();) {
+    const dd_visible_piece piece = dd_take_visible(rest);
+    out += piece.plain;
+    if (piece.code[0] != '\0') out += '_';
+  }
+  std::replace(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(), ' ', '_');
 }
 
 void append_host(std::string& out) {
@@ -50,17 +33,20 @@ void append_host(std::string& out) {
   append_word(out, host);
 }
 
+// Texts of the program's own may have lines and tabs; what the administrator is to read of names
+// and descriptions stands among them.
 void append_message(std::string& out, const char* message) {
-  size_t length = message != nullptr ? std::strlen(message) : 0;
-  while (length > 0 && message[length - 1] == '\n') --length;
-  for (size_t i = 0; i < length; ++i) {
-    if (message[i] == '\n') {
+  std::string_view rest = message != nullptr ? message : "";
+  rest = rest.substr(0, rest.find_last_not_of('\n') + 1);
+  while (!rest.empty()) {
+    const dd_visible_piece piece = dd_take_visible(rest);
+    out += piece.plain;
+    const std::string_view code = piece.code;
+    if (code == "\\n") {
       out += '\n';
       out.append(2 * INDENT, ' ');
-    } else if (is_control(message[i]) && message[i] != '\t') {
-      append_code(out, message[i]);
     } else {
-      out += message[i];
+      out += code == "\\t" ? "\t" : code;
     }
   }
   out += '\n';
@@ -86,25 +72,30 @@ void append_member(std::string& out, const char* name, int32_t value) {
 
 }  // namespace
 
+void append_time(std::string& out, std::chrono::milliseconds since_1970) {
+  const auto whole = std::chrono::floor<std::chrono::seconds>(since_1970);
+  const auto seconds = static_cast<std::time_t>(whole.count());
+  std::tm utc{};
+  gmtime_r(&seconds, &utc);
+  char text[32];
+  const size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+  std::snprintf(text + length, sizeof text - length, ".%03dZ",
+                static_cast<int>((since_1970 - whole).count()));
+  out += text;
+}
+
 void append_escaped(std::string& out, const char* text) {
-  for (; *text != '\0'; ++text) {
-    if (*text == '\n') {
-      out += "\\n";
-    } else if (*text == '\t') {
-      out += "\\t";
-    } else if (*text == '\\') {
-      out += "\\\\";
-    } else if (is_control(*text)) {
-      append_code(out, *text);
-    } else {
-      out += *text;
-    }
+  for (std::string_view rest = text; !rest.empty();) {
+    const dd_visible_piece piece = dd_take_visible(rest);
+    for (const char c : piece.plain) out.append(c == '\\' ? 2 : 1, c);
+    out += piece.code;
   }
 }
 
 void append_head(std::string& out, int32_t level, const char* message, const char* source,
                  int32_t line) {
-  append_time(out);
+  append_time(out, std::chrono::duration_cast<std::chrono::milliseconds>(
+                       std::chrono::system_clock::now().time_since_epoch()));
   out += ' ';
   append_host(out);
   out += ' ';

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "dm/postgres/postgres_handle.h"
+#include "vantor/data_manager.h"
 
 namespace dm {
 
@@ -32,8 +33,17 @@ struct free_options {
   void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }
 };
 
-// Reads the text as the library will; gives the password, "" where it holds none.
-static bool parse(const std::string& where, std::string& password, problem& why) {
+// The library's words about a connection may repeat any of these.
+static bool is_harmless(std::string_view keyword, std::string_view value, problem& why) {
+  if (keyword == "port" && value.find_first_not_of("0123456789,") != value.npos) {
+    return bad_entry("its port is no number", why);
+  }
+  return !tav_text_holds_password(value) ||
+         bad_entry("the value of one of its keys looks like one with a password in it", why);
+}
+
+// Reads the text as the library will.
+static bool parse(const std::string& where, problem& why) {
   char* fault = nullptr;
   const std::unique_ptr<PQconninfoOption, free_options> options(
       PQconninfoParse(where.c_str(), &fault));
@@ -45,10 +55,8 @@ static bool parse(const std::string& where, std::string& password, problem& why)
   for (const PQconninfoOption* option = options.get(); option->keyword != nullptr; ++option) {
     const std::string keyword = option->keyword;
     const std::string value = option->val != nullptr ? option->val : "";
-    if (keyword == "password") password = value;
-    if (keyword == "port" && value.find_first_not_of("0123456789,") != std::string::npos) {
-      return bad_entry("its port is no number", why);
-    }
+    const bool is_secret = keyword == "password" || keyword == "sslpassword";
+    if (!is_secret && !is_harmless(keyword, value, why)) return false;
   }
   return true;
 }
@@ -89,8 +97,7 @@ static std::string without(std::string text, const std::string& secret) {
 static void pass_over(void*, const PGresult*) {}
 
 store_owner connect_postgres(const std::string& where, problem& why) {
-  std::string password;
-  if (!is_plain_url(where, why) || !parse(where, password, why)) return nullptr;
+  if (!is_plain_url(where, why) || !parse(where, why)) return nullptr;
   auto* store = new postgres_store;
   store->calls = &POSTGRES_CALLS;
   store->look_up_cost = 8;
@@ -100,7 +107,8 @@ store_owner connect_postgres(const std::string& where, problem& why) {
   store->name = name_of(store->connection);
   PQsetNoticeReceiver(store->connection, pass_over, nullptr);
   if (PQstatus(store->connection) == CONNECTION_OK) return owner;
-  const std::string words = without(one_line(PQerrorMessage(store->connection)), password);
+  const std::string words =
+      without(one_line(PQerrorMessage(store->connection)), PQpass(store->connection));
   postgres_refuse(*store, TAV_ERR_NOT_CONNECTED,
                   join({"the server cannot be reached, or does not let us in (", words, ")"}), why);
   return nullptr;

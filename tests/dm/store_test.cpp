@@ -32,8 +32,12 @@ TEST_F(store, that_cannot_be_opened_is_named_with_what_to_do) {
   EXPECT_FALSE(fs::exists(path));
   fs::create_directory(path);
   opening("STORAGE", "is no file");
-  settings.dictionary = "mysql:x";
-  opening("BAD_CONF", "expected sqlite:PATH");
+  for (const char* slip : {"mysql:secret", "postgresql:u:secret@h/d", "postgres:/u:secret@h/d",
+                           "Postgresql://u:secret@h/d", "sqlite:postgresql://u:secret@h/d"}) {
+    settings.dictionary = slip;
+    opening("BAD_CONF", "entry 'dictionary' is neither sqlite:PATH nor postgresql://HOST/DATABASE");
+  }
+  EXPECT_EQ(log("cm").find("secret"), std::string::npos) << log("cm");
 }
 
 TEST_F(store, that_is_locked_is_busy) {

@@ -258,3 +258,37 @@ TEST(progress, is_drawn_on_a_terminal_and_taken_away) {
   EXPECT_NE(out.find("\r\033[Kcomparing fields 1 of "), out.npos) << out;
   EXPECT_NE(out.find("\r\033[K\033[32m+ field F (INT)\033[0m\r\n"), out.npos) << out;
 }
+
+// What names and descriptions hold is no order to a terminal; elsewhere it stays what it is.
+TEST(terminal, gets_texts_made_visible) {
+  const workshop place;
+  const std::string name = "\x1b[31m\xc2\x9b\xff\n\t\xc3\xa4.def";
+  const std::string shown = "\\x1b[31m\\u009b\\xff\\n\\t\xc3\xa4.def";
+  place.write("a.def",
+              "INT F { ID = 20001; DESCR = \"\xc2\x9b\"; }\nINT \xc2\x85 { ID = 20002; }\n");
+  ASSERT_EQ(place.run({"create", "a.def"}).exit_status, 0);
+  const struct {
+    words command;
+    std::string piped, on_terminal;  // parts of what is printed
+  } rows[] = {
+      {{"verify", name}, "open file: " + name + "\n", "open file: " + shown + "\r\n"},
+      {{"field", "-\x9b"}, "switch '\x9b'\nUsage: \n\t", "switch '\\x9b'\r\nUsage: \r\n\t"},
+      {{"replace", "a.def"}, "definition \xc2\x85, rep", "definition \\u0085, rep"},
+      {{"dict", "diff", "-d", name},
+       "'?[31m\xc2\x9b\xff??\xc3\xa4.def'",
+       "'?[31m\\u009b\\xff??\xc3\xa4"},
+      {{"dict", "status", name}, name + "\n", "[31m\\u009b\\xff"},
+      {{"dict", "diff", "--missing", "/dev/null"}, "- field \xc2\x85", "- field \\u0085"},
+      {{"dict", "diff", "--missing", "--json", "/dev/null"}, "\"\xc2\x85\"", "\"\\u0085\""},
+      {{"field", "F"}, "\"\xc2\x9b\"", "\"\xc2\x9b\""},
+  };
+  for (const auto& row : rows) {
+    const run_result piped = place.run(row.command);
+    EXPECT_NE((piped.out + piped.err).find(row.piped), std::string::npos) << piped.out + piped.err;
+    const bool dict = row.command[0] == "dict";
+    std::string job = dict ? "tav_dict" : "tav_deploy";
+    for (size_t i = dict; i < row.command.size(); ++i) job += " '" + row.command[i] + "'";
+    const std::string out = shell(place, "/usr/bin/script", {"-qec", job, "/dev/null"}).out;
+    EXPECT_NE(out.find(row.on_terminal), std::string::npos) << out;
+  }
+}

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -114,6 +115,8 @@ TEST(Conf, NamesWhatIsMalformed) {
       {"[dm]\ndictionary = postgresql://u:p@h/d", ":2: ", secret, 0604},
       {"userid = 0.0.0.1 /a 1\n[dm]\ndictionary = postgresql://h/d?password=p", ":3: ", secret,
        0640},
+      {"a = 1\n[dm]\ndictionery = host=h password\v=x", ":3: ", secret},
+      {"host = h\nPassword = x", ":2: ", secret},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(in_child([&] {
@@ -126,8 +129,8 @@ TEST(Conf, NamesWhatIsMalformed) {
 }
 
 TEST(Conf, LeavesHarmlessDictionariesAlone) {
-  for (const char* dictionary : {"postgresql://u@h:5432/d", "host=h passfile=p", "sqlite:password",
-                                 "postgresql://h:1/d?options=a@b"}) {
+  for (const char* dictionary :
+       {"postgresql://u@h:5432/d", "host=h passfile=p", "sqlite:password"}) {
     EXPECT_EQ(in_child([&] {
                 write_file("tav.conf", std::string("dictionary = ") + dictionary, 0644);
                 return looked_up("dm", "dictionary", TAV_FLDT_STRING);
@@ -160,6 +163,20 @@ TEST(Conf, IsWhereTheEnvironmentSays) {
             }),
             "TAV_ERR_BAD_CONF # absent.conf: cannot be opened: No such file or directory; make it "
             "readable, or correct or unset the environment variable TAV_CONF.");
+}
+
+TEST(Conf, MayBeALinkButNoPipe) {
+  const auto with_link_to = [](void (*make)(const char*)) {
+    return in_child([make] {
+      make("other.conf");
+      std::filesystem::create_symlink("other.conf", "tav.conf");
+      return with_records(looked_up("-", "a", TAV_FLDT_STRING));
+    });
+  };
+  EXPECT_EQ(with_link_to([](const char* name) { write_file(name, "a = 1"); }), "1");
+  EXPECT_EQ(with_link_to([](const char* name) { mkfifo(name, 0600); }),
+            "TAV_ERR_BAD_CONF # ./tav.conf: is no regular file; put one there, or correct or unset "
+            "the environment variable TAV_CONF.");
 }
 
 TEST(Conf, MayBeAbsent) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -10,6 +11,7 @@
 #include "dd/values.h"
 #include "in_child.h"
 #include "vantor/data_manager.h"
+#include "vantor/log_text.h"
 
 namespace {
 
@@ -17,7 +19,7 @@ constexpr char LOG[] = "tav_deploy.tavlog";
 
 TEST(Log, WritesRecords) {
   const std::string log = in_child([] {
-    tav_err_log_msg(1, "100%s\nFAKE record\n\x1b[0m\n", "dparse", 12);
+    tav_err_log_msg(1, "100%s\nFAKE record\n\x1b[0m\xc2\x9b\xff\t\xc2\xa0\n", "dparse", 12);
     tav_err_log_msg(3, "not shown", "dparse", 13);
     struct stat found;
     stat(LOG, &found);
@@ -27,7 +29,7 @@ TEST(Log, WritesRecords) {
       "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z [^ ]+ "
       "test_vantor\\[[0-9]+\\] 1 dparse:12 100%s\n"
       "    FAKE record\n"
-      "    \\\\x1b\\[0m\n0");
+      "    \\\\x1b\\[0m\\\\u009b\\\\xff\t\xc2\xa0\n0");
   EXPECT_TRUE(std::regex_match(log, form)) << log;
 }
 
@@ -54,7 +56,7 @@ TEST(Log, ShowsLists) {
                           dd_flist list(tav_flist_create(nullptr));
                           tav_ebuf e{};
                           tav_flist_t* a = tav_flist_elem_add(list.get(), TAV_FLD_OBJ_DESC, -3, &e);
-                          dd_set_text(a, TAV_FLD_NAME, "/a\nb \\n\t\x01\xc3\xa4", &e);
+                          dd_set_text(a, TAV_FLD_NAME, "/a\nb \\n\t\x01\xc3\xa4\xc2\x80\xc3", &e);
                           dd_set_int(a, DD_FIELD_ID(TAV_FLDT_INT, 12), -7, &e);
                           tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 0, &e);
                           tav_flist_t* b = tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 1, &e);
@@ -76,7 +78,7 @@ TEST(Log, ShowsLists) {
                         3),
             "3 m:1 input\n"
             "  TAV_FLD_OBJ_DESC[-3]\n"
-            "    TAV_FLD_NAME = /a\\nb \\\\n\\t\\x01\xc3\xa4\n"
+            "    TAV_FLD_NAME = /a\\nb \\\\n\\t\\x01\xc3\xa4\\u0080\\xc3\n"
             "    INT 12 = -7\n"
             "    TAV_FLD_OBJ_ELEM[0]\n"
             "    TAV_FLD_OBJ_ELEM[1]\n"
@@ -128,6 +130,58 @@ TEST(Log, IsConfigured) {
               std::to_string(c.records))
         << c.conf;
   }
+}
+
+TEST(Log, IsAFileOfItsOwn) {
+  EXPECT_EQ(in_child([] {
+              write_file("precious", "kept");
+              std::filesystem::create_symlink("precious", LOG);
+              std::filesystem::create_symlink("nothing", "cm.tavlog");
+              mkfifo("dm.tavlog", 0600);
+              const int reader = open("dm.tavlog", O_RDWR | O_NONBLOCK);
+              tav_err_log_msg(1, "one", "m", 1);
+              tav_component_log(tav_component::CM, 1, "two", {"m", 1});
+              tav_component_log(tav_component::DM, 1, "three", {"m", 1});
+              char byte;
+              const bool is_piped = read(reader, &byte, 1) == 1;
+              return read_file("precious") + (is_piped ? " piped" : "") + read_file("nothing");
+            }),
+            "kept");
+}
+
+TEST(Log, OfRootIsWrittenWhereNobodyElseMayWrite) {
+  const auto told = [](mode_t mode, uid_t owner, gid_t group) {
+    return in_child([=] {
+      std::filesystem::create_directory("logs");
+      write_file("tav.conf", "log_dir = logs");
+      if (chown("logs", owner, group) != 0 || chmod("logs", mode) != 0) return std::string("?");
+      if (freopen("err", "w", stderr) == nullptr) return std::string("?");
+      tav_err_log_msg(1, "one", "m", 1);
+      tav_component_log(tav_component::CM, 1, "two", {"m", 1});
+      std::fflush(stderr);
+      const bool is_written = std::filesystem::exists(std::string("logs/") + LOG);
+      return read_file("err") + (is_written ? "written" : "");
+    });
+  };
+  if (geteuid() != 0) GTEST_SKIP() << "for root alone";
+  const char refused[] =
+      "test_vantor: No log is written: others than root may write in its folder './logs'. Name one "
+      "for root alone with log_dir in tav.conf.\n";
+  EXPECT_EQ(told(0755, 0, 65534), "written");
+  EXPECT_EQ(told(0775, 0, 0), "written");
+  EXPECT_EQ(told(0775, 0, 65534), refused);
+  EXPECT_EQ(told(01777, 0, 0), refused);
+  EXPECT_EQ(told(0755, 65534, 0), refused);
+}
+
+TEST(Log, TellsTimesBefore1970) {
+  std::string times;
+  for (const int milliseconds : {-39, -1000, 0, 1001}) {
+    vantor::append_time(times, std::chrono::milliseconds(milliseconds));
+  }
+  EXPECT_EQ(times,
+            "1969-12-31T23:59:59.961Z1969-12-31T23:59:59.000Z"
+            "1970-01-01T00:00:00.000Z1970-01-01T00:00:01.001Z");
 }
 
 TEST(Log, RecordsOfProcessesNeverMix) {

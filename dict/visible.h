@@ -1,0 +1,30 @@
+// Texts that may hold anything, on their way to standard output or error: on a terminal made
+// visible (dd/visible.h), elsewhere as they are.
+//
+//   std::cout << "Wrote backup " << visible{file} << ".\n";
+#ifndef DICT_VISIBLE_H
+#define DICT_VISIBLE_H
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace dict {
+
+struct visible {
+  std::string_view text;
+};
+std::ostream& operator<<(std::ostream& out, visible piece);
+
+// What standard output would get.
+std::string visible_in_output(std::string_view text);
+
+// The same for a text whose line ends are the program's own.
+struct visible_lines {
+  std::string_view text;
+};
+std::ostream& operator<<(std::ostream& out, visible_lines piece);
+
+}  // namespace dict
+
+#endif
