@@ -22,15 +22,17 @@ inline constexpr char ROWS_SWALLOWED[] =
     "rows that were written are not there: a trigger or a rule of somebody's has swallowed them; "
     "nothing is stored, and 'tav_dict check' finds it";
 
-// A commit that may have been carried out, or not: tells what happened meanwhile; gives false.
+// A commit that may have been carried out, or not: tells what happened while the
+// changes were committed; gives false.
 inline bool outcome_unknown(std::string_view dictionary, std::string_view event,
                             std::string_view words, problem& why) {
   why.is_unreachable = true;
   why.code = TAV_ERR_NOT_CONNECTED;
-  why.sentence = join({"Dictionary ", quoted(dictionary), ": ", event,
-                       " while the changes were committed: whether they are stored is UNKNOWN; "
-                       "export the dictionary and look before running again (",
-                       words, ")."});
+  why.sentence =
+      join({"Dictionary ", quoted(dictionary), ": ", event,
+            ": whether they are stored is UNKNOWN; export the dictionary and look before "
+            "running again (",
+            words, ")."});
   return false;
 }
 

@@ -162,8 +162,10 @@ static bool sqlite_commit(store* base, problem& why) {
   sqlite_store& store = sqlite_of(base);
   if (!may_commit(store, why)) return sqlite_rollback(base), false;
   if (!sqlite_run(store, "COMMIT", why)) return false;
-  return is_in_place(store) || outcome_unknown(store.path, "the file was moved or replaced",
-                                               "it is no longer the one that was opened", why);
+  return is_in_place(store) ||
+         outcome_unknown(store.path,
+                         "the file was moved or replaced while the changes were committed",
+                         "it is no longer the one that was opened", why);
 }
 
 const store_calls SQLITE_CALLS = {

@@ -33,13 +33,13 @@ static std::string folder_of(const std::string& path) {
 static const char* kind_of(mode_t mode) {
   switch (mode & S_IFMT) {
     case S_IFDIR:
-      return "a directory";
+      return " is no file but a directory.";
     case S_IFIFO:
-      return "a named pipe";
+      return " is no file but a named pipe.";
     case S_IFSOCK:
-      return "a socket";
+      return " is no file but a socket.";
     default:
-      return "a device";
+      return " is no file but a device.";
   }
 }
 
@@ -110,38 +110,38 @@ bool has_changes_beside(const std::string& file) {
   return false;
 }
 
-// Who holds a lock on the file: "process 12" or, where the system does not tell, "a process"; empty
-// for nobody. Closing lets go what this process holds there: nothing, for it makes the dictionary.
-static std::string holder_of(const std::string& file) {
+// Whether a process holds a lock on the file, and which ("unknown" where the system does not tell).
+// Closing lets go what this process itself holds there: nothing, for it makes the dictionary.
+static bool is_held(const std::string& file, std::string& holder) {
   const int fd = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-  if (fd < 0) return "";
+  if (fd < 0) return false;
   struct flock lock {};
   lock.l_type = F_WRLCK;
-  const bool is_held = fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+  const bool held = fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
   close(fd);
-  if (!is_held) return "";
-  return lock.l_pid > 0 ? "process " + std::to_string(lock.l_pid) : "a process";
+  holder = lock.l_pid > 0 ? std::to_string(lock.l_pid) : "unknown";
+  return held;
 }
 
-// An empty one is refused, too: a process that still has the old dictionary open writes there next.
-static bool stays_taken(const std::string& path, const std::string& companion, problem& why) {
-  const std::string holder = holder_of(path + "-shm");
-  if (holder.empty()) {
+// An empty companion counts, too: a process that still has the old dictionary open writes it next.
+static bool refuse_beside(const std::string& path, const std::string& companion, problem& why) {
+  std::string holder;
+  if (!is_held(path + "-shm", holder)) {
     return refuse(why, TAV_ERR_CONFLICT, EEXIST,
                   join({"Dictionary ", quoted(path), " cannot be made: ", quoted(companion),
                         " is left over from another one of that name; move it away."}));
   }
   return refuse(why, TAV_ERR_CONFLICT, EEXIST,
-                join({"Dictionary ", quoted(path), " cannot be made: ", holder,
-                      " still has another one of that name open, with ", quoted(companion),
-                      "; end it first."}));
+                join({"Dictionary ", quoted(path),
+                      " cannot be made: a process still has another one of that name open, with ",
+                      quoted(companion), "; end it first (process ", holder, ")."}));
 }
 
 bool is_free(const std::string& path, problem& why) {
   struct stat found {};
   if (lstat(path.c_str(), &found) == 0) return cannot_make(path, EEXIST, why);
   for (const char* ending : {"-wal", "-shm", "-journal"}) {
-    if (lstat((path + ending).c_str(), &found) == 0) return stays_taken(path, path + ending, why);
+    if (lstat((path + ending).c_str(), &found) == 0) return refuse_beside(path, path + ending, why);
   }
   return true;
 }

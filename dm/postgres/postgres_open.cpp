@@ -70,7 +70,7 @@ static bool postgres_commit(store* base, problem& why) {
   const result_owner result(PQexec(store.connection, "COMMIT"));
   // A commit whose answer does not come may have been carried out.
   if (PQstatus(store.connection) == CONNECTION_BAD) {
-    return outcome_unknown(store.name, "the connection was lost",
+    return outcome_unknown(store.name, "the connection was lost while the changes were committed",
                            one_line(PQerrorMessage(store.connection)), why);
   }
   if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
