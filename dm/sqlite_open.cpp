@@ -180,9 +180,9 @@ const store_calls SQLITE_CALLS = {
 store_owner open_sqlite(const std::string& path, const open_options& options, problem& why) {
   auto* store = new sqlite_store;
   store->calls = &SQLITE_CALLS;
+  store_owner owner(store);
   store->path = path;
   store->milliseconds_left = options.busy_milliseconds;
-  store_owner owner(store);
   return open_place(*store, why) ? std::move(owner) : nullptr;
 }
 
