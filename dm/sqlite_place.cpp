@@ -51,29 +51,30 @@ static bool has_one_name(const std::string& path, const struct stat& file, probl
                       "others; leave it one, or use a copy of it."}));
 }
 
-bool find_place(sqlite_store& store, problem& why) {
-  const std::string& path = store.path;
-  const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
-                                                           std::free);
-  if (target == nullptr && errno == ENOENT) {
-    return refuse(why, TAV_ERR_NOT_FOUND, ENOENT,
-                  join({"Dictionary ", quoted(path),
-                        " does not exist; correct the entry "
-                        "'dictionary' of section [dm], or make it with 'tav_dict init'."}));
-  }
-  if (target != nullptr) store.file = target.get();
-  if (target == nullptr || stat(store.file.c_str(), &store.opened) != 0 ||
-      (S_ISREG(store.opened.st_mode) && !is_allowed(store.file, R_OK))) {
-    const int error = errno;
+static bool cannot_be_found(const std::string& path, int error, problem& why) {
+  if (error != ENOENT) {
     return refuse(
         why, TAV_ERR_STORAGE, error,
         join({"Dictionary ", quoted(path), " cannot be read: ", std::strerror(error), "."}));
   }
+  return refuse(why, TAV_ERR_NOT_FOUND, ENOENT,
+                join({"Dictionary ", quoted(path),
+                      " does not exist; correct the entry "
+                      "'dictionary' of section [dm], or make it with 'tav_dict init'."}));
+}
+
+bool find_place(sqlite_store& store, problem& why) {
+  const std::string& path = store.path;
+  const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
+                                                           std::free);
+  if (target == nullptr) return cannot_be_found(path, errno, why);
+  store.file = target.get();
+  if (stat(target.get(), &store.opened) != 0) return cannot_be_found(path, errno, why);
   if (!S_ISREG(store.opened.st_mode)) {
     return refuse(why, TAV_ERR_STORAGE, S_ISDIR(store.opened.st_mode) ? EISDIR : EINVAL,
-                  join({"Dictionary ", quoted(path), " is no file but ",
-                        kind_of(store.opened.st_mode), "."}));
+                  join({"Dictionary ", quoted(path), kind_of(store.opened.st_mode)}));
   }
+  if (!is_allowed(store.file, R_OK)) return cannot_be_found(path, errno, why);
   store.is_onlooker = !is_allowed(store.file, W_OK) || !is_allowed(folder_of(store.file), W_OK);
   return has_one_name(path, store.opened, why);
 }

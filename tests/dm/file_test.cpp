@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sqlite3.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -202,9 +203,11 @@ TEST_F(dictionary_file, is_read_beside_a_busy_writer_without_any_right) {
   chmod(path.c_str(), 0644);
   sqlite3_vfs_unregister(&counting);  // waits are real
   const pid_t writer = fork();
-  for (int i = 1; writer == 0; ++i) {
-    deployer(settings).set_fields("STRING F_A 5000 " + std::to_string(i) + "\n");
-    if (getppid() == 1) _exit(0);
+  if (writer == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    for (int i = 1;; ++i) {
+      deployer(settings).set_fields("STRING F_A 5000 " + std::to_string(i) + "\n");
+    }
   }
   only_look();
   for (int i = 0, seen = 0; i < 300; ++i) {

@@ -31,12 +31,12 @@ TEST_F(store, that_cannot_be_opened_is_named_with_what_to_do) {
   opening("NOT_FOUND", "does not exist; correct the entry 'dictionary'");
   EXPECT_FALSE(fs::exists(path));
   fs::create_directory(path);
-  opening("STORAGE", "is no file but a directory");
+  opening("STORAGE", "' is no file but a directory.");
   fs::remove(path);
   ASSERT_EQ(mkfifo(path.c_str(), 0644), 0);
-  opening("STORAGE", "is no file but a named pipe");
+  opening("STORAGE", "' is no file but a named pipe.");
   settings.dictionary = "sqlite:/dev/null";
-  opening("STORAGE", "is no file but a device");
+  opening("STORAGE", "' is no file but a device.");
   settings.dictionary = "mysql:x";
   opening("BAD_CONF", "expected sqlite:PATH");
 }
