@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -33,11 +34,18 @@ struct nameless_file {
   nameless_file& operator=(const nameless_file&) = delete;
 
   // Gives the file its name; false when there is one already, or for another reason in errno.
-  bool name(const std::string& path) const {
-    const std::string own =
-        passing_name.empty() ? "/proc/self/fd/" + std::to_string(fd) : passing_name;
-    const int follow = passing_name.empty() ? AT_SYMLINK_FOLLOW : 0;
-    return linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), follow) == 0;
+  bool name(const std::string& path) {
+    if (passing_name.empty()) {
+      const std::string own = "/proc/self/fd/" + std::to_string(fd);
+      return linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    }
+    // Renamed, so that it never has two names: whoever is killed between a second name and the end
+    // of the first leaves a dictionary that loses what is written under one of them.
+    const bool renamed =
+        renameat2(AT_FDCWD, passing_name.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0;
+    if (renamed) forget();
+    // Network file systems know no such rename. Two names left there are refused at opening.
+    return renamed || (errno == EINVAL && link(passing_name.c_str(), path.c_str()) == 0);
   }
 
   int fd;
@@ -85,7 +93,7 @@ bool cannot_make(const std::string& path, int error, problem& why) {
 
 bool make_file(const std::string& path, std::string_view bytes, problem& why) {
   const std::string folder = path.substr(0, path.rfind('/') + 1);
-  const nameless_file file(folder);
+  nameless_file file(folder);
   if (file.fd >= 0 && fchmod(file.fd, 0600) == 0 && write_all(file.fd, bytes) &&
       fsync(file.fd) == 0 && file.name(path) && sync_folder(folder)) {
     return true;

@@ -18,6 +18,23 @@ inline constexpr char BREAKS_RULES[] =
     "it holds what breaks its own rules; find it with 'tav_dict check'";
 inline constexpr char IS_INCOMPLETE[] =
     "it does not hold what a dictionary holds; restore it from a backup";
+inline constexpr char ROWS_SWALLOWED[] =
+    "rows that were written are not there: a trigger or a rule of somebody's has swallowed them; "
+    "nothing is stored, and 'tav_dict check' finds it";
+
+// A commit that may have been carried out, or not: tells what happened while the
+// changes were committed; gives false.
+inline bool outcome_unknown(std::string_view dictionary, std::string_view event,
+                            std::string_view words, problem& why) {
+  why.is_unreachable = true;
+  why.code = TAV_ERR_NOT_CONNECTED;
+  why.sentence =
+      join({"Dictionary ", quoted(dictionary), ": ", event,
+            ": whether they are stored is UNKNOWN; export the dictionary and look before "
+            "running again (",
+            words, ")."});
+  return false;
+}
 
 inline std::string orphan(std::string_view table, std::string_view parent) {
   return join({"A row of ", table, " names a row of ", parent, " that is not there."});

@@ -112,7 +112,7 @@ bool sqlite_add_fields(store* base, int64_t database, std::span<const field_row>
   }
   store.added.rows = rows;
   sqlite_use use(store, INSERT_FIELDS);
-  return use.bind(database).run(why);
+  return use.bind(database).write(static_cast<int64_t>(rows.size()), why);
 }
 
 }  // namespace dm

@@ -1,5 +1,6 @@
 #include "dm/sqlite_handle.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "dm/schema.h"
@@ -66,6 +67,11 @@ bool sqlite_use::run(problem& why) {
   return result == SQLITE_DONE || sqlite_failed(store_, result, why);
 }
 
+bool sqlite_use::write(int64_t rows, problem& why) {
+  if (!run(why)) return false;
+  return sqlite3_changes64(store_.db) == rows || sqlite_swallowed(store_, why);
+}
+
 // What a primary result code means: our code, and what to tell the administrator.
 static constexpr struct {
   int result, code;
@@ -100,6 +106,23 @@ bool sqlite_failed(const sqlite_store& store, int result, problem& why) {
       join({"Dictionary ", quoted(store.path), ": ", advice, " (", sqlite3_errstr(result),
             has_more ? ": " : "", has_more ? sqlite3_errmsg(store.db) : "", ")."});
   return false;
+}
+
+bool sqlite_swallowed(const sqlite_store& store, problem& why) {
+  why.code = TAV_ERR_STORAGE;
+  why.sentence = join({"Dictionary ", quoted(store.path), ": ", ROWS_SWALLOWED, "."});
+  return false;
+}
+
+int sqlite_wait(void* base, int tries) {
+  static constexpr int MILLISECONDS[] = {1, 2, 5, 10, 15, 20, 25, 25, 25, 50, 50, 100};
+  int& left = static_cast<sqlite_store*>(base)->milliseconds_left;
+  const size_t longest = std::size(MILLISECONDS) - 1;
+  const int wait = std::min(left, MILLISECONDS[std::min(static_cast<size_t>(tries), longest)]);
+  if (wait <= 0) return 0;
+  left -= wait;
+  sqlite3_sleep(wait);
+  return 1;
 }
 
 bool sqlite_run(sqlite_store& store, const char* sql, problem& why) {

@@ -35,15 +35,17 @@ struct sqlite_new_fields : sqlite3_vtab {
 };
 
 struct sqlite_store : store {
-  std::string path;
+  std::string path;  // as people wrote it
+  std::string file;  // with all links followed: there stands what the engine keeps beside the file
+  struct stat opened {};
   sqlite3* db = nullptr;
   std::array<sqlite3_stmt*, STATEMENTS> prepared{};
   sqlite_new_fields added{};
   int version = 0;
-  // A file on a medium or in a folder that cannot be written is read without locks; it must then
-  // stay what it was when it was opened.
-  bool unlocked = false;
-  struct stat opened {};
+  int milliseconds_left = 0;  // that this connection may still wait for others
+  bool is_onlooker = false;   // this user may not write the file or its folder
+  bool is_copy = false;       // read from memory
+  bool has_begun = false;     // a snapshot
 };
 
 inline sqlite_store& sqlite_of(store* base) {
@@ -67,6 +69,8 @@ class sqlite_use {
   int step();
   // Runs a statement that gives no rows.
   bool run(problem& why);
+  // The same for one that must write so many rows.
+  bool write(int64_t rows, problem& why);
 
   int count() const { return sqlite3_column_count(statement_); }
   int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
@@ -84,6 +88,12 @@ class sqlite_use {
 
 // Says what the engine's result code means; gives false. The one place that does.
 bool sqlite_failed(const sqlite_store& store, int result, problem& why);
+
+// Says that rows which were written are not there; gives false.
+bool sqlite_swallowed(const sqlite_store& store, problem& why);
+
+// Waits for whoever is in the way, longer with each try; 0 when the connection's time is used up.
+int sqlite_wait(void* store, int tries);
 
 // Runs SQL text that gives no rows.
 bool sqlite_run(sqlite_store& store, const char* sql, problem& why);

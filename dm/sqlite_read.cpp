@@ -4,31 +4,15 @@
 
 namespace dm {
 
-// A file that is read without locks is still the one that was opened.
-static bool unchanged(const sqlite_store& store, problem& why) {
-  if (!store.unlocked) return true;
-  struct stat now {};
-  const struct stat& then = store.opened;
-  if (stat(store.path.c_str(), &now) == 0 && now.st_ino == then.st_ino &&
-      now.st_size == then.st_size && now.st_mtim.tv_sec == then.st_mtim.tv_sec &&
-      now.st_mtim.tv_nsec == then.st_mtim.tv_nsec) {
-    return true;
-  }
-  why.code = TAV_ERR_BUSY;
-  why.sentence =
-      join({"Dictionary ", quoted(store.path), " changed while it was read; try again."});
-  return false;
-}
-
 template <class Row>
 static bool read_rows(sqlite_store& store, sqlite_use& use, visitor<Row> visitor, problem& why) {
   Row row{};
   for (;;) {
     const int result = use.step();
-    if (result == SQLITE_DONE) return unchanged(store, why);
+    if (result == SQLITE_DONE) return true;
     if (result != SQLITE_ROW) return sqlite_failed(store, result, why);
     if (!take_row(use, row)) return sqlite_failed(store, SQLITE_CORRUPT, why);
-    if (!visitor.call(visitor.context, row)) return unchanged(store, why);
+    if (!visitor.call(visitor.context, row)) return true;
   }
 }
 

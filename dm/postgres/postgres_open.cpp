@@ -63,24 +63,16 @@ static bool postgres_begin(store* base, bool write, problem& why) {
   return store.is_writing;
 }
 
-// A commit whose answer does not come may have been carried out.
-static bool outcome_unknown(const postgres_store& store, problem& why) {
-  why.is_unreachable = true;
-  const std::string words = one_line(PQerrorMessage(store.connection));
-  return postgres_refuse(
-      store, TAV_ERR_NOT_CONNECTED,
-      join({"the connection was lost while the changes were committed: whether they are stored is "
-            "UNKNOWN; export the dictionary and look before running again (",
-            words, ")"}),
-      why);
-}
-
 static bool postgres_commit(store* base, problem& why) {
   postgres_store& store = postgres_of(base);
   if (!flush(store, why)) return false;
   settle(store);
   const result_owner result(PQexec(store.connection, "COMMIT"));
-  if (PQstatus(store.connection) == CONNECTION_BAD) return outcome_unknown(store, why);
+  // A commit whose answer does not come may have been carried out.
+  if (PQstatus(store.connection) == CONNECTION_BAD) {
+    return outcome_unknown(store.name, "the connection was lost while the changes were committed",
+                           one_line(PQerrorMessage(store.connection)), why);
+  }
   if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
     return postgres_failed(store, result.get(), why);
   }
