@@ -102,7 +102,7 @@ const store_calls POSTGRES_CALLS = {
     postgres_integrity,
 };
 
-// To deploy takes no right to add databases. A row is locked by whoever may update one column of it.
+// To deploy takes no right to add databases. Whoever may update one column may lock the row.
 static constexpr char STATE[] = R"sql(
 SELECT version, current_setting('transaction_read_only') = 'on',
        has_any_column_privilege('dd_schema', 'UPDATE') AND
