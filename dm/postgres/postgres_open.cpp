@@ -94,11 +94,13 @@ const store_calls POSTGRES_CALLS = {
     postgres_integrity,
 };
 
+// To deploy takes no right to add databases. Whoever may update one column may lock the row.
 static constexpr char STATE[] = R"sql(
 SELECT version, current_setting('transaction_read_only') = 'on',
-       has_table_privilege('dd_schema', 'UPDATE') AND
+       has_any_column_privilege('dd_schema', 'UPDATE') AND
+       has_column_privilege('dd_databases', 'counter', 'UPDATE') AND
        (SELECT bool_and(has_table_privilege(t, p))
-        FROM unnest(ARRAY['dd_databases', 'dd_fields', 'dd_classes', 'dd_tables']) t,
+        FROM unnest(ARRAY['dd_fields', 'dd_classes', 'dd_tables']) t,
              unnest(ARRAY['SELECT', 'INSERT', 'UPDATE', 'DELETE']) p)
 FROM dd_schema
 )sql";

@@ -4,6 +4,7 @@
 
 #include "bench.h"
 #include "dm/open.h"
+#include "dm/predefined.h"
 
 // The client library's line to the server is cut at its message of that number: the message does
 // not reach the server, or it does, and the answer does not come back.
@@ -55,17 +56,31 @@ TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
   EXPECT_EQ((log("cm") + log("dm")).find("secret"), std::string::npos);
 }
 
-// The SQL of the README makes the database and its roles.
-TEST_F(on_a_server, roles_of_the_readme_may_do_what_it_says) {
-  output_of("sed -n '/^```sql$/,/^```$/{/^```/!p}' " TAV_README " | psql -qX -v ON_ERROR_STOP=1");
+// The SQL of the page on sharing makes the database and its roles, and then says who may write
+// what.
+TEST_F(on_a_server, roles_of_the_page_may_do_what_it_says) {
+  const auto run_block = [](int number, const char* options) {
+    output_of("awk '/^```/ { ++n } !/^```/ && n == " + std::to_string(2 * number - 1) +
+              "' " TAV_SHARING " | psql -qX -v ON_ERROR_STOP=1" + options);
+  };
   const auto as = [this](const std::string& role) {
     settings.dictionary = "dbname=dictionary user=" + role;
     return settings;
   };
+  const auto add_database = [](const dm::settings& role) {
+    dm::problem why;
+    const dm::store_owner store = dm::open_dictionary(role, {}, why);
+    const bool is_added = store != nullptr && store->calls->begin(store.get(), true, why) &&
+                          dm::make_database(*store, 2, why) &&
+                          store->calls->commit(store.get(), why);
+    return is_added ? "added" : why.sentence;
+  };
+  run_block(1, "");
   dm::problem why;
   EXPECT_FALSE(make(as("dictionary_deployer"), why));
   EXPECT_EQ(why.code, TAV_ERR_WRITE_REFUSED) << why.sentence;
   EXPECT_TRUE(make(as("dictionary_owner"), why)) << why.sentence;
+  run_block(2, " -U dictionary_owner -d dictionary");
   {
     client deployer(as("dictionary_deployer"));
     EXPECT_EQ(deployer.set_fields("STRING F_A 5000\nSTRING F_B 5001\n"), "ok");
@@ -73,6 +88,9 @@ TEST_F(on_a_server, roles_of_the_readme_may_do_what_it_says) {
     EXPECT_EQ(deployer.set_classes("/a descr=new\n"), "ok");
     EXPECT_EQ(deployer.delete_fields("STRING F_B 5001\n"), "ok");
   }
+  EXPECT_NE(add_database(as("dictionary_deployer")).find("the role may not do that"),
+            std::string::npos);
+  EXPECT_EQ(add_database(as("dictionary_owner")), "added");
   for (const std::string options : {"", " options='-c default_transaction_read_only=on'"}) {
     client reader(as("dictionary_reader" + options));
     EXPECT_EQ(reader.fields("F_A\nF_B\n"), "STRING F_A 5000\n");
