@@ -1,6 +1,7 @@
 #include "dm/session.h"
 
 #include <algorithm>
+#include <new>
 
 #include "dm/database_number.h"
 #include "dm/operations.h"
@@ -82,8 +83,9 @@ bool is_foreign(const session& session, uint64_t database, int64_t seen_database
          std::find(seen.own.begin(), seen.own.end(), stamp) == seen.own.end();
 }
 
-void note_own(session& session, uint64_t database, int64_t stamp) {
+void note_own(session& session, uint64_t database, int64_t stamp) noexcept try {
   session.seen[database].own.push_back(stamp);
+} catch (const std::bad_alloc&) {
 }
 
 static void forget_pending(session& session) {
@@ -92,11 +94,14 @@ static void forget_pending(session& session) {
   session.trial = trial_state::OVER;
 }
 
-static bool make_durable(session& session, problem& why) {
+static bool make_durable(session& session, problem& why) try {
   const bool durable = !session.is_writing ||
                        (write_fields(session, session.pending, why) && commit_write(session, why));
   forget_pending(session);
   return durable;
+} catch (...) {  // what is written in part must not be taken up again
+  forget_pending(session);
+  throw;
 }
 
 // Whether a 585 names exactly the fields that the provisional 576 would have added.

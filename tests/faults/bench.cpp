@@ -78,6 +78,7 @@ static std::set<size_t> without_leak;
 
 static int run_tool(int argc, char** argv) {
   put_disk_under_plan();
+  put_memory_under_plan();
   const size_t before = allocated();
   const int status = tav_deploy_main(argc, argv);
   std::fflush(nullptr);
