@@ -88,7 +88,7 @@ bool postgres_failed(const postgres_store& store, const PGresult* result, proble
   const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   // The library itself has but words for it.
   const bool is_own = state == nullptr;
-  if (is_own && std::strstr(PQerrorMessage(store.connection), "out of memory") != nullptr) {
+  if (is_own && std::strstr(PQerrorMessage(store.connection), "memory") != nullptr) {
     throw std::bad_alloc();
   }
   const char* message = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
