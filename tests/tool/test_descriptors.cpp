@@ -50,13 +50,6 @@ TEST(descriptors, that_are_closed_are_not_given_to_others) {
   }
 }
 
-TEST(descriptors, that_are_all_closed_leave_a_backup_alone) {
-  const workshop place;
-  const run_result result = shell(place, "tav_dict backup copy.db <&- >&- 2>&-");
-  EXPECT_EQ(result.exit_status, 2);
-  EXPECT_EQ(place.run({"dict", "diff", "--with", "sqlite:copy.db"}).out, "No differences.\n");
-}
-
 // The commit is not undone: what was deployed is there, and the status says to look.
 TEST(output, that_cannot_be_written_fails_an_import_that_commits_all_the_same) {
   for (const char* end : {">/dev/full", ">&-"}) {
