@@ -136,8 +136,8 @@ static std::string unlocked_name(const std::string& path) {
 store_owner open_sqlite(const std::string& path, const open_options& options, problem& why) {
   auto* store = new sqlite_store;
   store->calls = &SQLITE_CALLS;
-  store->path = path;
   store_owner owner(store);
+  store->path = path;
   if (!is_readable_file(path, store->opened, why)) return nullptr;
   int mark = 0;
   int result = connect(*store, path.c_str(), SQLITE_OPEN_READWRITE, options, mark);
