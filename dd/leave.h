@@ -6,6 +6,6 @@
 
 // Takes the list over and keeps it until the process ends, which frees it at no cost: taking a
 // whole dictionary apart is a tenth of a run. For lists of which a run has one.
-void dd_leave(dd_flist list);
+void dd_leave(dd_flist list) noexcept;
 
 #endif

@@ -1,4 +1,5 @@
 // The mode `class`.
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "deploy/tav_deploy_export.h"
@@ -67,6 +68,19 @@ static int write_all(dparse_outline& classes, dd_list& fields, const tav_deploy_
   return write_classes(classes, fields, ctx);
 }
 
+// What was written before the memory ran out stays.
+static int write_outline(tav_flist_t* classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
+  tav_ebuf ebuf{};
+  int result = -1;
+  dd_with_memory(at(&ebuf, HERE), [&] {
+    dparse_outline outline = dparse_outline_classes(classes, {});
+    result = write_all(outline, fields, ctx);
+  });
+  if (!dd_failed(ebuf)) return result;
+  tav_deploy_call_failed(HERE, ebuf);
+  return interfaces_failed(ebuf);
+}
+
 int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
   tav_deploy_session session;
@@ -85,8 +99,7 @@ int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
                            "Error: attempting to retrieve storable classes from Quorvale Server\n");
   }
   dd_list dictionary(DD_FIELDS, std::move(fields));
-  dparse_outline outline = dparse_outline_classes(classes.get(), ebuf);
-  const int result = write_all(outline, dictionary, *ctx) < 1 ? -1 : found;
+  const int result = write_outline(classes.get(), dictionary, *ctx) < 1 ? -1 : found;
   dd_leave(std::move(classes));
   dictionary.leave();
   return result;

@@ -1,6 +1,7 @@
 // The mode `field`.
 #include <utility>
 
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -47,12 +48,35 @@ static int report_unknown(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
   return result;
 }
 
+static int write_failed() {
+  return tav_deploy_fail(HERE, "ERROR attempting to export fields to stdout",
+                         "Error: attempting to export fields to stdout\n");
+}
+
 template <class Fields>
 static int write_fields(const Fields& fields) {
   tav_ebuf ebuf{};
   if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && tav_deploy_is_written()) return 1;
-  return tav_deploy_fail(HERE, "ERROR attempting to export fields to stdout",
-                         "Error: attempting to export fields to stdout\n");
+  return write_failed();
+}
+
+static int write_fetched(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
+  const bool named = ctx.name_count > 0;
+  std::vector<tav_flist_t*> selected;
+  const bool selects = !named && ctx.select_custom != ctx.select_predefined;
+  if (selects && filter(fetched.get(), selected, ctx) < 1) {
+    return tav_deploy_fail(HERE, "ERROR attempting to filter field list",
+                           "Error: Internal Error\n");
+  }
+  const int result = named ? report_unknown(fetched, ctx) : 1;
+  const int written = selects ? write_fields(selected) : write_fields(fetched.get());
+  return written < 1 ? -1 : result;
+}
+
+// What was written before the memory ran out stays.
+static int without_memory(const tav_ebuf& ebuf) {
+  tav_deploy_call_failed(HERE, ebuf);
+  return write_failed();
 }
 
 int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
@@ -69,14 +93,8 @@ int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
                            named ? "selected" : "all");
   }
   dd_list fetched(DD_FIELDS, std::move(fields));
-  std::vector<tav_flist_t*> selected;
-  const bool selects = !named && ctx->select_custom != ctx->select_predefined;
-  if (selects && filter(fetched.get(), selected, *ctx) < 1) {
-    return tav_deploy_fail(HERE, "ERROR attempting to filter field list",
-                           "Error: Internal Error\n");
-  }
-  const int result = named ? report_unknown(fetched, *ctx) : 1;
-  const int written = selects ? write_fields(selected) : write_fields(fetched.get());
+  int result = -1;
+  dd_with_memory(at(&ebuf, HERE), [&] { result = write_fetched(fetched, *ctx); });
   fetched.leave();
-  return written < 1 ? -1 : result;
+  return dd_failed(ebuf) ? without_memory(ebuf) : result;
 }

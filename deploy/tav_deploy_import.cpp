@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "deploy/tav_deploy_report.h"
 
@@ -167,9 +168,17 @@ static int step_failed(const step& failed) {
   return -1;
 }
 
+// A step whose memory runs out ends like one of whose calls that is told.
+static int take(const step& s, tav_deploy_import_state& state) {
+  tav_ebuf ebuf{};
+  int result = -1;
+  dd_with_memory(at(&ebuf, HERE), [&] { result = s.run(state); });
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : result;
+}
+
 static int run(tav_deploy_import_state& state) {
   for (const step& s : STEPS) {
-    if (s.applies() && s.run(state) < 1) return step_failed(s);
+    if (s.applies() && take(s, state) < 1) return step_failed(s);
   }
   return 1;
 }

@@ -3,11 +3,13 @@
 #include <rapidjson/stringbuffer.h>
 
 #include "dict/diff.h"
+#include "dm/json_memory.h"
 
 namespace dict {
 
-using sink = rapidjson::StringBuffer;
-using writer = rapidjson::PrettyWriter<sink>;
+using utf8 = rapidjson::UTF8<>;
+using sink = rapidjson::GenericStringBuffer<utf8, dm::json_memory>;
+using writer = rapidjson::PrettyWriter<sink, utf8, utf8, dm::json_memory>;
 
 // In the order of the enumeration.
 static constexpr const char* CHANGES[] = {"new", "changed", "missing", "kept"};

@@ -1,5 +1,6 @@
 // The command: what a printed line means and what to do about it.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -42,7 +43,9 @@ static int explain_input(const message_page& page) {
       print(page.entries[found->entry]);
     }
   }
-  return result;
+  if (!std::cin.bad() && std::ferror(stdin) == 0) return result;
+  std::cerr << "tav_dict: Standard input cannot be read.\n";
+  return FAILED;
 }
 
 void add_explain(CLI::App& app, int& result) {

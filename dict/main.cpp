@@ -1,8 +1,12 @@
 // tav_dict: makes and looks after the dictionary that tav.conf names.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <iostream>
+#include <new>
 #include <sstream>
 
+#include "dd/descriptors.h"
+#include "dd/last_resort.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
 #include "dm/schema.h"
@@ -14,7 +18,14 @@ static constexpr char DESCRIPTION[] =
     "'check'\n"
     "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
 
-int main(int argc, char** argv) {
+static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
+
+// Before the constants of the library that reads the command line are made.
+[[gnu::constructor(101)]] static void end_without_memory() {
+  dd_end_without_memory(NO_MEMORY, dict::FAILED);
+}
+
+static int run(int argc, char** argv) {
   CLI::App app(DESCRIPTION, "tav_dict");
   app.set_version_flag("--version", "tav_dict " TAV_DICT_VERSION ", schema version " +
                                         std::to_string(dm::SCHEMA_VERSION));
@@ -49,10 +60,22 @@ int main(int argc, char** argv) {
     const bool is_done = app.exit(error, std::cout, refusal) == 0;
     std::cerr << dict::visible_lines{refusal.str()};
     return is_done ? dict::DONE : dict::FAILED;
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& error) {
     std::cerr << "tav_dict: " << dict::visible{error.what()} << '\n';
     return dict::FAILED;
   }
   std::cout.flush();
   return std::cout.good() ? result : static_cast<int>(dict::FAILED);
+}
+
+int main(int argc, char** argv) {
+  if (!dd_fill_descriptors()) return dict::FAILED;
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fputs(NO_MEMORY, stderr);
+    return dict::FAILED;
+  }
 }

@@ -6,6 +6,7 @@
 
 #include "dd/owners.h"
 #include "dm/class_json.h"
+#include "dm/json_memory.h"
 #include "dm/json_run.h"
 #include "dm/text_rules.h"
 
@@ -137,7 +138,11 @@ class builder {
     fault_ = fault;
     return false;
   }
-  bool built() { return ebuf_.err_code == TAV_ERR_NONE || fail(tav_taverr_to_str(ebuf_.err_code)); }
+  // Want of memory is no fault of the text.
+  bool built() {
+    if (ebuf_.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
+    return ebuf_.err_code == TAV_ERR_NONE || fail(tav_taverr_to_str(ebuf_.err_code));
+  }
 
   bool begin(int32_t elem_id) {
     level& next = levels_[++depth_];
@@ -214,7 +219,7 @@ class builder {
 }  // namespace
 
 struct class_reader::buffers {
-  rapidjson::GenericReader<text_encoding, text_encoding> json;
+  rapidjson::GenericReader<text_encoding, text_encoding, json_memory> json;
   std::string text;  // what is read in place
   std::vector<dd_decimal> decimals;
 };

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "dm/class_json.h"
+#include "dm/json_memory.h"
 #include "dm/json_run.h"
 #include "dm/text_rules.h"
 
@@ -13,8 +14,9 @@ namespace dm {
 struct json_text {
   std::vector<char> text;
   size_t size = 0;  // how much of it is written
-  rapidjson::StringBuffer escaped;
-  rapidjson::Writer<rapidjson::StringBuffer> escaper{escaped};
+  using buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, json_memory>;
+  buffer escaped;
+  rapidjson::Writer<buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, json_memory> escaper{escaped};
 };
 
 class_writer::class_writer() : json_(std::make_unique<json_text>()) {}

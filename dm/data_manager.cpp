@@ -23,7 +23,12 @@ static void report(int32_t location, const problem& why, tav_ebuf* ebuf) {
   tav_set_error(ebuf, {location, class_of(why.code), why.code, why.field, why.rec_id, why.detail});
 }
 
-static const problem NO_MEMORY = {TAV_ERR_NO_MEM, 0, 0, 0, "There is not enough memory."};
+// Nothing of it is allocated.
+static void report_no_memory(int32_t location, tav_ebuf* ebuf) {
+  const auto component = location == TAV_ERRLOC_CM ? tav_component::CM : tav_component::DM;
+  tav_component_log(component, 1, "There is not enough memory.", HERE);
+  tav_set_error(ebuf, {location, TAV_ERRCLASS_SYSTEM, TAV_ERR_NO_MEM});
+}
 
 tav_dm_session* open_session(const settings& settings, const open_options& options,
                              tav_ebuf* ebuf) {
@@ -45,7 +50,7 @@ static tav_dm_session* connect(uint64_t* database, tav_ebuf* ebuf) try {
   report(TAV_ERRLOC_CM, why, ebuf);
   return nullptr;
 } catch (const std::bad_alloc&) {
-  report(TAV_ERRLOC_CM, NO_MEMORY, ebuf);
+  report_no_memory(TAV_ERRLOC_CM, ebuf);
   return nullptr;
 }
 
@@ -95,16 +100,19 @@ static tav_flist_t* run(tav_dm_session* session, uint32_t opcode, uint32_t flags
   return output.release();
 } catch (const std::bad_alloc&) {
   clean_up(*session);
-  report(TAV_ERRLOC_DM, NO_MEMORY, ebuf);
+  report_no_memory(TAV_ERRLOC_DM, ebuf);
   return nullptr;
 }
 
-static void close_session(tav_dm_session* session, tav_ebuf* ebuf) {
+// Without memory the session is given up: its store, which goes with it, rolls back.
+static void close_session(tav_dm_session* session, tav_ebuf* ebuf) try {
   const std::unique_ptr<tav_dm_session> owner(session);
   problem why;
   if (ebuf == nullptr || settle_at_end(*session, why)) return;
   why.sentence.insert(0, "The fields could not be stored at the end of the session: ");
   report(TAV_ERRLOC_DM, why, ebuf);
+} catch (const std::bad_alloc&) {
+  report_no_memory(TAV_ERRLOC_DM, ebuf);
 }
 
 }  // namespace dm

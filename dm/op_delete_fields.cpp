@@ -113,8 +113,9 @@ dd_flist delete_fields(operation& op) {
   if (!find_doomed(op, database, doomed)) return nullptr;
   if (doomed.empty()) return nothing_to_give(op);
   if (!are_unused(op, database.id, doomed)) return nullptr;
-  if (!delete_all(op, database, doomed)) return nullptr;
-  return nothing_to_give(op);
+  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  if (output == nullptr || !delete_all(op, database, doomed)) return nullptr;
+  return output;
 }
 
 }  // namespace dm

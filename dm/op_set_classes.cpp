@@ -220,8 +220,9 @@ dd_flist set_classes(operation& op) {
   if (!(is_trial ? begin_trial : begin_write)(op.session, op.why)) return nullptr;
   if (!find_database(op.session, op.input, database, op.why)) return nullptr;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
-  if (!set_all(run) || (!is_trial && !finish(run))) return nullptr;
-  return nothing_to_give(op);
+  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  if (output == nullptr || !set_all(run) || (!is_trial && !finish(run))) return nullptr;
+  return output;
 }
 
 }  // namespace dm

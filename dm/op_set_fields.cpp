@@ -101,12 +101,15 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
 }
 
 // A failed plan writes nothing. Only a provisional one can do without the right to write.
-static bool make_plan(operation& op, field_plan& plan) {
+static bool make_plan(operation& op, field_plan& plan) try {
   const bool is_pending = &plan == &op.session.pending;
   if (!(is_pending ? begin_trial : begin_write)(op.session, op.why)) return false;
   if (plan_fields(op.session, plan, op.why)) return true;
   plan.asked = {};
   return false;
+} catch (...) {
+  plan.asked = {};
+  throw;
 }
 
 dd_flist set_fields(operation& op) {
@@ -120,9 +123,10 @@ dd_flist set_fields(operation& op) {
   if (dd_failed(ebuf)) return refuse(op, ebuf.err_code, 0, "There is not enough memory.");
   if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
   if (!make_plan(op, plan)) return nullptr;
-  if (is_first) return nothing_to_give(op);
+  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  if (is_first || output == nullptr) return output;
   if (!write_fields(op.session, plan, op.why) || !commit_write(op.session, op.why)) return nullptr;
-  return nothing_to_give(op);
+  return output;
 }
 
 }  // namespace dm

@@ -1,6 +1,7 @@
 #include "dm/session.h"
 
 #include <algorithm>
+#include <new>
 
 #include "dm/database_number.h"
 #include "dm/operations.h"
@@ -91,8 +92,9 @@ bool is_foreign(const session& session, uint64_t database, int64_t seen_database
          std::find(seen.own.begin(), seen.own.end(), stamp) == seen.own.end();
 }
 
-void note_own(session& session, uint64_t database, int64_t stamp) {
+void note_own(session& session, uint64_t database, int64_t stamp) noexcept try {
   session.seen[database].own.push_back(stamp);
+} catch (const std::bad_alloc&) {
 }
 
 static void forget_pending(session& session) {
@@ -104,7 +106,7 @@ static void forget_pending(session& session) {
 }
 
 // A 576 that was refused itself promised nothing.
-static bool make_durable(session& session, problem& why) {
+static bool make_durable(session& session, problem& why) try {
   const bool is_refused =
       session.refusal.code != TAV_ERR_NONE && !session.pending.asked.fields.empty();
   if (is_refused) why = session.refusal;
@@ -113,6 +115,9 @@ static bool make_durable(session& session, problem& why) {
                       (write_fields(session, session.pending, why) && commit_write(session, why)));
   forget_pending(session);
   return durable;
+} catch (...) {  // what is written in part must not be taken up again
+  forget_pending(session);
+  throw;
 }
 
 // Whether a 585 names exactly the fields that the provisional 576 would have added.

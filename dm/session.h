@@ -79,8 +79,9 @@ uint64_t target_of(const tav_node* input);
 // Whether another session has written a row since this one fetched all of its kind.
 bool is_foreign(const session& session, uint64_t database, int64_t seen_database::*fetched,
                 int64_t stamp);
-// Notes that the session has written with that stamp.
-void note_own(session& session, uint64_t database, int64_t stamp);
+// Notes that the session has written with that stamp. Without memory for that its write will look
+// like another's, which is refused.
+void note_own(session& session, uint64_t database, int64_t stamp) noexcept;
 
 // Decides what the provisional 576 was, now that this operation follows. False when it was real and
 // cannot be made durable. `done`: the operation was the trial's last and is carried out thereby.

@@ -23,8 +23,8 @@ bool create_sqlite(const std::string& path, const fill_store& fill, problem& why
   if (!is_free(path, why)) return false;
   auto* store = new sqlite_store;
   store->calls = &SQLITE_CALLS;
-  store->path = path;
   const store_owner owner(store);
+  store->path = path;
   const int result =
       sqlite3_open_v2(":memory:", &store->db,
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);

@@ -1,7 +1,9 @@
 #include "dm/sqlite_handle.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "dm/schema.h"
 
@@ -28,6 +30,14 @@ static int prepare(sqlite_store& store, int which, sqlite3_stmt*& prepared) {
       which < QUERIES ? query_text(static_cast<query>(which)) : WRITES[which - QUERIES];
   return sqlite3_prepare_v3(store.db, sql.c_str(), static_cast<int>(sql.size()),
                             SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+}
+
+const char* sqlite_text(sqlite3_stmt* row, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+  if (text == nullptr && sqlite3_errcode(sqlite3_db_handle(row)) == SQLITE_NOMEM) {
+    throw std::bad_alloc();
+  }
+  return text;
 }
 
 sqlite_use::sqlite_use(sqlite_store& store, int which) : store_(store) {
@@ -91,7 +101,14 @@ static constexpr struct {
     {SQLITE_CONSTRAINT, TAV_ERR_STORAGE, BREAKS_RULES},
 };
 
+// Part of the file that cannot be mapped is an I/O error to the engine.
+static bool is_no_memory(const sqlite_store& store, int result) {
+  return result == SQLITE_IOERR_NOMEM ||
+         ((result & 0xff) == SQLITE_IOERR && sqlite3_system_errno(store.db) == ENOMEM);
+}
+
 bool sqlite_failed(const sqlite_store& store, int result, problem& why) {
+  if (is_no_memory(store, result)) result = SQLITE_NOMEM;
   why.code = TAV_ERR_STORAGE;
   why.detail = result;
   const char* advice = "the engine failed; check the disk";

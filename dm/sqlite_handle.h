@@ -52,6 +52,9 @@ inline sqlite_store& sqlite_of(store* base) {
   return *static_cast<sqlite_store*>(base);
 }
 
+// The text of a row's column; null for NULL alone: want of memory is no NULL, but std::bad_alloc.
+const char* sqlite_text(sqlite3_stmt* row, int column);
+
 // A prepared statement in use: made at its first use, ready for the next when this goes.
 class sqlite_use {
  public:
@@ -75,9 +78,7 @@ class sqlite_use {
   int count() const { return sqlite3_column_count(statement_); }
   int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
   // The text of a column; null for NULL.
-  const char* text(int column) const {
-    return reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-  }
+  const char* text(int column) const { return sqlite_text(statement_, column); }
 
  private:
   sqlite_store& store_;

@@ -1,5 +1,6 @@
 // The engine's own test of a dictionary file.
 #include <map>
+#include <memory>
 
 #include "dm/schema.h"
 #include "dm/sqlite_handle.h"
@@ -12,17 +13,18 @@ template <class Tell>
 static bool run_test(sqlite_store& store, const char* query, problem& why, Tell tell) {
   sqlite3_stmt* statement = nullptr;
   int result = sqlite3_prepare_v2(store.db, query, -1, &statement, nullptr);
+  const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owner(statement,
+                                                                         sqlite3_finalize);
   while (result == SQLITE_OK || result == SQLITE_ROW) {
     result = sqlite3_step(statement);
     if (result == SQLITE_ROW && !tell(statement)) result = SQLITE_DONE;
   }
-  sqlite3_finalize(statement);
   return result == SQLITE_DONE || sqlite_failed(store, result, why);
 }
 
 static std::string column(sqlite3_stmt* statement, int number) {
-  const unsigned char* text = sqlite3_column_text(statement, number);
-  return text != nullptr ? reinterpret_cast<const char*>(text) : "";
+  const char* text = sqlite_text(statement, number);
+  return text != nullptr ? text : "";
 }
 
 // What tables, guards and views are made of, by kind and name.
@@ -37,10 +39,9 @@ static bool read_schema(sqlite_store& store, schema& found, problem& why) {
 static bool make_schema(schema& expected, problem& why) {
   sqlite_store fresh;
   const int result = sqlite3_open(":memory:", &fresh.db);
-  const bool made = (result == SQLITE_OK || sqlite_failed(fresh, result, why)) &&
-                    sqlite_run(fresh, DICTIONARY_SCHEMA, why) && read_schema(fresh, expected, why);
-  sqlite3_close(fresh.db);
-  return made;
+  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> owner(fresh.db, sqlite3_close);
+  return (result == SQLITE_OK || sqlite_failed(fresh, result, why)) &&
+         sqlite_run(fresh, DICTIONARY_SCHEMA, why) && read_schema(fresh, expected, why);
 }
 
 // Further tables and views are their owner's; a trigger or an index would work on ours.

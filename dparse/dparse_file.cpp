@@ -1,9 +1,12 @@
 // Whole files: a sequence of definitions.
+#include "dd/memory.h"
 #include "dd/types.h"
 #include "dparse/dparse_definition.h"
 #include "dparse/dparse_lexer.h"
 #include "dparse/dparse_state.h"
 #include "dparse/dparse_stream.h"
+
+static constexpr char MODULE[] = "dparse";
 
 // definition := field | class
 int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
@@ -41,7 +44,11 @@ static int read_file(FILE* stream, dd_list* field_list, dd_list* class_list, dd_
 int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
                      const char* filter) {
   dparse_reset();
-  const int result = read_file(stream, field_list, class_list, impl_list, filter);
+  tav_ebuf ebuf{};
+  int result = -1;
+  dd_with_memory(at(&ebuf, HERE),
+                 [&] { result = read_file(stream, field_list, class_list, impl_list, filter); });
+  if (dd_failed(ebuf)) result = dparse_call_failed(HERE, ebuf);
   if (std::ferror(stream) == 0) return result;
   dparse_forget_message();
   return DPARSE_UNREADABLE;

@@ -138,6 +138,7 @@ int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attrib
     return dparse_fail(HERE, row.expected, token.text);
   tav_ebuf ebuf{};
   dd_decimal order(tav_decimal(token.text, at(&ebuf, HERE)));
+  if (ebuf.err_code == TAV_ERR_NO_MEM) return dparse_call_failed(HERE, ebuf);
   if (dd_failed(ebuf)) return dparse_fail(HERE, row.refused, token.text);
   dd_put(element.list, row.field, 0, std::move(order), at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;

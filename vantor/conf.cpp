@@ -64,12 +64,17 @@ void tav_conf(const char* program, const char* key, int32_t type, void** value, 
   if (error != nullptr) *error = ebuf.err_code;
 }
 
+static const char* text_or_none(const char* text) {
+  return text != nullptr ? text : "";
+}
+
 const char* tav_conf_file() {
-  return guarded<const char*>({nullptr}, [] { return process_conf().path.c_str(); });
+  return text_or_none(guarded<const char*>({nullptr}, [] { return process_conf().path.c_str(); }));
 }
 
 const char* tav_conf_folder() {
-  return guarded<const char*>({nullptr}, [] { return process_conf().folder.c_str(); });
+  return text_or_none(
+      guarded<const char*>({nullptr}, [] { return process_conf().folder.c_str(); }));
 }
 
 int tav_conf_line(const char* program, const char* key) {

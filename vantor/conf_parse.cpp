@@ -1,6 +1,7 @@
 #include <ini.h>
 
 #include <cstring>
+#include <new>
 
 #include "dd/vantor.h"
 #include "vantor/conf_file.h"
@@ -19,6 +20,7 @@ struct reading {
   conf_file& conf;
   size_t next = 0;
   int line = 0;
+  bool is_without_memory = false;  // told afterwards: no exception may pass through inih
 };
 
 bool ok(const reading& r) {
@@ -51,7 +53,7 @@ const char* silent_fault(const std::string& line, int size) {
   return nullptr;
 }
 
-char* read_line(char* buffer, int size, void* stream) {
+char* read_line(char* buffer, int size, void* stream) try {
   reading& r = *static_cast<reading*>(stream);
   if (!ok(r) || r.next >= r.text.size()) return nullptr;
   const std::string line = next_line(r);
@@ -61,9 +63,12 @@ char* read_line(char* buffer, int size, void* stream) {
   }
   std::memcpy(buffer, line.c_str(), line.size() + 1);
   return buffer;
+} catch (const std::bad_alloc&) {
+  static_cast<reading*>(stream)->is_without_memory = true;
+  return nullptr;
 }
 
-int take_entry(void* user, const char* section, const char* name, const char* value) {
+int take_entry(void* user, const char* section, const char* name, const char* value) try {
   reading& r = *static_cast<reading*>(user);
   if (!ok(r)) return 1;
   const std::string home = std::strcmp(section, "-") == 0 ? "" : section;
@@ -78,6 +83,9 @@ int take_entry(void* user, const char* section, const char* name, const char* va
   }
   r.conf.entries.push_back({home, name, value, r.line});
   return 1;
+} catch (const std::bad_alloc&) {
+  static_cast<reading*>(user)->is_without_memory = true;
+  return 0;
 }
 
 }  // namespace
@@ -97,6 +105,8 @@ void parse_conf(const std::string& text, conf_file& conf) {
   ini_max_line = LONGEST_LINE;
   const int first_fault = ini_parse_stream(read_line, &r, take_entry, &r);
   ini_max_line = longest;
+  // inih gives -2 for want of memory of its own.
+  if (r.is_without_memory || first_fault == -2) throw std::bad_alloc();
   if (first_fault == 0 || (!ok(r) && first_fault >= r.line)) return;
   refuse_conf(conf, first_fault,
               "the line is neither a [section], nor an entry NAME = VALUE, nor a comment");

@@ -86,6 +86,11 @@ static bool lost(const postgres_store& store, problem& why) {
 bool postgres_failed(const postgres_store& store, const PGresult* result, problem& why) {
   if (PQstatus(store.connection) == CONNECTION_BAD) return lost(store, why);
   const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+  // The library itself has but words for it.
+  const bool is_own = state == nullptr;
+  if (is_own && std::strstr(PQerrorMessage(store.connection), "memory") != nullptr) {
+    throw std::bad_alloc();
+  }
   const char* message = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
   const char* more = PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL);
   int32_t code = TAV_ERR_STORAGE;

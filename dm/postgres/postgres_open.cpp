@@ -52,7 +52,7 @@ static bool lock(postgres_store& store, problem& why) {
          execute(store, "SELECT version FROM dd_schema FOR UPDATE", parameters(), why) != nullptr;
 }
 
-static bool postgres_begin(store* base, bool write, problem& why) {
+static bool postgres_begin(store* base, bool write, problem& why) try {
   postgres_store& store = postgres_of(base);
   if (!write) return run(store, "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY", why);
   if (!store.refusal.empty()) {
@@ -61,6 +61,9 @@ static bool postgres_begin(store* base, bool write, problem& why) {
   store.is_writing = lock(store, why);
   if (!store.is_writing) postgres_rollback(base);
   return store.is_writing;
+} catch (const std::bad_alloc&) {
+  postgres_rollback(base);
+  throw;
 }
 
 static bool postgres_commit(store* base, problem& why) {
@@ -68,14 +71,15 @@ static bool postgres_commit(store* base, problem& why) {
   if (!flush(store, why)) return false;
   settle(store);
   const result_owner result(PQexec(store.connection, "COMMIT"));
-  // A commit whose answer does not come may have been carried out.
-  if (PQstatus(store.connection) == CONNECTION_BAD) {
+  // No answer of the server's: it is lost, or there was no memory to receive it. The commit may have
+  // been carried out.
+  const bool is_refused = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) != nullptr;
+  const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
+  if (PQstatus(store.connection) == CONNECTION_BAD || (!is_done && !is_refused)) {
     return outcome_unknown(store.name, "the connection was lost while the changes were committed",
                            one_line(PQerrorMessage(store.connection)), why);
   }
-  if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
-    return postgres_failed(store, result.get(), why);
-  }
+  if (!is_done) return postgres_failed(store, result.get(), why);
   // A transaction that an error has ended is rolled back instead, which is no error to the server.
   const bool committed = std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0;
   postgres_rollback(base);

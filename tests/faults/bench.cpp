@@ -77,7 +77,11 @@ static size_t allocated() {
 static std::set<size_t> without_leak;
 
 static int run_tool(int argc, char** argv) {
-  put_disk_under_plan();
+  if (plan().failing_allocation == 0) {
+    put_disk_under_plan();
+  } else {
+    put_memory_under_plan();
+  }
   const size_t before = allocated();
   const int status = tav_deploy_main(argc, argv);
   std::fflush(nullptr);

@@ -20,9 +20,12 @@ struct fault_plan {
   uint32_t refused_operation = 0;
   disk_fault disk = disk_fault::NONE;
   long failing_disk_call = 0;
+  long failing_allocation = 0;  // 0: none
+  bool is_memory_gone = false;  // for good, not for that one
 
   long calls = 0;  // made so far
   long disk_calls = 0;
+  long allocations = 0;
   bool failed_a_sync = false;
   const char* failed_call = "";  // its name, and where the tool made it
   const char* failed_module = "";
@@ -37,5 +40,7 @@ fault_plan& plan();
 
 // From now on this process's dictionaries are on a disk that fails by the plan.
 void put_disk_under_plan();
+// The same of its memory.
+void put_memory_under_plan();
 
 #endif
