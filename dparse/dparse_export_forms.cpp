@@ -1,9 +1,7 @@
 #include "dparse/dparse_export_forms.h"
 
 #include <algorithm>
-#include <cstring>
 
-#include "dd/owners.h"
 #include "dparse/dparse.h"
 #include "dparse/dparse_export.h"
 
@@ -71,15 +69,10 @@ void dparse_write_yes(dparse_writing& writing, const dparse_attribute& row, cons
 
 // An order as long as the reader takes fits.
 void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, const void* value) {
-  tav_ebuf* ebuf = at(writing.ebuf, HERE);
-  dd_decimal zero(value == nullptr ? tav_decimal_alloc_result_zero(ebuf) : nullptr);
-  const auto* order = value != nullptr ? static_cast<const tav_decimal_t*>(value) : zero.get();
-  dparse_begin_line(writing.out, row.token, writing.indent);
-  char* digits = dparse_room(writing.out, DPARSE_TEXT_SIZE);
-  digits[0] = '\0';
-  tav_decimal_to_str(order, 0, digits, DPARSE_TEXT_SIZE, ebuf);
-  writing.out.next += std::strlen(digits);
-  dparse_end_line(writing.out);
+  char digits[DPARSE_TEXT_SIZE];
+  tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits,
+                     at(writing.ebuf, HERE));
+  if (!dd_failed(*writing.ebuf)) put_bare(writing, row, digits);
 }
 
 // Of rows that share a field only the first is ever written, and the field is asked for once.
@@ -92,6 +85,7 @@ dparse_place::dparse_place(unsigned in) : context(in) {
   for (const dparse_attribute& row : dparse_attributes()) {
     if ((row.read_in & in) == 0 || has_field(*this, row.field)) continue;
     optional[count] = !row.form->required;
+    if (DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_DECIMAL) decimal = count;
     rows[count++] = &row;
   }
 }
@@ -101,6 +95,9 @@ void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse
   at(ebuf, HERE);
   for (size_t i = 0; i < place.count; ++i)
     values.of[i] = tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, ebuf);
+  if (place.decimal == dparse_place::ROOM || values.of[place.decimal] != nullptr) return;
+  values.zero.reset(tav_decimal_alloc_result_zero(at(ebuf, HERE)));
+  values.of[place.decimal] = values.zero.get();
 }
 
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,
@@ -108,5 +105,6 @@ void dparse_write_values(dparse_writing& writing, const dparse_values& values,
   for (size_t i = 0; i < place.count; ++i) {
     const dparse_attribute& row = *place.rows[i];
     if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.of[i]);
+    if (dd_failed(*writing.ebuf)) return;
   }
 }
