@@ -81,11 +81,21 @@ static bool has_field(const dparse_place& place, uint32_t field) {
                      [field](const dparse_attribute* row) { return row->field == field; });
 }
 
+static bool is_decimal(uint32_t field) {
+  return DD_FIELD_ID_TYPE(field) == TAV_FLDT_DECIMAL;
+}
+
+const void* dparse_or_zero(const void* value, uint32_t field, dd_decimal& zero, tav_ebuf* ebuf) {
+  if (value != nullptr || !is_decimal(field)) return value;
+  zero.reset(tav_decimal_alloc_result_zero(at(ebuf, HERE)));
+  return zero.get();
+}
+
 dparse_place::dparse_place(unsigned in) : context(in) {
   for (const dparse_attribute& row : dparse_attributes()) {
     if ((row.read_in & in) == 0 || has_field(*this, row.field)) continue;
     optional[count] = !row.form->required;
-    if (DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_DECIMAL) decimal = count;
+    if (is_decimal(row.field)) decimal = count;
     rows[count++] = &row;
   }
 }
@@ -95,9 +105,9 @@ void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse
   at(ebuf, HERE);
   for (size_t i = 0; i < place.count; ++i)
     values.of[i] = tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, ebuf);
-  if (place.decimal == dparse_place::ROOM || values.of[place.decimal] != nullptr) return;
-  values.zero.reset(tav_decimal_alloc_result_zero(at(ebuf, HERE)));
-  values.of[place.decimal] = values.zero.get();
+  if (place.decimal == dparse_place::ROOM) return;
+  const void*& decimal = values.of[place.decimal];
+  decimal = dparse_or_zero(decimal, place.rows[place.decimal]->field, values.zero, ebuf);
 }
 
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,

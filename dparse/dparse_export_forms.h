@@ -1,5 +1,5 @@
 // Writing the values of attributes, form by form. Each writes the attribute's line where the value
-// (null: absent) calls for one.
+// (null: absent) calls for one. A decimal is not null: dparse_or_zero.
 #ifndef DPARSE_DPARSE_EXPORT_FORMS_H
 #define DPARSE_DPARSE_EXPORT_FORMS_H
 
@@ -38,8 +38,11 @@ struct dparse_place {
   explicit dparse_place(unsigned in);
 };
 
-// The values of an element's attributes, in the order of its place; borrowed, null where absent. A
-// decimal that is absent is zero.
+// The value, or a zero, owned there, for a decimal that is absent (a failure is in the buffer).
+const void* dparse_or_zero(const void* value, uint32_t field, dd_decimal& zero, tav_ebuf* ebuf);
+
+// The values of an element's attributes, in the order of its place; borrowed, null where absent and
+// no decimal.
 struct dparse_values {
   const void* of[dparse_place::ROOM];
   dd_decimal zero;

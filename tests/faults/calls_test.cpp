@@ -70,7 +70,8 @@ class every_call : public fault_bench {
 
 TEST_P(every_call, fails_once_and_nothing_is_lost) {
   long n = 1;
-  run_result before = healthy;  // the failure of the call before
+  run_result before = healthy;   // the failure of the call before
+  std::set<std::string> places;  // each is tried once with the code that ends a walk
   for (;; ++n) {
     fault_plan faults;
     faults.failing_call = n;
@@ -87,7 +88,7 @@ TEST_P(every_call, fails_once_and_nothing_is_lost) {
     expect_logged_where_made();
     if (result.err.ends_with(" to stdout\n")) {
       EXPECT_EQ(healthy.out.rfind(result.out, 0), 0u) << result.out;
-      EXPECT_EQ(result.out.back(), '\n');
+      EXPECT_TRUE(result.out.empty() || result.out.ends_with('\n'));
     }
     // What stands for a missing value is had before anything of its entry is written.
     if (is_of("zero")) {
@@ -95,7 +96,8 @@ TEST_P(every_call, fails_once_and_nothing_is_lost) {
     }
     const std::string left_then = left;
     before = result;
-    if (is_of("_next")) continue;
+    const std::string place_of_call = plan().failed_module + std::to_string(plan().failed_line);
+    if (is_of("_next") || !places.insert(place_of_call + plan().failed_call).second) continue;
     faults.failing_code = TAV_ERR_NOT_FOUND;
     const run_result other = run(faults);
     expect_logged_where_made();
