@@ -102,9 +102,9 @@ dparse_place::dparse_place(unsigned in) : context(in) {
 
 void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf) {
-  at(ebuf, HERE);
   for (size_t i = 0; i < place.count; ++i)
-    values.of[i] = tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, ebuf);
+    values.of[i] =
+        tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, at(ebuf, HERE));
   if (place.decimal == dparse_place::ROOM) return;
   const void*& decimal = values.of[place.decimal];
   decimal = dparse_or_zero(decimal, place.rows[place.decimal]->field, values.zero, ebuf);
