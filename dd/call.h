@@ -16,10 +16,11 @@ struct dd_site {
     MODULE, __LINE__ \
   }
 
-// Stamps the call site into the buffer; the only place that does.
+// Stamps the call site into the buffer; the only place that does. A buffer that holds an error
+// keeps the site of the call that failed: the call to come does nothing.
 //   tavi_flist_set(list, TAV_FLD_NAME, 0, 0, name, at(ebuf, HERE));
 inline tav_ebuf* at(tav_ebuf* ebuf, dd_site site) {
-  if (ebuf == nullptr) return nullptr;
+  if (ebuf == nullptr || ebuf->err_code != TAV_ERR_NONE) return ebuf;
   ebuf->line_no = site.line;
   ebuf->filename = site.module;
   return ebuf;

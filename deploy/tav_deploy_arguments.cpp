@@ -7,6 +7,7 @@
 #include "deploy/tav_deploy_report.h"
 
 static constexpr char MODULE[] = "tav_deploy";
+static constexpr char INVALID_ARGUMENTS[] = "Invalid command line args";
 
 void tav_deploy_display_usage(FILE* stream, const char* program) {
   static const char* const forms[] = {
@@ -20,10 +21,10 @@ void tav_deploy_display_usage(FILE* stream, const char* program) {
   for (const char* form : forms) dd_print(stream, "\t%s %s\n", name, form);
 }
 
-// Shows the usage and refuses the command line; `log_text` may be null for none.
+// Shows the usage and refuses the command line.
 static int refuse(dd_site site, char** argv, const char* log_text) {
   tav_deploy_display_usage(stderr, argv[0]);
-  if (log_text != nullptr) dd_log(site, log_text);
+  dd_log(site, log_text);
   return -1;
 }
 
@@ -90,7 +91,7 @@ static int read_word(const char* word, char** argv, tav_deploy_ctx_t* ctx) {
   if (ctx->database == TAV_DEPLOY_DATABASE_AWAITED && ctx->name_count == 0) {
     return read_database(word, ctx);
   }
-  if (ctx->name_count == TAV_DEPLOY_MAX_NAMES) return refuse(HERE, argv, nullptr);
+  if (ctx->name_count == TAV_DEPLOY_MAX_NAMES) return refuse(HERE, argv, INVALID_ARGUMENTS);
   ctx->names[ctx->name_count++] = word;
   return 1;
 }
@@ -104,7 +105,7 @@ static int read_argument(const char* argument, char** argv, tav_deploy_ctx_t* ct
 }
 
 int tav_deploy_read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx) {
-  if (argc < 2) return refuse(HERE, argv, "Invalid command line args");
+  if (argc < 2) return refuse(HERE, argv, INVALID_ARGUMENTS);
   ctx->mode = mode_of(argv[1]);
   if (ctx->mode == 0) return refuse(HERE, argv, "Invalid Command line args");
   for (int i = 2; i < argc; ++i) {

@@ -35,10 +35,12 @@ static int filter(tav_flist_t* fields, std::vector<tav_flist_t*>& selected,
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
 }
 
-// 1 when every field asked for was fetched, else 0.
+// 1 when every field asked for was fetched, else 0; -1 when they cannot be counted.
 static int report_unknown(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
-  if (fetched.count(at(&ebuf, HERE)) == ctx.name_count) return 1;
+  const int32_t count = fetched.count(at(&ebuf, HERE));
+  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+  if (count == ctx.name_count) return 1;
   int result = 1;
   for (int32_t i = 0; i < ctx.name_count; ++i) {
     if (tav_deploy_get_field_by_name(fetched, ctx.names[i]) != nullptr) continue;
@@ -69,6 +71,7 @@ static int write_fetched(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
                            "Error: Internal Error\n");
   }
   const int result = named ? report_unknown(fetched, ctx) : 1;
+  if (result < 0) return -1;
   const int written = selects ? write_fields(selected) : write_fields(fetched.get());
   return written < 1 ? -1 : result;
 }

@@ -74,7 +74,7 @@ int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_sib
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
     tav_deploy_entry* entry = nullptr;
-    dd_with_memory(&ebuf, [&] { entry = counterpart(in, name); });
+    dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(in, name); });
     if (dd_failed(ebuf)) break;
     if (entry == nullptr) {
       tav_deploy_report(HERE, ERROR, "field interface",

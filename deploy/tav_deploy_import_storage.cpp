@@ -37,12 +37,12 @@ struct dictionary {
 
 }  // namespace
 
-// New classes are treated more leniently than the server's: a subclass may name a table, and an
-// empty name is none.
+// An empty table is none. New classes are treated more leniently than the server's: a subclass may
+// name a table.
 static class_table read_class(tav_flist_t* storable, bool is_new, tav_ebuf* ebuf) {
   const char* name = dd_text(storable, TAV_FLD_NAME, at(ebuf, HERE));
   const char* table = dd_text_or_null(storable, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
-  if (is_new && table != nullptr && *table == '\0') table = nullptr;
+  if (table != nullptr && *table == '\0') table = nullptr;
   return {name, table, is_new || !tav_deploy_is_subclass(name)};
 }
 
@@ -63,7 +63,7 @@ static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool 
   if (dd_failed(*ebuf)) return 1;
   check_class_table(read);
   size_t table = TAV_DEPLOY_NONE;
-  if (read.table != nullptr && *read.table != '\0' && read.may_name_table) {
+  if (read.table != nullptr && read.may_name_table) {
     dd_with_memory(at(ebuf, HERE), [&] { table = tav_deploy_add_table(tables, read.table); });
     if (dd_failed(*ebuf)) return 1;
   }

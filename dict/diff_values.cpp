@@ -49,7 +49,9 @@ static std::string value_in(std::string_view lines, std::string_view keyword) {
 }
 
 static written write_value(const element& of, const dparse_attribute& row, tav_ebuf* ebuf) {
-  const void* value = tavi_flist_get(of.list, row.field, 0, 1, 0, ebuf);
+  dd_decimal zero;
+  const void* held = tavi_flist_get(of.list, row.field, 0, 1, 0, ebuf);
+  const void* value = dparse_or_zero(held, row.field, zero, ebuf);
   dparse_out out(nullptr);
   dparse_writing writing{out, of.name, 0, ebuf};
   if (&of.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {

@@ -65,8 +65,9 @@ int dparseImplClassFieldLdapV3(FILE* stream, tav_flist_t* parent, int type_token
 // --- Values -----------------------------------------------------------------------------------
 // Each reads what follows an attribute's keyword, up to and including ";".
 
-// = "text" "more text";  Gives 1 and the value, \n and \t made real; or -1 with a message. A null
-// output is allowed.
+// = "text" "more text";  Gives 1 and the value, \n and \t made real; or -1 with a message. The
+// pieces together, with a terminator, must fit into the output. A null output is allowed; the size
+// is then DPARSE_TEXT_SIZE.
 int dparseString(FILE* stream, char* output, size_t size);
 // = 0;  Gives 0, 1, or -1 with a message.
 int dparseMultivalued(FILE* stream);

@@ -1,9 +1,7 @@
 #include "dparse/dparse_export_forms.h"
 
 #include <algorithm>
-#include <cstring>
 
-#include "dd/owners.h"
 #include "dparse/dparse.h"
 #include "dparse/dparse_export.h"
 
@@ -71,15 +69,10 @@ void dparse_write_yes(dparse_writing& writing, const dparse_attribute& row, cons
 
 // An order as long as the reader takes fits.
 void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, const void* value) {
-  tav_ebuf* ebuf = at(writing.ebuf, HERE);
-  dd_decimal zero(value == nullptr ? tav_decimal_alloc_result_zero(ebuf) : nullptr);
-  const auto* order = value != nullptr ? static_cast<const tav_decimal_t*>(value) : zero.get();
-  dparse_begin_line(writing.out, row.token, writing.indent);
-  char* digits = dparse_room(writing.out, DPARSE_TEXT_SIZE);
-  digits[0] = '\0';
-  tav_decimal_to_str(order, 0, digits, DPARSE_TEXT_SIZE, ebuf);
-  writing.out.next += std::strlen(digits);
-  dparse_end_line(writing.out);
+  char digits[DPARSE_TEXT_SIZE];
+  tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits,
+                     at(writing.ebuf, HERE));
+  if (!dd_failed(*writing.ebuf)) put_bare(writing, row, digits);
 }
 
 // Of rows that share a field only the first is ever written, and the field is asked for once.
@@ -88,19 +81,33 @@ static bool has_field(const dparse_place& place, uint32_t field) {
                      [field](const dparse_attribute* row) { return row->field == field; });
 }
 
+static bool is_decimal(uint32_t field) {
+  return DD_FIELD_ID_TYPE(field) == TAV_FLDT_DECIMAL;
+}
+
+const void* dparse_or_zero(const void* value, uint32_t field, dd_decimal& zero, tav_ebuf* ebuf) {
+  if (value != nullptr || !is_decimal(field)) return value;
+  zero.reset(tav_decimal_alloc_result_zero(at(ebuf, HERE)));
+  return zero.get();
+}
+
 dparse_place::dparse_place(unsigned in) : context(in) {
   for (const dparse_attribute& row : dparse_attributes()) {
     if ((row.read_in & in) == 0 || has_field(*this, row.field)) continue;
     optional[count] = !row.form->required;
+    if (is_decimal(row.field)) decimal = count;
     rows[count++] = &row;
   }
 }
 
 void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf) {
-  at(ebuf, HERE);
   for (size_t i = 0; i < place.count; ++i)
-    values.of[i] = tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, ebuf);
+    values.of[i] =
+        tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, at(ebuf, HERE));
+  if (place.decimal == dparse_place::ROOM) return;
+  const void*& decimal = values.of[place.decimal];
+  decimal = dparse_or_zero(decimal, place.rows[place.decimal]->field, values.zero, ebuf);
 }
 
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,
@@ -108,5 +115,6 @@ void dparse_write_values(dparse_writing& writing, const dparse_values& values,
   for (size_t i = 0; i < place.count; ++i) {
     const dparse_attribute& row = *place.rows[i];
     if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.of[i]);
+    if (dd_failed(*writing.ebuf)) return;
   }
 }

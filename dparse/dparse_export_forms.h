@@ -1,8 +1,9 @@
 // Writing the values of attributes, form by form. Each writes the attribute's line where the value
-// (null: absent) calls for one.
+// (null: absent) calls for one. A decimal is not null: dparse_or_zero.
 #ifndef DPARSE_DPARSE_EXPORT_FORMS_H
 #define DPARSE_DPARSE_EXPORT_FORMS_H
 
+#include "dd/owners.h"
 #include "dparse/dparse_attributes.h"
 #include "dparse/dparse_export_out.h"
 
@@ -31,21 +32,27 @@ struct dparse_place {
   const dparse_attribute* rows[ROOM];
   int32_t optional[ROOM];  // of each row: whether its value may be absent
   size_t count = 0;
+  size_t decimal = ROOM;  // the row of the one that is a decimal, ROOM for none
   unsigned context;
 
   explicit dparse_place(unsigned in);
 };
 
-// The values of an element's attributes, in the order of its place; borrowed, null where absent.
+// The value, or a zero, owned there, for a decimal that is absent (a failure is in the buffer).
+const void* dparse_or_zero(const void* value, uint32_t field, dd_decimal& zero, tav_ebuf* ebuf);
+
+// The values of an element's attributes, in the order of its place; borrowed, null where absent and
+// no decimal.
 struct dparse_values {
   const void* of[dparse_place::ROOM];
+  dd_decimal zero;
 };
 
 // Gets all values that may stand in that place (a failure is in the buffer), so that a list which
 // cannot be read stops the export before the element's first line.
 void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf);
-// Writes those that are written in that place.
+// Writes those that are written in that place, up to one that fails.
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,
                          const dparse_place& place);
 

@@ -10,19 +10,19 @@ static constexpr char MODULE[] = "dparse_export";
 static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth) {
   std::vector<dd_walk> levels{{parent, TAV_FLD_OBJ_ELEM}};
   while (!levels.empty()) {
-    tav_ebuf* ebuf = at(&outline.failure, HERE);
-    tav_flist_t* entry = levels.back().next(ebuf);
+    tav_ebuf* ebuf = &outline.failure;
+    tav_flist_t* entry = levels.back().next(at(ebuf, HERE));
     if (entry == nullptr && !dd_failed(*ebuf)) {
       levels.pop_back();
       continue;
     }
-    const char* name = dd_text_or_null(entry, TAV_FLD_FIELD_NAME, ebuf);
+    const char* name = dd_text_or_null(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
     if (dd_failed(*ebuf)) entry = nullptr;
     const auto here = static_cast<int32_t>(levels.size()) + depth - 1;
     outline.entries.push_back({entry, name, here, DPARSE_TYPE_NOT_KNOWN});
     if (entry == nullptr) return;
     // A failure counts as one inside the entry.
-    if (dd_has_any(entry, TAV_FLD_OBJ_ELEM, ebuf) || dd_failed(*ebuf))
+    if (dd_has_any(entry, TAV_FLD_OBJ_ELEM, at(ebuf, HERE)) || dd_failed(*ebuf))
       levels.emplace_back(entry, TAV_FLD_OBJ_ELEM);
   }
 }

@@ -1,6 +1,5 @@
 #include "dparse/dparse_values.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -15,12 +14,23 @@ static int too_long(const char* value) {
                      value);
 }
 
+namespace {
+
+// A value as it is put together from its pieces.
+struct gathered {
+  char* text;
+  size_t size;  // of the room, terminator included
+  size_t length = 0;
+};
+
+}  // namespace
+
 // Appends the strings that stand next to it to the value; gives the number of the token after them.
-static int gather(FILE* stream, dparse_token& value, size_t size) {
+static int gather(FILE* stream, gathered& value) {
   dparse_token next;
   int number;
   while ((number = dparse_next_string(stream, next)) == DPARSE_TOKEN_STRING) {
-    if (size <= value.length + next.length) return too_long(value.text);
+    if (value.size <= value.length + next.length) return too_long(value.text);
     std::memcpy(value.text + value.length, next.text, next.length + 1);
     value.length += next.length;
   }
@@ -28,7 +38,7 @@ static int gather(FILE* stream, dparse_token& value, size_t size) {
 }
 
 // Makes \n and \t real, in place; a backslash before anything else stays with what follows it.
-static void unescape(dparse_token& value) {
+static void unescape(gathered& value) {
   const void* first = std::memchr(value.text, '\\', value.length);
   if (first == nullptr) return;
   const char* from = static_cast<const char*>(first);
@@ -48,29 +58,35 @@ static void unescape(dparse_token& value) {
   value.length = static_cast<size_t>(to - value.text);
 }
 
-// string := "=" '"text"' { '"text"' } ";"
-static int read_string(FILE* stream, dparse_token& value, size_t size) {
+// string := "=" '"text"' { '"text"' } ";" ; the first piece may be the value itself.
+static int read_string(FILE* stream, dparse_token& first, gathered& value) {
   if (dparse_expect_equals(stream) < 1) return -1;
-  if (dparse_next_string(stream, value) != DPARSE_TOKEN_STRING)
-    return dparse_fail(HERE, "Quoted string (ie, \"abc\") expected instead of '%s'", value.text);
-  if (size <= value.length) return too_long("");
+  if (dparse_next_string(stream, first) != DPARSE_TOKEN_STRING)
+    return dparse_fail(HERE, "Quoted string (ie, \"abc\") expected instead of '%s'", first.text);
+  if (value.size <= first.length) return too_long("");
+  value.length = first.length;
+  if (value.text != first.text) std::memcpy(value.text, first.text, first.length + 1);
   const bool ended = dparse_take_semicolon_ahead(stream);
-  const int next = ended ? DPARSE_KEY_SEMICOLON : gather(stream, value, size);
+  const int next = ended ? DPARSE_KEY_SEMICOLON : gather(stream, value);
   if (next < 0) return -1;
   unescape(value);
   if (next == DPARSE_KEY_SEMICOLON) return 1;
   return dparse_fail(HERE, "; expected after parsing string %s,", value.text);
 }
 
-int dparse_read_string(FILE* stream, dparse_token& value) {
-  return read_string(stream, value, sizeof value.text);
+int dparse_read_string(FILE* stream, dparse_token& token) {
+  gathered value{token.text, sizeof token.text};
+  const int result = read_string(stream, token, value);
+  token.length = value.length;
+  return result;
 }
 
 int dparseString(FILE* stream, char* output, size_t size) {
-  dparse_token value;
-  if (output == nullptr) return dparse_read_string(stream, value);
-  const int result = read_string(stream, value, std::min(size, sizeof value.text));
-  if (size > 0) tav_strlcpy(output, result < 1 ? "" : value.text, size);
+  dparse_token first;
+  if (output == nullptr) return dparse_read_string(stream, first);
+  gathered value{output, size};
+  const int result = read_string(stream, first, value);
+  if (result < 1 && size > 0) *output = '\0';
   return result;
 }
 

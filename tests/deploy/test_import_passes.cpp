@@ -233,7 +233,8 @@ TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
       {"class( Name=/a/b sql=t )", false, "1 error|Error:  No table needed for subclass /a/b\n"},
       {"class( Name=/a/b sql=t )", true, "1|"},
       {"class( Name=/a )", false, "1 error|Error:  Missing table name for /a\n"},
-      {"class( Name=/a sql= )", false, "1|"},
+      {"class( Name=/a sql= )", false, "1 error|Error:  Missing table name for /a\n"},
+      {"class( Name=/a/b sql= )", false, "1|"},
       {"class( Name=/a sql= )", true, "1 error|Error:  Missing table name for /a\n"},
       {"class( Name=/a/b sql=t entry( name=S sql=c ) )", false,
        "-1 error|Error:  No table needed for subclass /a/b\nError: Column without Table\n"

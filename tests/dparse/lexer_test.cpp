@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include <strings.h>
 
 #include "dparse/dparse_lexer.h"
@@ -169,6 +171,14 @@ TEST(Values, Strings) {
   EXPECT_EQ(dparseString(stream_of("=\"abc\";").get(), small, sizeof small), 1);
   EXPECT_EQ(dparseString(stream_of("=\"ab\" \"cd\";").get(), small, sizeof small), -1);
   EXPECT_EQ(dparseString(stream_of("=\"abcd\";").get(), nullptr, 0), 1);
+  // A larger output takes more, piece by piece; its size, terminator included, is the limit.
+  for (const auto& [size, result] :
+       {std::pair{3 * half.size() + 3, 1}, {3 * half.size() + 2, -1}}) {
+    std::vector<char> large(size);
+    const std::string text = "= \"" + half + "\" \"" + half + "\" \"\\n" + half + "\";";
+    EXPECT_EQ(dparseString(stream_of(text).get(), large.data(), size), result);
+    EXPECT_EQ(large.data(), result == 1 ? half + half + "\n" + half : "");
+  }
   take_log();
 }
 

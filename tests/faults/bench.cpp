@@ -16,6 +16,8 @@ const fault_row VERIFY_FIELDS = {"verify_fields", {"verify", "twice.def"}, true,
 const fault_row CREATE = {"create", {"create", "base.def"}, false, true, false, 0};
 const fault_row REPLACE = {"replace", {"replace", "new.def"}, true, true, false, 0};
 const fault_row FIELD = {"field", {"field", "-c"}, true, false, true, 0};
+// One of the names is not there, so that every name is looked up.
+const fault_row FIELD_NAMES = {"field_names", {"field", "F1", "NONE"}, true, false, true, 1};
 const fault_row CLASS = {"class", {"class", "-nmcp", "-s", "/c"}, true, false, true, 0};
 
 size_t commits_told(const run_result& result) {

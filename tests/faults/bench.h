@@ -16,7 +16,7 @@ struct fault_row {
   int exit_status;  // without a fault
 };
 
-extern const fault_row VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, CLASS;
+extern const fault_row VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, FIELD_NAMES, CLASS;
 
 class fault_bench : public testing::TestWithParam<fault_row> {
  protected:

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "dd/error_codes.h"
+
 enum class disk_fault {
   NONE,
   IO_ERROR,     // one call fails
@@ -16,7 +18,8 @@ enum class disk_fault {
 };
 
 struct fault_plan {
-  long failing_call = 0;  // of the client library; 0: none
+  long failing_call = 0;                   // of the client library; 0: none
+  int32_t failing_code = TAV_ERR_STORAGE;  // what it leaves; TAV_ERR_NOT_FOUND spares walks' steps
   uint32_t refused_operation = 0;
   disk_fault disk = disk_fault::NONE;
   long failing_disk_call = 0;

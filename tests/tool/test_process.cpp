@@ -84,6 +84,7 @@ TEST(command_line, more_names_than_fit_is_refused_with_the_usage) {
   const run_result result = place.run(many);
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_EQ(result.err.substr(0, 8), "Usage: \n");
+  EXPECT_EQ(result.log, "tav_deploy Invalid command line args\n");
 }
 
 // An export that cannot be written to the end must not look like one that could.
