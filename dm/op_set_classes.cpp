@@ -217,7 +217,7 @@ dd_flist set_classes(operation& op) {
   }
   database_row database{};
   if (!begin_write(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   const bool is_trial = op.flags != 0;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
   if (!set_all(run) || (!is_trial && !finish(run))) return nullptr;

@@ -83,6 +83,7 @@ static bool is_readable_file(const std::string& path, struct stat& found, proble
   const bool is_file = found.st_mode == 0 || S_ISREG(found.st_mode);
   if (is_file && is_allowed(path, R_OK)) return true;
   why.detail = is_file ? errno : EISDIR;
+  why.is_damage = !is_file;
   return refuse(why, TAV_ERR_STORAGE,
                 join({"Dictionary ", quoted(path), is_file ? " cannot be read: " : " is no file: ",
                       std::strerror(why.detail), "."}));
@@ -150,6 +151,7 @@ store_owner open_sqlite(const std::string& path, const open_options& options, pr
   if (result != SQLITE_OK) return sqlite_failed(*store, result, why), nullptr;
   if (mark != DICTIONARY_MARK) return sqlite_failed(*store, SQLITE_NOTADB, why), nullptr;
   if (store->version == SCHEMA_VERSION) return owner;
+  why.is_damage = true;
   refuse(why, TAV_ERR_STORAGE, join({"Dictionary ", quoted(path), other_version(store->version)}));
   return nullptr;
 }

@@ -121,7 +121,7 @@ static bool read_state(postgres_store& store, problem& why) {
   const postgres_rows::outcome outcome = rows.next();
   if (outcome == postgres_rows::FAILED) return false;
   if (outcome == postgres_rows::END) {
-    return postgres_refuse(store, TAV_ERR_STORAGE, IS_INCOMPLETE, why);
+    return postgres_damaged(store, IS_INCOMPLETE, why);
   }
   store.version = static_cast<int>(rows.integer(0));
   if (is_true(rows.text(1))) {
@@ -137,6 +137,7 @@ static bool read_state(postgres_store& store, problem& why) {
 static bool is_known_version(const postgres_store& store, problem& why) {
   if (store.version == SCHEMA_VERSION) return true;
   why.code = TAV_ERR_STORAGE;
+  why.is_damage = true;
   why.sentence = join({"Dictionary ", quoted(store.name), other_version(store.version)});
   return false;
 }
