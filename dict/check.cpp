@@ -40,8 +40,8 @@ static bool check_databases(checker& check) {
     check_row_id(check, row, "The database", row.id);
     if (!dm::has_room(row.counter, dm::WRITES_OF_A_DEPLOYMENT)) {
       tell(check, row,
-           dm::join({"The counter ", std::to_string(row.counter),
-                     " leaves no room for a deployment."}));
+           dm::join(
+               {"The counter ", std::to_string(row.counter), " leaves no room for a deployment."}));
     }
     return databases.push_back(row), true;
   };
@@ -70,6 +70,7 @@ int check() {
   dm::settings settings;
   dm::problem why;
   if (!dm::read_settings(settings, why)) return fail(why);
+  tell_unknown_entries();
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr) {
     const int status = fail(why);

@@ -40,7 +40,10 @@ static int explain_input(const message_page& page) {
       print(page.entries[found->entry]);
     }
   }
-  return result;
+  if (!std::cin.bad() && std::ferror(stdin) == 0) return result;
+  dm::problem why;
+  why.sentence = "Standard input cannot be read to its end.";
+  return fail(why);
 }
 
 void add_explain(CLI::App& app, int& result) {

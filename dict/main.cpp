@@ -1,7 +1,10 @@
 // tav_dict: makes and looks after the dictionary that tav.conf names.
 #include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstring>
 
 #include "dict/commands.h"
+#include "dict/output.h"
 #include "dm/schema.h"
 
 static constexpr char DESCRIPTION[] =
@@ -11,7 +14,23 @@ static constexpr char DESCRIPTION[] =
     "'check'\n"
     "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
 
-int main(int argc, char** argv) {
+static constexpr char NO_MEMORY[] = "There is not enough memory.";
+
+// What is no option may hold anything, a password too: only a word behind dashes is repeated.
+static int refuse_extra(const std::vector<std::string>& extra) {
+  const auto is_option = [](const std::string& text) {
+    return text[0] == '-' && text.find_first_not_of("-abcdefghijklmnopqrstuvwxyz") == text.npos;
+  };
+  const auto option = std::find_if(extra.begin(), extra.end(), is_option);
+  dm::problem why;
+  why.sentence = option != extra.end()
+                     ? dm::join({"There is no option ", dm::quoted(*option), " here."})
+                     : "The command line has arguments that the command does not take.";
+  why.sentence += " See 'tav_dict --help'.";
+  return dict::fail(why);
+}
+
+static int run(int argc, char** argv) {
   CLI::App app(DESCRIPTION, "tav_dict");
   app.set_version_flag("--version", "tav_dict " TAV_DICT_VERSION ", schema version " +
                                         std::to_string(dm::SCHEMA_VERSION));
@@ -41,12 +60,38 @@ int main(int argc, char** argv) {
   dict::add_explain(app, result);
   try {
     app.parse(argc, argv);
+  } catch (const CLI::ExtrasError&) {
+    return refuse_extra(app.remaining(true));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? dict::DONE : dict::FAILED;
-  } catch (const std::exception& error) {
-    std::cerr << "tav_dict: " << error.what() << '\n';
-    return dict::FAILED;
   }
+  return result;
+}
+
+// Needs no memory.
+static int end_with(const char* sentence) {
+  std::fprintf(stderr, "tav_dict: %s\n", sentence);
+  return dict::FAILED;
+}
+
+static int run_guarded(int argc, char** argv) try {
+  return run(argc, argv);
+} catch (const std::bad_alloc&) {
+  return end_with(NO_MEMORY);
+} catch (const std::length_error&) {
+  return end_with(NO_MEMORY);
+} catch (const std::exception& error) {
+  return end_with(error.what());
+}
+
+int main(int argc, char** argv) {
+  // A reader that goes away is a failed write, which is told like any other.
+  std::signal(SIGPIPE, SIG_IGN);
+  const dict::output output;
+  const int result = run_guarded(argc, argv);
   std::cout.flush();
-  return std::cout.good() ? result : static_cast<int>(dict::FAILED);
+  if (output.error() == 0) return result;
+  std::fprintf(stderr, "tav_dict: Standard output cannot be written: %s.\n",
+               std::strerror(output.error()));
+  return dict::FAILED;
 }

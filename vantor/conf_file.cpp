@@ -8,7 +8,7 @@
 #include <cstring>
 #include <memory>
 
-#include "dd/vantor.h"
+#include "vantor/data_manager.h"
 
 namespace vantor {
 
@@ -135,3 +135,7 @@ const conf_entry* find_entry(const conf_file& conf, const char* program, const c
 }
 
 }  // namespace vantor
+
+bool tav_text_holds_password(std::string_view dictionary) {
+  return vantor::holds_password(std::string(dictionary));
+}
