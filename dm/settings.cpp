@@ -106,8 +106,10 @@ static std::string unknown(const tav_conf_entry& entry, const std::vector<const 
   std::string keys;
   for (const char* key : known) keys.append(keys.empty() ? "" : ", ").append(key);
   return join({place_of(entry.line), "the entry", name,
-               *entry.section == '\0' ? " above any section" : " of section [dm]",
-               " is unknown and has no effect; known there are ", keys, "."});
+               *entry.section == '\0'
+                   ? " above any section is unknown and has no effect; known there are "
+                   : " of section [dm] is unknown and has no effect; known there are ",
+               keys, "."});
 }
 
 std::vector<std::string> unknown_entries() {

@@ -50,7 +50,7 @@ TEST(messages, of_the_sources_are_on_the_page) {
 
 TEST(messages, of_the_page_are_in_the_sources) {
   std::string sources;
-  for (const char* folder : {"dd", "deploy", "dparse", "dm", "dict"}) {
+  for (const char* folder : {"dd", "deploy", "dparse", "vantor", "dm", "dict"}) {
     for (const source_text& each : texts_in(folder)) sources += each.text + "|";
   }
   // Placeholders and the signs at which sentences are joined from pieces.
