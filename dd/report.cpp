@@ -48,7 +48,24 @@ static void vprint(FILE* stream, const char* format, va_list arguments) {
   std::vfprintf(stream, format, arguments);
 }
 
+static std::vector<std::string>* taken;
+
+void dd_take_errors(std::vector<std::string>* texts) {
+  taken = texts;
+}
+
+static void take(const char* format, va_list arguments) {
+  va_list measured;
+  va_copy(measured, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, measured);
+  va_end(measured);
+  std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+  taken->push_back(std::move(text));
+}
+
 void dd_vprint_error(const char* format, va_list arguments) {
+  if (taken != nullptr) return take(format, arguments);
   vprint(stderr, format, arguments);
 }
 

@@ -1,6 +1,7 @@
 // The modes `verify`, `create` and `replace`: a table of steps, and the loop that takes them.
 #include "deploy/tav_deploy_import.h"
 
+#include <span>
 #include <utility>
 
 #include "dd/memory.h"
@@ -158,16 +159,6 @@ constexpr step STEPS[] = {
 
 }  // namespace
 
-static int step_failed(const step& failed) {
-  for (const failure_line* line : failed.lines) {
-    if (line != nullptr) tav_deploy_fail_as(HERE, line->log_text, line->text);
-  }
-  if (!failed.ends_with_errors_detected) return -1;
-  tav_deploy_print_outcome("\nErrors Detected...nothing committed\n");
-  dd_log(HERE, "Errors Detected...nothing committed");
-  return -1;
-}
-
 // A step whose memory runs out ends like one of whose calls that is told.
 static int take(const step& s, tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
@@ -176,20 +167,52 @@ static int take(const step& s, tav_deploy_import_state& state) {
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : result;
 }
 
-static int run(tav_deploy_import_state& state) {
-  for (const step& s : STEPS) {
-    if (s.applies() && take(s, state) < 1) return step_failed(s);
+static const step* first_failing(tav_deploy_import_state& state, std::span<const step> steps) {
+  for (const step& s : steps) {
+    if (s.applies() && take(s, state) < 1) return &s;
   }
-  return 1;
+  return nullptr;
+}
+
+static int tell_failure(const step& failed) {
+  for (const failure_line* line : failed.lines) {
+    if (line != nullptr) tav_deploy_fail_as(HERE, line->log_text, line->text);
+  }
+  return -1;
+}
+
+static int step_failed(const step& failed) {
+  tell_failure(failed);
+  if (!failed.ends_with_errors_detected) return -1;
+  tav_deploy_print_outcome("\nErrors Detected...nothing committed\n");
+  dd_log(HERE, "Errors Detected...nothing committed");
+  return -1;
+}
+
+static int run(tav_deploy_import_state& state) {
+  const step* failed = first_failing(state, STEPS);
+  return failed != nullptr ? step_failed(*failed) : 1;
+}
+
+static void leave_lists(tav_deploy_import_state& state) {
+  for (dd_list* list :
+       {&state.fields, &state.classes, &state.working_fields, &state.working_classes}) {
+    list->leave();
+  }
+}
+
+int tav_deploy_import_try(tav_deploy_import_state& state) {
+  static_assert(STEPS[0].run == tav_deploy_import_read && std::end(STEPS)[-1].run == conclude);
+  const step* failed = first_failing(state, std::span(STEPS).subspan(1, std::size(STEPS) - 2));
+  const int result = failed != nullptr ? tell_failure(*failed) : 1;
+  leave_lists(state);
+  return result;
 }
 
 int tav_deploy_import(tav_deploy_ctx_t* ctx) {
   tav_deploy_import_state state{.ctx = ctx};
   const int result = run(state);
   if (result >= 1 && tav_deploy_get_error() >= 1) tav_deploy_logout(state.session);
-  for (dd_list* list :
-       {&state.fields, &state.classes, &state.working_fields, &state.working_classes}) {
-    list->leave();
-  }
+  leave_lists(state);
   return result;
 }

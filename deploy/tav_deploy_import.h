@@ -35,6 +35,10 @@ int tav_deploy_import_order(tav_deploy_import_state& state);
 int tav_deploy_import_structure(tav_deploy_import_state& state);
 int tav_deploy_import_storage(tav_deploy_import_state& state);
 
+// Whether a replace would deploy what was read: every check and the trial, which stores nothing.
+// The state holds the input, and the context of that replace. 1, or -1 after a full report.
+int tav_deploy_import_try(tav_deploy_import_state& state);
+
 // --- Reading
 // Reads the files that the context names, or standard input, and merges each class implementation
 // into its interface. The lists are the caller's only on success, and so are the entries.

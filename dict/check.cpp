@@ -21,6 +21,12 @@ void tell(checker& check, const dm::database_row& database, std::string_view sen
   tell(check, dm::join({"database ", dm::database_text(database.number), ": ", sentence}));
 }
 
+void check_row_id(checker& check, const dm::database_row& database, std::string_view thing,
+                  int64_t id) {
+  if (id >= 1 && id <= dm::HIGHEST_ROW_ID) return;
+  tell(check, database, dm::join({thing, " has the row id ", std::to_string(id), "."}));
+}
+
 static bool check_engine(checker& check) {
   auto broken = [&](const std::string_view& sentence) { return tell(check, sentence), true; };
   return check.store.calls->integrity(&check.store, dm::visit<std::string_view>(broken), check.why);
@@ -31,6 +37,12 @@ static bool check_databases(checker& check) {
   auto note = [&](const dm::database_row& row) {
     for (const dm::database_row& other : databases) {
       if (other.number == row.number) tell(check, row, "The dictionary holds it twice.");
+    }
+    check_row_id(check, row, "The database", row.id);
+    if (!dm::has_room(row.counter, dm::WRITES_OF_A_DEPLOYMENT)) {
+      tell(check, row,
+           dm::join(
+               {"The counter ", std::to_string(row.counter), " leaves no room for a deployment."}));
     }
     return databases.push_back(row), true;
   };
@@ -46,7 +58,7 @@ static bool check_databases(checker& check) {
 
 // Whether the store's failure is damage, which a check is there to find.
 static bool is_damage(checker& check) {
-  if (check.why.code != TAV_ERR_STORAGE) return false;
+  if (!check.why.is_damage) return false;
   tell(check, check.why.sentence);
   return true;
 }
@@ -59,10 +71,11 @@ int check() {
   dm::settings settings;
   dm::problem why;
   if (!dm::read_settings(settings, why)) return fail(why);
+  tell_unknown_entries();
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr) {
     const int status = fail(why);
-    return why.code == TAV_ERR_STORAGE ? FOUND : status;
+    return why.is_damage ? FOUND : status;
   }
   checker check{*store, std::cout};
   if (!store->calls->begin(store.get(), false, why)) return fail(why);

@@ -27,6 +27,10 @@ bool check_store(checker& check);
 bool check_fields(checker& check, const dm::database_row& database);
 bool check_classes(checker& check, const dm::database_row& database);
 
+// Finds a row id after which there may be no other.
+void check_row_id(checker& check, const dm::database_row& database, std::string_view thing,
+                  int64_t id);
+
 // Tells a finding in a database, in a sentence.
 void tell(checker& check, const dm::database_row& database, std::string_view sentence);
 

@@ -95,6 +95,7 @@ static void check_one(class_check& run, const kept_class& row, const kept_class*
   if (row.stamp < 0 || row.stamp > run.database.counter) {
     fault(run, "Class ", row.name, " has a stamp that its database has not reached.");
   }
+  check_row_id(run.check, run.database, dm::join({"Class ", dm::quoted(row.name)}), row.id);
   const bool is_sound = check_definition(run, row, tables);
   if (!take_tables(run, row.id, tables) && is_sound) {
     fault(run, "Class ", row.name, " has other tables than dd_tables gives it.");

@@ -36,8 +36,7 @@ bool fetch(const dm::settings& settings, uint64_t database, definitions& result,
 bool read_files(const std::vector<std::string>& files, definitions& result) {
   static tav_deploy_ctx_t ctx;
   for (const std::string& file : files) ctx.names[ctx.name_count++] = file.c_str();
-  tav_deploy_class_entries entries;
-  return tav_deploy_read_import_files(result.fields, result.classes, entries, ctx) >= 1 &&
+  return tav_deploy_read_import_files(result.fields, result.classes, result.entries, ctx) >= 1 &&
          tav_deploy_get_error() >= 0;
 }
 

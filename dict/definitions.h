@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dd/list.h"
+#include "deploy/tav_deploy_import_entries.h"
 #include "dm/settings.h"
 
 namespace dict {
@@ -14,6 +15,7 @@ namespace dict {
 struct definitions {
   dd_list fields{DD_FIELDS};
   dd_list classes{DD_CLASSES};
+  tav_deploy_class_entries entries{};  // of classes from files: what merging them read already
 };
 
 // Fetches a database of the dictionary that the settings name, in one snapshot; false with the

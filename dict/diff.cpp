@@ -12,6 +12,7 @@
 #include "deploy/tav_deploy.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
+#include "vantor/data_manager.h"
 
 namespace dict {
 
@@ -31,6 +32,15 @@ constexpr char STANDARD_INPUT[] = "-";
 constexpr std::string_view SQLITE = "sqlite:";
 
 }  // namespace
+
+// Everybody can read the list of processes.
+static bool is_without_password(const request& asked, dm::problem& why) {
+  if (!tav_text_holds_password(asked.with)) return true;
+  why.sentence =
+      "--with holds a password, and everybody can read command lines: change it, and keep the new "
+      "one in PostgreSQL's own password file.";
+  return false;
+}
 
 static bool choose_files(request& asked, dm::problem& why) {
   const auto is_input = [](const std::string& file) { return file == STANDARD_INPUT; };
@@ -65,6 +75,7 @@ static bool choose_databases(const request& asked, const dm::settings& settings,
   own = settings.database;
   if (asked.database.empty() && !settings.has_login) {
     why.sentence = "tav.conf has no entry 'userid', which names the database; choose one with -d.";
+    if (*tav_conf_file() == '\0') why.sentence = tav_conf_problem();
     return false;
   }
   if (!asked.database.empty() && !read_database(asked.database, own, why)) return false;
@@ -72,9 +83,15 @@ static bool choose_databases(const request& asked, const dm::settings& settings,
   return asked.with_database.empty() || read_database(asked.with_database, other, why);
 }
 
+// What names no dictionary may hold a password: it is not repeated, nor what others say of it.
 static bool fetch_other(const dm::settings& settings, uint64_t database, definitions& after,
                         dm::problem& why) {
   if (fetch(settings, database, after, why)) return true;
+  if (why.code == TAV_ERR_BAD_CONF) {
+    why.sentence =
+        "the text names no dictionary: expected sqlite:PATH or postgresql://HOST/DATABASE. It is "
+        "not repeated here, because it may hold a password.";
+  }
   why.sentence.insert(0, "--with: ");
   return false;
 }
@@ -103,9 +120,16 @@ static bool is_coloured(const std::string& when) {
   return isatty(STDOUT_FILENO) && (refused == nullptr || *refused == '\0');
 }
 
+static trial_result try_files(const request& asked, definitions& files) {
+  uint64_t database = 0;
+  dm::problem told_already;
+  if (!asked.database.empty()) read_database(asked.database, database, told_already);
+  return try_replace(files, database);
+}
+
 static int diff(request asked) {
   dm::problem why;
-  if (!choose_files(asked, why)) return fail(why);
+  if (!is_without_password(asked, why) || !choose_files(asked, why)) return fail(why);
   definitions before;
   definitions after;
   progress shown("comparing");
@@ -114,11 +138,12 @@ static int diff(request asked) {
   const comparison how{is_deployment, asked.lists_missing || !is_deployment, shown};
   std::vector<difference> found;
   if (!compare(before, after, how, found, why)) return fail(why);
+  const trial_result tried = is_deployment ? try_files(asked, after) : trial_result();
   hide(shown);
   if (asked.is_json) {
-    std::cout << visible_lines{as_json(found)};
+    std::cout << visible_lines{as_json(found, tried)};
   } else {
-    std::cout << as_text(found, is_coloured(asked.colour));
+    std::cout << as_text(found, tried, is_coloured(asked.colour));
   }
   const difference_counts counts = count(found);
   return counts.added + counts.changed + counts.missing == 0 ? DONE : FOUND;
@@ -127,13 +152,16 @@ static int diff(request asked) {
 void add_diff(CLI::App& app, int& result) {
   const auto asked = std::make_shared<request>();
   auto* command = app.add_subcommand(
-      "diff", "Tell what deploying definition files would change, or how two dictionaries differ");
+      "diff",
+      "Tell what 'replace' of definition files would change and whether it would take them, or how "
+      "two dictionaries differ");
   command->add_option("files", asked->files, "Definition files; none or - for standard input");
   command->add_option("-d,--database", asked->database,
                       "The database, N.N.N.N, in place of the login's");
   command->add_option(
       "--with", asked->with,
-      "Another dictionary in place of files, as tav.conf names it: sqlite:PATH, ...");
+      "Another dictionary in place of files, as tav.conf names it: sqlite:PATH, ...; without a "
+      "password, because everybody can read command lines");
   command->add_option("--with-database", asked->with_database,
                       "Its database, in place of the same number");
   command->add_flag("--missing", asked->lists_missing,

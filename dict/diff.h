@@ -57,9 +57,24 @@ struct difference_counts {
 };
 difference_counts count(const std::vector<difference>& found);
 
+// Whether `replace` would take the files.
+enum class answer {
+  UNKNOWN,  // it was not asked, or the dictionary was in the way
+  TAKEN,
+  REFUSED
+};
+struct trial_result {
+  answer given = answer::UNKNOWN;
+  std::vector<std::string> messages{};  // why not, a line each
+};
+
+// Lets the import check the files, which are gone then, and the dictionary try them; stores and
+// logs nothing. Database 0 is the login's.
+trial_result try_replace(definitions& files, uint64_t database);
+
 // Both give the whole output.
-std::string as_text(const std::vector<difference>& found, bool coloured);
-std::string as_json(const std::vector<difference>& found);
+std::string as_text(const std::vector<difference>& found, const trial_result& tried, bool coloured);
+std::string as_json(const std::vector<difference>& found, const trial_result& tried);
 
 }  // namespace dict
 

@@ -71,7 +71,21 @@ static void put_count(writer& out, const char* key, size_t number) {
   out.Uint64(number);
 }
 
-std::string as_json(const std::vector<difference>& found) {
+// Null where it is not known.
+static void put_refused(writer& out, const trial_result& tried) {
+  out.Key("refused");
+  if (tried.given == answer::UNKNOWN) {
+    out.Null();
+  } else {
+    out.Bool(tried.given == answer::REFUSED);
+  }
+  out.Key("messages");
+  out.StartArray();
+  for (const std::string& message : tried.messages) put_text(out, message);
+  out.EndArray();
+}
+
+std::string as_json(const std::vector<difference>& found, const trial_result& tried) {
   sink text;
   writer out(text);
   out.SetIndent(' ', 2);
@@ -86,6 +100,7 @@ std::string as_json(const std::vector<difference>& found) {
   out.StartArray();
   for (const difference& d : found) put(out, d);
   out.EndArray();
+  put_refused(out, tried);
   out.EndObject();
   return std::string(text.GetString(), text.GetSize()) + "\n";
 }

@@ -14,6 +14,7 @@ struct mark {
 // In the order of the enumeration.
 constexpr mark MARKS[] = {
     {"+ ", "\033[32m"}, {"~ ", "\033[33m"}, {"- ", "\033[31m"}, {"= ", "\033[2m"}};
+constexpr mark REFUSED = {"! ", "\033[31m"};
 constexpr char PLAIN[] = "\033[0m";
 
 struct page {
@@ -32,13 +33,25 @@ static std::string printable(std::string_view text) {
   return result;
 }
 
-static void put_line(page& out, size_t indent, change kind, const std::string& text) {
-  const mark& of = MARKS[static_cast<size_t>(kind)];
+static void put_marked(page& out, size_t indent, const mark& sign, const std::string& text) {
   out.text.append(indent, ' ');
-  if (out.coloured) out.text += of.colour;
-  out.text.append(of.sign).append(visible_in_output(printable(text)));
+  if (out.coloured) out.text += sign.colour;
+  out.text.append(sign.sign).append(visible_in_output(printable(text)));
   if (out.coloured) out.text += PLAIN;
   out.text += '\n';
+}
+
+static void put_line(page& out, size_t indent, change kind, const std::string& text) {
+  put_marked(out, indent, MARKS[static_cast<size_t>(kind)], text);
+}
+
+static void put_refusal(page& out, const trial_result& tried) {
+  if (tried.messages.empty()) return;
+  put_marked(out, 0, REFUSED,
+             tried.given == answer::REFUSED
+                 ? "refused: 'replace' would deploy nothing of these files"
+                 : "not tried: whether 'replace' would take these files is unknown");
+  for (const std::string& message : tried.messages) put_marked(out, 4, REFUSED, message);
 }
 
 static void put_value(page& out, size_t indent, const value_change& value) {
@@ -61,9 +74,11 @@ static void put(page& out, size_t indent, const difference& d) {
   for (const difference& entry : d.entries) put(out, indent + 4, entry);
 }
 
-std::string as_text(const std::vector<difference>& found, bool coloured) {
+std::string as_text(const std::vector<difference>& found, const trial_result& tried,
+                    bool coloured) {
   page out{{}, coloured};
   for (const difference& d : found) put(out, 0, d);
+  put_refusal(out, tried);
   const difference_counts counts = count(found);
   if (counts.added + counts.changed + counts.missing == 0) return out.text + "No differences.\n";
   return out.text + std::to_string(counts.added) + " new, " + std::to_string(counts.changed) +

@@ -44,8 +44,9 @@ static int explain_input(const message_page& page) {
     }
   }
   if (!std::cin.bad() && std::ferror(stdin) == 0) return result;
-  std::cerr << "tav_dict: Standard input cannot be read.\n";
-  return FAILED;
+  dm::problem why;
+  why.sentence = "Standard input cannot be read to its end.";
+  return fail(why);
 }
 
 void add_explain(CLI::App& app, int& result) {

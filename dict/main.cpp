@@ -1,6 +1,8 @@
 // tav_dict: makes and looks after the dictionary that tav.conf names.
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <new>
 #include <sstream>
@@ -8,6 +10,7 @@
 #include "dd/descriptors.h"
 #include "dd/last_resort.h"
 #include "dict/commands.h"
+#include "dict/output.h"
 #include "dict/visible.h"
 #include "dm/schema.h"
 
@@ -23,6 +26,20 @@ static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
 // Before the constants of the library that reads the command line are made.
 [[gnu::constructor(101)]] static void end_without_memory() {
   dd_end_without_memory(NO_MEMORY, dict::FAILED);
+}
+
+// What is no option may hold anything, a password too: only a word behind dashes is repeated.
+static int refuse_extra(const std::vector<std::string>& extra) {
+  const auto is_option = [](const std::string& text) {
+    return text[0] == '-' && text.find_first_not_of("-abcdefghijklmnopqrstuvwxyz") == text.npos;
+  };
+  const auto option = std::find_if(extra.begin(), extra.end(), is_option);
+  dm::problem why;
+  why.sentence = option != extra.end()
+                     ? dm::join({"There is no option ", dm::quoted(*option), " here."})
+                     : "The command line has arguments that the command does not take.";
+  why.sentence += " See 'tav_dict --help'.";
+  return dict::fail(why);
 }
 
 static int run(int argc, char** argv) {
@@ -55,27 +72,43 @@ static int run(int argc, char** argv) {
   dict::add_explain(app, result);
   try {
     app.parse(argc, argv);
+  } catch (const CLI::ExtrasError&) {
+    return refuse_extra(app.remaining(true));
   } catch (const CLI::ParseError& error) {
     std::ostringstream refusal;  // repeats what was typed
     const bool is_done = app.exit(error, std::cout, refusal) == 0;
     std::cerr << dict::visible_lines{refusal.str()};
     return is_done ? dict::DONE : dict::FAILED;
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const std::exception& error) {
-    std::cerr << "tav_dict: " << dict::visible{error.what()} << '\n';
-    return dict::FAILED;
   }
-  std::cout.flush();
-  return std::cout.good() ? result : static_cast<int>(dict::FAILED);
+  return result;
+}
+
+// Needs no memory.
+static int fail_without_memory() {
+  std::fputs(NO_MEMORY, stderr);
+  return dict::FAILED;
+}
+
+static int run_guarded(int argc, char** argv) try {
+  return run(argc, argv);
+} catch (const std::bad_alloc&) {
+  return fail_without_memory();
+} catch (const std::length_error&) {
+  return fail_without_memory();
+} catch (const std::exception& error) {
+  std::cerr << "tav_dict: " << dict::visible{error.what()} << '\n';
+  return dict::FAILED;
 }
 
 int main(int argc, char** argv) {
   if (!dd_fill_descriptors()) return dict::FAILED;
-  try {
-    return run(argc, argv);
-  } catch (const std::bad_alloc&) {
-    std::fputs(NO_MEMORY, stderr);
-    return dict::FAILED;
-  }
+  // A reader that goes away is a failed write, which is told like any other.
+  std::signal(SIGPIPE, SIG_IGN);
+  const dict::output output;
+  const int result = run_guarded(argc, argv);
+  std::cout.flush();
+  if (output.error() == 0) return result;
+  std::fprintf(stderr, "tav_dict: Standard output cannot be written: %s.\n",
+               std::strerror(output.error()));
+  return dict::FAILED;
 }

@@ -22,10 +22,17 @@ static bool print_database(dm::store& store, const dm::database_row& row, dm::pr
   return true;
 }
 
+void tell_unknown_entries() {
+  for (const std::string& sentence : dm::unknown_entries()) {
+    std::cerr << "tav_dict: Note: " << sentence << '\n';
+  }
+}
+
 int status() {
   dm::settings settings;
   dm::problem why;
   if (!dm::read_settings(settings, why)) return fail(why);
+  tell_unknown_entries();
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   const bool writeable = store->calls->writeable(store.get());

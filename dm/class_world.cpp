@@ -8,9 +8,14 @@
 namespace dm {
 
 problem damaged_class(const char* name, const char* fault) {
-  return {TAV_ERR_STORAGE, TAV_FLD_NAME, 0, 0,
+  return {TAV_ERR_STORAGE,
+          TAV_FLD_NAME,
+          0,
+          0,
           join({"The stored definition of class ", quoted(name), " ", fault,
-                "; restore the dictionary from a backup."})};
+                "; restore the dictionary from a backup."}),
+          false,
+          true};
 }
 
 bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,

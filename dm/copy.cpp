@@ -3,6 +3,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "dm/class_world.h"
+#include "dm/database_number.h"
+
 namespace dm {
 
 namespace {
@@ -35,8 +38,13 @@ static bool copy_fields(passage& p) {
   });
 }
 
+// Each definition is read, because nothing could read the copy's either.
 static bool copy_classes(passage& p, std::unordered_map<int64_t, int64_t>& new_ids) {
+  class_reader reader;
+  class_def definition;
+  dd_flist list;
   return pass<class_row>(p, p.from.calls->classes, [&](const class_row& row) {
+    if (!load_class(reader, row, list, definition, p.why)) return false;
     class_row copy = row;
     copy.id = 0;
     if (!p.to.calls->put_class(&p.to, p.target, copy, p.why)) return false;
@@ -60,6 +68,7 @@ static bool copy_tables(passage& p, const std::unordered_map<int64_t, int64_t>& 
 
 static bool copy_database(store& from, store& to, const database_row& row,
                           const std::function<void()>& copied, problem& why) {
+  if (!has_room(row.counter, 0)) return why = damaged_counter(row.number), false;
   passage p{from, to, row.id, 0, copied, why};
   std::unordered_map<int64_t, int64_t> new_ids;
   return to.calls->add_database(&to, row.number, p.target, why) && copy_fields(p) &&

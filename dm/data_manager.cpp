@@ -16,9 +16,16 @@ static int32_t class_of(int32_t code) {
   return is_system ? TAV_ERRCLASS_SYSTEM : TAV_ERRCLASS_REQUEST;
 }
 
+static std::vector<problem>* noted;
+
+void note_problems(std::vector<problem>* problems) {
+  noted = problems;
+}
+
 static void report(int32_t location, const problem& why, tav_ebuf* ebuf) {
   if (why.is_unreachable) location = TAV_ERRLOC_CM;
   const auto component = location == TAV_ERRLOC_CM ? tav_component::CM : tav_component::DM;
+  if (noted != nullptr) noted->push_back(why);
   tav_component_log(component, 1, why.sentence.c_str(), HERE);
   tav_set_error(ebuf, {location, class_of(why.code), why.code, why.field, why.rec_id, why.detail});
 }

@@ -8,6 +8,10 @@
 
 namespace dm {
 
+// From now on each problem that the bound data manager reports is appended there as well; null ends
+// that.
+void note_problems(std::vector<problem>* problems);
+
 // As connect of the bound data manager, with these settings in place of the configuration's.
 tav_dm_session* open_session(const settings& settings, const open_options& options, tav_ebuf* ebuf);
 

@@ -29,4 +29,10 @@ bool database_of_text(const char* text, uint64_t& number) {
   return text == end;
 }
 
+problem damaged_counter(uint64_t number) {
+  return {TAV_ERR_STORAGE, TAV_FLD_POID, 0, 0,
+          join({"The counter of database ", database_text(number),
+                " is damaged; restore the dictionary from a backup."})};
+}
+
 }  // namespace dm

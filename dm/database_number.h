@@ -5,12 +5,17 @@
 #include <cstdint>
 #include <string>
 
+#include "dm/problem.h"
+
 namespace dm {
 
 std::string database_text(uint64_t number);
 
 // Reads such a text whole; false when it is none.
 bool database_of_text(const char* text, uint64_t& number);
+
+// Why a database whose counter cannot be raised is not used.
+problem damaged_counter(uint64_t number);
 
 }  // namespace dm
 

@@ -103,13 +103,13 @@ dd_flist delete_fields(operation& op) {
   std::vector<doomed_field> doomed;
   end_snapshot(op.session);
   if (!begin_read(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 0, database, op.why)) return nullptr;
   if (!find_doomed(op, database, doomed)) return nullptr;
   if (doomed.empty()) return nothing_to_give(op);
   if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
   // Again, alone in the dictionary: it may have changed.
   if (!begin_write(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   if (!find_doomed(op, database, doomed)) return nullptr;
   if (doomed.empty()) return nothing_to_give(op);
   if (!are_unused(op, database.id, doomed)) return nullptr;

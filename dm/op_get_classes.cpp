@@ -61,7 +61,7 @@ static bool get_named(class_fetch& fetch) {
 dd_flist get_classes(operation& op) {
   database_row database{};
   if (!begin_read(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 0, database, op.why)) return nullptr;
   class_fetch fetch{op, *op.session.store, database.id, nothing_to_give(op)};
   if (fetch.output == nullptr) return nullptr;
   const bool all = tav_node_count(op.input, TAV_FLD_OBJ_DESC) == 0;

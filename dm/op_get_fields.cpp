@@ -38,7 +38,7 @@ static bool get_named(operation& op, int64_t database, Add& add) {
 dd_flist get_fields(operation& op) {
   database_row database{};
   if (!begin_read(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 0, database, op.why)) return nullptr;
   tav_ebuf ebuf{};
   dd_flist output(tav_flist_create(&ebuf));
   int32_t count = 0;

@@ -218,7 +218,7 @@ dd_flist set_classes(operation& op) {
   database_row database{};
   const bool is_trial = op.flags != 0;
   if (!(is_trial ? begin_trial : begin_write)(op.session, op.why)) return nullptr;
-  if (!find_database(op.session, op.input, database, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
   dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
   if (output == nullptr || !set_all(run) || (!is_trial && !finish(run))) return nullptr;

@@ -42,9 +42,19 @@ static bool bad_dictionary(problem& why) {
   return false;
 }
 
+// Without a tav.conf there is no entry to correct.
+static void name_what_is_missing(const std::string& dictionary, problem& why) {
+  const bool is_named = *tav_conf_file() != '\0' || dictionary != DEFAULT_DICTIONARY;
+  if (why.code == TAV_ERR_NOT_FOUND && !is_named) why.sentence = tav_conf_problem();
+}
+
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why) {
   const std::string& dictionary = settings.dictionary;
-  if (is_file(dictionary)) return open_sqlite(sqlite_path(dictionary), options, why);
+  if (is_file(dictionary)) {
+    store_owner opened = open_sqlite(sqlite_path(dictionary), options, why);
+    if (opened == nullptr) name_what_is_missing(dictionary, why);
+    return opened;
+  }
   if (!is_on_server(dictionary)) return bad_dictionary(why), nullptr;
   const postgres_module* module = load_postgres(why);
   return module != nullptr ? module->open(dictionary, options, why) : nullptr;

@@ -17,6 +17,7 @@ struct problem {
   int32_t detail = 0;           // the engine's result code, an errno
   std::string sentence{};       // for the administrator: what was wrong with which field or class
   bool is_unreachable = false;  // the connection to the dictionary is lost
+  bool is_damage = false;       // what is kept is at fault, not the way to it
 };
 
 inline bool found(const problem& why) {

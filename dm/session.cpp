@@ -57,7 +57,8 @@ uint64_t target_of(const tav_node* input) {
   return tav_poid_get_db(static_cast<const tav_poid_t*>(tav_node_get(input, TAV_FLD_POID)));
 }
 
-bool find_database(session& session, const tav_node* input, database_row& database, problem& why) {
+bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
+                   problem& why) {
   if (tav_node_get(input, TAV_FLD_POID) == nullptr) {
     why = {TAV_ERR_MISSING_FIELD, TAV_FLD_POID, 0, 0, "The operation names no database."};
     return false;
@@ -70,13 +71,8 @@ bool find_database(session& session, const tav_node* input, database_row& databa
   };
   store* store = session.store.get();
   if (!store->calls->databases(store, visit<database_row>(look), why)) return false;
-  if (is_there && database.counter >= 0 && database.counter <= HIGHEST_COUNTER) return true;
-  if (is_there) {
-    why = {TAV_ERR_STORAGE, TAV_FLD_POID, 0, 0,
-           join({"The counter of database ", database_text(wanted),
-                 " is damaged; restore the dictionary from a backup."})};
-    return false;
-  }
+  if (is_there && has_room(database.counter, writes)) return true;
+  if (is_there) return why = damaged_counter(wanted), false;
   why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
          join({"The dictionary holds no database ", database_text(wanted),
                "; 'tav_dict add-database' adds one."})};

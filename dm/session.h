@@ -2,8 +2,8 @@
 //
 // The first 576 attempted in a session is provisional: what it would write is kept in `pending`,
 // with the dictionary held against other writers, until the next operation tells whether it was
-// a trial (nothing is ever written) or real (it is made durable first). A user who may not write the
-// store tries on a snapshot, which holds nobody; what would make that real is refused.
+// a trial (nothing is ever written) or real (it is made durable first). A user who may not write
+// the store tries on a snapshot, which holds nobody; what would make that real is refused.
 #ifndef DM_SESSION_H
 #define DM_SESSION_H
 
@@ -71,8 +71,9 @@ bool commit_write(session& session, problem& why);
 // Undoes it.
 void undo_write(session& session);
 
-// The database that an operation's list names.
-bool find_database(session& session, const tav_node* input, database_row& database, problem& why);
+// The database that an operation's list names; its counter has room for so many writes.
+bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
+                   problem& why);
 // The same number without looking: 0 when the list names none.
 uint64_t target_of(const tav_node* input);
 

@@ -86,19 +86,21 @@ bool sqlite_use::write(int64_t rows, problem& why) {
 static constexpr struct {
   int result, code;
   const char* advice;
+  bool is_damage = false;
 } MEANINGS[] = {
     {SQLITE_BUSY, TAV_ERR_BUSY, ANOTHER_WRITES},
     {SQLITE_LOCKED, TAV_ERR_BUSY, ANOTHER_WRITES},
     {SQLITE_READONLY, TAV_ERR_WRITE_REFUSED,
      "it cannot be written; check the permissions of the file and its folder"},
     {SQLITE_FULL, TAV_ERR_STORAGE, "the disk is full; make room and try again"},
-    {SQLITE_CORRUPT, TAV_ERR_STORAGE, "the file is damaged; restore it from a backup"},
-    {SQLITE_NOTADB, TAV_ERR_STORAGE, "the file is no dictionary; check the entry 'dictionary'"},
-    {SQLITE_ERROR, TAV_ERR_STORAGE, IS_INCOMPLETE},
+    {SQLITE_CORRUPT, TAV_ERR_STORAGE, "the file is damaged; restore it from a backup", true},
+    {SQLITE_NOTADB, TAV_ERR_STORAGE, "the file is no dictionary; check the entry 'dictionary'",
+     true},
+    {SQLITE_ERROR, TAV_ERR_STORAGE, IS_INCOMPLETE, true},
     {SQLITE_CANTOPEN, TAV_ERR_STORAGE,
      "it cannot be opened; check the permissions of the file and its folder"},
     {SQLITE_NOMEM, TAV_ERR_NO_MEM, "there is not enough memory"},
-    {SQLITE_CONSTRAINT, TAV_ERR_STORAGE, BREAKS_RULES},
+    {SQLITE_CONSTRAINT, TAV_ERR_STORAGE, BREAKS_RULES, true},
 };
 
 // Part of the file that cannot be mapped is an I/O error to the engine.
@@ -107,21 +109,35 @@ static bool is_no_memory(const sqlite_store& store, int result) {
          ((result & 0xff) == SQLITE_IOERR && sqlite3_system_errno(store.db) == ENOMEM);
 }
 
+// Why the system refused the engine a file; "" where it did not. The engine keeps the number of the
+// last refusal only, beside the result that it led to.
+static std::string system_reason(const sqlite_store& store, int result) {
+  const int kind = result & 0xff;
+  const bool is_systems = (kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) &&
+                          result != SQLITE_IOERR_SHORT_READ &&
+                          sqlite3_extended_errcode(store.db) == result;
+  const int number = is_systems ? sqlite3_system_errno(store.db) : 0;
+  return number != 0 ? join({": ", std::strerror(number)}) : "";
+}
+
 bool sqlite_failed(const sqlite_store& store, int result, problem& why) {
   if (is_no_memory(store, result)) result = SQLITE_NOMEM;
   why.code = TAV_ERR_STORAGE;
+  why.is_damage = false;
   why.detail = result;
   const char* advice = "the engine failed; check the disk";
   for (const auto& meaning : MEANINGS) {
     if (meaning.result != (result & 0xff)) continue;
     why.code = meaning.code;
+    why.is_damage = meaning.is_damage;
     advice = meaning.advice;
   }
   const bool has_more = sqlite3_extended_errcode(store.db) == result &&
                         std::strcmp(sqlite3_errmsg(store.db), sqlite3_errstr(result)) != 0;
   why.sentence =
       join({"Dictionary ", quoted(store.path), ": ", advice, " (", sqlite3_errstr(result),
-            has_more ? ": " : "", has_more ? sqlite3_errmsg(store.db) : "", ")."});
+            has_more ? ": " : "", has_more ? sqlite3_errmsg(store.db) : "",
+            system_reason(store, result), ")."});
   return false;
 }
 

@@ -114,6 +114,7 @@ static bool open_place(sqlite_store& store, problem& why) {
   if (mark != DICTIONARY_MARK) return sqlite_failed(store, SQLITE_NOTADB, why);
   if (store.version == SCHEMA_VERSION) return true;
   why.code = TAV_ERR_STORAGE;
+  why.is_damage = true;
   why.sentence = join({"Dictionary ", quoted(store.path), other_version(store.version)});
   return false;
 }

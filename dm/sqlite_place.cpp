@@ -71,6 +71,7 @@ bool find_place(sqlite_store& store, problem& why) {
   store.file = target.get();
   if (stat(target.get(), &store.opened) != 0) return cannot_be_found(path, errno, why);
   if (!S_ISREG(store.opened.st_mode)) {
+    why.is_damage = true;
     return refuse(why, TAV_ERR_STORAGE, S_ISDIR(store.opened.st_mode) ? EISDIR : EINVAL,
                   join({"Dictionary ", quoted(path), kind_of(store.opened.st_mode)}));
   }

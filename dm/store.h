@@ -20,8 +20,18 @@ struct database_row {
   int64_t counter;  // stamped on what a write changes, and raised by each write
 };
 
-// More writes than there will be: counters stay far from where they would overflow.
+// The highest counter, stamp and row id: more than there will be, and far from where the next would
+// overflow.
 inline constexpr int64_t HIGHEST_COUNTER = int64_t{1} << 62;
+inline constexpr int64_t HIGHEST_ROW_ID = HIGHEST_COUNTER;
+
+// A deployment writes its fields and then its classes. There is room for both before the first is
+// written, or it would end in the middle.
+inline constexpr int64_t WRITES_OF_A_DEPLOYMENT = 2;
+
+inline bool has_room(int64_t counter, int64_t writes) {
+  return counter >= 0 && counter <= HIGHEST_COUNTER - writes;
+}
 
 struct field_row {  // read for its key only: name and type
   const char* name;

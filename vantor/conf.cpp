@@ -83,3 +83,19 @@ int tav_conf_line(const char* program, const char* key) {
     return entry != nullptr ? entry->line : 0;
   });
 }
+
+const char* tav_conf_problem() {
+  const char* problem =
+      guarded<const char*>({nullptr}, [] { return process_conf().problem.c_str(); });
+  return problem != nullptr ? problem : "";
+}
+
+bool tav_conf_entry_at(size_t place, tav_conf_entry& entry) {
+  return guarded<bool>({nullptr}, [&] {
+    const std::vector<conf_entry>& entries = process_conf().entries;
+    if (place >= entries.size()) return false;
+    const conf_entry& found = entries[place];
+    entry = {found.section.c_str(), found.name.c_str(), found.line};
+    return true;
+  });
+}

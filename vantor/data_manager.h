@@ -6,6 +6,8 @@
 #ifndef VANTOR_DATA_MANAGER_H
 #define VANTOR_DATA_MANAGER_H
 
+#include <array>
+#include <cstddef>
 #include <string_view>
 
 #include "dd/call.h"
@@ -56,6 +58,21 @@ void tav_component_log(tav_component component, int32_t level, const char* sente
 const char* tav_conf_file();
 const char* tav_conf_folder();
 int tav_conf_line(const char* program, const char* key);
+
+// Why the file cannot be used, as a sentence that begins with it and the line; "" where it can. Its
+// entries are then none. Borrowed.
+const char* tav_conf_problem();
+// The file's entry at a place from 0 on, its section "" above any; false behind the last. Borrowed.
+struct tav_conf_entry {
+  const char* section;
+  const char* name;
+  int line;
+};
+bool tav_conf_entry_at(size_t place, tav_conf_entry& entry);
+
+// What the library and its programs look for above any section.
+enum tav_common_entry { TAV_CONF_USERID, TAV_CONF_LOG_DIR, TAV_CONF_LOG_LEVEL };
+inline constexpr std::array<const char*, 3> TAV_COMMON_ENTRIES = {"userid", "log_dir", "log_level"};
 
 // Whether what names a dictionary may hold a password, in whatever spelling; also when in doubt.
 bool tav_text_holds_password(std::string_view dictionary);

@@ -37,13 +37,13 @@ struct log_state {
 };
 log_state state;
 
-const conf_entry* own_entry(const char* name) {
-  return find_entry(process_conf(), program_invocation_short_name, name);
+const conf_entry* own_entry(tav_common_entry which) {
+  return find_entry(process_conf(), program_invocation_short_name, TAV_COMMON_ENTRIES[which]);
 }
 
 std::string log_folder() {
   const std::string& folder = process_conf().folder;
-  const conf_entry* entry = own_entry("log_dir");
+  const conf_entry* entry = own_entry(TAV_CONF_LOG_DIR);
   if (entry == nullptr || entry->value.empty()) return folder;
   return entry->value[0] == '/' ? entry->value : folder + "/" + entry->value;
 }
@@ -58,7 +58,7 @@ void report_level(const conf_entry& entry) {
 void configure() {
   if (state.configured) return;
   state.configured = true;
-  const conf_entry* entry = own_entry("log_level");
+  const conf_entry* entry = own_entry(TAV_CONF_LOG_LEVEL);
   if (entry == nullptr) return;
   int32_t level = 0;
   if (!number_from(entry->value, level) || (level != LEVEL_ERRORS && level != LEVEL_DEBUG)) {

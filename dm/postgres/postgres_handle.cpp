@@ -50,20 +50,21 @@ static constexpr struct {
   const char* state;
   int code;
   const char* advice;
+  bool is_damage = false;
 } MEANINGS[] = {
     {"55P03", TAV_ERR_BUSY, ANOTHER_WRITES},
     {"40", TAV_ERR_BUSY, ANOTHER_WRITES},
     {"25006", TAV_ERR_WRITE_REFUSED, "the server takes no writes"},
     {"42501", TAV_ERR_WRITE_REFUSED,
      "the role may not do that; its owner can grant it, or another role can log in"},
-    {"42P01", TAV_ERR_STORAGE, IS_INCOMPLETE},
-    {"42703", TAV_ERR_STORAGE, IS_INCOMPLETE},
-    {"23", TAV_ERR_STORAGE, BREAKS_RULES},
+    {"42P01", TAV_ERR_STORAGE, IS_INCOMPLETE, true},
+    {"42703", TAV_ERR_STORAGE, IS_INCOMPLETE, true},
+    {"23", TAV_ERR_STORAGE, BREAKS_RULES, true},
     {"25P02", TAV_ERR_STORAGE, "what failed before ended the session's transaction; run again"},
     {"57014", TAV_ERR_STORAGE, "the server ended the operation; nothing of it is stored"},
     {"53100", TAV_ERR_STORAGE, "the server's disk is full; make room and try again"},
     {"53200", TAV_ERR_NO_MEM, "the server has not enough memory"},
-    {"XX00", TAV_ERR_STORAGE, "the server found it damaged; restore it from a backup"},
+    {"XX00", TAV_ERR_STORAGE, "the server found it damaged; restore it from a backup", true},
 };
 
 bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
@@ -71,6 +72,11 @@ bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view
   why.code = code;
   why.sentence = join({"Dictionary ", quoted(store.name), ": ", advice, "."});
   return false;
+}
+
+bool postgres_damaged(const postgres_store& store, std::string_view advice, problem& why) {
+  why.is_damage = true;
+  return postgres_refuse(store, TAV_ERR_STORAGE, advice, why);
 }
 
 static bool lost(const postgres_store& store, problem& why) {
@@ -94,12 +100,14 @@ bool postgres_failed(const postgres_store& store, const PGresult* result, proble
   const char* message = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
   const char* more = PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL);
   int32_t code = TAV_ERR_STORAGE;
+  why.is_damage = false;
   const char* advice = "the server failed; look into its log";
   for (const auto& meaning : MEANINGS) {
     if (state == nullptr || std::strncmp(state, meaning.state, std::strlen(meaning.state)) != 0) {
       continue;
     }
     code = meaning.code;
+    why.is_damage = meaning.is_damage;
     advice = meaning.advice;
     break;
   }

@@ -80,6 +80,8 @@ void settle(postgres_store& store);
 bool postgres_failed(const postgres_store& store, const PGresult* result, problem& why);
 bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
                      problem& why);
+// The same for what the dictionary itself is to blame for.
+bool postgres_damaged(const postgres_store& store, std::string_view advice, problem& why);
 
 // The engine's words in one line.
 std::string one_line(const char* text);

@@ -71,8 +71,8 @@ static bool postgres_commit(store* base, problem& why) {
   if (!flush(store, why)) return false;
   settle(store);
   const result_owner result(PQexec(store.connection, "COMMIT"));
-  // No answer of the server's: it is lost, or there was no memory to receive it. The commit may have
-  // been carried out.
+  // No answer of the server's: it is lost, or there was no memory to receive it. The commit may
+  // have been carried out.
   const bool is_refused = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) != nullptr;
   const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
   if (PQstatus(store.connection) == CONNECTION_BAD || (!is_done && !is_refused)) {
@@ -119,7 +119,7 @@ static bool read_state(postgres_store& store, problem& why) {
   const postgres_rows::outcome outcome = rows.next();
   if (outcome == postgres_rows::FAILED) return false;
   if (outcome == postgres_rows::END) {
-    return postgres_refuse(store, TAV_ERR_STORAGE, IS_INCOMPLETE, why);
+    return postgres_damaged(store, IS_INCOMPLETE, why);
   }
   store.version = static_cast<int>(rows.integer(0));
   if (is_true(rows.text(1))) {
@@ -135,6 +135,7 @@ static bool read_state(postgres_store& store, problem& why) {
 static bool is_known_version(const postgres_store& store, problem& why) {
   if (store.version == SCHEMA_VERSION) return true;
   why.code = TAV_ERR_STORAGE;
+  why.is_damage = true;
   why.sentence = join({"Dictionary ", quoted(store.name), other_version(store.version)});
   return false;
 }

@@ -19,7 +19,7 @@ static bool read_rows(postgres_store& store, query which, const parameters& with
   postgres_rows::outcome outcome;
   while ((outcome = rows.next()) == postgres_rows::ROW) {
     if (!take_row(rows, row)) {
-      return postgres_refuse(store, TAV_ERR_STORAGE, "a row of it is damaged", why);
+      return postgres_damaged(store, "a row of it is damaged", why);
     }
     if (!visitor.call(visitor.context, row)) return true;
   }

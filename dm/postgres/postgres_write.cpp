@@ -55,6 +55,9 @@ static bool new_class_id(postgres_store& store, int64_t& id, problem& why) {
     if (rows.next() != postgres_rows::ROW) return false;
     store.last_class = rows.integer(0);
   }
+  if (store.last_class >= HIGHEST_ROW_ID) {
+    return postgres_damaged(store, "the highest row id of a class is damaged", why);
+  }
   id = ++store.last_class;
   return true;
 }

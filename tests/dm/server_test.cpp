@@ -167,3 +167,14 @@ TEST_F(on_a_server, lost_guards_and_what_got_past_them_are_found) {
             "Table dd_tables has lost some of the constraints that guard it."
             "A row of dd_tables names a row of dd_classes that is not there.");
 }
+
+// Row ids are given by the writer: behind the highest there is none.
+TEST_F(on_a_server, row_ids_do_not_overflow) {
+  ASSERT_EQ(client(settings).set_classes("/a sql_table=t\n"), "ok");
+  query(
+      "ALTER TABLE dd_tables DISABLE TRIGGER ALL; UPDATE dd_tables SET class = 9223372036854775807;"
+      "ALTER TABLE dd_classes DISABLE TRIGGER ALL; UPDATE dd_classes SET id = 9223372036854775807");
+  EXPECT_EQ(client(settings).set_classes("/b sql_table=u\n"), "STORAGE");
+  EXPECT_NE(log("dm").find("the highest row id of a class is damaged"), std::string::npos);
+  EXPECT_EQ(client(settings).classes(), "{name:/a,sql_table:t}\n");
+}

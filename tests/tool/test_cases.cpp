@@ -113,10 +113,18 @@ static void compare(const char* what, const std::string& expected, const std::st
 
 // --- Every import is preceded by a diff, which must agree with it -------------------------------
 
-static int diff(const workshop& place, const step& s) {
-  std::vector<std::string> words{"dict", "diff"};
+struct diff_result {
+  int exit_status;
+  std::string refused;  // "" where nothing was compared
+};
+
+static diff_result diff(const workshop& place, const step& s) {
+  std::vector<std::string> words{"dict", "diff", "--json"};
   words.insert(words.end(), s.words.begin() + 1, s.words.end());
-  return place.run(words, s.options).exit_status;
+  const run_result result = place.run(words, s.options);
+  std::smatch refused;
+  std::regex_search(result.out, refused, std::regex("\"refused\": (\\w+)"));
+  return {result.exit_status, refused[1]};
 }
 
 static std::string exported(const workshop& place) {
@@ -126,17 +134,21 @@ static std::string exported(const workshop& place) {
 static run_result run_import(const workshop& place, const step& s) {
   static const std::regex unread(
       "import files|without interface|implementation was provided|between interface/impl");
-  const int told = diff(place, s);
+  const auto [told, refused] = diff(place, s);
   const std::string before = exported(place);
   const run_result result = place.run(s.words, s.options);
   const auto says = [text = result.out + result.err + result.log](const char* part) {
     return text.find(part) != text.npos;
   };
   EXPECT_EQ(told == 2, std::regex_search(result.err + result.log, unread));
+  EXPECT_EQ(refused == "false", told != 2 && !says("Errors Detected")) << "diff tells refusals";
+  EXPECT_EQ(refused == "null", says("write flags not set")) << "but not whose fault a place is";
   EXPECT_TRUE(told == 1 || !says("Error: Conflicting field"));
   if (says("committed successfully")) {
     EXPECT_EQ(told == 1, exported(place) != before) << "diff tells whether anything changes";
-    EXPECT_EQ(diff(place, s), 0) << "nothing is left to deploy";
+    const diff_result again = diff(place, s);
+    EXPECT_EQ(again.exit_status, 0) << "nothing is left to deploy";
+    EXPECT_EQ(again.refused, "false");
   } else if (says("No Conflicts") && !says("keeping old")) {
     EXPECT_EQ(told, 1) << "all of the input is new";
   }

@@ -1,0 +1,65 @@
+// What `replace` would say of the files: the import's own checks, and its trial.
+#include <algorithm>
+
+#include "dd/report.h"
+#include "deploy/tav_deploy_import.h"
+#include "dict/diff.h"
+#include "dm/data_manager.h"
+
+namespace dict {
+
+// Of what the import prints, the errors; warnings stop nothing. A display of numbers points to the
+// log, and what would stand there is told with it.
+static bool is_error(const std::string& text) {
+  const auto begins = [&](const char* start) { return text.rfind(start, 0) == 0; };
+  return begins("Error: ") && !begins("Error: [location=");
+}
+
+// What has nothing to do with the files: the way to the dictionary, and the right to write.
+static bool is_about_the_dictionary(const dm::problem& why) {
+  static constexpr int32_t CODES[] = {
+      TAV_ERR_BUSY,          TAV_ERR_STORAGE,   TAV_ERR_NO_MEM,   TAV_ERR_NOT_CONNECTED,
+      TAV_ERR_WRITE_REFUSED, TAV_ERR_NOT_FOUND, TAV_ERR_BAD_CONF, TAV_ERR_UNKNOWN_DATABASE};
+  return why.is_unreachable ||
+         std::find(std::begin(CODES), std::end(CODES), why.code) != std::end(CODES);
+}
+
+static answer judge(bool is_connected, const std::vector<dm::problem>& problems) {
+  const bool is_open = problems.empty()
+                           ? !is_connected
+                           : std::all_of(problems.begin(), problems.end(), is_about_the_dictionary);
+  return is_open ? answer::UNKNOWN : answer::REFUSED;
+}
+
+static void put_messages(const std::vector<std::string>& texts,
+                         const std::vector<dm::problem>& problems,
+                         std::vector<std::string>& messages) {
+  for (const std::string& text : texts) {
+    if (is_error(text)) messages.push_back(text.substr(0, text.find_last_not_of('\n') + 1));
+  }
+  for (const dm::problem& why : problems) messages.push_back(why.sentence);
+}
+
+trial_result try_replace(definitions& files, uint64_t database) {
+  static tav_deploy_ctx_t ctx;
+  ctx.mode = TAV_DEPLOY_MODE_REPLACE;
+  ctx.database = database;
+  tav_deploy_import_state state{.ctx = &ctx};
+  state.fields = std::move(files.fields);
+  state.classes = std::move(files.classes);
+  state.entries = std::move(files.entries);
+  std::vector<std::string> texts;
+  std::vector<dm::problem> problems;
+  tav_err_set_level(0);  // the logs are about deployments: what is said here is told at once
+  dd_take_errors(&texts);
+  dm::note_problems(&problems);
+  const bool is_taken = tav_deploy_import_try(state) >= 1;
+  dm::note_problems(nullptr);
+  dd_take_errors(nullptr);
+  if (is_taken) return {answer::TAKEN};
+  trial_result refused{judge(state.session.connection != nullptr, problems)};
+  put_messages(texts, problems, refused.messages);
+  return refused;
+}
+
+}  // namespace dict
