@@ -138,7 +138,3 @@ const conf_entry* find_entry(const conf_file& conf, const char* program, const c
 }
 
 }  // namespace vantor
-
-bool tav_text_holds_password(std::string_view dictionary) {
-  return vantor::holds_password(std::string(dictionary));
-}
