@@ -77,6 +77,7 @@ void dd_print(FILE* stream, const char* format, ...) {
 }
 
 void dd_print_error_text(const char* text) {
+  if (taken != nullptr) return taken->push_back(text);
   std::fflush(stdout);
   std::fputs(text, stderr);
 }
