@@ -18,6 +18,9 @@ inline constexpr char BREAKS_RULES[] =
     "it holds what breaks its own rules; find it with 'tav_dict check'";
 inline constexpr char IS_INCOMPLETE[] =
     "it does not hold what a dictionary holds; restore it from a backup";
+inline constexpr char ROWS_SWALLOWED[] =
+    "it did not take all changes (a trigger, a rule or row security keeps some away), and nothing "
+    "is stored; find what does with 'tav_dict check'";
 
 inline std::string orphan(std::string_view table, std::string_view parent) {
   return join({"A row of ", table, " names a row of ", parent, " that is not there."});

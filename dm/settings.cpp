@@ -1,5 +1,7 @@
 #include "dm/settings.h"
 
+#include <charconv>
+
 #include "dd/fold.h"
 #include "dd/owners.h"
 #include "vantor/data_manager.h"
@@ -37,6 +39,16 @@ static bool read_yes(const char* key, bool& yes, problem& why) {
          bad_entry(SECTION, key, TAV_ERR_BAD_CONF, "is neither yes nor no", why);
 }
 
+static bool read_seconds(const char* key, int& seconds, problem& why) {
+  static constexpr int LONGEST = 86400;  // a day
+  std::string text = std::to_string(seconds);
+  if (!read_text(key, text, why)) return false;
+  const char* end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, seconds);
+  return (error == std::errc() && rest == end && seconds >= 1 && seconds <= LONGEST) ||
+         bad_entry(SECTION, key, TAV_ERR_BAD_CONF, "is no number from 1 to 86400", why);
+}
+
 static bool read_login(settings& settings, problem& why) {
   void* value = nullptr;
   int32_t error = TAV_ERR_NONE;
@@ -53,7 +65,7 @@ bool read_settings(settings& settings, problem& why) {
   return read_text("dictionary", settings.dictionary, why) &&
          read_yes("fields_writeable", settings.fields_writeable, why) &&
          read_yes("objects_writeable", settings.objects_writeable, why) &&
-         read_login(settings, why);
+         read_seconds("answer_seconds", settings.answer_seconds, why) && read_login(settings, why);
 }
 
 }  // namespace dm

@@ -119,7 +119,8 @@ struct store {
 
 // How to open one.
 struct open_options {
-  int busy_milliseconds = 10000;  // how long to wait for another writer
+  int busy_milliseconds = 10000;  // how long to wait for other writers, in all
+  int answer_milliseconds = 0;    // how long a server may be silent; 0: what the settings say
 };
 
 struct close_store {
