@@ -1,9 +1,12 @@
 // What only a dictionary on a server meets. Runs beside scripts/with-postgres.
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
-#include "bench.h"
 #include "dm/open.h"
+#include "server.h"
+
+int messages_sent = 0;
 
 // The client library's line to the server is cut at its message of that number: the message does
 // not reach the server, or it does, and the answer does not come back.
@@ -11,6 +14,7 @@ static int messages_to_cut = 0, cut_line = -1;
 static bool is_delivered = false;
 
 extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags) {
+  ++messages_sent;
   if (--messages_to_cut != 0) return sendto(fd, bytes, size, flags, nullptr, 0);
   pollfd answer = {cut_line = fd, POLLIN, 0};
   if (is_delivered && sendto(fd, bytes, size, flags, nullptr, 0) > 0) poll(&answer, 1, 1000);
@@ -22,7 +26,16 @@ extern "C" ssize_t recv(int fd, void* bytes, size_t size, int flags) {
   return fd == cut_line ? 0 : recvfrom(fd, bytes, size, flags, nullptr, nullptr);
 }
 
-class on_a_server : public dictionary {};
+void on_a_server::wait_until(const std::string& condition) const {
+  for (int tries = 0; query("SELECT " + condition) != "t\n"; ++tries) {
+    ASSERT_LT(tries, 100) << condition;
+    usleep(20000);
+  }
+}
+
+void on_a_server::expect_logged(const std::string& component, const std::string& words) const {
+  EXPECT_NE(log(component).find(words), std::string::npos) << words << "\n" << log(component);
+}
 
 TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
   const struct {

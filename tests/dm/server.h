@@ -1,0 +1,17 @@
+// Tests of what only a dictionary on a server meets. They run beside scripts/with-postgres.
+#ifndef TESTS_DM_SERVER_H
+#define TESTS_DM_SERVER_H
+
+#include "bench.h"
+
+// What the client library sends to the server.
+extern int messages_sent;
+
+class on_a_server : public dictionary {
+ protected:
+  // Waits until the server says so.
+  void wait_until(const std::string& condition) const;
+  void expect_logged(const std::string& component, const std::string& words) const;
+};
+
+#endif
