@@ -30,6 +30,7 @@ struct field_row {  // read for its key only: name and type
   const char* descr;  // null: never given
   int32_t flags;      // 0: none
   int64_t stamp;
+  const char* key = nullptr;  // as it is stored; null where it was not asked for
 };
 
 struct class_row {
@@ -61,10 +62,10 @@ visitor<Row> visit(Call& call) {
 
 // Which rows. Fields come in ascending number, classes and tables in ascending key.
 struct choice {
-  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW } which = ALL;
+  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW, WITH_KEYS } which = ALL;
   const char* name = nullptr;  // NAMED, in any case; BELOW, KEYS_BELOW: the class above
   int32_t number = 0;          // NUMBERED
-};
+};                             // WITH_KEYS: all fields, with the keys that they are found by
 
 enum class counted { FIELDS, CLASSES };
 

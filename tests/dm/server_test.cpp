@@ -145,17 +145,3 @@ TEST_F(on_a_server, a_restart_ends_sessions_and_nothing_else) {
   EXPECT_EQ(after.fields("F_ONE\n"), "");
   EXPECT_EQ(after.set_fields(F), "ok");
 }
-
-TEST_F(on_a_server, lost_guards_and_what_got_past_them_are_found) {
-  query(
-      "ALTER TABLE dd_tables DROP CONSTRAINT dd_tables_class_fkey;"
-      "INSERT INTO dd_tables VALUES (1, 't', 't', 999)");
-  dm::problem why;
-  std::string found;
-  const dm::store_owner store = dm::open_dictionary(settings, {}, why);
-  auto note = [&found](const std::string_view& text) { return found.append(text), true; };
-  EXPECT_TRUE(store->calls->integrity(store.get(), dm::visit<std::string_view>(note), why));
-  EXPECT_EQ(found,
-            "Table dd_tables has lost some of the constraints that guard it."
-            "A row of dd_tables names a row of dd_classes that is not there.");
-}

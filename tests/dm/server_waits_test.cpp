@@ -128,3 +128,60 @@ TEST_F(on_a_server, rows_that_it_swallows_are_noticed_in_every_kind_of_write) {
   }
   expect_logged("dm", "it did not take all changes");
 }
+
+// What a sentence tells the owner to say.
+static std::string remedy_in(const std::string& log) {
+  static constexpr char START[] = "say: ";
+  const size_t at = log.rfind(START);
+  if (at == log.npos) return "no remedy in " + log;
+  const std::string rest = log.substr(at + sizeof START - 1);
+  return rest.substr(0, std::min({rest.find(" ("), rest.find(".\n"), rest.size()}));
+}
+
+TEST_F(on_a_server, what_a_role_lacks_is_named_and_helps) {
+  query(
+      "DO 'BEGIN CREATE ROLE lacking LOGIN;"
+      " EXCEPTION WHEN duplicate_object THEN NULL; END'");
+  const dm::settings owner = settings;
+  EXPECT_EQ(client(owner).set_classes(CLASS), "ok");
+  settings.dictionary += " user=lacking";
+  EXPECT_EQ(client(settings).opened, "STORAGE");
+  expect_logged("cm", "GRANT USAGE ON SCHEMA");
+  dm::problem why;
+  EXPECT_FALSE(make(settings, why));
+  EXPECT_EQ(why.code, TAV_ERR_STORAGE) << why.sentence;
+  query(remedy_in(log("cm")));
+  EXPECT_EQ(client(settings).opened, "STORAGE");
+  expect_logged("cm", "(42501: permission denied for table dd_schema)");
+  query("GRANT SELECT ON dd_schema, dd_databases TO lacking");
+  {
+    client half(settings);
+    EXPECT_EQ(half.classes(), "STORAGE");
+    EXPECT_EQ(half.set_classes("/b sql_table=u\n"), "WRITE_REFUSED");
+  }
+  query(remedy_in(log("dm").substr(0, log("dm").find("(42501"))));
+  query("GRANT INSERT ON dd_classes TO lacking");
+  {
+    client reader(settings);
+    EXPECT_EQ(reader.classes(), "{name:/a,sql_table:t}\n");
+    messages_sent = 0;
+    EXPECT_EQ(reader.set_classes("/b sql_table=u\n"), "WRITE_REFUSED");
+    EXPECT_EQ(messages_sent, 1);  // which ends the snapshot
+    EXPECT_EQ(reader.classes(), "{name:/a,sql_table:t}\n");
+  }
+  query(remedy_in(log("dm")));
+  client writer(settings);
+  EXPECT_EQ(writer.set_classes("/b sql_table=u\n"), "ok");
+  query("REVOKE UPDATE ON dd_schema FROM lacking");
+  EXPECT_EQ(writer.set_classes("/c sql_table=v\n"), "WRITE_REFUSED");
+  EXPECT_EQ(writer.classes(), "{name:/a,sql_table:t}\n{name:/b,sql_table:u}\n");
+  query(
+      "GRANT UPDATE ON dd_schema TO lacking; ALTER TABLE dd_classes ENABLE ROW LEVEL SECURITY;"
+      "CREATE POLICY see ON dd_classes FOR SELECT USING (true)");
+  EXPECT_EQ(writer.set_classes("/a descr=new\n"), "STORAGE");
+  expect_logged("dm", "it did not take all changes");
+  query(
+      "ALTER TABLE dd_schema ENABLE ROW LEVEL SECURITY;"
+      "CREATE POLICY see ON dd_schema FOR SELECT USING (true)");
+  EXPECT_EQ(writer.set_classes(CLASS), "STORAGE");  // it could not be alone in the dictionary
+}
