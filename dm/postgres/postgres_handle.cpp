@@ -54,8 +54,9 @@ bool change_rows(postgres_store& store, const std::string& sql, const parameters
          postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
 }
 
-std::string patience_of(const postgres_store& store) {
-  return std::to_string(std::max<int64_t>(1, store.patience.count()));
+std::string limit_waiting(const postgres_store& store) {
+  const int64_t left = std::max<int64_t>(1, store.patience.count());  // 0 would be no limit
+  return join({"SELECT set_config('lock_timeout', '", std::to_string(left), "', TRUE);"});
 }
 
 void spend_patience(postgres_store& store) {

@@ -91,8 +91,8 @@ bool change_rows(postgres_store& store, const std::string& sql, const parameters
                  uint64_t rows, problem& why);
 // Takes in what is on its way, so that the connection is free.
 void settle(postgres_store& store);
-// How long the next statement may wait for others, in milliseconds: never 0, which is no limit.
-std::string patience_of(const postgres_store& store);
+// A statement that limits how long those after it in the transaction may wait for others.
+std::string limit_waiting(const postgres_store& store);
 // Takes the time since the last message from what is left for waiting.
 void spend_patience(postgres_store& store);
 

@@ -40,15 +40,14 @@ static void postgres_rollback(store* base) {
 // machine that fell silent holds it for a minute, not for hours. What is committed is on the
 // server's disk, even where it is set up to be careless.
 static bool lock(postgres_store& store, problem& why) {
-  const std::string statements = join(
-      {"BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE;"
-       "SELECT set_config('lock_timeout', '",
-       patience_of(store),
-       "', true), set_config('tcp_keepalives_idle', '30', true),"
-       " set_config('tcp_keepalives_interval', '10', true),"
-       " set_config('tcp_keepalives_count', '3', true), CASE current_setting('synchronous_commit')"
-       " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END;"
-       "SELECT version FROM dd_schema FOR UPDATE"});
+  static constexpr char PREPARE[] =
+      "SELECT set_config('tcp_keepalives_idle', '30', true),"
+      " set_config('tcp_keepalives_interval', '10', true),"
+      " set_config('tcp_keepalives_count', '3', true), CASE current_setting('synchronous_commit')"
+      " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END;";
+  const std::string statements =
+      join({"BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE;", limit_waiting(store), PREPARE,
+            "SELECT version FROM dd_schema FOR UPDATE"});
   const result_owner locked = execute(store, statements, why);
   if (locked == nullptr) return false;
   spend_patience(store);
@@ -59,8 +58,7 @@ static bool lock(postgres_store& store, problem& why) {
 
 static bool begin_snapshot(postgres_store& store, problem& why) {
   const std::string statements =
-      join({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY; SET LOCAL lock_timeout = ",
-            patience_of(store)});
+      join({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY;", limit_waiting(store)});
   return execute(store, statements, why) != nullptr;
 }
 
@@ -115,13 +113,9 @@ const store_calls POSTGRES_CALLS = {
     postgres_integrity,
 };
 
-// The schema's version; other tables than it may be locked by whoever alters them.
 static bool read_version(postgres_store& store, problem& why) {
-  const result_owner found =
-      execute(store,
-              join({"SELECT set_config('lock_timeout', '", patience_of(store),
-                    "', true); SELECT version FROM dd_schema"}),
-              why);
+  const std::string statements = join({limit_waiting(store), "SELECT version FROM dd_schema"});
+  const result_owner found = execute(store, statements, why);
   if (found == nullptr) return false;
   if (PQntuples(found.get()) == 0) {
     return postgres_refuse(store, TAV_ERR_STORAGE, IS_INCOMPLETE, why);

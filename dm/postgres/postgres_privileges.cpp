@@ -59,7 +59,7 @@ bool read_privileges(postgres_store& store, problem& why) {
 }
 
 // A schema that the role may not use is passed over by the server's own search.
-static constexpr char HIDDEN[] = R"sql(
+static constexpr char HIDDEN[] = R"(
 WITH path (place, entry) AS (
   SELECT place, trim(entry)
   FROM unnest(string_to_array(current_setting('search_path'), ',')) WITH ORDINALITY p (entry, place)
@@ -74,7 +74,7 @@ FROM schemas s JOIN pg_namespace n ON n.nspname = s.name
      JOIN pg_class c ON c.relnamespace = n.oid AND c.relname = 'dd_schema'
 WHERE NOT has_schema_privilege(n.oid, 'USAGE')
 ORDER BY place LIMIT 1
-)sql";
+)";
 
 bool is_hidden(postgres_store& store, problem& why) {
   const result_owner found = execute(store, HIDDEN, parameters(), why);

@@ -67,6 +67,8 @@ TEST_F(on_a_server, what_was_altered_is_named_and_nothing_else) {
       {"ALTER TABLE dd_databases FORCE ROW LEVEL SECURITY",
        "ALTER TABLE dd_databases NO FORCE ROW LEVEL SECURITY",
        "The forced row security of dd_databases is none of a dictionary's.\n"},
+      {"ALTER TABLE dd_tables SET UNLOGGED", "ALTER TABLE dd_tables SET LOGGED",
+       "The table dd_tables is UNLOGGED TABLE; this program makes it TABLE.\n"},
       {"DROP VIEW dd_class_fields, dd_class_attributes, dd_class_nodes;"
        "ALTER TABLE dd_fields ALTER descr TYPE VARCHAR(2000), ALTER descr SET DEFAULT 'none';"
        "ALTER TABLE dd_classes ALTER definition TYPE JSONB; CREATE TABLE dd_class_nodes ()",
@@ -75,7 +77,7 @@ TEST_F(on_a_server, what_was_altered_is_named_and_nothing_else) {
        "\nThe column descr of dd_fields is CHARACTER VARYING(2000) DEFAULT 'none'::character "
        "varying; "
        "this program makes it TEXT.\n"
-       "The view dd_class_nodes is a table; this program makes it a view.\n"
+       "The view dd_class_nodes is TABLE; this program makes it VIEW.\n"
        "The view dd_class_attributes is missing.\nThe view dd_class_fields is missing.\n"},
   };
   const dm::store_owner store = [this] {
