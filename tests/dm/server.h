@@ -4,8 +4,9 @@
 
 #include "bench.h"
 
-// What the client library sends to the server.
+// What the client library sends to the server; the last message that says how long to wait.
 extern int messages_sent;
+extern std::string last_limit;
 
 class on_a_server : public dictionary {
  protected:

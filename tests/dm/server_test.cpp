@@ -7,6 +7,7 @@
 #include "server.h"
 
 int messages_sent = 0;
+std::string last_limit;
 
 // The client library's line to the server is cut at its message of that number: the message does
 // not reach the server, or it does, and the answer does not come back.
@@ -15,6 +16,8 @@ static bool is_delivered = false;
 
 extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags) {
   ++messages_sent;
+  const std::string message(static_cast<const char*>(bytes), size);
+  if (message.find("'lock_timeout'") != message.npos) last_limit = message;
   if (--messages_to_cut != 0) return sendto(fd, bytes, size, flags, nullptr, 0);
   pollfd answer = {cut_line = fd, POLLIN, 0};
   if (is_delivered && sendto(fd, bytes, size, flags, nullptr, 0) > 0) poll(&answer, 1, 1000);
