@@ -60,12 +60,13 @@ visitor<Row> visit(Call& call) {
   return {[](void* context, const Row& row) { return (*static_cast<Call*>(context))(row); }, &call};
 }
 
-// Which rows. Fields come in ascending number, classes and tables in ascending key.
+// Which rows. Fields come in ascending number, classes and tables in ascending key. WITH_KEYS: all
+// fields, and the keys that they are found by.
 struct choice {
   enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW, WITH_KEYS } which = ALL;
   const char* name = nullptr;  // NAMED, in any case; BELOW, KEYS_BELOW: the class above
   int32_t number = 0;          // NUMBERED
-};                             // WITH_KEYS: all fields, with the keys that they are found by
+};
 
 enum class counted { FIELDS, CLASSES };
 

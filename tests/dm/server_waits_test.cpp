@@ -2,7 +2,7 @@
 #include "dm/open.h"
 #include "server.h"
 
-static constexpr int BUSY = 300, ANSWER = 150;  // milliseconds
+static constexpr int BUSY = 300, ANSWER = 500;  // milliseconds
 static constexpr char FIELD[] = "STRING F_ONE 5000\n";
 static constexpr char CLASS[] = "/a sql_table=t\n";
 
@@ -21,7 +21,7 @@ TEST_F(on_a_server, that_fell_silent_is_given_up_and_what_it_held_is_free) {
   output_of("kill -STOP " + stopped);
   EXPECT_EQ(admin.set_classes(CLASS), "NOT_CONNECTED");
   expect_logged("cm", "nothing of the operation is stored");
-  expect_logged("cm", "(no answer for 150 ms; entry 'answer_seconds' of section [dm] says");
+  expect_logged("cm", "(no answer for 500 ms; entry 'answer_seconds' of section [dm] says");
   EXPECT_EQ(admin.classes(), "NOT_CONNECTED");
   admin.close();
   output_of("kill -CONT " + stopped);
