@@ -1,5 +1,6 @@
 // The classes of a database, and the tables that dd_tables gives them.
 #include <algorithm>
+#include <cstring>
 #include <map>
 
 #include "dict/check.h"
@@ -24,6 +25,7 @@ struct class_check {
   dm::class_world world;
   dm::class_reader reader{};
   std::vector<kept_class> classes{};
+  std::vector<dm::class_row> rows{};             // of the same, borrowed
   std::multimap<int64_t, std::string> tables{};  // folded names by class
 };
 
@@ -37,10 +39,12 @@ static void fault(class_check& run, const char* kind, const std::string& name,
 static bool keep_rows(class_check& run) {
   dm::store& store = run.check.store;
   auto klass = [&](const dm::class_row& row) {
+    step(run.check.shown);
     run.classes.push_back({row.id, row.key, row.name, row.stamp, row.definition});
     return true;
   };
   auto table = [&](const dm::table_row& row) {
+    step(run.check.shown);
     if (dm::folded(row.name) != row.key) fault(run, "Table ", row.name, " has a wrong key.");
     return run.tables.emplace(row.class_id, row.key), true;
   };
@@ -64,17 +68,15 @@ static bool take_tables(class_check& run, int64_t id, const std::vector<std::str
 }
 
 // Whether the class is sound; gives its tables.
-static bool check_definition(class_check& run, const kept_class& row,
+static bool check_definition(class_check& run, const dm::class_row& row,
                              std::vector<std::string>& tables) {
   dd_flist list;
   dm::class_def definition;
   dm::problem damaged;
-  const dm::class_row stored{row.id, row.key.c_str(), row.name.c_str(), row.stamp,
-                             row.definition.c_str()};
-  if (!dm::load_class(run.reader, stored, list, definition, damaged)) {
+  if (!dm::load_class(run.reader, row, list, definition, damaged)) {
     return tell(run.check, run.database, damaged.sentence), false;
   }
-  if (row.name != dm::text_of(definition, dm::CLASS_NAME)) {
+  if (std::strcmp(row.name, dm::text_of(definition, dm::CLASS_NAME)) != 0) {
     fault(run, "Class ", row.name, " has another name in its definition.");
   }
   if (dm::needless_table(definition) != nullptr) {
@@ -86,9 +88,9 @@ static bool check_definition(class_check& run, const kept_class& row,
   return findings.empty();
 }
 
-static void check_one(class_check& run, const kept_class& row, const kept_class* previous) {
+static void check_one(class_check& run, const dm::class_row& row, const dm::class_row* previous) {
   std::vector<std::string> tables;
-  if (previous != nullptr && previous->key == row.key) {
+  if (previous != nullptr && std::strcmp(previous->key, row.key) == 0) {
     fault(run, "Class ", row.name, " stands there twice.");
   }
   if (dm::folded(row.name) != row.key) fault(run, "Class ", row.name, " has a wrong key.");
@@ -104,11 +106,17 @@ static void check_one(class_check& run, const kept_class& row, const kept_class*
 
 bool check_classes(checker& check, const dm::database_row& database) {
   class_check run{check, database, dm::class_world(check.store, database.id)};
+  next(check.shown, "reading classes and tables");
   if (!keep_rows(run)) return false;
   if (!run.world.read_all()) return check.why = run.world.why, false;
-  const kept_class* previous = nullptr;
-  next(check.shown, "checking classes", run.classes.size());
   for (const kept_class& row : run.classes) {
+    run.rows.push_back(
+        {row.id, row.key.c_str(), row.name.c_str(), row.stamp, row.definition.c_str()});
+  }
+  run.world.know(run.rows);
+  const dm::class_row* previous = nullptr;
+  next(check.shown, "checking classes", run.classes.size());
+  for (const dm::class_row& row : run.rows) {
     check_one(run, row, previous);
     step(check.shown);
     previous = &row;

@@ -14,8 +14,10 @@ namespace {
 
 // What was met so far, by which later fields are judged.
 struct met_fields {
-  std::map<int32_t, std::string> by_number;  // their names
-  std::set<std::string> keys;                // folded names
+  std::map<int32_t, std::string> by_number;     // their names
+  std::set<std::string> keys;                   // folded names
+  std::map<int32_t, std::string> misplaced;     // names of those with another key
+  std::map<std::string, bool> predefined_rows;  // whether they are as they were made, by key
 };
 
 }  // namespace
@@ -46,56 +48,51 @@ static void check_field(checker& check, const dm::database_row& database, const 
   }
 }
 
-// A field with another key than its folded name would never be found.
-static bool check_key(checker& check, const dm::database_row& database, int32_t number,
-                      const std::string& name) {
-  bool is_found = false;
-  auto look = [&](const dm::field_row& row) { return !(is_found = row.number == number); };
-  const dm::choice named{dm::choice::NAMED, name.c_str()};
-  const bool read = check.store.calls->fields(&check.store, database.id, named,
-                                              dm::visit<dm::field_row>(look), check.why);
-  if (!read || is_found) return read;
-  tell(check, database, dm::join({"Field ", dm::quoted(name), " has a wrong key."}));
-  return true;
+// A new description is all that a predefined field can get.
+static bool is_as_made(const dm::field_row& row, const dm::field_row& expected) {
+  return row.number == expected.number && row.type == expected.type &&
+         row.flags == expected.flags && row.descr != nullptr && *row.descr != '\0';
 }
 
-// A new description is all that a predefined field can get.
-static bool check_predefined(checker& check, const dm::database_row& database,
-                             const dm::field_row& expected) {
-  bool is_there = false;
-  bool is_as_made = true;
-  auto look = [&](const dm::field_row& row) {
-    is_there = true;
-    is_as_made = is_as_made && row.number == expected.number && row.type == expected.type &&
-                 row.flags == expected.flags && row.descr != nullptr && *row.descr != '\0';
-    return true;
-  };
-  const dm::choice named{dm::choice::NAMED, expected.name};
-  const bool read = check.store.calls->fields(&check.store, database.id, named,
-                                              dm::visit<dm::field_row>(look), check.why);
-  if (!read || (is_there && is_as_made)) return read;
+// Fields are found by their keys: one with another key than its folded name never is.
+static void note_key(const dm::field_row& row, met_fields& met) {
+  const std::string key = row.key != nullptr ? row.key : "";
+  if (key != dm::folded(row.name)) met.misplaced.try_emplace(row.number, row.name);
+  for (const dm::field_row& expected : dm::predefined_fields()) {
+    if (!dd_equal(key.c_str(), expected.name)) continue;
+    bool& as_made = met.predefined_rows.try_emplace(key, true).first->second;
+    as_made = as_made && is_as_made(row, expected);
+  }
+}
+
+static void check_predefined(checker& check, const dm::database_row& database,
+                             const dm::field_row& expected, const met_fields& met) {
+  const auto found = met.predefined_rows.find(dm::folded(expected.name));
+  const bool is_there = found != met.predefined_rows.end();
+  if (is_there && found->second) return;
   tell(check, database,
        dm::join({"The predefined field ", dm::quoted(expected.name),
                  is_there ? " is not as it was made." : " is missing."}));
-  return true;
 }
 
 bool check_fields(checker& check, const dm::database_row& database) {
   met_fields met;
   auto look = [&](const dm::field_row& row) {
     step(check.shown);
+    note_key(row, met);
     return check_field(check, database, row, met), true;
   };
   next(check.shown, "checking fields");
-  if (!check.store.calls->fields(&check.store, database.id, {}, dm::visit<dm::field_row>(look),
-                                 check.why)) {
+  const dm::choice with_keys{dm::choice::WITH_KEYS};
+  if (!check.store.calls->fields(&check.store, database.id, with_keys,
+                                 dm::visit<dm::field_row>(look), check.why)) {
     return false;
   }
-  for (const auto& [number, name] : met.by_number) {
-    if (!check_key(check, database, number, name)) return false;
+  for (const auto& [number, name] : met.misplaced) {
+    tell(check, database, dm::join({"Field ", dm::quoted(name), " has a wrong key."}));
   }
   for (const dm::field_row& expected : dm::predefined_fields()) {
-    if (!check_predefined(check, database, expected)) return false;
+    check_predefined(check, database, expected, met);
   }
   return true;
 }

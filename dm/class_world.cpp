@@ -137,6 +137,24 @@ void class_world::accept(const class_def& definition, const std::vector<std::str
   accepted_[key] = containers_in(definition);
 }
 
+// "/a/" and what follows it up to "/a0" are the classes below "/a", as queries have it.
+static std::span<const class_row> classes_in(std::span<const class_row> all, const choice& wanted) {
+  const auto is_before = [](const class_row& row, const std::string& key) { return row.key < key; };
+  const std::string key = folded(wanted.name);
+  const bool is_below = wanted.which == choice::KEYS_BELOW;
+  const auto from = std::lower_bound(all.begin(), all.end(), is_below ? key + "/" : key, is_before);
+  const auto to =
+      std::lower_bound(from, all.end(), key + (is_below ? "0" : std::string(1, '\0')), is_before);
+  return {from, to};
+}
+
+bool class_world::stored_classes(const choice& wanted, visitor<class_row> visitor) {
+  if (!known_) return store_.calls->classes(&store_, database_, wanted, visitor, why);
+  const auto found = classes_in(*known_, wanted);
+  return std::all_of(found.begin(), found.end(),
+                     [&](const class_row& row) { return visitor.call(visitor.context, row); });
+}
+
 const class_world::containers& class_world::containers_of(const std::string& key) {
   const auto accepted = accepted_.find(key);
   if (accepted != accepted_.end()) return accepted->second;
@@ -148,8 +166,7 @@ const class_world::containers& class_world::containers_of(const std::string& key
     if (load_class(reader_, row, list, definition, why)) *names = containers_in(definition);
     return true;
   };
-  const choice named{choice::NAMED, key.c_str()};
-  store_.calls->classes(&store_, database_, named, visit<class_row>(note), why);
+  stored_classes({choice::NAMED, key.c_str()}, visit<class_row>(note));
   return place->second;
 }
 
@@ -175,8 +192,7 @@ std::vector<std::string> class_world::names_below(const std::string& name) {
     if (accepted_.count(row.key) == 0) names.emplace_back(row.key);
     return true;
   };
-  const choice below{choice::KEYS_BELOW, name.c_str()};
-  store_.calls->classes(&store_, database_, below, visit<class_row>(note), why);
+  stored_classes({choice::KEYS_BELOW, name.c_str()}, visit<class_row>(note));
   return names;
 }
 

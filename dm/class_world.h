@@ -5,6 +5,8 @@
 
 #include <map>
 #include <memory_resource>
+#include <optional>
+#include <span>
 #include <unordered_map>
 
 #include "dd/index.h"
@@ -40,6 +42,8 @@ class class_world {
   void add_fields(const field_request& asked);
   // Reads all keys at once, for an operation on many classes.
   bool read_all();
+  // Says what all stored classes are, in ascending keys: none is asked for then. They must stay.
+  void know(std::span<const class_row> all) { known_ = all; }
 
   // Says that the fields of the class's entries will be asked for: memory is asked for where they
   // are looked up.
@@ -66,6 +70,8 @@ class class_world {
   const containers& containers_of(const std::string& key);
   std::vector<std::string> names_above(const std::string& key);
   std::vector<std::string> names_below(const std::string& key);
+  // Classes with this key, or with keys below it.
+  bool stored_classes(const choice& wanted, visitor<class_row> visitor);
   int64_t class_id(const char* name);
   int64_t table_owner(const char* table);
 
@@ -79,6 +85,7 @@ class class_world {
   name_cache tables_;   // ids of their classes
   std::map<std::string, containers> accepted_;
   std::unordered_map<std::string, containers> stored_;
+  std::optional<std::span<const class_row>> known_;
   std::unordered_map<std::string, std::string> moved_;  // table to its class, "" for none
 };
 

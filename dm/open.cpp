@@ -48,6 +48,12 @@ static void name_what_is_missing(const std::string& dictionary, problem& why) {
   if (why.code == TAV_ERR_NOT_FOUND && !is_named) why.sentence = tav_conf_problem();
 }
 
+static open_options completed(open_options options, const settings& settings) {
+  if (options.answer_milliseconds == 0)
+    options.answer_milliseconds = settings.answer_seconds * 1000;
+  return options;
+}
+
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why) {
   const std::string& dictionary = settings.dictionary;
   if (is_file(dictionary)) {
@@ -57,14 +63,14 @@ store_owner open_dictionary(const settings& settings, const open_options& option
   }
   if (!is_on_server(dictionary)) return bad_dictionary(why), nullptr;
   const postgres_module* module = load_postgres(why);
-  return module != nullptr ? module->open(dictionary, options, why) : nullptr;
+  return module != nullptr ? module->open(dictionary, completed(options, settings), why) : nullptr;
 }
 
 static bool create_on_server(const settings& settings, const fill_store& fill, std::string& name,
                              problem& why) {
   const postgres_module* module = load_postgres(why);
   if (module == nullptr) return false;
-  const store_owner made = module->begin_new(settings.dictionary, why);
+  const store_owner made = module->begin_new(settings.dictionary, completed({}, settings), why);
   if (made == nullptr) return false;
   name = made->calls->name(made.get());
   return fill(*made, why) && made->calls->commit(made.get(), why);

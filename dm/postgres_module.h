@@ -17,7 +17,7 @@ struct postgres_module {
   store_owner (*open)(const std::string& where, const open_options& options, problem& why);
   // Makes the tables in an existing database: a store whose open transaction holds them, which the
   // caller commits.
-  store_owner (*begin_new)(const std::string& where, problem& why);
+  store_owner (*begin_new)(const std::string& where, const open_options& options, problem& why);
 };
 
 // What the module exports under this name.

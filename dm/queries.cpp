@@ -20,6 +20,9 @@ static constexpr struct {
     {SELECT_FIELDS, FIELD_COLUMNS, "WHERE database = ?1 ORDER BY number"},
     {SELECT_FIELD_TYPES, "",
      "SELECT name, type FROM dd_fields WHERE database = ?1 ORDER BY number"},
+    {SELECT_FIELDS_WITH_KEYS, "",
+     "SELECT name, number, type, descr, flags, stamp, folded FROM dd_fields"
+     " WHERE database = ?1 ORDER BY number"},
     {SELECT_FIELD_NAMED, FIELD_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
     {SELECT_FIELD_NUMBERED, FIELD_COLUMNS, "WHERE database = ?1 AND number = ?2"},
     {SELECT_CLASSES, CLASS_COLUMNS, "WHERE database = ?1 ORDER BY folded"},
@@ -53,6 +56,7 @@ static lookup below(query which, const char* name) {
 lookup field_lookup(const choice& choice) {
   if (choice.which == choice::NAMED) return by_name(SELECT_FIELD_NAMED, choice.name);
   if (choice.which == choice::KEYS) return {SELECT_FIELD_TYPES};
+  if (choice.which == choice::WITH_KEYS) return {SELECT_FIELDS_WITH_KEYS};
   if (choice.which != choice::NUMBERED) return {SELECT_FIELDS};
   lookup numbered{SELECT_FIELD_NUMBERED};
   numbered.has_number = true;

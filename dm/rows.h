@@ -28,6 +28,7 @@ bool take_row(const Columns& columns, field_row& row) {
   if (columns.count() == 2) return take_number(columns.integer(1), row.type) && row.name != nullptr;
   row.descr = columns.text(3);
   row.stamp = columns.integer(5);
+  row.key = columns.count() == 7 ? columns.text(6) : nullptr;
   return take_number(columns.integer(1), row.number) && take_number(columns.integer(2), row.type) &&
          take_number(columns.integer(4), row.flags) && row.name != nullptr;
 }

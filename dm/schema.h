@@ -19,11 +19,11 @@ inline constexpr char BREAKS_RULES[] =
 inline constexpr char IS_INCOMPLETE[] =
     "it does not hold what a dictionary holds; restore it from a backup";
 inline constexpr char ROWS_SWALLOWED[] =
-    "rows that were written are not there: a trigger or a rule of somebody's has swallowed them; "
-    "nothing is stored, and 'tav_dict check' finds it";
+    "it did not take all changes (a trigger, a rule or row security keeps some away), and nothing "
+    "is stored; find what does with 'tav_dict check'";
 
-// A commit that may have been carried out, or not: tells what happened while the
-// changes were committed; gives false.
+// A commit that may have been carried out, or not: tells what happened while the changes were
+// committed; gives false.
 inline bool outcome_unknown(std::string_view dictionary, std::string_view event,
                             std::string_view words, problem& why) {
   why.is_unreachable = true;

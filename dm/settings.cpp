@@ -1,6 +1,7 @@
 #include "dm/settings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 
 #include "dd/fold.h"
@@ -24,6 +25,13 @@ bool read_yes(const char* text, bool& yes) {
   return yes || dd_equal(text, "no");
 }
 
+bool read_seconds(const char* text, int& seconds) {
+  static constexpr int LONGEST = 86400;  // a day
+  const char* end = text + std::strlen(text);
+  const auto [rest, error] = std::from_chars(text, end, seconds);
+  return error == std::errc() && rest == end && seconds >= 1 && seconds <= LONGEST;
+}
+
 constexpr char NEITHER[] = "is neither yes nor no";
 
 // The entries of the section; where one is missing, the settings have its default.
@@ -33,6 +41,9 @@ constexpr setting SETTINGS[] = {
      [](const char* text, settings& s) { return read_yes(text, s.fields_writeable); }, NEITHER},
     {"objects_writeable",
      [](const char* text, settings& s) { return read_yes(text, s.objects_writeable); }, NEITHER},
+    {"answer_seconds",
+     [](const char* text, settings& s) { return read_seconds(text, s.answer_seconds); },
+     "is no number from 1 to 86400"},
 };
 
 }  // namespace

@@ -17,7 +17,8 @@ struct settings {
   bool fields_writeable = false;
   bool objects_writeable = false;
   bool has_login = false;
-  uint64_t database = 0;  // of the login identity
+  uint64_t database = 0;    // of the login identity
+  int answer_seconds = 60;  // how long a server may be silent
 };
 
 // False with the reason for an entry that cannot be read; a missing one has its default.

@@ -40,6 +40,7 @@ struct field_row {  // read for its key only: name and type
   const char* descr;  // null: never given
   int32_t flags;      // 0: none
   int64_t stamp;
+  const char* key = nullptr;  // as it is stored; null where it was not asked for
 };
 
 struct class_row {
@@ -69,9 +70,10 @@ visitor<Row> visit(Call& call) {
   return {[](void* context, const Row& row) { return (*static_cast<Call*>(context))(row); }, &call};
 }
 
-// Which rows. Fields come in ascending number, classes and tables in ascending key.
+// Which rows. Fields come in ascending number, classes and tables in ascending key. WITH_KEYS: all
+// fields, and the keys that they are found by.
 struct choice {
-  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW } which = ALL;
+  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW, WITH_KEYS } which = ALL;
   const char* name = nullptr;  // NAMED, in any case; BELOW, KEYS_BELOW: the class above
   int32_t number = 0;          // NUMBERED
 };
@@ -129,7 +131,8 @@ struct store {
 
 // How to open one.
 struct open_options {
-  int busy_milliseconds = 10000;  // how long to wait for another writer
+  int busy_milliseconds = 10000;  // how long to wait for other writers, in all
+  int answer_milliseconds = 0;    // how long a server may be silent; 0: what the settings say
 };
 
 struct close_store {

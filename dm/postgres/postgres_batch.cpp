@@ -96,7 +96,7 @@ bool flush(postgres_store& store, problem& why) {
     if (part.rows == 0) continue;
     parameters with;
     for (const array_column& column : part.columns) with.add_binary(array_of(column, part.rows));
-    if (execute(store, STATEMENTS[kind], with, why) == nullptr) return false;
+    if (!change_rows(store, STATEMENTS[kind], with, part.rows, why)) return false;
   }
   return true;
 }

@@ -65,20 +65,39 @@ static const char* text_or(const char* text, const char* other) {
   return text != nullptr && *text != '\0' ? text : other;
 }
 
-// Those before the entry it may override, those behind it not.
+// What a connection is made with, by the library's names of it. Those before the entry it may
+// override, those behind it not. A line that is dead is noticed within a minute.
+struct connect_values {
+  static constexpr const char* KEYWORDS[] = {"connect_timeout",
+                                             "keepalives_idle",
+                                             "keepalives_interval",
+                                             "keepalives_count",
+                                             "tcp_user_timeout",
+                                             "fallback_application_name",
+                                             "dbname",
+                                             "client_encoding",
+                                             "host",
+                                             "hostaddr",
+                                             "port",
+                                             nullptr};
+  const char* values[std::size(KEYWORDS)];
+};
+
+// `there`: another connection to the server that is wanted; null: what the entry says.
+static connect_values values_for(const char* where, const PGconn* there) {
+  return {{text_or(std::getenv("PGCONNECT_TIMEOUT"), "10"), "30", "10", "3", "60000",
+           program_invocation_short_name, where, "UTF8", there != nullptr ? PQhost(there) : nullptr,
+           there != nullptr ? PQhostaddr(there) : nullptr,
+           there != nullptr ? PQport(there) : nullptr, nullptr}};
+}
+
 static PGconn* connect(const std::string& where) {
-  static constexpr const char* KEYWORDS[] = {
-      "connect_timeout",           "keepalives_idle", "keepalives_interval", "keepalives_count",
-      "fallback_application_name", "dbname",          "client_encoding",     nullptr};
-  const char* const values[] = {text_or(std::getenv("PGCONNECT_TIMEOUT"), "10"),
-                                "30",
-                                "10",
-                                "3",
-                                program_invocation_short_name,
-                                where.c_str(),
-                                "UTF8",
-                                nullptr};
-  return PQconnectdbParams(KEYWORDS, values, 1);
+  return PQconnectdbParams(connect_values::KEYWORDS, values_for(where.c_str(), nullptr).values, 1);
+}
+
+PGconn* connect_beside(const postgres_store& store) {
+  const connect_values with = values_for(store.where.c_str(), store.connection);
+  return PQconnectStartParams(connect_values::KEYWORDS, with.values, 1);
 }
 
 static std::string name_of(const PGconn* connection) {
@@ -96,17 +115,20 @@ static std::string without(std::string text, const std::string& secret) {
 
 static void pass_over(void*, const PGresult*) {}
 
-store_owner connect_postgres(const std::string& where, problem& why) {
+store_owner connect_postgres(const std::string& where, const open_options& options, problem& why) {
   if (!is_plain_url(where, why) || !parse(where, why)) return nullptr;
   auto* store = new postgres_store;
   store->calls = &POSTGRES_CALLS;
   store->look_up_cost = 8;
+  store->where = where;
+  store->options = options;
+  store->patience = std::chrono::milliseconds(options.busy_milliseconds);
   store_owner owner(store);
   store->connection = connect(where);
   if (store->connection == nullptr) throw std::bad_alloc();
   store->name = name_of(store->connection);
   PQsetNoticeReceiver(store->connection, pass_over, nullptr);
-  if (PQstatus(store->connection) == CONNECTION_OK) return owner;
+  if (PQsetnonblocking(store->connection, 1) == 0) return owner;
   const std::string words =
       without(one_line(PQerrorMessage(store->connection)), PQpass(store->connection));
   postgres_refuse(*store, TAV_ERR_NOT_CONNECTED,

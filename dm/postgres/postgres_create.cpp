@@ -10,7 +10,7 @@ static bool is_usable(postgres_store& store, problem& why) {
                                      "SELECT current_setting('server_encoding'),"
                                      " to_regclass('dd_schema') IS NOT NULL",
                                      parameters(), why);
-  if (state == nullptr) return false;
+  if (state == nullptr || is_hidden(store, why)) return false;
   if (std::string(PQgetvalue(state.get(), 0, 0)) != "UTF8") {
     return postgres_refuse(store, TAV_ERR_STORAGE,
                            "the database is not encoded in UTF8; make one WITH ENCODING 'UTF8' "
@@ -21,17 +21,18 @@ static bool is_usable(postgres_store& store, problem& why) {
          postgres_refuse(store, TAV_ERR_CONFLICT, "there is one already; it is left as it is", why);
 }
 
-store_owner begin_new_postgres(const std::string& where, problem& why) {
-  store_owner owner = connect_postgres(where, why);
+store_owner begin_new_postgres(const std::string& where, const open_options& options,
+                               problem& why) {
+  store_owner owner = connect_postgres(where, options, why);
   if (owner == nullptr) return nullptr;
   postgres_store& store = postgres_of(owner.get());
-  const parameters version(int64_t{SCHEMA_VERSION});
-  if (!is_usable(store, why) || !run(store, "BEGIN", why) || !run(store, POSTGRES_SCHEMA, why) ||
-      execute(store, "INSERT INTO dd_schema (version) VALUES ($1)", version, why) == nullptr) {
-    return nullptr;
-  }
+  if (!is_usable(store, why)) return nullptr;
   store.is_writing = true;
-  return owner;
+  const parameters version(int64_t{SCHEMA_VERSION});
+  const bool is_made =
+      execute(store, "BEGIN", why) != nullptr && execute(store, POSTGRES_SCHEMA, why) != nullptr &&
+      change_rows(store, "INSERT INTO dd_schema (version) VALUES ($1)", version, 1, why);
+  return is_made ? std::move(owner) : nullptr;
 }
 
 }  // namespace dm

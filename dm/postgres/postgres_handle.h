@@ -4,6 +4,7 @@
 
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -19,13 +20,25 @@ struct clear_result {
 };
 using result_owner = std::unique_ptr<PGresult, clear_result>;
 
+struct finish_connection {
+  void operator()(PGconn* connection) const { PQfinish(connection); }
+};
+using connection_owner = std::unique_ptr<PGconn, finish_connection>;
+
+using steady = std::chrono::steady_clock;
+
 class postgres_rows;
 
 struct postgres_store : store {
   PGconn* connection = nullptr;
-  std::string name;     // for people
-  std::string refusal;  // why it takes no writes; empty: it does
+  std::string where;     // as the configuration has it: may hold a password
+  std::string name;      // for people
+  std::string refusal;   // why it takes no writes; empty: it does
+  std::string grants;    // SQL that lets the role read it; empty: it may
+  std::string given_up;  // why the line was; empty: it was not
   open_options options;
+  std::chrono::milliseconds patience{0};  // left for waiting until others have written
+  steady::time_point asked;               // when the last message was sent
   int version = 0;
   bool is_writing = false;
   postgres_rows* fetching = nullptr;  // whose next rows are on their way
@@ -71,13 +84,20 @@ class parameters {
 // Carries out one statement and gives its result whole; none with the reason when it fails.
 result_owner execute(postgres_store& store, const std::string& sql, const parameters& with,
                      problem& why);
-// Carries out statements that give no rows.
-bool run(postgres_store& store, const char* sql, problem& why);
+// Carries out statements and gives the result of the last.
+result_owner execute(postgres_store& store, const std::string& sql, problem& why);
+// Carries out a statement that changes so many rows; fewer are a failure.
+bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
+                 uint64_t rows, problem& why);
 // Takes in what is on its way, so that the connection is free.
 void settle(postgres_store& store);
+// A statement that limits how long those after it in the transaction may wait for others.
+std::string limit_waiting(const postgres_store& store);
+// Takes the time since the last message from what is left for waiting.
+void spend_patience(postgres_store& store);
 
 // Says what a failed result (null: none came) means; gives false. The one place that does.
-bool postgres_failed(const postgres_store& store, const PGresult* result, problem& why);
+bool postgres_failed(postgres_store& store, const PGresult* result, problem& why);
 bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
                      problem& why);
 // The same for what the dictionary itself is to blame for.
@@ -89,10 +109,16 @@ std::string one_line(const char* text);
 std::string postgres_text(const std::string& text);
 
 // Connects; none with the reason.
-store_owner connect_postgres(const std::string& where, problem& why);
+store_owner connect_postgres(const std::string& where, const open_options& options, problem& why);
+// Begins to connect once more, to the very server that the store is connected with.
+PGconn* connect_beside(const postgres_store& store);
+// Whether there is a dictionary, and what the role may do with it; false where it can do nothing.
+bool read_privileges(postgres_store& store, problem& why);
+// Whether there is a dictionary in a schema that the role may not use, or the question failed.
+bool is_hidden(postgres_store& store, problem& why);
 // What the module offers.
 store_owner open_postgres(const std::string& where, const open_options& options, problem& why);
-store_owner begin_new_postgres(const std::string& where, problem& why);
+store_owner begin_new_postgres(const std::string& where, const open_options& options, problem& why);
 
 // Calls of the record.
 bool postgres_databases(store*, visitor<database_row>, problem&);

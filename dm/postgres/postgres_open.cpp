@@ -1,8 +1,8 @@
 // Opening a dictionary, transactions, closing.
-#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
-#include "dm/postgres/postgres_rows.h"
+#include "dm/postgres/postgres_line.h"
 #include "dm/schema.h"
 
 namespace dm {
@@ -32,8 +32,8 @@ static void postgres_rollback(store* base) {
   store.kept = postgres_kept();
   store.is_writing = false;
   store.last_class = 0;
-  if (PQtransactionStatus(store.connection) == PQTRANS_IDLE) return;
-  PQclear(PQexec(store.connection, "ROLLBACK"));
+  if (is_lost(store) || PQtransactionStatus(store.connection) == PQTRANS_IDLE) return;
+  if (send_message(store, "ROLLBACK", nullptr)) take_answer(store);
 }
 
 // Whoever holds the row of dd_schema is alone in writing; readers do not look at its lock. A
@@ -41,26 +41,37 @@ static void postgres_rollback(store* base) {
 // server's disk, even where it is set up to be careless.
 static bool lock(postgres_store& store, problem& why) {
   static constexpr char PREPARE[] =
-      "SELECT set_config('lock_timeout', $1, true), set_config('tcp_keepalives_idle', '30', true),"
+      "SELECT set_config('tcp_keepalives_idle', '30', true),"
       " set_config('tcp_keepalives_interval', '10', true),"
       " set_config('tcp_keepalives_count', '3', true), CASE current_setting('synchronous_commit')"
-      " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END";
-  // 0 would be no limit.
-  const parameters wait(std::max(int64_t{1}, int64_t{store.options.busy_milliseconds}));
-  return run(store, "BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE", why) &&
-         execute(store, PREPARE, wait, why) != nullptr &&
-         execute(store, "SELECT version FROM dd_schema FOR UPDATE", parameters(), why) != nullptr;
+      " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END;";
+  const std::string statements =
+      join({"BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE;", limit_waiting(store), PREPARE,
+            "SELECT version FROM dd_schema FOR UPDATE"});
+  const result_owner locked = execute(store, statements, why);
+  if (locked == nullptr) return false;
+  spend_patience(store);
+  // Row security that hides the row would let two write at once.
+  return PQntuples(locked.get()) == 1 ||
+         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+}
+
+static bool begin_snapshot(postgres_store& store, problem& why) {
+  const std::string statements =
+      join({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY;", limit_waiting(store)});
+  return execute(store, statements, why) != nullptr;
 }
 
 static bool postgres_begin(store* base, bool write, problem& why) try {
   postgres_store& store = postgres_of(base);
-  if (!write) return run(store, "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY", why);
+  if (!write) return begin_snapshot(store, why);
   if (!store.refusal.empty()) {
     return postgres_refuse(store, TAV_ERR_WRITE_REFUSED, store.refusal, why);
   }
-  store.is_writing = lock(store, why);
-  if (!store.is_writing) postgres_rollback(base);
-  return store.is_writing;
+  store.is_writing = true;
+  if (lock(store, why)) return true;
+  postgres_rollback(base);
+  return false;
 } catch (const std::bad_alloc&) {
   postgres_rollback(base);
   throw;
@@ -70,14 +81,15 @@ static bool postgres_commit(store* base, problem& why) {
   postgres_store& store = postgres_of(base);
   if (!flush(store, why)) return false;
   settle(store);
-  const result_owner result(PQexec(store.connection, "COMMIT"));
+  const bool is_sent = send_message(store, "COMMIT", nullptr);
+  const result_owner result = is_sent ? take_answer(store, silence::IS_THE_END) : nullptr;
   // No answer of the server's: it is lost, or there was no memory to receive it. The commit may
   // have been carried out.
   const bool is_refused = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) != nullptr;
   const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
-  if (PQstatus(store.connection) == CONNECTION_BAD || (!is_done && !is_refused)) {
+  if (is_lost(store) || (!is_done && !is_refused)) {
     return outcome_unknown(store.name, "the connection was lost while the changes were committed",
-                           one_line(PQerrorMessage(store.connection)), why);
+                           last_words(store), why);
   }
   if (!is_done) return postgres_failed(store, result.get(), why);
   // A transaction that an error has ended is rolled back instead, which is no error to the server.
@@ -98,37 +110,14 @@ const store_calls POSTGRES_CALLS = {
     postgres_integrity,
 };
 
-// To deploy takes no right to add databases. Whoever may update one column may lock the row.
-static constexpr char STATE[] = R"sql(
-SELECT version, current_setting('transaction_read_only') = 'on',
-       has_any_column_privilege('dd_schema', 'UPDATE') AND
-       has_column_privilege('dd_databases', 'counter', 'UPDATE') AND
-       (SELECT bool_and(has_table_privilege(t, p))
-        FROM unnest(ARRAY['dd_fields', 'dd_classes', 'dd_tables']) t,
-             unnest(ARRAY['SELECT', 'INSERT', 'UPDATE', 'DELETE']) p)
-FROM dd_schema
-)sql";
-
-static bool is_true(const char* text) {
-  return text != nullptr && *text == 't';
-}
-
-// The schema's version, and whether writes are taken at all.
-static bool read_state(postgres_store& store, problem& why) {
-  postgres_rows rows(store, STATE, parameters(), false, why);
-  const postgres_rows::outcome outcome = rows.next();
-  if (outcome == postgres_rows::FAILED) return false;
-  if (outcome == postgres_rows::END) {
+static bool read_version(postgres_store& store, problem& why) {
+  const std::string statements = join({limit_waiting(store), "SELECT version FROM dd_schema"});
+  const result_owner found = execute(store, statements, why);
+  if (found == nullptr) return false;
+  if (PQntuples(found.get()) == 0) {
     return postgres_damaged(store, IS_INCOMPLETE, why);
   }
-  store.version = static_cast<int>(rows.integer(0));
-  if (is_true(rows.text(1))) {
-    store.refusal = "the server takes no writes (it is a standby, or set to read only)";
-  } else if (!is_true(rows.text(2))) {
-    store.refusal =
-        "the role may only read it; log in as one that may write, or grant it SELECT, INSERT, "
-        "UPDATE and DELETE";
-  }
+  store.version = std::atoi(PQgetvalue(found.get(), 0, 0));
   return true;
 }
 
@@ -140,24 +129,12 @@ static bool is_known_version(const postgres_store& store, problem& why) {
   return false;
 }
 
-static bool has_dictionary(postgres_store& store, problem& why) {
-  const result_owner found =
-      execute(store, "SELECT to_regclass('dd_schema') IS NOT NULL", parameters(), why);
-  if (found == nullptr) return false;
-  return is_true(PQgetvalue(found.get(), 0, 0)) ||
-         postgres_refuse(store, TAV_ERR_NOT_FOUND,
-                         "the database holds no dictionary; correct the entry 'dictionary' of "
-                         "section [dm], or make it with 'tav_dict init'",
-                         why);
-}
-
 store_owner open_postgres(const std::string& where, const open_options& options, problem& why) {
-  store_owner owner = connect_postgres(where, why);
+  store_owner owner = connect_postgres(where, options, why);
   if (owner == nullptr) return nullptr;
   postgres_store& store = postgres_of(owner.get());
-  store.options = options;
   const bool is_usable =
-      has_dictionary(store, why) && read_state(store, why) && is_known_version(store, why);
+      read_privileges(store, why) && read_version(store, why) && is_known_version(store, why);
   return is_usable ? std::move(owner) : nullptr;
 }
 

@@ -6,7 +6,8 @@
 namespace dm {
 
 static bool is_many(query which) {
-  return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES || which == SELECT_CLASSES ||
+  return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES ||
+         which == SELECT_FIELDS_WITH_KEYS || which == SELECT_CLASSES ||
          which == SELECT_CLASSES_BELOW || which == SELECT_TABLES;
 }
 

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "dm/postgres/postgres_line.h"
+
 namespace dm {
 
 // Of small rows some 60 KB, of class definitions about a megabyte.
@@ -31,9 +33,7 @@ postgres_rows::~postgres_rows() {
 
 bool postgres_rows::ask() {
   settle(store_);
-  if (PQsendQuery(store_.connection, fetch_.c_str()) == 0) {
-    return postgres_failed(store_, nullptr, why_);
-  }
+  if (!send_message(store_, fetch_, nullptr)) return postgres_failed(store_, nullptr, why_);
   store_.fetching = this;
   return true;
 }
@@ -41,8 +41,7 @@ bool postgres_rows::ask() {
 void postgres_rows::collect() {
   if (store_.fetching != this) return;
   store_.fetching = nullptr;
-  coming_.reset(PQgetResult(store_.connection));
-  while (PGresult* rest = PQgetResult(store_.connection)) PQclear(rest);
+  coming_ = take_answer(store_);
 }
 
 bool postgres_rows::take() {

@@ -2,16 +2,19 @@
 
 namespace dm {
 
+// A column stands on a line of its own: name, type, COLLATE, NOT NULL, DEFAULT, then its guards
+// ('tav_dict check' compares that with what the server says).
+//
 // Keys are ordered byte by byte, whatever the database's own order. The definition's text stays as
 // it was written, and is known to be JSON. The views are for people: the place of an entry is its
 // path in the definition, NULL stands for the class itself.
 const char POSTGRES_SCHEMA[] = R"sql(
 CREATE TABLE dd_schema (
   version INTEGER NOT NULL,
-  is_one BOOLEAN PRIMARY KEY DEFAULT true CHECK (is_one)
+  is_one BOOLEAN NOT NULL DEFAULT true PRIMARY KEY CHECK (is_one)
 );
 CREATE TABLE dd_databases (
-  id BIGINT PRIMARY KEY,
+  id BIGINT NOT NULL PRIMARY KEY,
   number TEXT NOT NULL UNIQUE,
   counter BIGINT NOT NULL
 );
@@ -28,7 +31,7 @@ CREATE TABLE dd_fields (
   UNIQUE (database, folded)
 );
 CREATE TABLE dd_classes (
-  id BIGINT PRIMARY KEY,
+  id BIGINT NOT NULL PRIMARY KEY,
   database BIGINT NOT NULL REFERENCES dd_databases (id),
   folded TEXT COLLATE "C" NOT NULL,
   name TEXT NOT NULL,

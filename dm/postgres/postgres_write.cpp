@@ -4,6 +4,7 @@
 #include "dm/database_number.h"
 #include "dm/folded.h"
 #include "dm/postgres/postgres_rows.h"
+#include "dm/schema.h"
 
 namespace dm {
 
@@ -12,14 +13,18 @@ bool postgres_add_database(store* base, uint64_t number, int64_t& id, problem& w
       "INSERT INTO dd_databases (id, number, counter)"
       " SELECT coalesce(max(id), 0) + 1, $1, 0 FROM dd_databases RETURNING id";
   postgres_rows rows(postgres_of(base), INSERT, parameters(database_text(number)), false, why);
-  if (rows.next() != postgres_rows::ROW) return false;
+  const postgres_rows::outcome outcome = rows.next();
+  if (outcome == postgres_rows::END) {
+    return postgres_refuse(postgres_of(base), TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  }
+  if (outcome != postgres_rows::ROW) return false;
   id = rows.integer(0);
   return true;
 }
 
 bool postgres_set_counter(store* base, int64_t database, int64_t counter, problem& why) {
-  return execute(postgres_of(base), "UPDATE dd_databases SET counter = $2 WHERE id = $1",
-                 parameters(database, counter), why) != nullptr;
+  return change_rows(postgres_of(base), "UPDATE dd_databases SET counter = $2 WHERE id = $1",
+                     parameters(database, counter), 1, why);
 }
 
 static std::string field_key(int64_t database, int32_t number) {

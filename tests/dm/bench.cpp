@@ -159,9 +159,9 @@ static std::string result_of(const tav_ebuf& ebuf, int32_t location) {
   return code.substr(8) + (ebuf.field != 0 ? std::string(" ") + tav_name_of_field(ebuf.field) : "");
 }
 
-client::client(const dm::settings& settings, int busy_milliseconds) {
+client::client(const dm::settings& settings, int busy_milliseconds, int answer_milliseconds) {
   tav_ebuf ebuf{};
-  session_ = dm::open_session(settings, {busy_milliseconds}, &ebuf);
+  session_ = dm::open_session(settings, {busy_milliseconds, answer_milliseconds}, &ebuf);
   opened = result_of(ebuf, TAV_ERRLOC_CM);
 }
 

@@ -30,7 +30,8 @@ std::string output_of(const std::string& command, int* status = nullptr);
 
 class client {
  public:
-  explicit client(const dm::settings& settings, int busy_milliseconds = 50);
+  explicit client(const dm::settings& settings, int busy_milliseconds = 50,
+                  int answer_milliseconds = 0);
   ~client();
   client(const client&) = delete;
   client& operator=(const client&) = delete;

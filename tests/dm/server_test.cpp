@@ -1,10 +1,14 @@
 // What only a dictionary on a server meets. Runs beside scripts/with-postgres.
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
-#include "bench.h"
 #include "dm/open.h"
 #include "dm/predefined.h"
+#include "server.h"
+
+int messages_sent = 0;
+std::string last_limit;
 
 // The client library's line to the server is cut at its message of that number: the message does
 // not reach the server, or it does, and the answer does not come back.
@@ -12,6 +16,9 @@ static int messages_to_cut = 0, cut_line = -1;
 static bool is_delivered = false;
 
 extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags) {
+  ++messages_sent;
+  const std::string message(static_cast<const char*>(bytes), size);
+  if (message.find("'lock_timeout'") != message.npos) last_limit = message;
   if (--messages_to_cut != 0) return sendto(fd, bytes, size, flags, nullptr, 0);
   pollfd answer = {cut_line = fd, POLLIN, 0};
   if (is_delivered && sendto(fd, bytes, size, flags, nullptr, 0) > 0) poll(&answer, 1, 1000);
@@ -23,7 +30,16 @@ extern "C" ssize_t recv(int fd, void* bytes, size_t size, int flags) {
   return fd == cut_line ? 0 : recvfrom(fd, bytes, size, flags, nullptr, nullptr);
 }
 
-class on_a_server : public dictionary {};
+void on_a_server::wait_until(const std::string& condition) const {
+  for (int tries = 0; query("SELECT " + condition) != "t\n"; ++tries) {
+    ASSERT_LT(tries, 100) << condition;
+    usleep(20000);
+  }
+}
+
+void on_a_server::expect_logged(const std::string& component, const std::string& words) const {
+  EXPECT_NE(log(component).find(words), std::string::npos) << words << "\n" << log(component);
+}
 
 TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
   const struct {
@@ -152,20 +168,6 @@ TEST_F(on_a_server, a_restart_ends_sessions_and_nothing_else) {
   client after(settings);
   EXPECT_EQ(after.fields("F_ONE\n"), "");
   EXPECT_EQ(after.set_fields(F), "ok");
-}
-
-TEST_F(on_a_server, lost_guards_and_what_got_past_them_are_found) {
-  query(
-      "ALTER TABLE dd_tables DROP CONSTRAINT dd_tables_class_fkey;"
-      "INSERT INTO dd_tables VALUES (1, 't', 't', 999)");
-  dm::problem why;
-  std::string found;
-  const dm::store_owner store = dm::open_dictionary(settings, {}, why);
-  auto note = [&found](const std::string_view& text) { return found.append(text), true; };
-  EXPECT_TRUE(store->calls->integrity(store.get(), dm::visit<std::string_view>(note), why));
-  EXPECT_EQ(found,
-            "Table dd_tables has lost some of the constraints that guard it."
-            "A row of dd_tables names a row of dd_classes that is not there.");
 }
 
 // Row ids are given by the writer: behind the highest there is none.

@@ -1,0 +1,18 @@
+// Tests of what only a dictionary on a server meets. They run beside scripts/with-postgres.
+#ifndef TESTS_DM_SERVER_H
+#define TESTS_DM_SERVER_H
+
+#include "bench.h"
+
+// What the client library sends to the server; the last message that says how long to wait.
+extern int messages_sent;
+extern std::string last_limit;
+
+class on_a_server : public dictionary {
+ protected:
+  // Waits until the server says so.
+  void wait_until(const std::string& condition) const;
+  void expect_logged(const std::string& component, const std::string& words) const;
+};
+
+#endif
