@@ -15,7 +15,7 @@ static constexpr uint64_t scrambled(uint64_t number) {
 }
 
 static constexpr dd_hash_key key_of(uint64_t one, uint64_t other) {
-  return {scrambled(one), scrambled(other) | 1};
+  return {scrambled(one), scrambled(other) | 1, scrambled(one + other) | 1};
 }
 
 #ifdef TAV_HASH_KEY
@@ -58,7 +58,7 @@ static uint64_t load(const char* text) {
 
 static constexpr size_t STEP = sizeof(uint64_t);
 
-static uint64_t mixed(uint64_t state, uint64_t bytes) {
+static inline uint64_t mixed(uint64_t state, uint64_t bytes) {
   return dd_multiply(state ^ folded(bytes), DD_HASH_KEY.factor);
 }
 
@@ -78,11 +78,11 @@ static uint64_t read_on(uint64_t state, const char* text, size_t length, size_t&
 }
 
 // The last eight bytes, whether or not they have been read in part, and the length.
-static uint32_t finished(uint64_t state, const char* text, size_t length) {
+[[gnu::always_inline]] static inline uint32_t finished(uint64_t state, const char* text,
+                                                       size_t length) {
   const uint64_t last =
       length >= STEP ? load<uint64_t>(text + length - STEP) : load_short(text, length);
-  const uint64_t hash = mixed(state, last) ^ length;
-  return static_cast<uint32_t>(dd_multiply(hash ^ DD_HASH_KEY.start, DD_HASH_KEY.factor));
+  return static_cast<uint32_t>(mixed(state + length * DD_HASH_KEY.length_factor, last));
 }
 
 uint32_t dd_hash(const char* text, size_t length) {

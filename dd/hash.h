@@ -10,7 +10,8 @@
 
 struct dd_hash_key {
   uint64_t start;
-  uint64_t factor;  // odd
+  uint64_t factor;         // odd
+  uint64_t length_factor;  // odd
 };
 
 // Drawn before main; the build option TAV_HASH_KEY fixes it.
