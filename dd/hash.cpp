@@ -82,7 +82,7 @@ static uint64_t read_on(uint64_t state, const char* text, size_t length, size_t&
                                                        size_t length) {
   const uint64_t last =
       length >= STEP ? load<uint64_t>(text + length - STEP) : load_short(text, length);
-  return static_cast<uint32_t>(mixed(state + length * DD_HASH_KEY.length_factor, last));
+  return dd_upper_half(mixed(state + length * DD_HASH_KEY.length_factor, last));
 }
 
 uint32_t dd_hash(const char* text, size_t length) {

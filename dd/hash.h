@@ -23,6 +23,11 @@ inline uint64_t dd_multiply(uint64_t a, uint64_t b) {
   return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
+// One multiplication alone takes equal steps for numbers that do: they would crowd together.
+inline uint32_t dd_upper_half(uint64_t product) {
+  return static_cast<uint32_t>(product * DD_HASH_KEY.factor >> 32);
+}
+
 // A hash of the folded text: equal for texts that compare equal.
 uint32_t dd_hash(const char* text, size_t length);
 inline uint32_t dd_hash(const char* text) {
@@ -31,7 +36,7 @@ inline uint32_t dd_hash(const char* text) {
 
 inline uint32_t dd_hash_number(int32_t number) {
   const uint64_t started = static_cast<uint32_t>(number) ^ DD_HASH_KEY.start;
-  return static_cast<uint32_t>(dd_multiply(started, DD_HASH_KEY.factor));
+  return dd_upper_half(dd_multiply(started, DD_HASH_KEY.factor));
 }
 
 // The hashes of the beginnings of one text, each longer than the one before: the text is read once.

@@ -180,9 +180,7 @@ void class_world::add_accepted_below(const std::string& key, std::vector<line_cl
   for (auto at = accepted_.lower_bound(key + "/"); at != end; ++at) lines.push_back(at->second);
 }
 
-// A class that the dictionary does not hold has nothing below it there.
 void class_world::add_stored_below(const std::string& key, std::vector<line_class*>& lines) {
-  if (class_id(key.c_str()) == name_cache::ABSENT) return;
   const auto add = [&](line_class& line) {
     if (!line.is_accepted) lines.push_back(&line);
   };
@@ -207,8 +205,10 @@ std::vector<const line_class*> class_world::related_to(const char* class_name) {
   for (line_class* above = own.above; above != nullptr; above = above->above)
     lines.push_back(above);
   std::reverse(lines.begin(), lines.end());
-  add_accepted_below(own.key, lines);
-  add_stored_below(own.key, lines);
+  if (has_class(own.key.c_str())) {  // else nothing is below it yet
+    add_accepted_below(own.key, lines);
+    add_stored_below(own.key, lines);
+  }
   for (line_class* line : lines) read_containers(*line);
   return {lines.begin(), lines.end()};
 }
