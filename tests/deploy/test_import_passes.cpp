@@ -190,8 +190,10 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
 
 static long until_no_memory = 0;  // allocations up to the one that fails; 0: none does
 static long allocations = 0;
+static size_t allocated = 0;  // bytes
 void* operator new(size_t size) {
   ++allocations;
+  allocated += size;
   void* bytes = until_no_memory > 0 && --until_no_memory == 0 ? nullptr : std::malloc(size);
   return bytes != nullptr ? bytes : throw std::bad_alloc();
 }
@@ -307,6 +309,26 @@ TEST(deep_lines, take_memory_for_each_class_but_not_for_each_superclass) {
     EXPECT_EQ(tav_deploy_check_hierarchy(hierarchy, entries, own), 1);
   }
   EXPECT_LT(allocations, 30 * (DEEP + MANY));
+}
+
+// 200 times the same array, which has 200 entries: an index of them takes 10 KB, and is made once.
+TEST(repeated_nodes, are_indexed_once) {
+  constexpr int MANY = 200;
+  std::string array = "entry( name=A type=9 ";
+  std::string repeated;
+  for (int i = 0; i < MANY; ++i) {
+    array += "entry( name=S" + std::to_string(i) + " type=5 ) ";
+    repeated += "entry( name=A type=9 entry( name=S7 type=5 ) ) ";
+  }
+  const dd_flist known = list_of((array + ")").c_str());
+  const dd_flist input = list_of(repeated.c_str());
+  tav_ebuf ebuf{};
+  tav_deploy_class_entries read;
+  const auto entries = tav_deploy_entries_of(read, known.get(), &ebuf);
+  allocated = 0;
+  EXPECT_EQ(tav_deploy_merge_class_fields(read, entries, input.get(), "/c"), 1);
+  EXPECT_EQ(tav_deploy_check_field_storage_change(known.get(), input.get(), "/c"), 1);
+  EXPECT_LT(allocated, 200'000u);
 }
 
 TEST(commit, raises_the_flag_only_as_a_trial) {
