@@ -2,9 +2,8 @@
 #ifndef DD_FOLD_H
 #define DD_FOLD_H
 
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
+#include <string_view>
 
 // The byte with an ASCII capital made small.
 inline unsigned char dd_fold(char c) {
@@ -20,11 +19,7 @@ int dd_compare(const char* a, const char* b);
 inline bool dd_equal(const char* a, const char* b) {
   return dd_fold(*a) == dd_fold(*b) && (std::strcmp(a, b) == 0 || dd_compare(a, b) == 0);
 }
-
-// A hash of the folded text: equal for texts that compare equal.
-uint32_t dd_hash(const char* text, size_t length);
-inline uint32_t dd_hash(const char* text) {
-  return dd_hash(text, std::strlen(text));
-}
+// The same for a part of a text, which ends where its length says.
+bool dd_equal_to_part(const char* a, std::string_view b);
 
 #endif

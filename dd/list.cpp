@@ -39,9 +39,17 @@ tav_flist_t* dd_list::find(const char* name, tav_ebuf* ebuf) {
   return found != nullptr ? found->element : nullptr;
 }
 
-const dd_known* dd_list::find_known(const char* name, uint32_t hash, tav_ebuf* ebuf) {
+bool dd_list::build_names(tav_ebuf* ebuf) {
   const auto add = [&](tav_flist_t* element) { add_name(element, {}, ebuf); };
-  return build(names_, names_built_, add, ebuf) ? names_.find(name, hash) : nullptr;
+  return build(names_, names_built_, add, ebuf);
+}
+
+const dd_known* dd_list::find_known(const char* name, uint32_t hash, tav_ebuf* ebuf) {
+  return build_names(ebuf) ? names_.find(name, hash) : nullptr;
+}
+
+const dd_known* dd_list::find_known(std::string_view name, uint32_t hash, tav_ebuf* ebuf) {
+  return build_names(ebuf) ? names_.find(name, hash) : nullptr;
 }
 
 tav_flist_t* dd_list::find_number(int32_t number, tav_ebuf* ebuf) {

@@ -64,6 +64,7 @@ class dd_list {
   tav_flist_t* find(const char* name, tav_ebuf* ebuf);
   // The same for a name of that hash, with the type; valid until an element comes or goes.
   const dd_known* find_known(const char* name, uint32_t hash, tav_ebuf* ebuf);
+  const dd_known* find_known(std::string_view name, uint32_t hash, tav_ebuf* ebuf);
   // Says that a name of that hash will be sought soon.
   void expect_name(uint32_t hash) const { names_.expect(hash); }
   tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
@@ -86,6 +87,7 @@ class dd_list {
 
   template <class Index, class Add>
   bool build(Index& index, bool& built, Add add, tav_ebuf* ebuf);
+  bool build_names(tav_ebuf* ebuf);
   void note(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf);
   void add_name(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf);
   void add_number(tav_flist_t* element, tav_ebuf* ebuf);

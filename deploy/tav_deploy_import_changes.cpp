@@ -1,5 +1,8 @@
 // Warns of storage names and clauses that differ from what the server holds: it keeps its own.
+#include <unordered_map>
+
 #include "dd/fold.h"
+#include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
@@ -63,23 +66,44 @@ static void compare_entry(tav_flist_t* known, tav_flist_t* entry, int32_t type,
   }
 }
 
-int tav_deploy_check_field_storage_change(tav_flist_t* server_node, tav_flist_t* new_node,
-                                          const char* class_name) {
+namespace {
+
+// One class. The input may name a node again and again: the server's entries of it are indexed
+// once.
+struct comparison {
+  const char* class_name;
+  std::unordered_map<tav_flist_t*, dd_list> server_nodes{};
+};
+
+}  // namespace
+
+static int compare_node(comparison& of_class, tav_flist_t* server_node, tav_flist_t* new_node) {
   tav_ebuf ebuf{};
-  dd_list server_entries(DD_ENTRIES, server_node);
+  dd_list* server_entries = nullptr;
+  dd_with_memory(at(&ebuf, HERE), [&] {
+    server_entries =
+        &of_class.server_nodes.try_emplace(server_node, DD_ENTRIES, server_node).first->second;
+  });
   dd_walk walk(new_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_required_text(entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
     const int32_t type = dd_required_int(entry, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;
-    tav_flist_t* known = tav_deploy_get_class_field_by_name(server_entries, name);
+    tav_flist_t* known = tav_deploy_get_class_field_by_name(*server_entries, name);
     if (known == nullptr) continue;
-    compare_entry(known, entry, type, class_name, name, &ebuf);
+    compare_entry(known, entry, type, of_class.class_name, name, &ebuf);
     if (dd_failed(ebuf)) break;
-    if (tav_deploy_check_field_storage_change(known, entry, class_name) >= 1) continue;
+    if (!dd_has_any(entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
+    if (compare_node(of_class, known, entry) >= 1) continue;
     dd_print_error("Error: Unable to check for changing storage specs\n");
     dd_log(HERE, "Unable to check for changing storage", ebuf);
     return -1;
   }
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+int tav_deploy_check_field_storage_change(tav_flist_t* server_node, tav_flist_t* new_node,
+                                          const char* class_name) {
+  comparison of_class{class_name};
+  return compare_node(of_class, server_node, new_node);
 }

@@ -1,4 +1,6 @@
 // Merges the field entries of a class implementation into its interface.
+#include <unordered_map>
+
 #include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
@@ -44,6 +46,13 @@ struct counterparts {
   dd_index<dd_by_name, tav_deploy_entry*> by_name{};
 };
 
+// One class. An implementation may name a node again and again: its entries are gone through once.
+struct merge {
+  tav_deploy_class_entries& read;
+  const char* class_name;
+  std::unordered_map<const tav_deploy_entry*, counterparts> nodes{};  // by first entry
+};
+
 }  // namespace
 
 static tav_deploy_entry* look_up(counterparts& in, const char* name) {
@@ -65,31 +74,44 @@ static tav_deploy_entry* counterpart(counterparts& in, const char* name) {
   return found;
 }
 
-int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
-                                  tav_flist_t* impl_node, const char* class_name) {
+// Throws std::bad_alloc.
+static counterparts& counterparts_of(merge& of_class, tav_deploy_siblings interface) {
+  const auto [node, is_new] = of_class.nodes.try_emplace(interface.first, counterparts{interface});
+  if (is_new) tav_deploy_mark_repeated(interface, of_class.read.seen);
+  node->second.next = interface.first;
+  return node->second;
+}
+
+static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_t* impl_node) {
   tav_ebuf ebuf{};
-  dd_with_memory(at(&ebuf, HERE), [&] { tav_deploy_mark_repeated(interface, read.seen); });
-  counterparts in{interface};
+  counterparts* in = nullptr;
+  dd_with_memory(at(&ebuf, HERE), [&] { in = &counterparts_of(of_class, interface); });
   dd_walk walk(impl_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
     tav_deploy_entry* entry = nullptr;
-    dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(in, name); });
+    dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(*in, name); });
     if (dd_failed(ebuf)) break;
     if (entry == nullptr) {
       tav_deploy_report(HERE, ERROR, "field interface",
                         "Error: Missing field interface for %s when implementation was provided\n",
                         name);
     } else {
-      merge_entry(*entry, impl_entry, class_name, name, &ebuf);
+      merge_entry(*entry, impl_entry, of_class.class_name, name, &ebuf);
     }
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
     const tav_deploy_siblings nested =
         entry != nullptr ? tav_deploy_nested(*entry) : tav_deploy_siblings{};
-    if (tav_deploy_merge_class_fields(read, nested, impl_entry, class_name) < 1) {
+    if (merge_node(of_class, nested, impl_entry) < 1) {
       return tav_deploy_fail(HERE, "Unable to merge class fields",
                              "Error: Unable to merge class fields\n");
     }
   }
   return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
+                                  tav_flist_t* impl_node, const char* class_name) {
+  merge of_class{read, class_name};
+  return merge_node(of_class, interface, impl_node);
 }

@@ -15,7 +15,8 @@ static std::nullptr_t not_looked_up() {
   return nullptr;
 }
 
-static const dd_known* known_by_name(dd_list& list, const char* name, uint32_t hash, dd_site site) {
+template <class Name>
+static const dd_known* known_by_name(dd_list& list, Name name, uint32_t hash, dd_site site) {
   tav_ebuf ebuf{};
   const dd_known* found = list.find_known(name, hash, at(&ebuf, site));
   if (!dd_failed(ebuf)) return found;
@@ -23,13 +24,14 @@ static const dd_known* known_by_name(dd_list& list, const char* name, uint32_t h
   return not_looked_up();
 }
 
-static tav_flist_t* by_name(dd_list& list, const char* name, dd_site site) {
-  const dd_known* found = known_by_name(list, name, dd_hash(name), site);
+template <class Name>
+static tav_flist_t* by_name(dd_list& list, Name name, uint32_t hash, dd_site site) {
+  const dd_known* found = known_by_name(list, name, hash, site);
   return found != nullptr ? found->element : nullptr;
 }
 
 tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name) {
-  return by_name(list, name, HERE);
+  return by_name(list, name, dd_hash(name), HERE);
 }
 
 const dd_known* tav_deploy_get_known_field(dd_list& list, const char* name, uint32_t hash) {
@@ -47,9 +49,17 @@ tav_flist_t* tav_deploy_get_field_by_id(dd_list& list, int32_t number) {
 }
 
 tav_flist_t* tav_deploy_get_class_by_name(dd_list& list, const char* name) {
-  return by_name(list, name, HERE);
+  return by_name(list, name, dd_hash(name), HERE);
+}
+
+tav_flist_t* tav_deploy_get_class_by_name(dd_list& list, std::string_view name, uint32_t hash) {
+  return by_name(list, name, hash, HERE);
 }
 
 tav_flist_t* tav_deploy_get_class_field_by_name(dd_list& node, const char* name) {
-  return by_name(node, name, HERE);
+  return tav_deploy_get_class_field_by_name(node, name, dd_hash(name));
+}
+
+tav_flist_t* tav_deploy_get_class_field_by_name(dd_list& node, const char* name, uint32_t hash) {
+  return by_name(node, name, hash, HERE);
 }

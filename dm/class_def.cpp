@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "dd/fold.h"
+#include "dd/hash.h"
 
 namespace dm {
 

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-
-#include "dm/folded.h"
-
 namespace dm {
 
 problem damaged_class(const char* name, const char* fault) {
@@ -32,18 +29,22 @@ bool load_class(class_reader& reader, const class_row& row, dd_flist& list, clas
   return true;
 }
 
-void name_cache::add(const char* name, int64_t value) {
+const char* name_cache::add(const char* name, int64_t value) {
   const size_t size = std::strlen(name) + 1;
   auto* copy = static_cast<char*>(names_.allocate(size, 1));
   std::memcpy(copy, name, size);
   values.add_first(copy, value);
+  return copy;
 }
 
 class_world::class_world(store& store, int64_t database) : store_(store), database_(database) {}
 
 bool class_world::read_all() {
   auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
-  auto klass = [this](const class_row& row) { return classes_.add(row.key, row.id), true; };
+  auto klass = [this](const class_row& row) {
+    stored_.push_back({classes_.add(row.key, row.id), nullptr});
+    return true;
+  };
   auto table = [this](const table_row& row) { return tables_.add(row.key, row.class_id), true; };
   const choice keys{choice::KEYS};
   fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
@@ -109,7 +110,8 @@ int64_t class_world::table_owner(const char* table) {
 }
 
 bool class_world::has_class(const char* name) {
-  return accepted_.count(folded(name)) != 0 || class_id(name) != name_cache::ABSENT;
+  line_class* const* line = lines_by_key_.find(name);
+  return (line != nullptr && (*line)->is_accepted) || class_id(name) != name_cache::ABSENT;
 }
 
 bool class_world::is_other_table(const char* table, const char* class_name) {
@@ -134,7 +136,10 @@ void class_world::accept(const class_def& definition, const std::vector<std::str
   const std::string key = folded(text_of(definition, CLASS_NAME));
   for (const std::string& table : old_tables) moved_[folded(table)] = "";
   for (const std::string& table : tables) moved_[folded(table)] = key;
-  accepted_[key] = containers_in(definition);
+  line_class& line = line_of(key);
+  line.containers = containers_in(definition);
+  line.is_read = line.is_accepted = true;
+  accepted_.try_emplace(line.key, &line);
 }
 
 // "/a/" and what follows it up to "/a0" are the classes below "/a", as queries have it.
@@ -155,45 +160,80 @@ bool class_world::stored_classes(const choice& wanted, visitor<class_row> visito
                      [&](const class_row& row) { return visitor.call(visitor.context, row); });
 }
 
-const class_world::containers& class_world::containers_of(const std::string& key) {
-  const auto accepted = accepted_.find(key);
-  if (accepted != accepted_.end()) return accepted->second;
-  const auto [place, is_new] = stored_.try_emplace(key);
-  if (!is_new || class_id(key.c_str()) == name_cache::ABSENT) return place->second;
+// Makes it with those above it, as far up as they are not there yet.
+line_class& class_world::line_of(std::string_view key) {
+  line_class* first = nullptr;
+  line_class** below = &first;
+  for (size_t end = key.size();;) {
+    const uint32_t hash = dd_hash(key.data(), end);
+    if (line_class* const* known = lines_by_key_.find(key.substr(0, end), hash)) {
+      *below = *known;
+      break;
+    }
+    line_class& line = lines_.emplace_back();
+    line.key = key.substr(0, end);
+    lines_by_key_.add(line.key.c_str(), hash, &line);
+    *below = &line;
+    below = &line.above;
+    end = end != 0 ? key.rfind('/', end - 1) : 0;
+    if (end == 0 || end == key.npos) break;
+  }
+  return *first;
+}
+
+void class_world::read_containers(line_class& line) {
+  if (line.is_read) return;
+  line.is_read = true;
+  if (class_id(line.key.c_str()) == name_cache::ABSENT) return;
   dd_flist list;
   class_def definition;
-  auto note = [&, names = &place->second](const class_row& row) {
-    if (load_class(reader_, row, list, definition, why)) *names = containers_in(definition);
-    return true;
-  };
-  stored_classes({choice::NAMED, key.c_str()}, visit<class_row>(note));
-  return place->second;
-}
-
-std::vector<std::string> class_world::names_above(const std::string& name) {
-  std::vector<std::string> names;
-  const std::string key = folded(name);
-  for (size_t at = key.find('/', 1); at != std::string::npos; at = key.find('/', at + 1)) {
-    names.push_back(key.substr(0, at));
-  }
-  return names;
-}
-
-std::vector<std::string> class_world::names_below(const std::string& name) {
-  std::vector<std::string> names;
-  const std::string prefix = folded(name) + "/";
-  for (auto at = accepted_.lower_bound(prefix); at != accepted_.end(); ++at) {
-    if (at->first.compare(0, prefix.size(), prefix) != 0) break;
-    names.push_back(at->first);
-  }
-  // A class that the dictionary does not hold has nothing below it there.
-  if (class_id(name.c_str()) == name_cache::ABSENT) return names;
   auto note = [&](const class_row& row) {
-    if (accepted_.count(row.key) == 0) names.emplace_back(row.key);
+    if (load_class(reader_, row, list, definition, why)) {
+      line.containers = containers_in(definition);
+    }
     return true;
   };
-  stored_classes({choice::KEYS_BELOW, name.c_str()}, visit<class_row>(note));
-  return names;
+  const choice named{choice::NAMED, line.key.c_str()};
+  stored_classes(named, visit<class_row>(note));
+}
+
+// What lies below "/a" lies between "/a/" and "/a0": '0' is the character after '/'.
+void class_world::add_accepted_below(const std::string& key, std::vector<line_class*>& lines) {
+  const auto end = accepted_.lower_bound(key + "0");
+  for (auto at = accepted_.lower_bound(key + "/"); at != end; ++at) lines.push_back(at->second);
+}
+
+void class_world::add_stored_below(const std::string& key, std::vector<line_class*>& lines) {
+  const auto add = [&](line_class& line) {
+    if (!line.is_accepted) lines.push_back(&line);
+  };
+  if (!classes_.is_complete) {
+    auto note = [&](const class_row& row) { return add(line_of(row.key)), true; };
+    const choice below{choice::KEYS_BELOW, key.c_str()};
+    stored_classes(below, visit<class_row>(note));
+    return;
+  }
+  const auto is_before = [](const stored_class& c, const std::string& k) { return c.key < k; };
+  const auto end = std::lower_bound(stored_.begin(), stored_.end(), key + "0", is_before);
+  auto at = std::lower_bound(stored_.begin(), stored_.end(), key + "/", is_before);
+  for (; at != end; ++at) {
+    if (at->line == nullptr) at->line = &line_of(at->key);
+    add(*at->line);
+  }
+}
+
+std::vector<const line_class*> class_world::related_to(const char* class_name) {
+  const line_class& own = line_of(folded(class_name));
+  std::vector<line_class*> lines;
+  for (line_class* above = own.above; above != nullptr; above = above->above)
+    lines.push_back(above);
+  std::reverse(lines.begin(), lines.end());
+  if (has_class(own.key.c_str())) {  // else nothing is below it yet
+    add_accepted_below(own.key, lines);
+    add_stored_below(own.key, lines);
+  }
+  for (line_class* line : lines) read_containers(*line);
+  return {lines.begin(), lines.end()};
 }
 
 }  // namespace dm

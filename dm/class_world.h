@@ -3,14 +3,15 @@
 #ifndef DM_CLASS_WORLD_H
 #define DM_CLASS_WORLD_H
 
+#include <deque>
 #include <map>
 #include <memory_resource>
 #include <optional>
 #include <span>
-#include <unordered_map>
 
 #include "dd/index.h"
 #include "dm/class_json.h"
+#include "dm/folded.h"
 #include "dm/session.h"
 
 namespace dm {
@@ -27,11 +28,20 @@ struct name_cache {
   static constexpr int32_t ABSENT = -1;
   dd_index<dd_by_name, int64_t> values;
   bool is_complete = false;
-  // Keeps a copy of the name.
-  void add(const char* name, int64_t value);
+  // Keeps a copy of the name, and gives it.
+  const char* add(const char* name, int64_t value);
 
  private:
   std::pmr::monotonic_buffer_resource names_;
+};
+
+// A class in its line of superclasses, or the name of one that is not there.
+struct line_class {
+  std::string key;                        // folded
+  line_class* above = nullptr;            // the one right above
+  std::vector<std::string> containers{};  // sorted folded names of its top-level containers,
+  bool is_read = false;                   // once they are known
+  bool is_accepted = false;
 };
 
 class class_world {
@@ -54,10 +64,9 @@ class class_world {
   bool has_class(const char* name);
   // Whether another class than the one of that name has the table.
   bool is_other_table(const char* table, const char* class_name);
-  // Calls with each related class (above or below) and the sorted folded names of its top-level
-  // containers.
-  template <class Call>
-  void each_related(const char* class_name, Call call);
+  // The classes above, from the top, and then those below, accepted ones first; valid as long as
+  // this is.
+  std::vector<const line_class*> related_to(const char* class_name);
 
   // The class stands from now on, with these tables in place of the others.
   void accept(const class_def& definition, const std::vector<std::string>& tables,
@@ -66,10 +75,14 @@ class class_world {
   problem why;
 
  private:
-  using containers = std::vector<std::string>;  // folded names, sorted
-  const containers& containers_of(const std::string& key);
-  std::vector<std::string> names_above(const std::string& key);
-  std::vector<std::string> names_below(const std::string& key);
+  struct stored_class {
+    const char* key;
+    line_class* line;  // null until asked for
+  };
+  line_class& line_of(std::string_view key);
+  void read_containers(line_class& line);
+  void add_accepted_below(const std::string& key, std::vector<line_class*>& lines);
+  void add_stored_below(const std::string& key, std::vector<line_class*>& lines);
   // Classes with this key, or with keys below it.
   bool stored_classes(const choice& wanted, visitor<class_row> visitor);
   int64_t class_id(const char* name);
@@ -81,20 +94,15 @@ class class_world {
   std::vector<int32_t> planned_types_;  // by position in there; ABSENT of what is not planned
   class_reader reader_;
   name_cache fields_;
-  name_cache classes_;  // ids
-  name_cache tables_;   // ids of their classes
-  std::map<std::string, containers> accepted_;
-  std::unordered_map<std::string, containers> stored_;
+  name_cache classes_;                // ids
+  name_cache tables_;                 // ids of their classes
+  std::vector<stored_class> stored_;  // all, ascending, where all keys were read
+  std::deque<line_class> lines_;
+  dd_index<dd_by_name, line_class*> lines_by_key_;
+  std::map<std::string_view, line_class*> accepted_;  // by key
+  key_map<std::string> moved_;                        // table to its class, "" for none
   std::optional<std::span<const class_row>> known_;
-  std::unordered_map<std::string, std::string> moved_;  // table to its class, "" for none
 };
-
-template <class Call>
-void class_world::each_related(const char* class_name, Call call) {
-  for (const auto& names : {names_above(class_name), names_below(class_name)}) {
-    for (const std::string& name : names) call(name, containers_of(name));
-  }
-}
 
 }  // namespace dm
 

@@ -1,11 +1,14 @@
-// The key of a name: its ASCII capitals made small.
+// The key of a name: its ASCII capitals made small; and containers by such keys and by numbers.
 #ifndef DM_FOLDED_H
 #define DM_FOLDED_H
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "dd/fold.h"
+#include "dd/hash.h"
 
 namespace dm {
 
@@ -14,6 +17,17 @@ inline std::string folded(std::string_view name) {
   for (char& c : key) c = static_cast<char>(dd_fold(c));
   return key;
 }
+
+// In place of the library's hashes, for which input can be made that collides.
+struct hash_of_input {
+  size_t operator()(std::string_view key) const { return dd_hash(key.data(), key.size()); }
+  size_t operator()(int32_t number) const { return dd_hash_number(number); }
+};
+
+using key_set = std::unordered_set<std::string, hash_of_input>;
+using number_set = std::unordered_set<int32_t, hash_of_input>;
+template <class Value>
+using key_map = std::unordered_map<std::string, Value, hash_of_input>;
 
 }  // namespace dm
 

@@ -1,6 +1,8 @@
 // 577: classes in ascending folded name, or the named ones in the order asked for; NAME/* stands
 // for that class and all below it.
+#include <algorithm>
 #include <cstring>
+#include <deque>
 #include <unordered_set>
 
 #include "dm/class_world.h"
@@ -18,6 +20,8 @@ struct class_fetch {
   class_reader reader{};
   int32_t count = 0;
   std::unordered_set<int64_t> given{};
+  std::deque<std::string> tops{};  // all below them was given
+  dd_index<dd_by_name, bool> tops_by_name{};
 };
 
 }  // namespace
@@ -39,6 +43,23 @@ static bool get(class_fetch& fetch, const choice& which) {
          !found(fetch.op.why);
 }
 
+// Whether the class was given, if it is there, with one above it or with all below itself.
+static bool was_given(const class_fetch& fetch, const std::string& name) {
+  dd_hash_of_beginnings hashes(name.c_str());
+  for (size_t cut = name.find('/');; cut = name.find('/', cut + 1)) {
+    const size_t length = std::min(cut, name.size());
+    const std::string_view upper(name.data(), length);
+    if (fetch.tops_by_name.find(upper, hashes.next(length)) != nullptr) return true;
+    if (cut == name.npos) return false;
+  }
+}
+
+static bool get_below(class_fetch& fetch, const std::string& top) {
+  const std::string& kept = fetch.tops.emplace_back(top);
+  fetch.tops_by_name.add(kept.c_str(), true);
+  return get(fetch, {choice::BELOW, kept.c_str()});
+}
+
 static bool get_named(class_fetch& fetch) {
   uint32_t position = 0;
   int32_t id = 0;
@@ -52,8 +73,9 @@ static bool get_named(class_fetch& fetch) {
     const size_t length = std::strlen(name);
     const bool below = length >= 2 && std::strcmp(name + length - 2, "/*") == 0;
     const std::string top(name, below ? length - 2 : length);
+    if (was_given(fetch, top)) continue;
     if (!get(fetch, {choice::NAMED, top.c_str()})) return false;
-    if (below && !get(fetch, {choice::BELOW, top.c_str()})) return false;
+    if (below && !get_below(fetch, top)) return false;
   }
   return true;
 }

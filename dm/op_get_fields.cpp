@@ -1,6 +1,5 @@
 // 575: fields in ascending number, or the named ones in the order asked for.
-#include <unordered_set>
-
+#include "dm/folded.h"
 #include "dm/operations.h"
 
 namespace dm {
@@ -42,7 +41,7 @@ dd_flist get_fields(operation& op) {
   tav_ebuf ebuf{};
   dd_flist output(tav_flist_create(&ebuf));
   int32_t count = 0;
-  std::unordered_set<int32_t> given;
+  number_set given;
   const bool all = tav_node_count(op.input, TAV_FLD_FIELD) == 0;
   auto add = [&](const field_row& row) {
     if (all || given.insert(row.number).second) add_field(output.get(), count++, row, &ebuf);

@@ -1,6 +1,5 @@
 // 578: adds and replaces classes in the order of the list; all or nothing.
 #include <cstring>
-#include <unordered_set>
 
 #include "dm/class_rules.h"
 #include "dm/folded.h"
@@ -28,8 +27,8 @@ struct class_run {
   class_world world;
   class_writer writer{};
   class_reader reader{};
-  std::unordered_set<std::string> repeated{};            // names that the list holds twice
-  std::unordered_map<std::string, std::string> tried{};  // their definitions, in a trial
+  key_set repeated{};            // names that the list holds twice
+  key_map<std::string> tried{};  // their definitions, in a trial
   bool has_written = false;
   class_def definition{};  // of the class at hand
   std::vector<std::string> tables{};
@@ -123,8 +122,8 @@ static bool is_sound(class_run& run) {
 
 static bool write_tables(class_run& run, int64_t id, const std::vector<std::string>& old_tables) {
   store* store = run.op.session.store.get();
-  std::unordered_set<std::string> kept;
-  std::unordered_set<std::string> wanted;
+  key_set kept;
+  key_set wanted;
   for (const std::string& table : run.tables) wanted.insert(folded(table));
   for (const std::string& table : old_tables) {
     if (wanted.count(folded(table)) != 0) {

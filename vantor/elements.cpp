@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "dd/hash.h"
+
 namespace vantor {
 
 namespace {
@@ -10,10 +12,8 @@ namespace {
 constexpr size_t FEW = 8;             // elements that are searched one by one
 constexpr uint32_t SPARE_HOLES = 32;  // holes that are left alone in any array
 
-// Fibonacci hashing: the high bits of the product, so that multiples of a power of two spread.
 size_t slot_of(const element_array& array, int32_t id) {
-  const uint64_t product = uint64_t{static_cast<uint32_t>(id)} * 0x9e3779b97f4a7c15u;
-  return static_cast<size_t>(product >> 32) & (array.table.size() - 1);
+  return dd_hash_number(id) & (array.table.size() - 1);
 }
 
 void enter(element_array& array, size_t place) {

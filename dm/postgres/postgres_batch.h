@@ -8,9 +8,9 @@
 #include <array>
 #include <initializer_list>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
+#include "dm/folded.h"
 #include "dm/problem.h"
 
 namespace dm {
@@ -49,8 +49,8 @@ struct postgres_batch {
     uint32_t rows = 0;
   };
   std::array<part, static_cast<size_t>(change::CHANGES)> parts;
-  std::unordered_set<std::string> keys;  // of the rows in it
-  size_t size = 0;                       // bytes
+  key_set keys;     // of the rows in it
+  size_t size = 0;  // bytes
 };
 
 struct postgres_store;

@@ -189,7 +189,11 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
 }
 
 static long until_no_memory = 0;  // allocations up to the one that fails; 0: none does
+static long allocations = 0;
+static size_t allocated = 0;  // bytes
 void* operator new(size_t size) {
+  ++allocations;
+  allocated += size;
   void* bytes = until_no_memory > 0 && --until_no_memory == 0 ? nullptr : std::malloc(size);
   return bytes != nullptr ? bytes : throw std::bad_alloc();
 }
@@ -274,6 +278,58 @@ TEST(names_and_types, that_must_be_there_stop_a_check) {
   const std::string last = "\n\nError: Unable to check for changing storage specs\n";
   ASSERT_GT(text.size(), last.size());
   EXPECT_EQ(text.substr(text.size() - last.size()), last);
+}
+
+// 200 classes below a line of 100: what is done for each of their 20,000 superclasses takes no
+// memory.
+TEST(deep_lines, take_memory_for_each_class_but_not_for_each_superclass) {
+  constexpr int DEEP = 100;
+  constexpr int MANY = 200;
+  std::string text;
+  std::string name;
+  const auto add = [&](const std::string& own, int number) {
+    text += "class( Name=" + own + " entry( name=A" + std::to_string(number) + " type=9 ) ) ";
+  };
+  for (int i = 0; i < DEEP; ++i) add(name += "/c", i);
+  for (int i = 0; i < MANY; ++i) add(name + "/leaf" + std::to_string(i), DEEP + i);
+  tav_deploy_ctx_t ctx{};
+  tav_deploy_import_state state{.ctx = &ctx};
+  state.classes.give(list_of(text.c_str()));
+  state.server_classes = list_of("");
+  ASSERT_EQ(outcome([&] { return tav_deploy_import_classes(state); }), "1|");
+  allocations = 0;
+  EXPECT_EQ(outcome([&] { return tav_deploy_import_order(state); }), "1|");
+  EXPECT_LT(allocations, 10 * (DEEP + MANY));
+  tav_deploy_hierarchy hierarchy{state.working_classes, {}, {}};
+  allocations = 0;
+  tav_ebuf ebuf{};
+  dd_list_walk walk(state.ordered_classes);
+  while (tav_flist_t* storable = walk.next(&ebuf)) {
+    const auto entries = tav_deploy_entries_of(state.entries, storable, &ebuf);
+    const char* own = dd_text(storable, TAV_FLD_NAME, &ebuf);
+    EXPECT_EQ(tav_deploy_check_hierarchy(hierarchy, entries, own), 1);
+  }
+  EXPECT_LT(allocations, 30 * (DEEP + MANY));
+}
+
+// 200 times the same array, which has 200 entries: an index of them takes 10 KB, and is made once.
+TEST(repeated_nodes, are_indexed_once) {
+  constexpr int MANY = 200;
+  std::string array = "entry( name=A type=9 ";
+  std::string repeated;
+  for (int i = 0; i < MANY; ++i) {
+    array += "entry( name=S" + std::to_string(i) + " type=5 ) ";
+    repeated += "entry( name=A type=9 entry( name=S7 type=5 ) ) ";
+  }
+  const dd_flist known = list_of((array + ")").c_str());
+  const dd_flist input = list_of(repeated.c_str());
+  tav_ebuf ebuf{};
+  tav_deploy_class_entries read;
+  const auto entries = tav_deploy_entries_of(read, known.get(), &ebuf);
+  allocated = 0;
+  EXPECT_EQ(tav_deploy_merge_class_fields(read, entries, input.get(), "/c"), 1);
+  EXPECT_EQ(tav_deploy_check_field_storage_change(known.get(), input.get(), "/c"), 1);
+  EXPECT_LT(allocated, 200'000u);
 }
 
 TEST(commit, raises_the_flag_only_as_a_trial) {
