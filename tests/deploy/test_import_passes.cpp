@@ -214,15 +214,19 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
   for (long n = 1; text.substr(0, 2) != "1|" && n < 100; ++n) {
     tav_deploy_class_entries read;
     tav_deploy_tables tables{.keeps_columns = true};
-    text = outcome([&] {
-      until_no_memory = n;
+    const auto check = [&] {
       if (tav_deploy_check_field_types(read, storable.get(), fields, "/c") < 1) return -1;
       const auto own = tav_deploy_entries_of(read, storable.get(), &ebuf);
       if (tav_deploy_check_nesting(read, *own.first, "/c", 1) < 1) return -1;
       const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t");
       return result < 1 ? -1 : tav_deploy_check_unique_names(tables, tables);
+    };
+    text = outcome([&] {
+      until_no_memory = n;
+      const int result = check();
+      until_no_memory = 0;
+      return result;
     });
-    until_no_memory = 0;
     last_lines.insert(text.substr(text.rfind('\n', text.size() - 2) + 1));
   }
   EXPECT_EQ(last_lines.size(), 6u) << text;

@@ -134,7 +134,7 @@ static std::string remedy_in(const std::string& log) {
   const size_t at = log.rfind(START);
   if (at == log.npos) return "no remedy in " + log;
   const std::string rest = log.substr(at + sizeof START - 1);
-  return rest.substr(0, std::min({rest.find(" ("), rest.find(".\n"), rest.size()}));
+  return rest.substr(0, std::min({rest.find(" (42501"), rest.find(".\n"), rest.size()}));
 }
 
 TEST_F(on_a_server, what_a_role_lacks_is_named_and_helps) {

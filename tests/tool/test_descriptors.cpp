@@ -33,8 +33,8 @@ TEST(descriptors, that_are_closed_are_not_given_to_others) {
       {"tav_dict diff <&-", 2,
        "Error: Unable to open file: stdin\n"
        "tav_dict: The definition files have errors; nothing was compared.\n"},
-      {"tav_dict explain <&-", 2, "tav_dict: Standard input cannot be read.\n"},
-      {"tav_dict explain <.", 2, "tav_dict: Standard input cannot be read.\n"},
+      {"tav_dict explain <&-", 2, "tav_dict: Standard input cannot be read to its end.\n"},
+      {"tav_dict explain <.", 2, "tav_dict: Standard input cannot be read to its end.\n"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);

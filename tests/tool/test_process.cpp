@@ -278,7 +278,7 @@ TEST(terminal, gets_texts_made_visible) {
       {{"dict", "diff", "-d", name},
        "'?[31m\xc2\x9b\xff??\xc3\xa4.def'",
        "'?[31m\\u009b\\xff??\xc3\xa4"},
-      {{"dict", "status", name}, name + "\n", "[31m\\u009b\\xff"},
+      {{"dict", "diff", "--color", name}, name + " not in", "[31m\\u009b\\xff"},
       {{"dict", "diff", "--missing", "/dev/null"}, "- field \xc2\x85", "- field \\u0085"},
       {{"dict", "diff", "--missing", "--json", "/dev/null"}, "\"\xc2\x85\"", "\"\\u0085\""},
       {{"field", "F"}, "\"\xc2\x9b\"", "\"\xc2\x9b\""},
