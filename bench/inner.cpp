@@ -10,7 +10,7 @@
 #include "dd/list.h"
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "dparse/dparse.h"
+#include "dparse/read/reader.h"
 
 namespace {
 

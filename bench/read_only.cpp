@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "dd/list.h"
-#include "dparse/dparse.h"
+#include "dparse/read/reader.h"
 
 static char read_ahead[1 << 16];
 

@@ -4,9 +4,9 @@
 #include "dd/descriptors.h"
 #include "dd/last_resort.h"
 #include "dd/report.h"
-#include "deploy/tav_deploy.h"
-#include "deploy/tav_deploy_export.h"
-#include "deploy/tav_deploy_report.h"
+#include "deploy/export/export.h"
+#include "deploy/modes.h"
+#include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy";
 static constexpr char NO_MEMORY[] = "Error: There is not enough memory\n";

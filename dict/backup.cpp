@@ -7,7 +7,7 @@
 #include "dict/visible.h"
 #include "dm/copy.h"
 #include "dm/open.h"
-#include "dm/sqlite_store.h"
+#include "dm/sqlite/dictionary_file.h"
 
 namespace dict {
 

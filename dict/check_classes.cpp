@@ -4,8 +4,8 @@
 #include <map>
 
 #include "dict/check.h"
-#include "dm/class_rules.h"
 #include "dm/folded.h"
+#include "dm/rules/class_rules.h"
 
 namespace dict {
 

@@ -4,9 +4,9 @@
 #include <set>
 
 #include "dict/check.h"
-#include "dm/field_rules.h"
 #include "dm/folded.h"
 #include "dm/predefined.h"
+#include "dm/rules/field.h"
 
 namespace dict {
 

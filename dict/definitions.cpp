@@ -1,8 +1,8 @@
 #include "dict/definitions.h"
 
 #include "dd/values.h"
-#include "deploy/tav_deploy_import.h"
-#include "dm/operations.h"
+#include "deploy/import/import.h"
+#include "dm/ops/operations.h"
 
 namespace dict {
 

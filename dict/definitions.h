@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "dd/list.h"
-#include "deploy/tav_deploy_import_entries.h"
+#include "deploy/import/entries.h"
 #include "dm/settings.h"
 
 namespace dict {

@@ -9,10 +9,10 @@
 #include <iostream>
 #include <memory>
 
-#include "deploy/tav_deploy.h"
+#include "deploy/modes.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace dict {
 

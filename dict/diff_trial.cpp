@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "dd/report.h"
-#include "deploy/tav_deploy_import.h"
+#include "deploy/import/import.h"
 #include "dict/diff.h"
 #include "dm/data_manager.h"
 

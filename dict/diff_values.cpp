@@ -2,10 +2,10 @@
 
 #include "dd/fold.h"
 #include "dd/values.h"
-#include "deploy/tav_deploy_import.h"
+#include "deploy/import/import.h"
 #include "dm/attributes.h"
-#include "dparse/dparse_export_forms.h"
-#include "dparse/dparse_export_sql.h"
+#include "dparse/write/forms.h"
+#include "dparse/write/storage.h"
 
 namespace dict {
 

@@ -7,7 +7,7 @@
 #include "dm/class_json.h"
 #include "dm/json_memory.h"
 #include "dm/json_run.h"
-#include "dm/text_rules.h"
+#include "dm/rules/text.h"
 
 namespace dm {
 

@@ -3,8 +3,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "dm/class_world.h"
 #include "dm/database_number.h"
+#include "dm/rules/class_world.h"
 
 namespace dm {
 

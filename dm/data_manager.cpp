@@ -2,7 +2,7 @@
 #include <new>
 
 #include "dm/data_manager.h"
-#include "dm/operations.h"
+#include "dm/ops/operations.h"
 
 struct tav_dm_session : dm::session {};
 

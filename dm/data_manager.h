@@ -3,8 +3,8 @@
 #define DM_DATA_MANAGER_H
 
 #include "dm/settings.h"
-#include "dm/sqlite_store.h"
-#include "vantor/data_manager.h"
+#include "dm/sqlite/dictionary_file.h"
+#include "vantor/binding.h"
 
 namespace dm {
 

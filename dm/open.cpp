@@ -1,8 +1,8 @@
 #include "dm/open.h"
 
 #include "dm/postgres_module.h"
-#include "dm/sqlite_store.h"
-#include "vantor/data_manager.h"
+#include "dm/sqlite/dictionary_file.h"
+#include "vantor/binding.h"
 
 namespace dm {
 

@@ -4,7 +4,7 @@
 #include <new>
 
 #include "dm/database_number.h"
-#include "dm/operations.h"
+#include "dm/ops/operations.h"
 
 namespace dm {
 

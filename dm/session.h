@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "dd/owners.h"
-#include "dm/field_request.h"
 #include "dm/open.h"
-#include "vantor/data_manager.h"
+#include "dm/ops/field_request.h"
+#include "vantor/binding.h"
 
 namespace dm {
 

@@ -6,7 +6,7 @@
 
 #include "dd/fold.h"
 #include "dd/owners.h"
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace dm {
 

@@ -1,4 +1,4 @@
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 void tav_set_error(tav_ebuf* ebuf, const tav_error& error) {
   if (ebuf == nullptr || ebuf->err_code != TAV_ERR_NONE) return;

@@ -7,7 +7,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace vantor {
 

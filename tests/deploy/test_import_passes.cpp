@@ -7,9 +7,9 @@
 
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "deploy/tav_deploy_import.h"
-#include "deploy/tav_deploy_import_hierarchy.h"
-#include "deploy/tav_deploy_import_tables.h"
+#include "deploy/import/checks/hierarchy.h"
+#include "deploy/import/checks/tables.h"
+#include "deploy/import/import.h"
 
 static const struct {
   const char* word;

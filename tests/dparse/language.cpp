@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "dd/walk.h"
-#include "dparse/dparse.h"
+#include "dparse/read/reader.h"
 
 file stream_of(const std::string& text, bool buffered) {
   file stream(fmemopen(const_cast<char*>(text.data()), text.size(), "r"));

@@ -4,7 +4,7 @@
 
 #include <strings.h>
 
-#include "dparse/dparse_lexer.h"
+#include "dparse/read/lexer.h"
 #include "language.h"
 
 using token_reader = int(FILE* stream, char* text, size_t size);

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <vector>
 
-#include "dparse/dparse.h"
+#include "dparse/read/reader.h"
 #include "language.h"
 
 // The lines of a file beside this one, comments left out, and an empty one at the end.

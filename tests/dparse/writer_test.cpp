@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "dparse/dparse.h"
-#include "dparse/dparse_export.h"
+#include "dparse/read/reader.h"
+#include "dparse/write/writer.h"
 #include "language.h"
 
 struct outcome {

@@ -1,7 +1,7 @@
 // tav.conf: any text gives entries, or a sentence and none; entries written down read back.
 #include "tests/fuzz/target.h"
-#include "vantor/conf_file.h"
-#include "vantor/conf_value.h"
+#include "vantor/conf/conf_file.h"
+#include "vantor/conf/conf_value.h"
 
 using namespace vantor;
 

@@ -1,7 +1,7 @@
 // Stored class definitions: any text gives a definition or a refusal, and what was read is written
 // and reads back as the same.
 #include "dm/class_json.h"
-#include "dm/class_rules.h"
+#include "dm/rules/class_rules.h"
 #include "tests/dparse/language.h"
 #include "tests/fuzz/target.h"
 

@@ -1,10 +1,10 @@
 // The definition language: any text is read or refused with a message, and what was read, written
 // and read again is the same but for what the language loses.
+#include "dparse/read/reader.h"
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "dparse/dparse.h"
-#include "dparse/dparse_export.h"
-#include "dparse/dparse_sql_name.h"
+#include "dparse/buf_storage.h"
+#include "dparse/write/writer.h"
 #include "tests/dparse/language.h"
 #include "tests/fuzz/target.h"
 

@@ -193,7 +193,7 @@ class case_test : public testing::Test {
 static std::set<std::string> findings_in_sources() {
   static const std::regex finding("\n?((?:Error|Warning): [^\"\n]*)\\s*");
   std::set<std::string> found;
-  for (const source_text& each : texts_in("deploy", "tav_deploy_import")) {
+  for (const source_text& each : texts_in("deploy/import")) {
     std::smatch match;
     if (std::regex_match(each.text, match, finding)) found.insert(match[1]);
   }

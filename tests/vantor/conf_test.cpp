@@ -6,7 +6,7 @@
 
 #include "dd/vantor.h"
 #include "in_child.h"
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "dd/values.h"
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace {
 

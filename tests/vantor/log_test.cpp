@@ -10,8 +10,8 @@
 
 #include "dd/values.h"
 #include "in_child.h"
-#include "vantor/data_manager.h"
-#include "vantor/log_text.h"
+#include "vantor/binding.h"
+#include "vantor/log/log_text.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 struct manager_double {
   std::string calls;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "vantor/data_manager.h"
+#include "vantor/binding.h"
 
 namespace {
 

@@ -1,0 +1,71 @@
+// The tables that classes use and the columns in them, as they are collected and checked.
+#ifndef DEPLOY_IMPORT_CHECKS_TABLES_H
+#define DEPLOY_IMPORT_CHECKS_TABLES_H
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "deploy/import/entries.h"
+
+// Of a table or column: there is none.
+inline constexpr size_t TAV_DEPLOY_NONE = SIZE_MAX;
+
+// A use of a table. Its columns are a chain, because those of nested entries come between them.
+struct tav_deploy_table {
+  const char* name;
+  size_t first_column = TAV_DEPLOY_NONE;
+  size_t last_column = TAV_DEPLOY_NONE;
+  bool is_serializable = false;  // may be shared; the collection itself finds no such use
+};
+
+struct tav_deploy_column {
+  const char* name;
+  uint32_t hash;  // of the name
+  size_t next = TAV_DEPLOY_NONE;
+};
+
+// The uses of tables in the order found. Names are borrowed from the classes or kept here.
+struct tav_deploy_tables {
+  bool keeps_columns;  // else only the tables are asked for, and columns are checked but not added
+  std::vector<tav_deploy_table> uses{};
+  std::vector<tav_deploy_column> columns{};
+  std::deque<std::string> names{};
+};
+
+// Adds a use of a table and gives its place. Throws std::bad_alloc.
+size_t tav_deploy_add_table(tav_deploy_tables& tables, const char* name);
+
+// Collects the tables and columns of entries: a class's, or those nested in one. The table's place
+// and name are those of the class or entry, where it has them; the fields are DD_TYPED_FIELDS. 1
+// also when faults were reported, -1 on a failure that stops the check.
+int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
+                                 tav_deploy_siblings entries, dd_list& fields,
+                                 const char* table_name);
+
+// A failed call in the storage checks: told, and the error flag raised; gives -1.
+int tav_deploy_storage_failed(dd_site site, const tav_ebuf& ebuf, const char* log_text);
+
+// How often each name is used; counted once, at the first question.
+struct tav_deploy_table_counts {
+  struct uses {
+    int32_t all = 0;
+    int32_t serializable = 0;
+  };
+
+  const tav_deploy_tables& tables;  // must not change once counted
+  bool counted = false;
+  std::vector<uses> by_place{};                // a name's at its first place
+  dd_index<dd_by_name, size_t> first_place{};  // of each name
+};
+
+// The number of uses; 1 for a table used more than once of which a use is serializable; -1 when
+// they cannot be counted, which is told.
+int tav_deploy_count_table_by_name(tav_deploy_table_counts& counts, const char* name);
+
+// Reports tables of `tables` that stand more than once in `all_tables`, and columns that stand more
+// than once in a table: 1, or -1.
+int tav_deploy_check_unique_names(const tav_deploy_tables& tables,
+                                  const tav_deploy_tables& all_tables);
+
+#endif

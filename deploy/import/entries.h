@@ -1,0 +1,74 @@
+// The field entries of classes as plain records: a class is read once, and the passes ask the
+// records.
+#ifndef DEPLOY_IMPORT_ENTRIES_H
+#define DEPLOY_IMPORT_ENTRIES_H
+
+#include <unordered_map>
+#include <vector>
+
+#include "dd/list.h"
+
+// An entry; those nested in it follow it. Element and texts are borrowed from the class.
+struct tav_deploy_entry {
+  tav_flist_t* element;
+  const char* name;               // "" where it is missing
+  const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until asked for
+  uint32_t storage_hash = 0;
+  std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
+  uint32_t hash = 0;                      // of the name
+  int32_t type = 0;                       // 0 where it is missing
+  uint32_t size = 1;                      // in records: its own and those of what is nested in it
+  bool is_system = false;                 // has SYSTEM permission, at the top level
+  bool is_defined = false;                // the definition was found
+  bool has_storage = false;               // it is not empty
+  bool repeats_earlier = false;           // a sibling before it has its name
+  bool is_repeated = false;               // any other sibling has
+};
+
+// The entries of one node, in order; a walk over them passes over what is nested in them.
+struct tav_deploy_siblings {
+  struct place {
+    tav_deploy_entry* entry;
+    tav_deploy_entry& operator*() const { return *entry; }
+    place& operator++() {
+      entry += entry->size;
+      return *this;
+    }
+    bool operator==(const place&) const = default;
+  };
+
+  tav_deploy_entry* first = nullptr;
+  tav_deploy_entry* last = nullptr;  // behind the last record
+
+  place begin() const { return {first}; }
+  place end() const { return {last}; }
+};
+
+inline tav_deploy_siblings tav_deploy_nested(tav_deploy_entry& entry) {
+  return {&entry + 1, &entry + entry.size};
+}
+
+// The classes that have been read.
+struct tav_deploy_class_entries {
+  std::unordered_map<const tav_flist_t*, std::vector<tav_deploy_entry>> classes;
+  std::vector<tav_deploy_entry> reading;  // the class being read, whose size is not known yet
+  dd_index<dd_by_name, tav_deploy_entry*> seen;  // scratch of tav_deploy_mark_repeated
+};
+
+// The class's top-level entries, read unless they have been; valid as long as these live. None
+// when that fails.
+tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
+                                          tav_ebuf* ebuf);
+// Reads a class whose entries are asked for once only, over what was read before; not who has
+// SYSTEM permission.
+tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
+                                            tav_flist_t* storable, tav_ebuf* ebuf);
+// Marks the siblings that share a name. Throws std::bad_alloc.
+void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
+                              dd_index<dd_by_name, tav_deploy_entry*>& seen);
+// Whether the fields have a definition of the entry's name, which is sought until it was found.
+bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields);
+// What the entry has for TAV_FLD_SQL_TABLE; asked for once.
+const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf);
+
+#endif

@@ -1,0 +1,95 @@
+// The import: what its steps share, and the checks that they carry out.
+//
+// A check reports what it finds through tav_deploy_report and goes on, so that one run lists every
+// problem; the flags say afterwards whether there was one. It gives 1, or -1 when it could not be
+// carried out (a list that cannot be walked), which it has then told.
+#ifndef DEPLOY_IMPORT_IMPORT_H
+#define DEPLOY_IMPORT_IMPORT_H
+
+#include <cstring>
+
+#include "deploy/import/entries.h"
+#include "deploy/modes.h"
+#include "deploy/server.h"
+
+// What one run holds. The working lists show the server and the input as one dictionary: they take
+// over what the server has, and the run's new definitions are lent to them.
+struct tav_deploy_import_state {
+  const tav_deploy_ctx_t* ctx = nullptr;
+  tav_deploy_session session{};  // outlives the lists
+  dd_list fields{DD_FIELDS};     // the input
+  dd_list classes{DD_CLASSES};
+  tav_deploy_class_entries entries{};   // of the input's classes
+  dd_list ordered_classes{DD_CLASSES};  // the input's, each after its superclasses, all lent
+  dd_flist server_fields{};
+  dd_flist server_classes{};
+  dd_list working_fields{DD_TYPED_FIELDS};
+  dd_list working_classes{DD_CLASSES};
+};
+
+// --- Steps, in their order
+int tav_deploy_import_read(tav_deploy_import_state& state);
+int tav_deploy_import_fields(tav_deploy_import_state& state);
+int tav_deploy_import_classes(tav_deploy_import_state& state);
+int tav_deploy_import_order(tav_deploy_import_state& state);
+int tav_deploy_import_structure(tav_deploy_import_state& state);
+int tav_deploy_import_storage(tav_deploy_import_state& state);
+
+// Whether a replace would deploy what was read: every check and the trial, which stores nothing.
+// The state holds the input, and the context of that replace. 1, or -1 after a full report.
+int tav_deploy_import_try(tav_deploy_import_state& state);
+
+// --- Reading
+// Reads the files that the context names, or standard input, and merges each class implementation
+// into its interface. The lists are the caller's only on success, and so are the entries.
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
+                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx);
+// Copies the storage names of an implementation's entries, at every depth, to the interface's
+// entries of the same names. Without any of those every entry is missing there.
+int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
+                                  tav_flist_t* impl_node, const char* class_name);
+// Copies what a class or field entry has of storage names and clauses, over what the other has.
+void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);
+
+// --- Superclasses
+inline bool tav_deploy_is_subclass(const char* class_name) {
+  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
+}
+// Reports the superclasses that neither server nor input has; lends the ordering those that the
+// input has, where it lacks them, and the class itself, also where it is there already.
+int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
+                             tav_flist_t* storable);
+
+// --- Structure of a class
+// Whether every field that the class uses, at every depth, is defined with the type it is used
+// with. Reads the class.
+int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* storable,
+                                 dd_list& working_fields, const char* class_name);
+// What a top-level entry may be in a base class or a subclass, and who may have SYSTEM permission.
+void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name);
+// Whether the entries nested in an entry (at that depth, 1 for top-level) may be so.
+int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                                     const char* class_name, int depth);
+// The same, and a failure is told once more, with the class.
+int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+                             const char* class_name, int depth);
+
+// --- Storage
+// Compares a class's, or a node's entries', storage with what the server has: warnings only.
+void tav_deploy_check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
+                                           const char* class_name, tav_ebuf* ebuf);
+int tav_deploy_check_field_storage_change(tav_flist_t* server_node, tav_flist_t* new_node,
+                                          const char* class_name);
+
+// --- Commit
+enum {
+  TAV_DEPLOY_COMMIT_REAL = 0,
+  // The server checks and stores nothing; a failure raises the error flag and the commit goes on.
+  TAV_DEPLOY_COMMIT_TRIAL = TCM_OPFLG_TRIAL,
+};
+// Sends copies of the lists to the server. Another flag word is handed on as it is; a failure then
+// ends the commit and raises no flag.
+int tav_deploy_import_commit(tcm_context_t* connection, uint32_t flags, const tav_poid_t* identity,
+                             tav_flist_t* fields, tav_flist_t* classes, uint64_t database);
+
+#endif

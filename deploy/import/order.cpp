@@ -1,0 +1,107 @@
+// Puts every class after its superclasses, and reports superclasses that are missing.
+#include <cstring>
+#include <string>
+
+#include "dd/memory.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "deploy/import/import.h"
+#include "deploy/lookup.h"
+#include "deploy/report.h"
+
+static constexpr char MODULE[] = "tav_deploy_import";
+
+using enum tav_deploy_raises;
+
+namespace {
+
+// The beginning of a class's name that names a superclass.
+struct superclass {
+  std::string_view name;
+  uint32_t hash;
+};
+
+struct class_lists {
+  dd_list& ordering;
+  dd_list& working;
+  dd_list& input;
+  // Names of classes that are in their places with all above them: nothing is left to do for those
+  // above a class that stands below such a one.
+  dd_index<dd_by_name, tav_flist_t*> settled{};
+  std::vector<superclass> above{};  // the class at hand, from the top
+};
+
+}  // namespace
+
+static void read_superclasses(const char* name, std::vector<superclass>& above) {
+  above.clear();
+  dd_hash_of_beginnings hashes(name);
+  for (const char* cut = std::strchr(name + 1, '/'); cut != nullptr;
+       cut = std::strchr(cut + 1, '/')) {
+    const auto length = static_cast<size_t>(cut - name);
+    above.push_back({{name, length}, hashes.next(length)});
+  }
+}
+
+// The class of that name in the working list, or null after a report.
+static tav_flist_t* place_superclass(class_lists& lists, const superclass& upper, tav_ebuf* ebuf) {
+  tav_flist_t* known = tav_deploy_get_class_by_name(lists.working, upper.name, upper.hash);
+  if (known == nullptr) {
+    tav_deploy_report(HERE, ERROR, "Missing parent superclass",
+                      "Error: Missing parent superclass %s\n", std::string(upper.name).c_str());
+    return nullptr;
+  }
+  if (tav_deploy_get_class_by_name(lists.ordering, upper.name, upper.hash) != nullptr) return known;
+  tav_flist_t* input = tav_deploy_get_class_by_name(lists.input, upper.name, upper.hash);
+  if (input != nullptr) lists.ordering.lend(input, at(ebuf, HERE));
+  return known;
+}
+
+static void place_superclasses(class_lists& lists, tav_ebuf* ebuf) {
+  const std::vector<superclass>& above = lists.above;
+  size_t place = above.size();
+  while (place > 0 && lists.settled.find(above[place - 1].name, above[place - 1].hash) == nullptr) {
+    --place;
+  }
+  for (bool are_there = true; place < above.size(); ++place) {
+    tav_flist_t* known = place_superclass(lists, above[place], ebuf);
+    are_there = are_there && known != nullptr;
+    if (!are_there) continue;
+    lists.settled.add(dd_text(known, TAV_FLD_NAME, at(ebuf, HERE)), above[place].hash, known);
+  }
+}
+
+static int place_class(class_lists& lists, tav_flist_t* storable) {
+  tav_ebuf ebuf{};
+  const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
+  if (*name == '\0') return tav_deploy_fail(HERE, "Missing class name", "Error: Internal Error\n");
+  if (*name != '/') {
+    tav_deploy_report(HERE, ERROR, "class name does not begin with a '/'",
+                      "Error: storable class names must begin with '/': %s\n", name);
+    return 1;
+  }
+  dd_with_memory(at(&ebuf, HERE), [&] {
+    read_superclasses(name, lists.above);
+    place_superclasses(lists, &ebuf);
+  });
+  lists.ordering.lend(storable, at(&ebuf, HERE));
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
+                             tav_flist_t* storable) {
+  class_lists lists{ordering, working_classes, input_classes};
+  return place_class(lists, storable);
+}
+
+int tav_deploy_import_order(tav_deploy_import_state& state) {
+  tav_ebuf ebuf{};
+  class_lists lists{state.ordered_classes, state.working_classes, state.classes};
+  dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);
+  while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
+    if (place_class(lists, storable) >= 1) continue;
+    return tav_deploy_fail(HERE, "Unable to prepare subclass",
+                           "Error: Unable to prepare subclass\n");
+  }
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}

@@ -1,0 +1,126 @@
+// Reads the definition files into one list of fields and one of classes.
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "dd/report.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "deploy/import/import.h"
+#include "deploy/lookup.h"
+#include "deploy/report.h"
+#include "dparse/read/reader.h"
+
+static constexpr char MODULE[] = "tav_deploy_import";
+
+namespace {
+
+struct close_file {
+  void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using open_file = std::unique_ptr<FILE, close_file>;
+
+// Where the file that is open is read to: most tokens then stand whole in what was read. A C
+// library may take the size of a buffer as a wish unless it is given one.
+char read_ahead[1 << 16];
+
+struct definitions {
+  dd_list fields{DD_FIELDS};
+  dd_list interfaces{DD_CLASSES};
+  dd_list implementations{DD_CLASSES};
+};
+
+}  // namespace
+
+static int cannot_open(const char* name, bool is_first) {
+  return tav_deploy_fail(HERE, is_first ? "Error, unable to open file" : "Unable to open file",
+                         "Error: Unable to open file: %s\n", name);
+}
+
+static int parse(FILE* stream, const char* name, bool is_first, definitions& read) {
+  std::setvbuf(stream, read_ahead, _IOFBF, sizeof read_ahead);
+  const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
+  if (result >= 1) return 1;
+  if (result == DPARSE_UNREADABLE) return cannot_open(name, is_first);
+  const char* message = dparseGetErrMsg();
+  return tav_deploy_fail(HERE, message, "Error: in %s at line %d: %s\n", dparseGetFname(),
+                         dparseGetErrLine(), message);
+}
+
+static int read_file(const char* name, bool is_first, definitions& read) {
+  dparseSetFname(name);
+  const open_file stream(std::fopen(name, "r"));
+  if (stream == nullptr) return cannot_open(name, is_first);
+  return parse(stream.get(), name, is_first, read);
+}
+
+static int read_standard_input(definitions& read) {
+  static constexpr char NAME[] = "stdin";
+  dparseSetFname(NAME);
+  if (parse(stdin, NAME, true, read) >= 1) return 1;
+  std::fclose(stdin);
+  return -1;
+}
+
+static int read_all(definitions& read, const tav_deploy_ctx_t& ctx) {
+  if (ctx.name_count == 0) return read_standard_input(read);
+  for (int32_t i = 0; i < ctx.name_count; ++i) {
+    if (read_file(ctx.names[i], i == 0, read) < 1) return -1;
+  }
+  return 1;
+}
+
+static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
+                       tav_deploy_class_entries& entries, tav_ebuf* ebuf) {
+  const char* name = dd_text(implementation, TAV_FLD_NAME, at(ebuf, HERE));
+  if (dd_failed(*ebuf)) return 1;
+  tav_flist_t* interface = tav_deploy_get_class_by_name(interfaces, name);
+  if (interface == nullptr) {
+    tav_deploy_report(
+        HERE, tav_deploy_raises::ERROR, "storable class implementation with no interface",
+        "Error: Storable class implementation %s specified without interface\n", name);
+    return 1;
+  }
+  tav_deploy_merge_storage(interface, implementation, ebuf);
+  const tav_deploy_siblings own = tav_deploy_entries_of(entries, interface, ebuf);
+  if (dd_failed(*ebuf)) return 1;
+  if (tav_deploy_merge_class_fields(entries, own, implementation, name) >= 1) return 1;
+  dd_log(HERE, "Unable to merge class implementation fields into interface");
+  return tav_deploy_fail(HERE, "Unable to merge storable class implementation with interface",
+                         "Error: Unable to merge storable class implementation with interface\n");
+}
+
+static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
+  tav_ebuf ebuf{};
+  dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
+  while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
+    if (merge_class(implementation, read.interfaces, entries, &ebuf) < 1) return -1;
+  }
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+static int create_lists(definitions& read) {
+  tav_ebuf ebuf{};
+  for (dd_list* list : {&read.fields, &read.interfaces, &read.implementations}) {
+    list->give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
+  }
+  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+}
+
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
+                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx) {
+  definitions read;
+  if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
+  if (merge_all(read, entries) < 1) {
+    return tav_deploy_fail(HERE, "Unable to merge class interface with implementation",
+                           "Error: Unable to merge class interface with implementation\n");
+  }
+  read.implementations.leave();
+  fields = std::move(read.fields);
+  classes = std::move(read.interfaces);
+  return 1;
+}
+
+int tav_deploy_import_read(tav_deploy_import_state& state) {
+  return tav_deploy_read_import_files(state.fields, state.classes, state.entries, *state.ctx);
+}

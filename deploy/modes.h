@@ -1,0 +1,58 @@
+// The tool: what the command line asks for, the modes that carry it out, and the status that the
+// importing modes end with.
+#ifndef DEPLOY_MODES_H
+#define DEPLOY_MODES_H
+
+#include <cstdint>
+#include <cstdio>
+
+enum {
+  TAV_DEPLOY_MODE_CLASS = 1,
+  TAV_DEPLOY_MODE_FIELD = 2,
+  TAV_DEPLOY_MODE_VERIFY = 3,
+  TAV_DEPLOY_MODE_CREATE = 4,
+  TAV_DEPLOY_MODE_REPLACE = 5,
+};
+
+inline constexpr int TAV_DEPLOY_MAX_NAMES = 2048;
+// The database number while "-d" waits for its word; passed on as it is when none comes.
+inline constexpr uint64_t TAV_DEPLOY_DATABASE_AWAITED = UINT64_MAX;
+
+// One run's order. The names are the process's own argument texts.
+struct tav_deploy_ctx_t {
+  uint32_t mode;
+  int32_t export_interface;    // -n
+  int32_t export_impl;         // -m
+  int32_t include_subclasses;  // -s
+  int32_t select_custom;       // -c
+  int32_t select_predefined;   // -p
+  uint64_t database;           // -d: four groups of 16 bits; 0 stands for the login's database
+  const char* names[TAV_DEPLOY_MAX_NAMES];
+  int32_t name_count;
+};
+
+// The modes: 1 or more for success, 0 or less for failure.
+int tav_deploy_export_class(tav_deploy_ctx_t* ctx);
+int tav_deploy_export_fields(tav_deploy_ctx_t* ctx);
+int tav_deploy_import(tav_deploy_ctx_t* ctx);
+
+// Whether the input cannot be deployed (error) or differs from what the server holds (conflict): 1
+// from the start, -1 once raised, never lowered again.
+extern int32_t tav_deploy_verify_status;
+extern int32_t tav_deploy_conflict_status;
+int tav_deploy_get_error();
+int tav_deploy_get_conflict();
+void tav_deploy_raise_error();
+void tav_deploy_raise_conflict();
+
+// How many field definitions and classes the import has read.
+extern int32_t tav_deploy_fld_count;
+extern int32_t tav_deploy_class_count;
+
+// A null program prints as tav_deploy.
+void tav_deploy_display_usage(FILE* stream, const char* program);
+
+// Reads a command line into a context; 1, or -1 when it was refused (and the operator told why).
+int tav_deploy_read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx);
+
+#endif

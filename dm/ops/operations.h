@@ -1,0 +1,42 @@
+// The operations of the data manager, each on a session whose provisional 576 is settled.
+#ifndef DM_OPS_OPERATIONS_H
+#define DM_OPS_OPERATIONS_H
+
+#include "dm/session.h"
+
+namespace dm {
+
+// What one operation works on and says.
+struct operation {
+  dm::session& session;
+  const tav_flist_t* list;
+  const tav_node* input;
+  uint32_t flags;
+  problem why;                       // set when the operation fails
+  std::vector<std::string> notes{};  // sentences for the DM's tavlog, once it has succeeded
+};
+
+// Each gives the output list, or none with the problem set.
+dd_flist get_fields(operation& op);     // 575
+dd_flist set_fields(operation& op);     // 576
+dd_flist get_classes(operation& op);    // 577
+dd_flist set_classes(operation& op);    // 578
+dd_flist delete_fields(operation& op);  // 585
+
+// An empty output list.
+dd_flist nothing_to_give(operation& op);
+// Sets the problem; gives none.
+dd_flist refuse(operation& op, int32_t code, uint32_t field, std::string sentence);
+// The refusal of writes that the configuration does not allow.
+dd_flist refuse_writes(operation& op, const char* entry);
+
+// Writes what a 576 planned into the open transaction.
+bool write_fields(session& session, const field_plan& plan, problem& why);
+
+// Whether the second list's fields are the first's without the mark of fields that the dictionary
+// had already: same names, types and numbers in the same order.
+bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,227 @@
+// 578: adds and replaces classes in the order of the list; all or nothing.
+#include <cstring>
+
+#include "dm/folded.h"
+#include "dm/ops/operations.h"
+#include "dm/rules/class_rules.h"
+
+namespace dm {
+
+namespace {
+
+// A class that is there already.
+struct old_class {
+  int64_t id = 0;  // 0: there is none
+  int64_t stamp = 0;
+  std::string text;  // its definition
+  dd_flist list;     // what the definition borrows
+  class_def definition;
+};
+
+// One run of the operation. In earnest each class is written at once, so that the store gives the
+// state that the next one is judged against; a trial keeps what the next ones may ask for.
+struct class_run {
+  operation& op;
+  const database_row& database;
+  bool is_trial;
+  class_world world;
+  class_writer writer{};
+  class_reader reader{};
+  key_set repeated{};            // names that the list holds twice
+  key_map<std::string> tried{};  // their definitions, in a trial
+  bool has_written = false;
+  class_def definition{};  // of the class at hand
+  std::vector<std::string> tables{};
+  std::vector<std::string> notes{};
+};
+
+}  // namespace
+
+// Above so many classes (in a file) all keys are read at once.
+static constexpr uint32_t MANY = 200;
+
+static void find_repeated(class_run& run) {
+  dd_index<dd_by_name, int64_t> names;
+  uint32_t position = 0;
+  int32_t id = 0;
+  for (int64_t place = 0;; ++place) {
+    const tav_node* node = tav_node_next(run.op.input, TAV_FLD_OBJ_DESC, &position, &id);
+    if (node == nullptr) return;
+    const auto* name = static_cast<const char*>(tav_node_get(node, TAV_FLD_NAME));
+    if (name != nullptr && names.add_first(name, place) != place) run.repeated.insert(folded(name));
+  }
+}
+
+static bool find_old(class_run& run, const char* name, old_class& old) {
+  const auto tried = run.tried.find(folded(name));
+  store* store = run.op.session.store.get();
+  auto note = [&](const class_row& row) {
+    old.id = row.id;
+    old.stamp = row.stamp;
+    old.text = tried != run.tried.end() ? tried->second : row.definition;
+    return true;
+  };
+  const choice named{choice::NAMED, name};
+  if (tried != run.tried.end()) {
+    old.text = tried->second;
+    old.id = -1;
+  } else if (!run.world.has_class(name)) {
+    return true;
+  } else if (!store->calls->classes(store, run.database.id, named, visit<class_row>(note),
+                                    run.op.why)) {
+    return false;
+  }
+  const class_row row{old.id, "", name, old.stamp, old.text.c_str()};
+  return old.id == 0 || load_class(run.reader, row, old.list, old.definition, run.op.why);
+}
+
+static std::vector<std::string> tables_of(const class_def& definition) {
+  std::vector<std::string> tables;
+  const char* table = text_of(definition, CLASS_TABLE);
+  if (*table != '\0') tables.emplace_back(table);
+  for (const entry_def& entry : definition.entries) {
+    const char* name = text_of(entry, ENTRY_SQL_NAME);
+    if (entry.type == TAV_FLDT_BUF) tables.emplace_back(storage_of_buf(name).table);
+    if (is_container(entry.type)) tables.emplace_back(name);
+  }
+  return tables;
+}
+
+// A subclass's own table is not stored.
+static void drop_own_table(class_run& run) {
+  const char* table = needless_table(run.definition);
+  if (table == nullptr) return;
+  run.notes.push_back(join({"Subclass ", quoted(text_of(run.definition, CLASS_NAME)),
+                            " needs no table: its table ", quoted(table), " is not stored."}));
+  run.definition.values[CLASS_TABLE] = nullptr;
+}
+
+static bool may_replace(class_run& run, const old_class& old) {
+  const bool is_ours = old.id <= 0 || old.stamp > run.database.counter;  // from earlier in the list
+  if (is_ours ||
+      !is_foreign(run.op.session, run.database.number, &seen_database::classes, old.stamp)) {
+    return true;
+  }
+  findings conflict;
+  blame(run.definition, TAV_ERR_CONFLICT, TAV_FLD_NAME,
+        "was written by another session since this one fetched the classes; run again", conflict);
+  run.op.why = conflict.front();
+  return false;
+}
+
+static bool is_sound(class_run& run) {
+  findings found;
+  check_class(run.definition, run.world, run.tables, found);
+  if (run.world.why.code != TAV_ERR_NONE) {
+    run.op.why = run.world.why;
+    return false;
+  }
+  if (!found.empty()) run.op.why = found.front();
+  return found.empty();
+}
+
+static bool write_tables(class_run& run, int64_t id, const std::vector<std::string>& old_tables) {
+  store* store = run.op.session.store.get();
+  key_set kept;
+  key_set wanted;
+  for (const std::string& table : run.tables) wanted.insert(folded(table));
+  for (const std::string& table : old_tables) {
+    if (wanted.count(folded(table)) != 0) {
+      kept.insert(folded(table));
+    } else if (!store->calls->delete_table(store, run.database.id, table.c_str(), run.op.why)) {
+      return false;
+    }
+  }
+  for (const std::string& table : run.tables) {
+    const std::string key = folded(table);
+    const table_row row{key.c_str(), table.c_str(), id};
+    if (kept.count(key) != 0) continue;
+    if (!store->calls->add_table(store, run.database.id, row, run.op.why)) return false;
+  }
+  return true;
+}
+
+// An unchanged class is not written.
+static bool write_class(class_run& run, const old_class& old,
+                        const std::vector<std::string>& old_tables) {
+  const std::string_view text = run.writer.write(run.definition);
+  if (old.id != 0 && old.text == text) return true;
+  const char* name = text_of(run.definition, CLASS_NAME);
+  const std::string key = folded(name);
+  class_row row{old.id, key.c_str(), name, run.database.counter + 1, text.data()};
+  store* store = run.op.session.store.get();
+  run.has_written = true;
+  return store->calls->put_class(store, run.database.id, row, run.op.why) &&
+         write_tables(run, row.id, old_tables);
+}
+
+static bool set_class(class_run& run, const tav_node* node, int32_t id) {
+  read_class(node, id, run.definition);
+  run.world.expect(run.definition);
+  old_class old;
+  const char* name = text_of(run.definition, CLASS_NAME);
+  if (!find_old(run, name, old) || !may_replace(run, old)) return false;
+  drop_own_table(run);
+  if (old.id != 0) {
+    for (const std::string& path : keep_old(run.definition, old.definition)) {
+      run.notes.push_back(
+          join({"Class ", quoted(name), " is replaced without its field ", quoted(path), "."}));
+    }
+  }
+  if (!is_sound(run)) return false;
+  const std::vector<std::string> old_tables =
+      old.id != 0 ? tables_of(old.definition) : std::vector<std::string>();
+  run.world.accept(run.definition, run.tables, old_tables);
+  if (!run.is_trial) return write_class(run, old, old_tables);
+  const std::string key = folded(name);
+  if (run.repeated.count(key) != 0) run.tried[key] = run.writer.write(run.definition);
+  return true;
+}
+
+static bool set_all(class_run& run) {
+  const field_plan& pending = run.op.session.pending;
+  if (pending.database.id == run.database.id) run.world.add_fields(pending.asked);
+  find_repeated(run);
+  const uint32_t cost = run.op.session.store->look_up_cost;
+  if (tav_node_count(run.op.input, TAV_FLD_OBJ_DESC) > MANY / cost && !run.world.read_all()) {
+    run.op.why = run.world.why;
+    return false;
+  }
+  uint32_t position = 0;
+  int32_t id = 0;
+  while (const tav_node* node = tav_node_next(run.op.input, TAV_FLD_OBJ_DESC, &position, &id)) {
+    if (!set_class(run, node, id)) return false;
+  }
+  return true;
+}
+
+static bool finish(class_run& run) {
+  operation& op = run.op;
+  store* store = op.session.store.get();
+  const int64_t stamp = run.database.counter + 1;
+  if (run.has_written && !store->calls->set_counter(store, run.database.id, stamp, op.why)) {
+    return false;
+  }
+  if (!commit_write(op.session, op.why)) return false;
+  if (run.has_written) note_own(op.session, run.database.number, stamp);
+  op.notes = std::move(run.notes);
+  return true;
+}
+
+dd_flist set_classes(operation& op) {
+  if (!op.session.settings.objects_writeable) return refuse_writes(op, "objects_writeable");
+  if ((op.flags & ~static_cast<uint32_t>(TCM_OPFLG_TRIAL)) != 0) {
+    return refuse(op, TAV_ERR_BAD_ARG, 0,
+                  join({"There are no flags ", std::to_string(op.flags), "."}));
+  }
+  database_row database{};
+  const bool is_trial = op.flags != 0;
+  if (!(is_trial ? begin_trial : begin_write)(op.session, op.why)) return nullptr;
+  if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
+  class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
+  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  if (output == nullptr || !set_all(run) || (!is_trial && !finish(run))) return nullptr;
+  return output;
+}
+
+}  // namespace dm

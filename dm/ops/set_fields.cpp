@@ -1,0 +1,132 @@
+// 576: adds fields, or describes known ones anew; all or nothing.
+#include "dm/ops/field_request.h"
+#include "dm/ops/operations.h"
+#include "dm/rules/field.h"
+
+namespace dm {
+
+static bool bad(problem& why, const asked_field& field, int32_t code, uint32_t which,
+                std::string_view fault) {
+  blame_field(field.name, code, which, fault, why);
+  why.rec_id = field.elem_id;
+  return false;
+}
+
+// Against the field that has its name already.
+static bool is_the_same(const asked_field& field, int32_t type, int32_t number, problem& why) {
+  if (*field.type != type) {
+    const char* keyword = dd_type_keyword(type);
+    return bad(
+        why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_TYPE,
+        join({"has another type in the dictionary: ", keyword != nullptr ? keyword : "none"}));
+  }
+  return *field.number == number ||
+         bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
+             join({"has another number in the dictionary: ", std::to_string(number)}));
+}
+
+static bool number_is_free(field_request& request, const asked_field& field, problem& why) {
+  const asked_field& holder = field_at(request, field.first_numbered);
+  const bool taken = &holder == &field ? field.number_is_taken : !dd_equal(holder.name, field.name);
+  return !taken || bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
+                       join({"cannot have the number ", std::to_string(*field.number),
+                             ": another field has it"}));
+}
+
+// Against the dictionary and what stands earlier in the list.
+static bool is_acceptable(field_request& request, asked_field& field, problem& why) {
+  if (!field.is_well_formed) {
+    is_well_formed(field, why);
+    why.rec_id = field.elem_id;
+    return false;
+  }
+  asked_field& first = field_at(request, field.first_named);
+  if (&first == &field) {
+    return field.is_stored ? is_the_same(field, field.stored_type, field.stored_number, why)
+                           : number_is_free(request, field, why);
+  }
+  if (!is_the_same(field, *first.type, *first.number, why)) return false;
+  if (field.descr != nullptr && *field.descr != '\0') {
+    first.descr = field.descr;
+    first.is_described_so = false;
+  }
+  return true;
+}
+
+// Takes the field into the plan: only a first mention has a part there.
+static bool plan_field(const session& session, field_plan& plan, asked_field& field, problem& why) {
+  if (&field_at(plan.asked, field.first_named) != &field) return true;
+  const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
+  if (field.is_stored && !describes) return true;
+  if (field.is_stored && is_foreign(session, plan.target, &seen_database::fields, field.stamp)) {
+    return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
+               "was changed by another session since this one fetched the fields; run again");
+  }
+  return field.is_planned = true;
+}
+
+static bool plan_fields(session& session, field_plan& plan, problem& why) {
+  const tav_node* input = tav_node_of(plan.request.get());
+  if (!find_database(session, input, WRITES_OF_A_DEPLOYMENT, plan.database, why)) return false;
+  field_request& asked = plan.asked;
+  read_request(input, asked);
+  if (!look_up(*session.store, plan.database.id, asked, why)) return false;
+  for (asked_field& field : asked.fields) {
+    if (!is_acceptable(asked, field, why)) return false;
+  }
+  for (asked_field& field : asked.fields) {
+    if (!plan_field(session, plan, field, why)) return false;
+  }
+  return true;
+}
+
+bool write_fields(session& session, const field_plan& plan, problem& why) {
+  store* store = session.store.get();
+  const int64_t id = plan.database.id;
+  const int64_t stamp = plan.database.counter + 1;
+  bool has_written = false;
+  std::vector<field_row> added;
+  for (const asked_field& field : plan.asked.fields) {
+    if (!field.is_planned) continue;
+    const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
+    if (!field.is_stored) added.push_back(row);
+    if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
+    has_written = true;
+  }
+  if (!has_written) return true;
+  if (!added.empty() && !store->calls->add_fields(store, id, added, why)) return false;
+  if (!store->calls->set_counter(store, id, stamp, why)) return false;
+  note_own(session, plan.target, stamp);
+  return true;
+}
+
+// A failed plan writes nothing. Only a provisional one can do without the right to write.
+static bool make_plan(operation& op, field_plan& plan) try {
+  const bool is_pending = &plan == &op.session.pending;
+  if (!(is_pending ? begin_trial : begin_write)(op.session, op.why)) return false;
+  if (plan_fields(op.session, plan, op.why)) return true;
+  plan.asked = {};
+  return false;
+} catch (...) {
+  plan.asked = {};
+  throw;
+}
+
+dd_flist set_fields(operation& op) {
+  const bool is_first = op.session.trial == trial_state::NONE_YET;
+  field_plan ordinary;
+  field_plan& plan = is_first ? op.session.pending : ordinary;
+  if (is_first) op.session.trial = trial_state::UNDECIDED;
+  tav_ebuf ebuf{};
+  plan.request.reset(tav_flist_copy(op.list, &ebuf));
+  plan.target = target_of(op.input);
+  if (dd_failed(ebuf)) return refuse(op, ebuf.err_code, 0, "There is not enough memory.");
+  if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
+  if (!make_plan(op, plan)) return nullptr;
+  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  if (is_first || output == nullptr) return output;
+  if (!write_fields(op.session, plan, op.why) || !commit_write(op.session, op.why)) return nullptr;
+  return output;
+}
+
+}  // namespace dm

@@ -1,0 +1,143 @@
+// The PostgreSQL engine's own side of a store: its connection, statements, errors.
+#ifndef DM_POSTGRES_HANDLE_H
+#define DM_POSTGRES_HANDLE_H
+
+#include <libpq-fe.h>
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "dm/postgres/batch.h"
+#include "dm/postgres/kept.h"
+#include "dm/store.h"
+
+namespace dm {
+
+struct clear_result {
+  void operator()(PGresult* result) const { PQclear(result); }
+};
+using result_owner = std::unique_ptr<PGresult, clear_result>;
+
+struct finish_connection {
+  void operator()(PGconn* connection) const { PQfinish(connection); }
+};
+using connection_owner = std::unique_ptr<PGconn, finish_connection>;
+
+using steady = std::chrono::steady_clock;
+
+class postgres_rows;
+
+struct postgres_store : store {
+  PGconn* connection = nullptr;
+  std::string where;     // as the configuration has it: may hold a password
+  std::string name;      // for people
+  std::string refusal;   // why it takes no writes; empty: it does
+  std::string grants;    // SQL that lets the role read it; empty: it may
+  std::string given_up;  // why the line was; empty: it was not
+  open_options options;
+  std::chrono::milliseconds patience{0};  // left for waiting until others have written
+  steady::time_point asked;               // when the last message was sent
+  int version = 0;
+  bool is_writing = false;
+  postgres_rows* fetching = nullptr;  // whose next rows are on their way
+  unsigned cursors = 0;               // opened so far
+  int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
+  postgres_batch batch{};
+  postgres_kept kept{};
+};
+
+inline postgres_store& postgres_of(store* base) {
+  return *static_cast<postgres_store*>(base);
+}
+
+// The parameters of a statement, in the order of their numbers; what is given is copied.
+class parameters {
+ public:
+  template <class... Values>
+  explicit parameters(const Values&... values) {
+    (add(values), ...);
+  }
+  parameters(const parameters&) = delete;
+  parameters& operator=(const parameters&) = delete;
+
+  void add(int64_t value) { keep(std::to_string(value), 0); }
+  // Null is NULL.
+  void add(const char* text);
+  void add(const std::string& text) { keep(text, 0); }
+  // In the protocol's binary form.
+  void add_binary(std::string bytes) { keep(std::move(bytes), 1); }
+
+  int count() const { return static_cast<int>(values_.size()); }
+  const char* const* values() const { return values_.data(); }
+  const int* lengths() const { return lengths_.data(); }
+  const int* formats() const { return formats_.data(); }
+
+ private:
+  void keep(std::string text, int format);
+  std::deque<std::string> texts_;
+  std::vector<const char*> values_;
+  std::vector<int> lengths_, formats_;
+};
+
+// Carries out one statement and gives its result whole; none with the reason when it fails.
+result_owner execute(postgres_store& store, const std::string& sql, const parameters& with,
+                     problem& why);
+// Carries out statements and gives the result of the last.
+result_owner execute(postgres_store& store, const std::string& sql, problem& why);
+// Carries out a statement that changes so many rows; fewer are a failure.
+bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
+                 uint64_t rows, problem& why);
+// Takes in what is on its way, so that the connection is free.
+void settle(postgres_store& store);
+// A statement that limits how long those after it in the transaction may wait for others.
+std::string limit_waiting(const postgres_store& store);
+// Takes the time since the last message from what is left for waiting.
+void spend_patience(postgres_store& store);
+
+// Says what a failed result (null: none came) means; gives false. The one place that does.
+bool postgres_failed(postgres_store& store, const PGresult* result, problem& why);
+bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
+                     problem& why);
+// The same for what the dictionary itself is to blame for.
+bool postgres_damaged(const postgres_store& store, std::string_view advice, problem& why);
+
+// The engine's words in one line.
+std::string one_line(const char* text);
+// The SQL text of a query, with parameters as this engine writes them.
+std::string postgres_text(const std::string& text);
+
+// Connects; none with the reason.
+store_owner connect_postgres(const std::string& where, const open_options& options, problem& why);
+// Begins to connect once more, to the very server that the store is connected with.
+PGconn* connect_beside(const postgres_store& store);
+// Whether there is a dictionary, and what the role may do with it; false where it can do nothing.
+bool read_privileges(postgres_store& store, problem& why);
+// Whether there is a dictionary in a schema that the role may not use, or the question failed.
+bool is_hidden(postgres_store& store, problem& why);
+// What the module offers.
+store_owner open_postgres(const std::string& where, const open_options& options, problem& why);
+store_owner begin_new_postgres(const std::string& where, const open_options& options, problem& why);
+
+// Calls of the record.
+bool postgres_databases(store*, visitor<database_row>, problem&);
+bool postgres_fields(store*, int64_t, const choice&, visitor<field_row>, problem&);
+bool postgres_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
+bool postgres_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
+bool postgres_count(store*, int64_t, counted, int64_t&, problem&);
+bool postgres_integrity(store*, visitor<std::string_view>, problem&);
+bool postgres_add_database(store*, uint64_t, int64_t&, problem&);
+bool postgres_set_counter(store*, int64_t, int64_t, problem&);
+bool postgres_add_fields(store*, int64_t, std::span<const field_row>, problem&);
+bool postgres_set_description(store*, int64_t, const field_row&, problem&);
+bool postgres_delete_field(store*, int64_t, int32_t, problem&);
+bool postgres_put_class(store*, int64_t, class_row&, problem&);
+bool postgres_add_table(store*, int64_t, const table_row&, problem&);
+bool postgres_delete_table(store*, int64_t, const char*, problem&);
+
+extern const store_calls POSTGRES_CALLS;
+
+}  // namespace dm
+
+#endif

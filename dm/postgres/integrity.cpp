@@ -1,0 +1,186 @@
+// The engine's own test of what it keeps.
+#include <map>
+#include <sstream>
+
+#include "dm/postgres/result_rows.h"
+#include "dm/postgres/tables.h"
+#include "dm/schema.h"
+
+namespace dm {
+
+// What a dictionary's tables and views are made of, and what works on them: each with its name and
+// its shape. What the server makes by itself to enforce a constraint is part of that.
+static constexpr char PARTS[] = R"sql(
+WITH ours (kind, name, relation) AS (
+  SELECT kind, name, to_regclass(name)
+  FROM (VALUES ('table', 'dd_schema'), ('table', 'dd_databases'), ('table', 'dd_fields'),
+               ('table', 'dd_classes'), ('table', 'dd_tables'), ('view', 'dd_class_nodes'),
+               ('view', 'dd_class_fields'), ('view', 'dd_class_attributes')) v (kind, name)
+)
+SELECT kind || ' ' || name,
+       CASE relkind::TEXT || relpersistence::TEXT
+         WHEN 'rp' THEN 'TABLE' WHEN 'ru' THEN 'UNLOGGED TABLE' WHEN 'pp' THEN 'PARTITIONED TABLE'
+         WHEN 'fp' THEN 'FOREIGN TABLE' WHEN 'vp' THEN 'VIEW' ELSE 'OTHER' END
+FROM ours JOIN pg_class ON oid = relation
+UNION ALL
+SELECT 'column ' || attname || ' of ' || name,
+       upper(format_type(atttypid, atttypmod))
+       || coalesce((SELECT ' COLLATE ' || quote_ident(collname) FROM pg_collation c
+                    WHERE c.oid = attcollation AND collname <> 'default'), '')
+       || CASE WHEN attnotnull THEN ' NOT NULL' ELSE '' END
+       || CASE WHEN attgenerated <> '' THEN ' GENERATED' WHEN atthasdef THEN ' DEFAULT ' ELSE '' END
+       || coalesce(pg_get_expr(adbin, adrelid), '')
+       || CASE WHEN attidentity <> '' THEN ' IDENTITY' ELSE '' END
+FROM ours JOIN pg_attribute ON attrelid = relation
+     LEFT JOIN pg_attrdef ON adrelid = attrelid AND adnum = attnum
+WHERE kind = 'table' AND attnum > 0 AND NOT attisdropped
+UNION ALL
+SELECT 'constraint ' || pg_get_constraintdef(c.oid) || ' of ' || name,
+       CASE WHEN EXISTS (SELECT FROM pg_trigger WHERE tgconstraint = c.oid AND tgenabled <> 'O')
+            THEN 'switched off' ELSE 'enforced' END
+FROM ours JOIN pg_constraint c ON conrelid = relation AND contype <> 'n'
+UNION ALL
+SELECT 'trigger ' || tgname || ' of ' || name, ''
+FROM ours JOIN pg_trigger ON tgrelid = relation AND NOT tgisinternal
+UNION ALL
+SELECT 'rule ' || rulename || ' of ' || name, ''
+FROM ours JOIN pg_rewrite ON ev_class = relation AND rulename <> '_RETURN'
+UNION ALL
+SELECT CASE WHEN relforcerowsecurity THEN 'forced ' ELSE '' END || 'row security of ' || name, ''
+FROM ours JOIN pg_class ON oid = relation AND (relrowsecurity OR relforcerowsecurity)
+UNION ALL
+SELECT 'policy ' || polname || ' of ' || name, '' FROM ours JOIN pg_policy ON polrelid = relation
+UNION ALL
+SELECT 'child table ' || inhrelid::regclass || ' of ' || name, ''
+FROM ours JOIN pg_inherits ON inhparent = relation
+UNION ALL
+SELECT 'unique index ' || indexrelid::regclass || ' of ' || name, ''
+FROM ours JOIN pg_index ON indrelid = relation AND indisunique
+WHERE NOT EXISTS (SELECT FROM pg_constraint WHERE conindid = indexrelid AND conrelid = relation)
+ORDER BY 1
+)sql";
+
+// What stands in a dictionary besides columns, which the schema tells; as the server writes it.
+static constexpr char EXPECTED[] = R"(table dd_schema
+table dd_databases
+table dd_fields
+table dd_classes
+table dd_tables
+view dd_class_nodes
+view dd_class_fields
+view dd_class_attributes
+constraint PRIMARY KEY (is_one) of dd_schema
+constraint CHECK (is_one) of dd_schema
+constraint PRIMARY KEY (id) of dd_databases
+constraint UNIQUE (number) of dd_databases
+constraint PRIMARY KEY (database, number) of dd_fields
+constraint UNIQUE (database, folded) of dd_fields
+constraint FOREIGN KEY (database) REFERENCES dd_databases(id) of dd_fields
+constraint CHECK (((number >= 1) AND (number <= 16777215))) of dd_fields
+constraint PRIMARY KEY (id) of dd_classes
+constraint UNIQUE (database, folded) of dd_classes
+constraint FOREIGN KEY (database) REFERENCES dd_databases(id) of dd_classes
+constraint PRIMARY KEY (database, folded) of dd_tables
+constraint FOREIGN KEY (database) REFERENCES dd_databases(id) of dd_tables
+constraint FOREIGN KEY (class) REFERENCES dd_classes(id) of dd_tables)";
+
+static const char* shape_of(const std::string& subject) {
+  if (subject[0] == 'c') return "enforced";
+  return subject[0] == 't' ? "TABLE" : "VIEW";
+}
+
+using parts = std::map<std::string, std::string>;  // shapes by subject
+
+// The columns stand in the schema, a line each.
+static void expect_columns(parts& expected) {
+  static const std::string TABLE = "CREATE TABLE ";
+  std::istringstream lines(POSTGRES_SCHEMA);
+  std::string table;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind(TABLE, 0) == 0)
+      table = line.substr(TABLE.size(), line.rfind(' ') - TABLE.size());
+    if (line.size() < 3 || line[0] != ' ' || line[2] < 'a' || line[2] > 'z') continue;
+    const size_t name_end = line.find(' ', 2);
+    std::string shape = line.substr(name_end + 1);
+    for (const char* guard : {" PRIMARY", " UNIQUE", " REFERENCES", " CHECK", ","}) {
+      shape = shape.substr(0, shape.find(guard));
+    }
+    expected[join({"column ", line.substr(2, name_end - 2), " of ", table})] = shape;
+  }
+}
+
+static parts expected_parts() {
+  parts expected;
+  std::istringstream lines(EXPECTED);
+  for (std::string line; std::getline(lines, line);) expected[line] = shape_of(line);
+  expect_columns(expected);
+  return expected;
+}
+
+static constexpr char BROKEN_INDEXES[] = R"sql(
+SELECT 'Index ' || indexrelid::regclass || ' cannot be used; build it anew (REINDEX).'
+FROM pg_index
+WHERE indrelid IN (to_regclass('dd_schema'), to_regclass('dd_databases'), to_regclass('dd_fields'),
+                   to_regclass('dd_classes'), to_regclass('dd_tables'))
+  AND NOT (indisvalid AND indisready)
+)sql";
+
+static bool check_parts(postgres_store& store, visitor<std::string_view> visitor, problem& why) {
+  const auto tell = [&](std::initializer_list<std::string_view> pieces) {
+    visitor.call(visitor.context, join(pieces));
+  };
+  const result_owner found = execute(store, PARTS, parameters(), why);
+  if (found == nullptr) return false;
+  parts expected = expected_parts();
+  for (int row = 0; row < PQntuples(found.get()); ++row) {
+    const char* subject = PQgetvalue(found.get(), row, 0);
+    const char* shape = PQgetvalue(found.get(), row, 1);
+    const auto at = expected.find(subject);
+    if (at == expected.end()) {
+      tell({"The ", one_line(subject), " is none of a dictionary's."});
+      continue;
+    }
+    if (at->second != shape) {
+      tell({"The ", subject, " is ", one_line(shape), "; this program makes it ", at->second, "."});
+    }
+    expected.erase(at);
+  }
+  for (const auto& [subject, shape] : expected) tell({"The ", subject, " is missing."});
+  return true;
+}
+
+static bool tell_rows(postgres_store& store, const std::string& sql,
+                      visitor<std::string_view> visitor, problem& why) {
+  postgres_rows rows(store, sql, parameters(), false, why);
+  postgres_rows::outcome outcome;
+  while ((outcome = rows.next()) == postgres_rows::ROW) {
+    if (!visitor.call(visitor.context, rows.text(0))) return true;
+  }
+  return outcome == postgres_rows::END;
+}
+
+// References, looked at row by row: who switches triggers off gets past the guard.
+static constexpr struct {
+  const char *table, *column, *parent;
+} REFERENCES[] = {
+    {"dd_fields", "database", "dd_databases"},
+    {"dd_classes", "database", "dd_databases"},
+    {"dd_tables", "database", "dd_databases"},
+    {"dd_tables", "class", "dd_classes"},
+};
+
+bool postgres_integrity(store* base, visitor<std::string_view> visitor, problem& why) {
+  postgres_store& store = postgres_of(base);
+  if (!check_parts(store, visitor, why) || !tell_rows(store, BROKEN_INDEXES, visitor, why)) {
+    return false;
+  }
+  for (const auto& row : REFERENCES) {
+    const std::string sql = join({"SELECT '", orphan(row.table, row.parent), "' FROM ", row.table,
+                                  " child WHERE NOT EXISTS (SELECT FROM ", row.parent,
+                                  " parent WHERE parent.id = child.", row.column, ")"});
+    if (!tell_rows(store, sql, visitor, why)) return false;
+  }
+  return true;
+}
+
+}  // namespace dm

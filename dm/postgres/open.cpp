@@ -1,0 +1,141 @@
+// Opening a dictionary, transactions, closing.
+#include <cstdlib>
+#include <cstring>
+
+#include "dm/postgres/line.h"
+#include "dm/schema.h"
+
+namespace dm {
+
+static void postgres_close(store* base) {
+  postgres_store* store = &postgres_of(base);
+  PQfinish(store->connection);
+  delete store;
+}
+
+static const char* postgres_name(store* base) {
+  return postgres_of(base).name.c_str();
+}
+
+static bool postgres_writeable(store* base) {
+  return postgres_of(base).refusal.empty();
+}
+
+static int postgres_version(store* base) {
+  return postgres_of(base).version;
+}
+
+static void postgres_rollback(store* base) {
+  postgres_store& store = postgres_of(base);
+  settle(store);
+  store.batch = postgres_batch();
+  store.kept = postgres_kept();
+  store.is_writing = false;
+  store.last_class = 0;
+  if (is_lost(store) || PQtransactionStatus(store.connection) == PQTRANS_IDLE) return;
+  if (send_message(store, "ROLLBACK", nullptr)) take_answer(store);
+}
+
+// Whoever holds the row of dd_schema is alone in writing; readers do not look at its lock. A
+// machine that fell silent holds it for a minute, not for hours. What is committed is on the
+// server's disk, even where it is set up to be careless.
+static bool lock(postgres_store& store, problem& why) {
+  static constexpr char PREPARE[] =
+      "SELECT set_config('tcp_keepalives_idle', '30', true),"
+      " set_config('tcp_keepalives_interval', '10', true),"
+      " set_config('tcp_keepalives_count', '3', true), CASE current_setting('synchronous_commit')"
+      " WHEN 'off' THEN set_config('synchronous_commit', 'on', true) END;";
+  const std::string statements =
+      join({"BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE;", limit_waiting(store), PREPARE,
+            "SELECT version FROM dd_schema FOR UPDATE"});
+  const result_owner locked = execute(store, statements, why);
+  if (locked == nullptr) return false;
+  spend_patience(store);
+  // Row security that hides the row would let two write at once.
+  return PQntuples(locked.get()) == 1 ||
+         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+}
+
+static bool begin_snapshot(postgres_store& store, problem& why) {
+  const std::string statements =
+      join({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY;", limit_waiting(store)});
+  return execute(store, statements, why) != nullptr;
+}
+
+static bool postgres_begin(store* base, bool write, problem& why) try {
+  postgres_store& store = postgres_of(base);
+  if (!write) return begin_snapshot(store, why);
+  if (!store.refusal.empty()) {
+    return postgres_refuse(store, TAV_ERR_WRITE_REFUSED, store.refusal, why);
+  }
+  store.is_writing = true;
+  if (lock(store, why)) return true;
+  postgres_rollback(base);
+  return false;
+} catch (const std::bad_alloc&) {
+  postgres_rollback(base);
+  throw;
+}
+
+static bool postgres_commit(store* base, problem& why) {
+  postgres_store& store = postgres_of(base);
+  if (!flush(store, why)) return false;
+  settle(store);
+  const bool is_sent = send_message(store, "COMMIT", nullptr);
+  const result_owner result = is_sent ? take_answer(store, silence::IS_THE_END) : nullptr;
+  // No answer of the server's: it is lost, or there was no memory to receive it. The commit may
+  // have been carried out.
+  const bool is_refused = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) != nullptr;
+  const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
+  if (is_lost(store) || (!is_done && !is_refused)) {
+    return outcome_unknown(store.name, "the connection was lost while the changes were committed",
+                           last_words(store), why);
+  }
+  if (!is_done) return postgres_failed(store, result.get(), why);
+  // A transaction that an error has ended is rolled back instead, which is no error to the server.
+  const bool committed = std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0;
+  postgres_rollback(base);
+  return committed || postgres_refuse(store, TAV_ERR_STORAGE,
+                                      "the server rolled the changes back instead of committing "
+                                      "them; nothing is stored",
+                                      why);
+}
+
+const store_calls POSTGRES_CALLS = {
+    postgres_close,        postgres_name,        postgres_writeable,  postgres_version,
+    postgres_begin,        postgres_commit,      postgres_rollback,   postgres_databases,
+    postgres_fields,       postgres_classes,     postgres_tables,     postgres_count,
+    postgres_add_database, postgres_set_counter, postgres_add_fields, postgres_set_description,
+    postgres_delete_field, postgres_put_class,   postgres_add_table,  postgres_delete_table,
+    postgres_integrity,
+};
+
+static bool read_version(postgres_store& store, problem& why) {
+  const std::string statements = join({limit_waiting(store), "SELECT version FROM dd_schema"});
+  const result_owner found = execute(store, statements, why);
+  if (found == nullptr) return false;
+  if (PQntuples(found.get()) == 0) {
+    return postgres_damaged(store, IS_INCOMPLETE, why);
+  }
+  store.version = std::atoi(PQgetvalue(found.get(), 0, 0));
+  return true;
+}
+
+static bool is_known_version(const postgres_store& store, problem& why) {
+  if (store.version == SCHEMA_VERSION) return true;
+  why.code = TAV_ERR_STORAGE;
+  why.is_damage = true;
+  why.sentence = join({"Dictionary ", quoted(store.name), other_version(store.version)});
+  return false;
+}
+
+store_owner open_postgres(const std::string& where, const open_options& options, problem& why) {
+  store_owner owner = connect_postgres(where, options, why);
+  if (owner == nullptr) return nullptr;
+  postgres_store& store = postgres_of(owner.get());
+  const bool is_usable =
+      read_privileges(store, why) && read_version(store, why) && is_known_version(store, why);
+  return is_usable ? std::move(owner) : nullptr;
+}
+
+}  // namespace dm

@@ -1,0 +1,81 @@
+// Reading rows.
+#include "dm/postgres/result_rows.h"
+#include "dm/rows.h"
+#include "dm/rules/text.h"
+
+namespace dm {
+
+static bool is_many(query which) {
+  return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES ||
+         which == SELECT_FIELDS_WITH_KEYS || which == SELECT_CLASSES ||
+         which == SELECT_CLASSES_BELOW || which == SELECT_TABLES;
+}
+
+template <class Row>
+static bool read_rows(postgres_store& store, query which, const parameters& with,
+                      visitor<Row> visitor, problem& why) {
+  if (!flush(store, why)) return false;
+  postgres_rows rows(store, postgres_text(query_text(which)), with, is_many(which), why);
+  Row row{};
+  postgres_rows::outcome outcome;
+  while ((outcome = rows.next()) == postgres_rows::ROW) {
+    if (!take_row(rows, row)) {
+      return postgres_damaged(store, "a row of it is damaged", why);
+    }
+    if (!visitor.call(visitor.context, row)) return true;
+  }
+  return outcome == postgres_rows::END;
+}
+
+// What is no text of a dictionary is not there; the server would refuse the question.
+static bool can_be_stored(const std::string& key) {
+  return text_fault(key.c_str()) == nullptr;
+}
+
+template <class Row>
+static bool look_up(store* base, int64_t database, const lookup& wanted, visitor<Row> visitor,
+                    problem& why) {
+  parameters with(database);
+  for (int i = 0; i < wanted.texts; ++i) {
+    const std::string& key = wanted.keys[static_cast<size_t>(i)];
+    if (!can_be_stored(key)) return true;
+    with.add(key);
+  }
+  if (wanted.has_number) with.add(int64_t{wanted.number});
+  return read_rows(postgres_of(base), wanted.which, with, visitor, why);
+}
+
+bool postgres_databases(store* base, visitor<database_row> visitor, problem& why) {
+  return read_rows(postgres_of(base), SELECT_DATABASES, parameters(), visitor, why);
+}
+
+bool postgres_fields(store* base, int64_t database, const choice& choice,
+                     visitor<field_row> visitor, problem& why) {
+  return look_up(base, database, field_lookup(choice), visitor, why);
+}
+
+bool postgres_classes(store* base, int64_t database, const choice& choice,
+                      visitor<class_row> visitor, problem& why) {
+  const lookup wanted = class_lookup(choice);
+  bool answered = wanted.texts > 0 && !can_be_stored(wanted.keys[0]);
+  if (answered) return true;
+  if (!answer_kept(postgres_of(base), database, wanted, visitor, answered, why)) return false;
+  return answered || look_up(base, database, wanted, visitor, why);
+}
+
+bool postgres_tables(store* base, int64_t database, const choice& choice,
+                     visitor<table_row> visitor, problem& why) {
+  return look_up(base, database, table_lookup(choice), visitor, why);
+}
+
+bool postgres_count(store* base, int64_t database, counted what, int64_t& count, problem& why) {
+  postgres_store& store = postgres_of(base);
+  const query which = what == counted::FIELDS ? COUNT_FIELDS : COUNT_CLASSES;
+  if (!flush(store, why)) return false;
+  postgres_rows rows(store, postgres_text(query_text(which)), parameters(database), false, why);
+  if (rows.next() != postgres_rows::ROW) return false;
+  count = rows.integer(0);
+  return true;
+}
+
+}  // namespace dm

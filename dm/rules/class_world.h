@@ -1,0 +1,109 @@
+// The classes, fields and tables of a database as the rules see them: what the dictionary holds,
+// with the provisional fields of the session and the classes of the running operation over it.
+#ifndef DM_RULES_CLASS_WORLD_H
+#define DM_RULES_CLASS_WORLD_H
+
+#include <deque>
+#include <map>
+#include <memory_resource>
+#include <optional>
+#include <span>
+
+#include "dd/index.h"
+#include "dm/class_json.h"
+#include "dm/folded.h"
+#include "dm/session.h"
+
+namespace dm {
+
+// A stored definition that cannot be read.
+problem damaged_class(const char* name, const char* fault);
+
+// Reads a row's definition; `list` holds what the definition borrows.
+bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,
+                problem& why);
+
+// Names of one kind that were looked up or read all, with what stands under them.
+struct name_cache {
+  static constexpr int32_t ABSENT = -1;
+  dd_index<dd_by_name, int64_t> values;
+  bool is_complete = false;
+  // Keeps a copy of the name, and gives it.
+  const char* add(const char* name, int64_t value);
+
+ private:
+  std::pmr::monotonic_buffer_resource names_;
+};
+
+// A class in its line of superclasses, or the name of one that is not there.
+struct line_class {
+  std::string key;                        // folded
+  line_class* above = nullptr;            // the one right above
+  std::vector<std::string> containers{};  // sorted folded names of its top-level containers,
+  bool is_read = false;                   // once they are known
+  bool is_accepted = false;
+};
+
+class class_world {
+ public:
+  class_world(store& store, int64_t database);
+
+  // What of these is planned counts as there; they must stay.
+  void add_fields(const field_request& asked);
+  // Reads all keys at once, for an operation on many classes.
+  bool read_all();
+  // Says what all stored classes are, in ascending keys: none is asked for then. They must stay.
+  void know(std::span<const class_row> all) { known_ = all; }
+
+  // Says that the fields of the class's entries will be asked for: memory is asked for where they
+  // are looked up.
+  void expect(const class_def& definition) const;
+  // The type of a field (and the hash of its name), ABSENT when there is none. On a failure of the
+  // store every question gives such an answer, and the problem is set.
+  int64_t type_of(const char* field, uint32_t hash);
+  bool has_class(const char* name);
+  // Whether another class than the one of that name has the table.
+  bool is_other_table(const char* table, const char* class_name);
+  // The classes above, from the top, and then those below, accepted ones first; valid as long as
+  // this is.
+  std::vector<const line_class*> related_to(const char* class_name);
+
+  // The class stands from now on, with these tables in place of the others.
+  void accept(const class_def& definition, const std::vector<std::string>& tables,
+              const std::vector<std::string>& old_tables);
+
+  problem why;
+
+ private:
+  struct stored_class {
+    const char* key;
+    line_class* line;  // null until asked for
+  };
+  line_class& line_of(std::string_view key);
+  void read_containers(line_class& line);
+  void add_accepted_below(const std::string& key, std::vector<line_class*>& lines);
+  void add_stored_below(const std::string& key, std::vector<line_class*>& lines);
+  // Classes with this key, or with keys below it.
+  bool stored_classes(const choice& wanted, visitor<class_row> visitor);
+  int64_t class_id(const char* name);
+  int64_t table_owner(const char* table);
+
+  store& store_;
+  int64_t database_;
+  const field_request* asked_ = nullptr;
+  std::vector<int32_t> planned_types_;  // by position in there; ABSENT of what is not planned
+  class_reader reader_;
+  name_cache fields_;
+  name_cache classes_;                // ids
+  name_cache tables_;                 // ids of their classes
+  std::vector<stored_class> stored_;  // all, ascending, where all keys were read
+  std::deque<line_class> lines_;
+  dd_index<dd_by_name, line_class*> lines_by_key_;
+  std::map<std::string_view, line_class*> accepted_;  // by key
+  key_map<std::string> moved_;                        // table to its class, "" for none
+  std::optional<std::span<const class_row>> known_;
+};
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,28 @@
+// The rules that a field definition must keep by itself.
+#ifndef DM_RULES_FIELD_H
+#define DM_RULES_FIELD_H
+
+#include <optional>
+
+#include "dm/problem.h"
+
+namespace dm {
+
+// What a definition says; null or none: not given.
+struct field_def {
+  const char* name;
+  const char* descr;
+  std::optional<int32_t> number;
+  std::optional<int32_t> type;
+};
+
+// The first fault, with the field concerned and a sentence.
+bool is_well_formed(const field_def& field, problem& why);
+
+// A problem with a field, in one sentence; gives false.
+bool blame_field(const char* name, int32_t code, uint32_t which, std::string_view fault,
+                 problem& why);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,105 @@
+// Every class and field has its table or column, and no two share one.
+#include <algorithm>
+
+#include "dm/folded.h"
+#include "dm/rules/class_rules.h"
+
+namespace dm {
+
+// Up to the next blank.
+static std::string_view word(std::string_view text) {
+  return text.substr(0, text.find(' '));
+}
+
+static std::string_view word_after(std::string_view text, std::string_view mark) {
+  const size_t at = text.find(mark);
+  return at == std::string_view::npos ? "" : word(text.substr(at + mark.size()));
+}
+
+// The column is looked for in front of the table's end only, as the import does.
+buf_storage storage_of_buf(std::string_view text) {
+  const std::string_view table = word_after(text, "T=");
+  if (table.empty()) return {};
+  const auto end = static_cast<size_t>(table.data() + table.size() - text.data());
+  return {table, word_after(text.substr(0, end), "C=")};
+}
+
+static void blame_missing(const class_def& definition, const entry_def& entry,
+                          std::string_view fault, findings& result) {
+  blame(definition, entry, TAV_ERR_MISSING_FIELD, TAV_FLD_SQL_TABLE, fault, result);
+}
+
+static void collect_tables(const class_def& definition, std::vector<std::string>& tables,
+                           findings& result) {
+  const char* table = text_of(definition, CLASS_TABLE);
+  if (*table != '\0') tables.emplace_back(table);
+  if (*table == '\0' && !is_subclass(text_of(definition, CLASS_NAME))) {
+    blame(definition, TAV_ERR_MISSING_FIELD, TAV_FLD_SQL_TABLE, "has no table", result);
+  }
+  for (const entry_def& entry : definition.entries) {
+    const char* name = text_of(entry, ENTRY_SQL_NAME);
+    if (entry.type == TAV_FLDT_BUF) {
+      const buf_storage storage = storage_of_buf(name);
+      if (!storage.table.empty()) tables.emplace_back(storage.table);
+      if (storage.table.empty()) blame_missing(definition, entry, "has no table", result);
+      if (storage.column.empty()) blame_missing(definition, entry, "has no column", result);
+    } else if (is_container(entry.type)) {
+      if (*name != '\0') tables.emplace_back(name);
+      if (*name == '\0') blame_missing(definition, entry, "has no table", result);
+    } else if (*name == '\0') {
+      blame_missing(definition, entry, "has no column", result);
+    }
+  }
+}
+
+static void check_tables(const class_def& definition, class_world& world,
+                         const std::vector<std::string>& tables, findings& result) {
+  std::vector<std::string> seen;
+  for (const std::string& table : tables) {
+    seen.push_back(folded(table));
+    if (!world.is_other_table(table.c_str(), text_of(definition, CLASS_NAME))) continue;
+    blame(definition, TAV_ERR_CONFLICT, TAV_FLD_SQL_TABLE,
+          join({"has the table ", quoted(table), ", which another class has"}), result);
+  }
+  std::sort(seen.begin(), seen.end());
+  const auto twice = std::adjacent_find(seen.begin(), seen.end());
+  if (twice == seen.end()) return;
+  blame(definition, TAV_ERR_CONFLICT, TAV_FLD_SQL_TABLE,
+        join({"has the table ", quoted(*twice), " twice"}), result);
+}
+
+// The columns of the entries that share a parent are those of one table.
+static void check_columns(const class_def& definition, findings& result) {
+  std::vector<const entry_def*> scalars;
+  for (const entry_def& entry : definition.entries) {
+    if (is_container(entry.type) || entry.type == TAV_FLDT_BUF) continue;
+    if (entry.values[ENTRY_SQL_NAME] != nullptr) scalars.push_back(&entry);
+  }
+  const auto compare = [](const entry_def* a, const entry_def* b) {
+    if (a->parent != b->parent) return a->parent - b->parent;
+    return dd_compare(text_of(*a, ENTRY_SQL_NAME), text_of(*b, ENTRY_SQL_NAME));
+  };
+  std::sort(scalars.begin(), scalars.end(),
+            [&](const entry_def* a, const entry_def* b) { return compare(a, b) < 0; });
+  for (size_t i = 1; i < scalars.size(); ++i) {
+    if (compare(scalars[i - 1], scalars[i]) != 0) continue;
+    blame(definition, *scalars[i], TAV_ERR_CONFLICT, TAV_FLD_SQL_TABLE,
+          join({"has the column ", quoted(text_of(*scalars[i], ENTRY_SQL_NAME)),
+                ", which another field of its table has"}),
+          result);
+  }
+}
+
+const char* needless_table(const class_def& definition) {
+  const bool needs_one = !is_subclass(text_of(definition, CLASS_NAME));
+  return needs_one ? nullptr : static_cast<const char*>(definition.values[CLASS_TABLE]);
+}
+
+void check_storage(const class_def& definition, class_world& world,
+                   std::vector<std::string>& tables, findings& result) {
+  collect_tables(definition, tables, result);
+  check_tables(definition, world, tables, result);
+  if (may_repeat(definition, ENTRY_SQL_NAME)) check_columns(definition, result);
+}
+
+}  // namespace dm

@@ -1,0 +1,50 @@
+#include "dm/sqlite/file_copy.h"
+
+#include <algorithm>
+
+#include "dm/sqlite/file_place.h"
+
+namespace dm {
+
+// Bytes 18 and 19 of a database file say which way of writing it wants; 2 is the write-ahead log.
+static constexpr size_t WRITE_VERSION = 18, READ_VERSION = 19;
+
+void mark_write_ahead(const sqlite_bytes& bytes, bool with_log) {
+  bytes.first.get()[WRITE_VERSION] = bytes.first.get()[READ_VERSION] = with_log ? 2 : 1;
+}
+
+static bool read_bytes(sqlite3_file* file, sqlite_bytes& bytes) {
+  static constexpr sqlite3_int64 PIECE = 1 << 24;
+  if (file->pMethods->xFileSize(file, &bytes.size) != SQLITE_OK) return false;
+  if (bytes.size <= static_cast<sqlite3_int64>(READ_VERSION)) return false;
+  bytes.first.reset(
+      static_cast<unsigned char*>(sqlite3_malloc64(static_cast<sqlite3_uint64>(bytes.size))));
+  if (bytes.first == nullptr) return false;
+  for (sqlite3_int64 at = 0; at < bytes.size; at += PIECE) {
+    const auto count = static_cast<int>(std::min(PIECE, bytes.size - at));
+    if (file->pMethods->xRead(file, bytes.first.get() + at, count, at) != SQLITE_OK) return false;
+  }
+  return true;
+}
+
+// While the shared lock is held the last writer to leave can neither put the log's changes into the
+// file nor remove the log. So a log that is absent before and after was absent meanwhile, and
+// nobody had anything to put into the file.
+bool read_at_rest(sqlite_store& store, sqlite_bytes& bytes) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(store.db, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  if (file == nullptr || file->pMethods == nullptr) return false;
+  if (file->pMethods->xLock(file, SQLITE_LOCK_SHARED) != SQLITE_OK) return false;
+  const bool is_whole =
+      !has_changes_beside(store.file) && read_bytes(file, bytes) && !has_changes_beside(store.file);
+  file->pMethods->xUnlock(file, SQLITE_LOCK_NONE);
+  return is_whole;
+}
+
+int show_copy(sqlite3* db, sqlite_bytes bytes) {
+  mark_write_ahead(bytes, false);
+  return sqlite3_deserialize(db, "main", bytes.first.release(), bytes.size, bytes.size,
+                             SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_READONLY);
+}
+
+}  // namespace dm

@@ -1,0 +1,122 @@
+// The SQLite engine's own side of a store: its connection, prepared statements, errors.
+#ifndef DM_SQLITE_HANDLE_H
+#define DM_SQLITE_HANDLE_H
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <array>
+
+#include "dm/queries.h"
+#include "dm/sqlite/dictionary_file.h"
+
+namespace dm {
+
+// The writes; the questions are every engine's.
+enum statement {
+  INSERT_DATABASE = QUERIES,
+  UPDATE_COUNTER,
+  INSERT_FIELDS,
+  UPDATE_DESCRIPTION,
+  DELETE_FIELD,
+  INSERT_CLASS,
+  UPDATE_CLASS,
+  INSERT_TABLE,
+  DELETE_TABLE,
+  STATEMENTS  // their number
+};
+
+// Fields to be added, as the engine sees them: a table of the connection, not of the file.
+inline constexpr char NEW_FIELDS_NAME[] = "dd_fields_to_add";
+struct sqlite_new_fields : sqlite3_vtab {
+  std::span<const field_row> rows;
+  size_t at = 0;
+  sqlite3_vtab_cursor cursor{};
+};
+
+struct sqlite_store : store {
+  std::string path;  // as people wrote it
+  std::string file;  // with all links followed: there stands what the engine keeps beside the file
+  struct stat opened {};
+  sqlite3* db = nullptr;
+  std::array<sqlite3_stmt*, STATEMENTS> prepared{};
+  sqlite_new_fields added{};
+  int version = 0;
+  int milliseconds_left = 0;  // that this connection may still wait for others
+  bool is_onlooker = false;   // this user may not write the file or its folder
+  bool is_copy = false;       // read from memory
+  bool has_begun = false;     // a snapshot
+};
+
+inline sqlite_store& sqlite_of(store* base) {
+  return *static_cast<sqlite_store*>(base);
+}
+
+// The text of a row's column; null for NULL alone: want of memory is no NULL, but std::bad_alloc.
+const char* sqlite_text(sqlite3_stmt* row, int column);
+
+// A prepared statement in use: made at its first use, ready for the next when this goes.
+class sqlite_use {
+ public:
+  sqlite_use(sqlite_store& store, int which);  // a query or a statement
+  ~sqlite_use();
+  sqlite_use(const sqlite_use&) = delete;
+  sqlite_use& operator=(const sqlite_use&) = delete;
+
+  // Binds the next parameter; texts must outlive the use, a null text is NULL.
+  sqlite_use& bind(int64_t value);
+  sqlite_use& bind(const char* text);
+  sqlite_use& bind(const std::string& text);
+
+  // SQLITE_ROW, SQLITE_DONE or an error's result code.
+  int step();
+  // Runs a statement that gives no rows.
+  bool run(problem& why);
+  // The same for one that must write so many rows.
+  bool write(int64_t rows, problem& why);
+
+  int count() const { return sqlite3_column_count(statement_); }
+  int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
+  // The text of a column; null for NULL.
+  const char* text(int column) const { return sqlite_text(statement_, column); }
+
+ private:
+  sqlite_store& store_;
+  sqlite3_stmt* statement_ = nullptr;
+  int parameter_ = 0;
+  int result_ = SQLITE_OK;
+};
+
+// Says what the engine's result code means; gives false. The one place that does.
+bool sqlite_failed(const sqlite_store& store, int result, problem& why);
+
+// Says that rows which were written are not there; gives false.
+bool sqlite_swallowed(const sqlite_store& store, problem& why);
+
+// Waits for whoever is in the way, longer with each try; 0 when the connection's time is used up.
+int sqlite_wait(void* store, int tries);
+
+// Runs SQL text that gives no rows.
+bool sqlite_run(sqlite_store& store, const char* sql, problem& why);
+
+// Calls that sqlite_calls.cpp puts into the record.
+bool sqlite_databases(store*, visitor<database_row>, problem&);
+bool sqlite_fields(store*, int64_t, const choice&, visitor<field_row>, problem&);
+bool sqlite_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
+bool sqlite_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
+bool sqlite_count(store*, int64_t, counted, int64_t&, problem&);
+bool sqlite_integrity(store*, visitor<std::string_view>, problem&);
+bool sqlite_add_database(store*, uint64_t, int64_t&, problem&);
+bool sqlite_set_counter(store*, int64_t, int64_t, problem&);
+bool sqlite_add_fields(store*, int64_t, std::span<const field_row>, problem&);
+bool sqlite_set_description(store*, int64_t, const field_row&, problem&);
+bool sqlite_delete_field(store*, int64_t, int32_t, problem&);
+bool sqlite_put_class(store*, int64_t, class_row&, problem&);
+bool sqlite_add_table(store*, int64_t, const table_row&, problem&);
+bool sqlite_delete_table(store*, int64_t, const char*, problem&);
+
+extern const store_calls SQLITE_CALLS;
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,104 @@
+#include "dm/sqlite/new_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace dm {
+
+// A file that has no name yet, or (where the file system knows no such thing) a passing one.
+struct nameless_file {
+  explicit nameless_file(const std::string& folder) : fd(open_in(folder)) {
+    if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT)) return;
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_BLOCK, &all, &signals);
+    passing_name = folder + "tav_dict.XXXXXX";
+    fd = mkostemp(passing_name.data(), O_CLOEXEC);
+    if (fd < 0) forget();
+  }
+  ~nameless_file() {
+    if (fd >= 0) close(fd);
+    if (!passing_name.empty()) {
+      unlink(passing_name.c_str());
+      forget();
+    }
+  }
+  nameless_file(const nameless_file&) = delete;
+  nameless_file& operator=(const nameless_file&) = delete;
+
+  // Gives the file its name; false when there is one already, or for another reason in errno.
+  bool name(const std::string& path) {
+    if (passing_name.empty()) {
+      const std::string own = "/proc/self/fd/" + std::to_string(fd);
+      return linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    }
+    // Renamed, so that it never has two names: whoever is killed between a second name and the end
+    // of the first leaves a dictionary that loses what is written under one of them.
+    const bool renamed =
+        renameat2(AT_FDCWD, passing_name.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0;
+    if (renamed) forget();
+    // Network file systems know no such rename. Two names left there are refused at opening.
+    return renamed || (errno == EINVAL && link(passing_name.c_str(), path.c_str()) == 0);
+  }
+
+  int fd;
+  std::string passing_name;
+  sigset_t signals{};
+
+ private:
+  static int open_in(const std::string& folder) {
+    return open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  }
+  void forget() {
+    passing_name.clear();
+    const int kept = errno;
+    sigprocmask(SIG_SETMASK, &signals, nullptr);
+    errno = kept;
+  }
+};
+
+static bool write_all(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<size_t>(written));
+  }
+  return true;
+}
+
+// The folder's entry, too, must be on the disk.
+static bool sync_folder(const std::string& folder) {
+  const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return false;
+  const bool synced = fsync(fd) == 0;
+  close(fd);
+  return synced;
+}
+
+bool cannot_make(const std::string& path, int error, problem& why) {
+  why.detail = error;
+  why.code = error == EEXIST ? TAV_ERR_CONFLICT : TAV_ERR_STORAGE;
+  why.sentence = join({"Dictionary ", quoted(path), " cannot be made: ", std::strerror(error),
+                       error == EEXIST ? "; it is left as it is." : "."});
+  return false;
+}
+
+bool make_file(const std::string& path, std::string_view bytes, problem& why) {
+  const std::string folder = path.substr(0, path.rfind('/') + 1);
+  nameless_file file(folder);
+  if (file.fd >= 0 && fchmod(file.fd, 0600) == 0 && write_all(file.fd, bytes) &&
+      fsync(file.fd) == 0 && file.name(path) && sync_folder(folder)) {
+    return true;
+  }
+  return cannot_make(path, errno, why);
+}
+
+}  // namespace dm

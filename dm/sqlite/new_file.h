@@ -1,0 +1,22 @@
+// A file that appears whole or not at all.
+#ifndef DM_SQLITE_NEW_FILE_H
+#define DM_SQLITE_NEW_FILE_H
+
+#include <string>
+#include <string_view>
+
+#include "dm/problem.h"
+
+namespace dm {
+
+// Makes the file with these bytes, for its owner only, on the disk when the call returns. An
+// existing file of that name is refused and stays as it is; a failure, or the end of the process in
+// between, leaves nothing.
+bool make_file(const std::string& path, std::string_view bytes, problem& why);
+
+// Says why such a file cannot be made, by an errno; gives false.
+bool cannot_make(const std::string& path, int error, problem& why);
+
+}  // namespace dm
+
+#endif

@@ -1,0 +1,190 @@
+// Opening a dictionary file, transactions, closing.
+#include "dm/schema.h"
+#include "dm/sqlite/file_copy.h"
+#include "dm/sqlite/file_place.h"
+#include "dm/sqlite/handle.h"
+#include "dm/sqlite/tables.h"
+
+namespace dm {
+
+static void disconnect(sqlite_store& store) {
+  for (sqlite3_stmt*& statement : store.prepared) {
+    sqlite3_finalize(statement);
+    statement = nullptr;
+  }
+  sqlite3_close(store.db);
+  store.db = nullptr;
+}
+
+static void sqlite_close(store* base) {
+  disconnect(sqlite_of(base));
+  delete &sqlite_of(base);
+}
+
+static const char* sqlite_name(store* base) {
+  return sqlite_of(base).path.c_str();
+}
+
+static bool sqlite_writeable(store* base) {
+  return !sqlite_of(base).is_copy && sqlite3_db_readonly(sqlite_of(base).db, "main") == 0;
+}
+
+static int sqlite_version(store* base) {
+  return sqlite_of(base).version;
+}
+
+// --- Opening ----------------------------------------------------------------------------------
+
+static int read_number(sqlite_store& store, const char* pragma, int& number) {
+  sqlite3_stmt* statement = nullptr;
+  int result = sqlite3_prepare_v2(store.db, pragma, -1, &statement, nullptr);
+  if (result == SQLITE_OK) result = sqlite3_step(statement);
+  if (result == SQLITE_ROW) number = sqlite3_column_int(statement, 0);
+  sqlite3_finalize(statement);
+  return result == SQLITE_ROW ? SQLITE_OK : result;
+}
+
+// Who may not write beside the file cannot make what the engine keeps there, and meets it half made
+// or half gone while writers come and go. That passes.
+static bool is_passing(const sqlite_store& store, int result) {
+  const int kind = result & 0xff;
+  return store.is_onlooker && (kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY ||
+                               kind == SQLITE_BUSY || kind == SQLITE_PROTOCOL);
+}
+
+// Nothing was to be written: what the engine could not make is no refusal to write.
+static bool cannot_read(const sqlite_store& store, int result, problem& why) {
+  return sqlite_failed(store, (result & 0xff) == SQLITE_READONLY ? SQLITE_CANTOPEN : result, why);
+}
+
+static void prepare(sqlite_store& store) {
+  sqlite3_busy_handler(store.db, sqlite_wait, &store);
+  sqlite3_db_config(store.db, SQLITE_DBCONFIG_ENABLE_FKEY, 1, nullptr);
+  // Whoever made the file, its views and triggers do nothing beyond it.
+  sqlite3_db_config(store.db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(store.db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+static int open_engine(sqlite_store& store, const char* name) {
+  disconnect(store);
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int result = sqlite3_open_v2(name, &store.db, flags, nullptr);
+  if (result == SQLITE_OK) prepare(store);
+  return result;
+}
+
+// The file's marks: what the engine reads first.
+static int read_marks(sqlite_store& store, int& mark) {
+  const int result = read_number(store, "PRAGMA application_id", mark);
+  return result == SQLITE_OK ? read_number(store, "PRAGMA user_version", store.version) : result;
+}
+
+static int connect(sqlite_store& store, int& mark) {
+  store.is_copy = false;
+  const int result = open_engine(store, store.file.c_str());
+  return result == SQLITE_OK ? read_marks(store, mark) : result;
+}
+
+// Where nobody is writing, and the engine finds no place for what it keeps beside the file.
+static bool connect_to_copy(sqlite_store& store, int& mark, int& result) {
+  sqlite_bytes bytes;
+  if (!read_at_rest(store, bytes)) return false;
+  store.is_copy = true;
+  result = open_engine(store, ":memory:");
+  if (result == SQLITE_OK) result = show_copy(store.db, std::move(bytes));
+  if (result == SQLITE_OK) result = read_marks(store, mark);
+  return true;
+}
+
+static int connect_in_time(sqlite_store& store, int& mark) {
+  int result = connect(store, mark);
+  for (int tries = 0; is_passing(store, result); ++tries) {
+    if (connect_to_copy(store, mark, result) || sqlite_wait(&store, tries) == 0) break;
+    result = connect(store, mark);
+  }
+  return result;
+}
+
+static bool open_place(sqlite_store& store, problem& why) {
+  if (!find_place(store, why)) return false;
+  int mark = 0;
+  const int result = connect_in_time(store, mark);
+  if (result != SQLITE_OK) return cannot_read(store, result, why);
+  if (!store.is_copy && !may_commit(store, why)) return false;
+  if (mark != DICTIONARY_MARK) return sqlite_failed(store, SQLITE_NOTADB, why);
+  if (store.version == SCHEMA_VERSION) return true;
+  why.code = TAV_ERR_STORAGE;
+  why.is_damage = true;
+  why.sentence = join({"Dictionary ", quoted(store.path), other_version(store.version)});
+  return false;
+}
+
+// --- Transactions -----------------------------------------------------------------------------
+
+static void sqlite_rollback(store* base) {
+  if (sqlite3_get_autocommit(sqlite_of(base).db) != 0) return;
+  sqlite3_exec(sqlite_of(base).db, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+// Begins, and takes the snapshot at once: what is read from then on does not meet a writer.
+static bool begin_read(sqlite_store& store, problem& why) {
+  // A copy is one snapshot; the next begins with what the file holds now.
+  if (store.is_copy && store.has_begun && !open_place(store, why)) {
+    store.is_copy = true;  // tried again by the next, and still no store to write to
+    return false;
+  }
+  store.has_begun = true;
+  for (int tries = 0;; ++tries) {
+    int version = 0;
+    int result = sqlite3_exec(store.db, "BEGIN", nullptr, nullptr, nullptr);
+    if (result == SQLITE_OK) result = read_number(store, "PRAGMA user_version", version);
+    if (result == SQLITE_OK) return true;
+    cannot_read(store, result, why);
+    sqlite_rollback(&store);
+    if (!is_passing(store, result) || sqlite_wait(&store, tries) == 0) return false;
+    why = problem();
+  }
+}
+
+static bool sqlite_begin(store* base, bool write, problem& why) {
+  sqlite_store& store = sqlite_of(base);
+  if (!write) return begin_read(store, why);
+  // The engine itself would begin, and fail at the first row only.
+  if (!sqlite_writeable(base)) return sqlite_failed(store, SQLITE_READONLY, why);
+  // The indexes of a large dictionary stay in memory while it is written: 16 MB. So does what
+  // undoes a statement of many rows, which would ask for a folder of temporary files.
+  return sqlite_run(store,
+                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
+                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
+                    why);
+}
+
+static bool sqlite_commit(store* base, problem& why) {
+  sqlite_store& store = sqlite_of(base);
+  if (!may_commit(store, why)) return sqlite_rollback(base), false;
+  if (!sqlite_run(store, "COMMIT", why)) return false;
+  return is_in_place(store) ||
+         outcome_unknown(store.path,
+                         "the file was moved or replaced while the changes were committed",
+                         "it is no longer the one that was opened", why);
+}
+
+const store_calls SQLITE_CALLS = {
+    sqlite_close,        sqlite_name,        sqlite_writeable,  sqlite_version,
+    sqlite_begin,        sqlite_commit,      sqlite_rollback,   sqlite_databases,
+    sqlite_fields,       sqlite_classes,     sqlite_tables,     sqlite_count,
+    sqlite_add_database, sqlite_set_counter, sqlite_add_fields, sqlite_set_description,
+    sqlite_delete_field, sqlite_put_class,   sqlite_add_table,  sqlite_delete_table,
+    sqlite_integrity,
+};
+
+store_owner open_sqlite(const std::string& path, const open_options& options, problem& why) {
+  auto* store = new sqlite_store;
+  store->calls = &SQLITE_CALLS;
+  store_owner owner(store);
+  store->path = path;
+  store->milliseconds_left = options.busy_milliseconds;
+  return open_place(*store, why) ? std::move(owner) : nullptr;
+}
+
+}  // namespace dm

@@ -1,0 +1,57 @@
+// The attributes of the language: one row each, from which they are read and written.
+//
+// To add an attribute: a keyword (dparse_tokens.h), a field identifier (dd/field_ids.h) and a row
+// here. A value of a new kind is a new form: a function that reads it and one that writes it.
+#ifndef DPARSE_ATTRIBUTES_H
+#define DPARSE_ATTRIBUTES_H
+
+#include <cstdio>
+#include <span>
+
+#include "dd/vantor.h"
+#include "dparse/words.h"
+
+struct dparse_element;  // what a reader fills
+struct dparse_writing;  // where a writer stands
+struct dparse_attribute;
+
+// How a value is spelled.
+struct dparse_form {
+  // Reads what follows the keyword, ";" included, and stores it: 1, or -1 with a message (the block
+  // adds a line of its own to the log), or 0 with all messages.
+  int (*read)(FILE* stream, dparse_element& element, const dparse_attribute& row);
+  // Writes the line, or nothing where the value (null: absent) calls for none; null: never written.
+  // A failure stays in the writing's error buffer.
+  void (*write)(dparse_writing& writing, const dparse_attribute& row, const void* value);
+  bool required = false;  // the writer takes a missing value for a failure
+};
+
+// Where an attribute may stand: a set.
+enum : unsigned {
+  DPARSE_IN_DEFINITION = 1,  // of a field
+  DPARSE_IN_CLASS = 2,       // interface blocks, and their field entries
+  DPARSE_IN_ENTRY = 4,
+  DPARSE_IN_SQL_CLASS = 8,  // implementation blocks, and their field entries
+  DPARSE_IN_SQL_ENTRY = 16,
+  DPARSE_IN_LDAP_CLASS = 32,
+  DPARSE_IN_LDAP_ENTRY = 64,
+};
+
+struct dparse_attribute {
+  int token;
+  uint32_t field;
+  const dparse_form* form;
+  unsigned read_in;
+  unsigned written_in;  // the SQL names of an entry depend on its type: see dparse_export_sql.cpp
+  const dparse_word* words = nullptr;  // of a value from a word list
+  const char* refused = nullptr;       // message for a value that is not allowed
+  const char* expected = nullptr;      // message for one of another kind, where that differs
+};
+
+// In the order in which they are written.
+std::span<const dparse_attribute> dparse_attributes();
+
+// The row of an attribute that may stand there, or null.
+const dparse_attribute* dparse_find_attribute(int token, unsigned context);
+
+#endif

@@ -1,0 +1,63 @@
+// The seven kinds of blocks, and how each says that something in it is wrong.
+#include "dparse/attributes.h"
+#include "dparse/read/block.h"
+#include "dparse/read/state.h"
+
+static constexpr char MODULE[] = "dparse";
+
+namespace {
+
+template <class... Codes>
+constexpr uint32_t types(Codes... codes) {
+  return ((1u << codes) | ...);
+}
+
+constexpr uint32_t FIELDS =
+    types(TAV_FLDT_POID, TAV_FLDT_STRING, TAV_FLDT_ARRAY, TAV_FLDT_SUBSTRUCT, TAV_FLDT_NUM,
+          TAV_FLDT_INT, TAV_FLDT_ENUM, TAV_FLDT_TIMESTAMP, TAV_FLDT_BUF, TAV_FLDT_BINSTR,
+          TAV_FLDT_EBUF, TAV_FLDT_DECIMAL, TAV_FLDT_INT64);
+constexpr uint32_t LDAP_FIELDS = FIELDS & ~types(TAV_FLDT_SUBSTRUCT, TAV_FLDT_BUF, TAV_FLDT_EBUF);
+constexpr uint32_t LDAP_MEMBERS = LDAP_FIELDS & ~types(TAV_FLDT_ARRAY);
+
+// The message is the bare token, the record says more: deliberate.
+int unknown_in_definition(int, const char* text) {
+  return dparse_fail_as(HERE, text, "Invalid Attribute '%s'", text);
+}
+
+int failed_in_definition(int token, const char*) {
+  if (token == DPARSE_KEY_ID) return dparse_fail(HERE, "Error: Unable to parse field id");
+  return dparse_fail(HERE, "Error: while parsing %s", dparse_keyword_text(token).data());
+}
+
+int refused_in_class(int, const char* text) {
+  return dparse_fail(HERE, "Invalide Attribute or field type '%s'", text);
+}
+
+int unknown_in_entry(int token, const char* text) {
+  return dparse_fail(HERE, "Invalid Attribute or field type (token=%d) '%s'", token, text);
+}
+
+int failed_in_interface(int, const char*) {
+  return dparse_fail(HERE, "Error: Unable to parse field");
+}
+
+int refused_in_entry(int, const char* text) {
+  return dparse_fail(HERE, "Invalid Attribute or field type '%s'", text);
+}
+
+}  // namespace
+
+const dparse_block DPARSE_DEFINITION{DPARSE_IN_DEFINITION, 0, nullptr, unknown_in_definition,
+                                     failed_in_definition};
+const dparse_block DPARSE_CLASS{DPARSE_IN_CLASS, FIELDS, &DPARSE_CLASS_ENTRY, refused_in_class,
+                                failed_in_interface};
+const dparse_block DPARSE_CLASS_ENTRY{DPARSE_IN_ENTRY, FIELDS, &DPARSE_CLASS_ENTRY,
+                                      unknown_in_entry, failed_in_interface};
+const dparse_block DPARSE_SQL_CLASS{DPARSE_IN_SQL_CLASS, FIELDS, &DPARSE_SQL_ENTRY,
+                                    refused_in_class, refused_in_class};
+const dparse_block DPARSE_SQL_ENTRY{DPARSE_IN_SQL_ENTRY, FIELDS, &DPARSE_SQL_ENTRY,
+                                    refused_in_entry, refused_in_entry};
+const dparse_block DPARSE_LDAP_CLASS{DPARSE_IN_LDAP_CLASS, LDAP_FIELDS, &DPARSE_LDAP_ENTRY,
+                                     refused_in_class, refused_in_class};
+const dparse_block DPARSE_LDAP_ENTRY{DPARSE_IN_LDAP_ENTRY, LDAP_MEMBERS, &DPARSE_LDAP_ENTRY,
+                                     refused_in_entry, refused_in_entry};

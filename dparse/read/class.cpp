@@ -1,0 +1,96 @@
+// Class blocks: interfaces and implementations.
+#include <cstring>
+
+#include "dd/fold.h"
+#include "dd/values.h"
+#include "dparse/read/definition.h"
+#include "dparse/read/element.h"
+#include "dparse/read/lexer.h"
+#include "dparse/read/state.h"
+
+static constexpr char MODULE[] = "dparse";
+
+int dparseIsDuplicateClass(dd_list* list, const char* name) {
+  tav_ebuf ebuf{};
+  const tav_flist_t* found = list->find(name, at(&ebuf, HERE));
+  if (dparse_done(HERE, ebuf) < 1) return -1;
+  return found == nullptr ? 0 : dparse_fail(HERE, "Duplicate storable class in input: %s", name);
+}
+
+// A class of that name, or null with a message.
+static dd_flist start(const char* name) {
+  tav_ebuf ebuf{};
+  dd_flist list(tav_flist_create(at(&ebuf, HERE)));
+  dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
+  return dparse_done(HERE, ebuf) < 1 ? nullptr : std::move(list);
+}
+
+static int append(dd_list& classes, dd_flist list) {
+  tav_ebuf ebuf{};
+  classes.append(std::move(list), at(&ebuf, HERE));
+  return dparse_done(HERE, ebuf);
+}
+
+// interface := STORABLE CLASS name "{" block; all but the block has been read.
+static int read_interface(FILE* stream, dd_list& classes, const char* name) {
+  if (dparseIsDuplicateClass(&classes, name) < 0)
+    return dparse_fail(HERE, "Duplicate Class in input, %s", name);
+  dd_flist list = start(name);
+  if (list == nullptr) return -1;
+  dparse_element element{.list = list.get(), .block = &DPARSE_CLASS};
+  if (dparse_read_block(stream, element) < 1) return -1;
+  return append(classes, std::move(list));
+}
+
+// What each implementation's blocks may hold; the names are exact.
+static const struct {
+  const char* name;
+  const dparse_block* block;
+} IMPLEMENTATIONS[] = {{"TESSEL7", &DPARSE_SQL_CLASS},
+                       {"SQLGENERIC", &DPARSE_SQL_CLASS},
+                       {"SQLSERVER7", &DPARSE_SQL_CLASS},
+                       {"LDAPV3", &DPARSE_LDAP_CLASS}};
+
+static const dparse_block* block_of(const char* name) {
+  for (const auto& implementation : IMPLEMENTATIONS)
+    if (std::strcmp(implementation.name, name) == 0) return implementation.block;
+  return nullptr;
+}
+
+// implementation := STORABLE CLASS name IMPLEMENTATION implementation-name "{" block; read up to
+// IMPLEMENTATION.
+static int read_implementation(FILE* stream, dd_list& impls, const char* name, const char* filter) {
+  if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
+    return dparse_fail(HERE, "Duplicate storable class implementation");
+  dparse_token token;
+  dd_flist list = start(name);
+  if (list == nullptr) return -1;
+  if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
+    return dparse_fail(HERE, "implementation name expected");
+  dparse_element element{.list = list.get(), .block = block_of(token.text)};
+  if (element.block == nullptr) return dparse_fail(HERE, "unknown implementation %s", token.text);
+  if (dparse_expect_open(stream) < 1) return -1;
+  if (dparse_read_block(stream, element) < 1) return -1;
+  if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
+  return append(impls, std::move(list));
+}
+
+// class := STORABLE CLASS name ( "{" | IMPLEMENTATION ); STORABLE has been read.
+int dparse_read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter) {
+  dparse_token name;
+  dparse_token kind;
+  if (!dparse_take(stream, name, DPARSE_KEY_CLASS))
+    return dparse_fail(HERE, "Expecting keyword 'class'");
+  if (!dparse_take(stream, name, DPARSE_TOKEN_WORD))
+    return dparse_fail(HERE, "Class name expected");
+  switch (dparse_next(stream, kind)) {
+    case DPARSE_KEY_OPEN:
+      if (read_interface(stream, classes, name.text) > 0) return 1;
+      return dparse_fail(HERE, "Error: Unable to parse storable class interface definition");
+    case DPARSE_KEY_IMPLEMENTATION:
+      if (read_implementation(stream, impls, name.text, filter) > 0) return 1;
+      return dparse_fail(HERE, "Error: Unable to parse storable class implementation definition");
+    default:
+      return dparse_no_open();
+  }
+}

@@ -1,0 +1,13 @@
+// The two kinds of top-level definitions. Each reads one whose first keyword has just been read: 1,
+// or -1 with a message.
+#ifndef DPARSE_READ_DEFINITION_H
+#define DPARSE_READ_DEFINITION_H
+
+#include <cstdio>
+
+#include "dd/list.h"
+
+int dparse_read_field(FILE* stream, dd_list& fields, int type_token);
+int dparse_read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter);
+
+#endif

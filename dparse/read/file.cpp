@@ -1,0 +1,59 @@
+// Whole files: a sequence of definitions.
+#include "dd/memory.h"
+#include "dd/types.h"
+#include "dparse/read/definition.h"
+#include "dparse/read/lexer.h"
+#include "dparse/read/state.h"
+#include "dparse/read/stream.h"
+
+static constexpr char MODULE[] = "dparse";
+
+// definition := field | class
+int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
+                  const char* filter) {
+  dparse_token token;
+  const int number = dparse_next(stream, token);
+  const int32_t type = dparse_type_code(number);
+  if (number == DPARSE_TOKEN_EOF) return 1;
+  if (number == DPARSE_KEY_STORABLE)
+    return dparse_read_class(stream, *class_list, *impl_list, filter);
+  if (type != TAV_FLDT_UNUSED && type != TAV_FLDT_OBJ)
+    return dparse_read_field(stream, *field_list, number);
+  dparse_note("Invalid token '%s'", token.text);
+  return -1;
+}
+
+static bool at_end(FILE* stream) {
+  if (!dparse_read_ahead(stream).empty()) return false;
+  const int c = dparse_fgetc(stream);
+  dparse_ungetc(c, stream);
+  return c == EOF;
+}
+
+// file := { definition }
+static int read_file(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
+                     const char* filter) {
+  while (!at_end(stream)) {
+    const int result = dparseFromTop(stream, field_list, class_list, impl_list, filter);
+    if (result < 1) return result;
+  }
+  return 1;
+}
+
+// What an input error cut short is neither right nor wrong: the error is the result.
+int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
+                     const char* filter) {
+  dparse_reset();
+  tav_ebuf ebuf{};
+  int result = -1;
+  dd_with_memory(at(&ebuf, HERE),
+                 [&] { result = read_file(stream, field_list, class_list, impl_list, filter); });
+  if (dd_failed(ebuf)) result = dparse_call_failed(HERE, ebuf);
+  if (std::ferror(stream) == 0) return result;
+  dparse_forget_message();
+  return DPARSE_UNREADABLE;
+}
+
+int dparseDefFile(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list) {
+  return dparseDefFileExt(stream, field_list, class_list, impl_list, nullptr);
+}

@@ -1,0 +1,117 @@
+// The next token, taken whole from what the stream has read ahead. What does not stand there whole,
+// or needs a message, is left to dparse_next_by_character, and nothing of it is taken before.
+#include <cstring>
+
+#include "dparse/characters.h"
+#include "dparse/read/lexer.h"
+#include "dparse/read/state.h"
+#include "dparse/read/stream.h"
+
+static constexpr char MODULE[] = "dparse";
+
+namespace {
+
+// Most words are shorter. So many bytes are copied faster than just those of the word.
+constexpr size_t AT_ONCE = 32;
+static_assert(AT_ONCE >= DPARSE_KEYWORD_SIZE);
+
+// Takes white space that the stream has read ahead; gives what it has then.
+std::string_view skip_ahead(FILE* stream) {
+  const std::string_view ahead = dparse_read_ahead(stream);
+  const char* at = ahead.data();
+  const char* const end = at + ahead.size();
+  for (; at != end; ++at) {
+    if (dparse_is(*at, DPARSE_BLANK)) continue;
+    if (*at != '\n') break;
+    ++dparse_lineno;
+  }
+  dparse_take_ahead(stream, static_cast<size_t>(at - ahead.data()));
+  return {at, static_cast<size_t>(end - at)};
+}
+
+void end_text(dparse_token& token, size_t length) {
+  token.text[length] = '\0';
+  token.length = length;
+}
+
+int take_word(FILE* stream, const char* ahead, dparse_token& token) {
+  std::memcpy(token.text, ahead, AT_ONCE);
+  token.text[AT_ONCE] = '\0';  // ends every word
+  size_t length = 1;
+  while (!dparse_is(token.text[length], DPARSE_ENDS_WORD)) ++length;
+  if (length == AT_ONCE) return dparse_next_by_character(stream, token);
+  end_text(token, length);
+  dparse_take_ahead(stream, length);
+  return dparse_padded_keyword(token.text, length);
+}
+
+// Takes the token of one character where it is next; says whether it did.
+bool take_if_ahead(FILE* stream, char single) {
+  const std::string_view ahead = skip_ahead(stream);
+  if (ahead.empty() || ahead.front() != single) return false;
+  dparse_take_ahead(stream, 1);
+  return true;
+}
+
+int take_single(FILE* stream, char c, int number, dparse_token& token) {
+  token.text[0] = c;
+  end_text(token, 1);
+  dparse_take_ahead(stream, 1);
+  return number;
+}
+
+}  // namespace
+
+int dparse_next(FILE* stream, dparse_token& token) {
+  const std::string_view ahead = skip_ahead(stream);
+  if (ahead.size() < AT_ONCE) return dparse_next_by_character(stream, token);
+  const int start = dparse_start(ahead.front());
+  if (start == DPARSE_TOKEN_WORD) return take_word(stream, ahead.data(), token);
+  if (start == DPARSE_TOKEN_STRING || start == DPARSE_TOKEN_EMPTY)
+    return dparse_next_by_character(stream, token);
+  return take_single(stream, ahead.front(), start, token);
+}
+
+int dparse_next_string(FILE* stream, dparse_token& token) {
+  const std::string_view ahead = skip_ahead(stream).substr(0, sizeof token.text);
+  if (ahead.empty() || ahead.front() != '"') return dparse_next(stream, token);
+  const size_t end = ahead.find('"', 1);
+  const std::string_view text = ahead.substr(1, end - 1);
+  if (end == ahead.npos || text.find('\n') != text.npos || text.find('\0') != text.npos)
+    return dparse_next_by_character(stream, token);
+  std::memcpy(token.text, text.data(), text.size());
+  end_text(token, text.size());
+  dparse_take_ahead(stream, end + 1);
+  return DPARSE_TOKEN_STRING;
+}
+
+bool dparse_take_semicolon_ahead(FILE* stream) {
+  return take_if_ahead(stream, ';');
+}
+
+// A function of its own, so that the other has no token to make room for.
+static bool take_any(FILE* stream, int number) {
+  dparse_token token;
+  return dparse_take(stream, token, number);
+}
+
+// Takes the next token, which must be that character.
+static bool expect(FILE* stream, char single) {
+  return take_if_ahead(stream, single) || take_any(stream, dparse_start(single));
+}
+
+int dparse_expect_equals(FILE* stream) {
+  return expect(stream, '=') ? 1 : dparse_fail(HERE, "= Expected");
+}
+
+int dparse_expect_semicolon(FILE* stream) {
+  return expect(stream, ';') ? 1 : dparse_fail(HERE, "; Expected");
+}
+
+int dparse_no_open() {
+  return dparse_fail(HERE, "{ Expected");
+}
+
+int dparse_expect_open(FILE* stream) {
+  return expect(stream, '{') ? 1 : dparse_no_open();
+}

@@ -1,0 +1,188 @@
+#include "dparse/write/out.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+
+#include "dd/report.h"
+#include "dparse/read/state.h"
+#include "dparse/tokens.h"
+#include "dparse/write/writer.h"
+
+static constexpr size_t PIECE = 1 << 16;
+static constexpr size_t BLOCK = 1 << 12;  // streams buffer by this; whole ones they pass on
+
+// Hands over the first bytes and keeps the others.
+static void hand_over(dparse_out& out, size_t size) {
+  if (size == 0) return;
+  if (out.stream != nullptr) std::fwrite(out.bytes.get(), 1, size, out.stream);
+  out.next = std::copy(out.bytes.get() + size, out.next, out.bytes.get());
+}
+
+void dparse_flush(dparse_out& out) {
+  hand_over(out, dparse_gathered(out).size());
+}
+
+dparse_out::~dparse_out() {
+  dparse_flush(*this);
+}
+
+static void grow(dparse_out& out, size_t size) {
+  const std::string_view gathered = dparse_gathered(out);
+  const size_t room = std::max(gathered.size() * 2 + size, PIECE);
+  auto larger = std::make_unique_for_overwrite<char[]>(room);
+  out.next = larger.get() + gathered.copy(larger.get(), gathered.size());
+  out.end = larger.get() + room;
+  out.bytes = std::move(larger);
+}
+
+void dparse_make_room(dparse_out& out, size_t size) {
+  if (out.stream != nullptr) hand_over(out, dparse_gathered(out).size() / BLOCK * BLOCK);
+  if (static_cast<size_t>(out.end - out.next) < size) grow(out, size);
+}
+
+static void put_repeated(dparse_out& out, char c, int count) {
+  const size_t size = count > 0 ? static_cast<size_t>(count) : 0;
+  out.next = std::fill_n(dparse_room(out, size), size, c);
+}
+
+// The texts that lines begin with are as long for every line, so that copying one is a few stores:
+// what is too many is written over.
+
+void dparse_put_tabs(dparse_out& out, int count) {
+  static constexpr char FEW[] = {'\t', '\t', '\t', '\t', '\t', '\t', '\t', '\t'};
+  if (count < 0 || count > static_cast<int>(sizeof FEW)) return put_repeated(out, '\t', count);
+  std::memcpy(dparse_room(out, sizeof FEW), FEW, sizeof FEW);
+  out.next += count;
+}
+
+namespace {
+struct line_start {
+  char text[24];
+  size_t size;
+};
+}  // namespace
+
+// "KEYWORD = " of each keyword.
+static constexpr auto LINE_STARTS = [] {
+  std::array<line_start, DPARSE_TOKEN_NUMBERS> starts{};
+#define DPARSE_START_ROW(name, keyword, number) \
+  starts[number].size =                         \
+      std::string_view(keyword " = ").copy(starts[number].text, std::string_view::npos);
+  DPARSE_KEYWORDS(DPARSE_START_ROW)
+#undef DPARSE_START_ROW
+  return starts;
+}();
+
+void dparse_put_number(dparse_out& out, int32_t number) {
+  static constexpr size_t DIGITS = 16;  // and a sign
+  char* at = dparse_room(out, DIGITS);
+  out.next = std::to_chars(at, at + DIGITS, number).ptr;
+}
+
+// Tabs and newlines become two characters each.
+static void put_escaped(dparse_out& out, const char* text) {
+  for (;;) {
+    const std::string_view plain(text, std::strcspn(text, "\t\n"));
+    dparse_put(out, plain);
+    text += plain.size();
+    if (*text == '\0') return;
+    dparse_put(out, *text++ == '\t' ? "\\t" : "\\n");
+  }
+}
+
+int dparseEncodeTabsNewlines(char** text) {
+  if (text == nullptr || *text == nullptr) return -1;
+  dparse_out escaped(nullptr);
+  put_escaped(escaped, *text);
+  const std::string_view gathered = dparse_gathered(escaped);
+  char* grown = static_cast<char*>(std::realloc(*text, gathered.size() + 10));
+  if (grown == nullptr) return -1;
+  grown[gathered.copy(grown, gathered.size())] = '\0';
+  *text = grown;
+  return 1;
+}
+
+static void put_rule(dparse_out& out, int width, int indent) {
+  const size_t marks = width > 1 ? static_cast<size_t>(width - 1) : 0;
+  dparse_put_tabs(out, indent);
+  char* at = dparse_room(out, marks + 2);
+  *at++ = '#';
+  at = std::fill_n(at, marks, '=');
+  *at++ = '\n';
+  out.next = at;
+}
+
+// The blank before an absent second text is part of the format.
+void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1,
+                       const char* text2) {
+  put_rule(out, width, indent);
+  dparse_put_tabs(out, indent);
+  dparse_put(out, "#  ");
+  dparse_put(out, text1 != nullptr ? text1 : "");
+  dparse_put(out, " ");
+  dparse_put(out, text2 != nullptr ? text2 : "");
+  dparse_put(out, "\n");
+  put_rule(out, width, indent);
+}
+
+static void end_quoted(dparse_out& out, const char* value) {
+  dparse_put(out, "\"");
+  put_escaped(out, value);
+  dparse_put(out, "\"");
+  dparse_end_line(out);
+}
+
+void dparse_begin_line(dparse_out& out, int keyword, int indent) {
+  const line_start& start = LINE_STARTS[static_cast<size_t>(keyword)];
+  dparse_put_tabs(out, indent);
+  std::memcpy(dparse_room(out, sizeof start.text), start.text, sizeof start.text);
+  out.next += start.size;
+}
+
+void dparse_put_quoted(dparse_out& out, int keyword, const char* value, int indent) {
+  if (value == nullptr || value[0] == '\0') return;
+  dparse_begin_line(out, keyword, indent);
+  end_quoted(out, value);
+}
+
+int dparseExportComment(FILE* stream, int width, int indent, const char* text1, const char* text2) {
+  dparse_out out(stream);
+  dparse_put_banner(out, width, indent, text1, text2);
+  return 1;
+}
+
+int dparseExportString(FILE* stream, const char* keyword, const char* value, int indent) {
+  if (value == nullptr || value[0] == '\0') return 1;
+  dparse_out out(stream);
+  dparse_put_tabs(out, indent);
+  dparse_put(out, keyword != nullptr ? keyword : "");
+  dparse_put(out, " = ");
+  end_quoted(out, value);
+  return 1;
+}
+
+int dparse_export_fail_as(dparse_out& out, dd_site site, const char* text, const char* record) {
+  dparse_flush(out);
+  dd_print_error_text(text);
+  dd_log(site, record);
+  return -1;
+}
+
+int dparse_export_fail(dparse_out& out, dd_site site, const char* text) {
+  return dparse_export_fail_as(out, site, text, text + std::strlen("Error: "));
+}
+
+int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf) {
+  dparse_flush(out);
+  dd_print_error_text(DPARSE_INTERNAL_ERROR);
+  dd_log(site, "flist error", ebuf);
+  return -1;
+}
+
+int dparse_export_no_buffer() {
+  dd_print_error("\n*** Error buffer not initialized ***\n");
+  return -1;
+}

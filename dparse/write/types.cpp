@@ -1,0 +1,66 @@
+#include "dparse/write/types.h"
+
+#include "dd/report.h"
+#include "dd/values.h"
+#include "dparse/read/state.h"
+#include "dparse/write/writer.h"
+
+static constexpr char MODULE[] = "dparse_export";
+
+// Says what is wrong with a name; gives -1.
+static int name_failed(dparse_out& out, dd_site site, const char* text, const char* name,
+                       const char* record) {
+  dparse_flush(out);
+  dd_print_error(text, name);
+  dd_log(site, record);
+  return -1;
+}
+
+int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_name) {
+  if (field_list == nullptr || field_name == nullptr)
+    return dparse_export_fail_as(out, HERE, DPARSE_INTERNAL_ERROR, "null pointer");
+  tav_ebuf ebuf{};
+  tav_flist_t* found = field_list->find(field_name, at(&ebuf, HERE));
+  if (dd_failed(ebuf)) return dparse_export_list_failed(out, HERE, ebuf);
+  if (found == nullptr)
+    return name_failed(out, HERE, "UKNOWN FIELD NAME: %s\n", field_name, "Unknown field name");
+  const int32_t* type = dd_int_or_null(found, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
+  if (type != nullptr) return *type;
+  return name_failed(out, HERE, "MISSING FIELD TYPE FOR FIELD: %s\n", field_name,
+                     "Missing field type for field");
+}
+
+int dparseGetTypeFromField(dd_list* field_list, const char* field_name) {
+  dparse_out none(nullptr);
+  return dparse_find_type(none, field_list, field_name);
+}
+
+static int put_type(dparse_out& out, int type_code) {
+  const char* keyword = dd_type_keyword(type_code);
+  if (keyword != nullptr) {
+    dparse_put(out, keyword);
+    return 1;
+  }
+  static constexpr char UNKNOWN[] = "UNKNOWN FIELD TYPE: %d\n";
+  char line[sizeof UNKNOWN + 16];
+  tav_snprintf(line, sizeof line, UNKNOWN, type_code);
+  dparse_put(out, line);
+  dparse_flush(out);
+  dd_print_error_text(line);
+  dd_log(HERE, "Unknown field type");
+  return -1;
+}
+
+int dparseExportFieldType(FILE* stream, int type_code) {
+  dparse_out out(stream);
+  return put_type(out, type_code);
+}
+
+int dparse_put_head(dparse_out& out, int type_code, const char* name) {
+  if (put_type(out, type_code) < 1)
+    return dparse_export_fail(out, HERE, "Error: Unable to export field type");
+  dparse_put(out, " ");
+  dparse_put(out, name);
+  dparse_put(out, " {\n\n");
+  return 1;
+}

@@ -1,0 +1,54 @@
+// The short way of setting a value: a number or a text that is new to a body of one segment, where
+// there is room for it. Nearly every value that a reader sets is one.
+#ifndef VANTOR_LIST_ADD_VALUE_H
+#define VANTOR_LIST_ADD_VALUE_H
+
+#include "vantor/list/node.h"
+
+namespace vantor {
+
+// A slot for the field where the guide can lead to it, or null.
+inline slot* new_slot(tav_node& node, uint32_t field, size_t place) {
+  segment& run = node.first;
+  const uint32_t index = run.count;
+  if (guided(node, field) != 0 || run.next != nullptr || index + 1 >= FURTHER) return nullptr;
+  if (run.room() < sizeof(slot) + place) return nullptr;
+  slot& fresh = run.begin()[index];
+  run.count = index + 1;
+  run.low -= static_cast<uint32_t>(place);
+  fresh.distance = run.low - static_cast<uint32_t>(sizeof(segment) + index * sizeof(slot));
+  fresh.tag = field;
+  node.guide |= uint64_t{index + 1} << guide_place(field);
+  return &fresh;
+}
+
+inline bool add_number(tav_node& node, uint32_t field, const void* value) {
+  slot* fresh = new_slot(node, field, 0);
+  if (fresh != nullptr) std::memcpy(&fresh->number, value, sizeof fresh->number);
+  return fresh != nullptr;
+}
+
+inline bool add_text(tav_node& node, uint32_t field, const void* value) {
+  const size_t size = std::strlen(static_cast<const char*>(value)) + 1;
+  slot* fresh = size <= LARGEST_INSIDE ? new_slot(node, field, rounded(size)) : nullptr;
+  if (fresh != nullptr) std::memcpy(fresh->place(), value, size);
+  return fresh != nullptr;
+}
+
+// Says whether it copied the value in.
+inline bool add_value(tav_node& node, uint32_t field, const void* value) {
+  switch (DD_FIELD_ID_TYPE(field)) {
+    case TAV_FLDT_INT:
+    case TAV_FLDT_ENUM:
+      return add_number(node, field, value);
+    case TAV_FLDT_STRING:
+    case TAV_FLDT_DECIMAL:
+      return add_text(node, field, value);
+    default:
+      return false;
+  }
+}
+
+}  // namespace vantor
+
+#endif

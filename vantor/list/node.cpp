@@ -1,0 +1,309 @@
+#include "vantor/list/node.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "vantor/list/add_value.h"
+#include "vantor/list/reap.h"
+
+namespace vantor {
+
+namespace {
+
+constexpr size_t FURTHER_ROOM = 48;  // for slots and values of the first segment that is added
+constexpr size_t LARGEST_FURTHER = 4096;
+
+// The place that a value of that size takes beside the slot.
+size_t place_for(uint32_t field, size_t size) {
+  if (holding_of(field) == holding::INT) return 0;
+  return size <= LARGEST_INSIDE ? rounded(size) : PLACE;
+}
+
+uint32_t end_of(size_t room) {
+  return static_cast<uint32_t>(sizeof(segment) + rounded(room));
+}
+
+segment* new_segment(size_t room) {
+  const uint32_t end = end_of(room);
+  return new (::operator new(end)) segment{nullptr, 0, end};
+}
+
+// The size of a slot's place; a free one keeps it there.
+size_t place_of(slot& s) {
+  if (s.is_free()) return s.distance != 0 ? *static_cast<uint32_t*>(s.place()) : 0;
+  if (s.is_boxed() || s.has_elements()) return PLACE;
+  return place_for(s.field(), value_size(s.field(), value_of(s)));
+}
+
+void make_free(slot& s, size_t place) {
+  s.tag = 0;
+  if (place > 0) {
+    *static_cast<uint32_t*>(s.place()) = static_cast<uint32_t>(place);
+  } else {
+    s.distance = 0;
+  }
+}
+
+// Another field stands or stood in the same place of the guide.
+[[gnu::noinline]] void share_guide_place(tav_node& node, uint32_t field, unsigned at) {
+  const unsigned place = guide_place(field);
+  const unsigned before = guided(node, field);
+  const slot* other = before != ANYWHERE ? &guided_slot(node, before) : nullptr;
+  const bool is_taken = other != nullptr && !other->is_free();
+  if (other == nullptr || (is_taken && guide_place(other->field()) == place)) at = ANYWHERE;
+  node.guide = (node.guide & ~(uint64_t{15} << place)) | uint64_t{at} << place;
+}
+
+// Leaves word in the guide of where the field comes to stand.
+inline void guide_to(tav_node& node, uint32_t field, unsigned at) {
+  if (guided(node, field) != 0) return share_guide_place(node, field, at);
+  node.guide |= uint64_t{at} << guide_place(field);
+}
+
+// What the guide says of a slot of that segment.
+inline unsigned guide_of(const tav_node& node, const segment& run, size_t index) {
+  const bool is_first = &run == &node.first;
+  const size_t at = is_first ? index + 1 : index + FURTHER;
+  const bool is_told = is_first ? at < FURTHER : at < ANYWHERE && &run == node.first.next;
+  return is_told ? static_cast<unsigned>(at) : ANYWHERE;
+}
+
+// Twice the room of the one before, so that bodies with many fields have few segments.
+[[gnu::noinline]] segment& add_segment(tav_node& node, size_t needed) {
+  size_t room = FURTHER_ROOM;
+  segment* last = &node.first;
+  for (; last->next != nullptr; last = last->next) room = std::min(2 * room, LARGEST_FURTHER);
+  return *(last->next = new_segment(std::max(room, needed)));
+}
+
+// The segment with room for one more slot with a place of that size.
+inline segment& segment_with_room(tav_node& node, size_t place) {
+  segment* last = &node.first;
+  while (last->next != nullptr) last = last->next;
+  const size_t needed = sizeof(slot) + place;
+  return last->room() >= needed ? *last : add_segment(node, needed);
+}
+
+// A slot for the field with a place of that size, which whoever calls fills.
+inline slot& append(tav_node& node, uint32_t field, size_t place) {
+  segment& run = segment_with_room(node, place);
+  const uint32_t index = run.count++;
+  slot& fresh = run.begin()[index];
+  run.low -= static_cast<uint32_t>(place);
+  fresh.distance = run.low - static_cast<uint32_t>(sizeof(segment) + index * sizeof(slot));
+  guide_to(node, field, guide_of(node, run, index));
+  return fresh;
+}
+
+box* new_box(tav_node& body, void* value) {
+  auto* made = new box{1, &body, value};
+  ++body.boxes;
+  return made;
+}
+
+box* new_box(uint32_t field, const void* value, size_t size) {
+  auto* made = new (::operator new(sizeof(box) + size)) box{1, nullptr, nullptr};
+  made->value = made + 1;
+  copy_value(field, made->value, value, size);
+  return made;
+}
+
+// Fills a slot with a value, which may be the one that it has.
+void fill(slot& s, uint32_t field, const void* value, size_t size) {
+  const bool is_int = holding_of(field) == holding::INT;
+  const bool fits = is_int ? !s.is_boxed() : size <= place_of(s);
+  box* fresh = fits ? nullptr : new_box(field, value, size);
+  box* old = s.is_boxed() ? s.boxed() : nullptr;
+  if (!fits) {
+    s.boxed() = fresh;
+  } else if (is_int) {
+    std::memcpy(&s.number, value, sizeof s.number);
+  } else {
+    copy_value(field, s.place(), value, size);
+  }
+  s.tag = field | (fits ? s.tag & slot::LENT : slot::BOXED);
+  if (old != nullptr) release_box(old);
+}
+
+// Whether a free slot can take a value that needs such a place: inside or, for lack of room, boxed.
+// One that needs none would lose the place, and is not given it.
+bool can_take(slot& s, size_t place) {
+  const size_t has = place_of(s);
+  return place == 0 ? has == 0 : has >= PLACE;
+}
+
+// A slot that was left and can take the value, with what the guide says of it; or null.
+slot* find_left(tav_node& node, size_t place, unsigned& at) {
+  for (segment* run = &node.first; run != nullptr; run = run->next) {
+    for (size_t i = 0; i < run->count; ++i) {
+      slot& s = run->begin()[i];
+      if (!s.is_free() || !can_take(s, place)) continue;
+      at = guide_of(node, *run, i);
+      return &s;
+    }
+  }
+  return nullptr;
+}
+
+// A free slot for a field that is not there.
+slot& slot_for_new(tav_node& node, uint32_t field, size_t place) {
+  if (guided(node, field) != 0) {  // something stood or stands in its place of the guide
+    unsigned at = ANYWHERE;
+    if (slot* s = find_left(node, place, at)) {
+      guide_to(node, field, at);
+      return *s;
+    }
+  }
+  slot& s = append(node, field, place);
+  make_free(s, place);
+  return s;
+}
+
+size_t place_in_clone(slot& s) {
+  return (s.tag & slot::LENT) != 0 ? PLACE : place_of(s);
+}
+
+// Fills an empty slot with a value that fits into its place.
+void fill_inside(slot& s, uint32_t field, const void* value, size_t size) noexcept {
+  if (holding_of(field) == holding::INT) {
+    std::memcpy(&s.number, value, sizeof s.number);
+  } else {
+    copy_value(field, s.place(), value, size);
+  }
+  s.tag = field;
+}
+
+// Fills a slot of another body with what `from`, a slot of `body`, holds.
+void share_slot(tav_node& body, slot& from, slot& to) {
+  const uint32_t field = from.field();
+  if (from.has_elements()) {
+    enter_elements(to, field, from.elements());
+    share_elements(*to.elements());
+  } else if (from.is_boxed()) {
+    to.boxed() = from.boxed();
+    ++to.boxed()->refs;
+    to.tag = field | slot::BOXED;
+  } else if ((from.tag & slot::LENT) != 0) {
+    to.boxed() = new_box(body, value_of(from));
+    to.tag = field | slot::BOXED;
+  } else {
+    const void* value = value_of(from);
+    fill_inside(to, field, value, value_size(field, value));
+  }
+}
+
+}  // namespace
+
+tav_node* new_node(size_t room) {
+  const size_t block = sizeof(tav_node) + rounded(room);
+  return new (::operator new(block)) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room)}};
+}
+
+tav_node* clone(tav_node& from) {
+  size_t room = sizeof(slot) + PLACE;  // for the field that is likely to come
+  each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
+  std::unique_ptr<tav_node, reap_node> made(new_node(room));
+  each_slot(from,
+            [&](slot& s) { share_slot(from, s, append(*made, s.field(), place_in_clone(s))); });
+  return made.release();
+}
+
+slot* search_slot(tav_node& node, uint32_t field) {
+  for (segment* run = &node.first; run != nullptr; run = run->next) {
+    for (slot& s : *run) {
+      if (s.field() == field) return &s;
+    }
+  }
+  return nullptr;
+}
+
+// A value that is there, too large, or of a field that shares its place in the guide.
+[[gnu::noinline]] static void set_other(tav_node& node, uint32_t field, const void* value,
+                                        size_t size) {
+  slot* s = find_slot(node, field);
+  if (s == nullptr) s = &slot_for_new(node, field, place_for(field, size));
+  fill(*s, field, value, size);
+}
+
+static void set_value(tav_node& node, uint32_t field, const void* value, size_t size) {
+  if (guided(node, field) != 0 || size > LARGEST_INSIDE) {
+    return set_other(node, field, value, size);
+  }
+  fill_inside(append(node, field, place_for(field, size)), field, value, size);
+}
+
+void set_value(tav_node& node, uint32_t field, const void* value) {
+  if (!add_value(node, field, value)) set_value(node, field, value, value_size(field, value));
+}
+
+tav_node* new_filled_node(const tav_value* values, size_t count) {
+  constexpr size_t MANY = 32;
+  size_t sizes[MANY];
+  size_t room = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const size_t size = value_size(values[i].field, values[i].value);
+    room += sizeof(slot) + place_for(values[i].field, size);
+    if (i < MANY) sizes[i] = size;
+  }
+  std::unique_ptr<tav_node, reap_node> node(new_node(room));
+  for (size_t i = 0; i < count; ++i) {
+    const auto [field, value] = values[i];
+    set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
+  }
+  return node.release();
+}
+
+// As much as the first element took and a little more, and more again whenever one outgrew it.
+static uint32_t room_after(const element_array& array) {
+  constexpr size_t SPARE = 24;
+  constexpr uint32_t MORE = 64;
+  if (array.places.empty()) return FIRST_ROOM;
+  const tav_node* last = array.places.back().node;
+  if (last == nullptr) return array.room;
+  if (last->first.next != nullptr) return std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE);
+  const size_t left = last->first.room();
+  const bool is_first = array.places.size() == 1 && left < array.room && left > SPARE;
+  return is_first ? static_cast<uint32_t>(array.room - left + SPARE) : array.room;
+}
+
+tav_node* new_element_node(element_array& array) {
+  if (array.room != 0 || array.places.empty()) array.room = room_after(array);
+  return new_node(array.room != 0 ? array.room : FIRST_ROOM);
+}
+
+slot& slot_for_elements(tav_node& node, uint32_t field) {
+  slot* s = find_slot(node, field);
+  return s != nullptr ? *s : slot_for_new(node, field, PLACE);
+}
+
+void enter_elements(slot& s, uint32_t field, element_array* elements) noexcept {
+  s.elements() = elements;
+  s.tag = field;
+}
+
+void release_box(box* b) noexcept {
+  if (--b->refs > 0) return;
+  if (b->body != nullptr) {
+    --b->body->boxes;
+    free_unless_needed(b->body);
+  }
+  ::operator delete(b);
+}
+
+void clear_slot(slot& s) noexcept {
+  const size_t place = place_of(s);
+  if (s.is_boxed()) release_box(s.boxed());
+  make_free(s, place);
+}
+
+void free_unless_needed(tav_node* node) noexcept {
+  if (node->owners > 0 || node->boxes > 0 || node->housed.node != nullptr) return;
+  for (segment* run = node->first.next; run != nullptr;) {
+    segment* next = run->next;
+    ::operator delete(run);
+    run = next;
+  }
+  ::operator delete(node);
+}
+
+}  // namespace vantor

@@ -1,0 +1,116 @@
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "vantor/list/handle.h"
+#include "vantor/list/reap.h"
+
+namespace vantor {
+
+namespace {
+
+// Looks upwards until the root or a place from where everything was own a moment ago, and leaves
+// word of that: writing far down costs no more than writing at the top.
+bool is_own_way(const tav_flist_t& list) {
+  const uint64_t now = sharings.load(std::memory_order_relaxed);
+  const tav_flist_t* top = &list;
+  for (; is_own(*top->node); top = top->array->home) {
+    if (top->array == nullptr || top->array->owned_at == now) break;
+    if (top->array->refs > 1) return false;
+  }
+  if (!is_own(*top->node)) return false;
+  for (const tav_flist_t* at = &list; at != top; at = at->array->home) at->array->owned_at = now;
+  return true;
+}
+
+// The body of a list whose parents are its own already.
+void own_node(tav_flist_t& list) {
+  if (is_own(*list.node)) return;
+  tav_node* shared = list.node;
+  list.node = clone(*shared);
+  if (list.array != nullptr) at_seq(*list.array, list.seq).node = list.node;
+  disown(shared, nullptr);  // the handles stay with the list
+}
+
+void move_handles(element_array& from, element_array& to) noexcept {
+  for (size_t i = 0; i < from.places.size(); ++i) {
+    if (from.places[i].node == nullptr) continue;
+    tav_flist_t* handle = std::exchange(from.places[i].handle, nullptr);
+    to.places[i].handle = handle;
+    if (handle != nullptr) handle->array = &to;
+  }
+  to.home = std::exchange(from.home, nullptr);
+}
+
+element_array* copy_elements(const element_array& from) {
+  auto made = std::make_unique<element_array>();
+  made->live = from.live;
+  made->next_seq = from.next_seq;
+  made->dense = from.dense;
+  made->places = from.places;
+  for (element& e : made->places) {
+    if (e.node == nullptr) continue;
+    e.handle = nullptr;
+    share_node(*e.node);
+  }
+  return made.release();
+}
+
+// The elements in a slot of the list's own body.
+element_array& own_slot(tav_flist_t& list, slot& s) {
+  element_array* shared = s.elements();
+  if (shared->refs == 1) return *shared;
+  s.elements() = copy_elements(*shared);
+  --shared->refs;
+  if (shared->home == &list) move_handles(*shared, *s.elements());
+  return *s.elements();
+}
+
+void own_array(tav_flist_t& list, const element_array* array) {
+  if (array->refs == 1) return;
+  each_slot(*list.node, [&](slot& s) {
+    if (s.has_elements() && s.elements() == array) own_slot(list, s);
+  });
+}
+
+void own_way(tav_flist_t& list) {
+  std::vector<tav_flist_t*> way;
+  for (tav_flist_t* at = &list; at != nullptr; at = parent_of(*at)) way.push_back(at);
+  std::reverse(way.begin(), way.end());
+  tav_flist_t* parent = nullptr;
+  for (tav_flist_t* at : way) {
+    if (parent != nullptr) own_array(*parent, at->array);
+    own_node(*at);
+    parent = at;
+  }
+}
+
+}  // namespace
+
+tav_node& own_from_above(tav_flist_t& list) {
+  if (!is_own_way(list)) own_way(list);
+  return *list.node;
+}
+
+element_array& own_elements(tav_flist_t& list, uint32_t field) {
+  return own_slot(list, *find_slot(own(list), field));
+}
+
+element_array& need_elements(tav_flist_t& list, uint32_t field) {
+  element_array* there = is_known_own(list) ? find_elements(*list.node, field) : nullptr;
+  if (there != nullptr && there->refs == 1) return *there;  // the short way
+  slot& s = slot_for_elements(own(list), field);
+  if (s.is_free()) enter_elements(s, field, new element_array);
+  return own_slot(list, s);
+}
+
+tav_flist_t* hand_out(tav_flist_t& list, element_array& array, element& e) {
+  if (e.handle != nullptr) return e.handle;
+  e.handle = new_handle(*e.node);
+  e.handle->array = &array;
+  e.handle->seq = e.seq;
+  array.home = &list;
+  return e.handle;
+}
+
+}  // namespace vantor
