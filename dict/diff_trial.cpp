@@ -1,5 +1,6 @@
 // What `replace` would say of the files: the import's own checks, and its trial.
 #include <algorithm>
+#include <new>
 
 #include "dd/report.h"
 #include "deploy/import/import.h"
@@ -22,6 +23,18 @@ static bool is_about_the_dictionary(const dm::problem& why) {
       TAV_ERR_WRITE_REFUSED, TAV_ERR_NOT_FOUND, TAV_ERR_BAD_CONF, TAV_ERR_UNKNOWN_DATABASE};
   return why.is_unreachable ||
          std::find(std::begin(CODES), std::end(CODES), why.code) != std::end(CODES);
+}
+
+// Want of memory says nothing of the files, wherever the import or the data manager met it; the
+// import tells it by the buffer that it displays.
+static bool lacks_memory(const std::vector<std::string>& texts,
+                         const std::vector<dm::problem>& problems) {
+  const std::string sign = tav_taverr_to_str(TAV_ERR_NO_MEM);
+  return std::any_of(problems.begin(), problems.end(),
+                     [](const dm::problem& why) { return why.code == TAV_ERR_NO_MEM; }) ||
+         std::any_of(texts.begin(), texts.end(), [&](const std::string& text) {
+           return text.rfind("Error: [location=", 0) == 0 && text.find(sign) != text.npos;
+         });
 }
 
 static answer judge(bool is_connected, const std::vector<dm::problem>& problems) {
@@ -57,6 +70,7 @@ trial_result try_replace(definitions& files, uint64_t database) {
   dm::note_problems(nullptr);
   dd_take_errors(nullptr);
   if (is_taken) return {answer::TAKEN};
+  if (lacks_memory(texts, problems)) throw std::bad_alloc();
   trial_result refused{judge(state.session.connection != nullptr, problems)};
   put_messages(texts, problems, refused.messages);
   return refused;
