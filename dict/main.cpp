@@ -8,11 +8,13 @@
 #include <sstream>
 
 #include "dd/descriptors.h"
+#include "dd/fold.h"
 #include "dd/last_resort.h"
 #include "dict/commands.h"
 #include "dict/output.h"
 #include "dict/visible.h"
 #include "dm/schema.h"
+#include "vantor/binding.h"
 
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
@@ -42,7 +44,29 @@ static int refuse_extra(const std::vector<std::string>& extra) {
   return dict::fail(why);
 }
 
+// A server's address in a wrong place, where the command would repeat it as a file's name. What
+// --with names is judged there.
+static bool is_secret(const char* before, const std::string& argument) {
+  if (std::strcmp(before, "--with") == 0 || argument.rfind("--with=", 0) == 0) return false;
+  const auto has = [&](const char* part) { return argument.find(part) != argument.npos; };
+  const bool is_address = has("://") || has("password=") ||
+                          dd_equal(argument.substr(0, 10).c_str(), "postgresql") ||
+                          dd_equal(argument.substr(0, 9).c_str(), "postgres:");
+  return is_address && tav_text_holds_password(argument);
+}
+
+static int refuse_password() {
+  dm::problem why;
+  why.sentence =
+      "An argument holds a password, and everybody can read command lines: change it, and keep the "
+      "new one in PostgreSQL's own password file.";
+  return dict::fail(why);
+}
+
 static int run(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (is_secret(argv[i - 1], argv[i])) return refuse_password();
+  }
   CLI::App app(DESCRIPTION, "tav_dict");
   app.set_version_flag("--version", "tav_dict " TAV_DICT_VERSION ", schema version " +
                                         std::to_string(dm::SCHEMA_VERSION));

@@ -130,11 +130,13 @@ static bool lost(const postgres_store& store, problem& why) {
 // Refused is what would write; a read only lacks something.
 static bool may_not_read(const postgres_store& store, std::string_view words, problem& why) {
   why.detail = EACCES;
-  return postgres_refuse(
-      store, TAV_ERR_STORAGE,
-      join({"the role may not read it; log in as one that may, or let the owner say: ",
-            store.grants.empty() ? "GRANT" : store.grants, " (", words, ")"}),
-      why);
+  const std::string advice =
+      store.grants.empty()
+          ? "row security keeps rows of it from the role; let the owner take it away, or log in as "
+            "one that it does not concern"
+          : join({"the role may not read it; log in as one that may, or let the owner say: ",
+                  store.grants});
+  return postgres_refuse(store, TAV_ERR_STORAGE, join({advice, " (", words, ")"}), why);
 }
 
 bool postgres_failed(postgres_store& store, const PGresult* result, problem& why) {

@@ -36,10 +36,13 @@ static bool await(PGconn* line, short events, milliseconds limit) {
   }
 }
 
-static bool finish_connecting(PGconn* line, milliseconds limit) {
+// Whether the server lets us in; `has_answered`: it says something at least.
+static bool finish_connecting(PGconn* line, milliseconds limit, bool& has_answered) {
   PostgresPollingStatusType state = PGRES_POLLING_WRITING;
   while (PQstatus(line) != CONNECTION_BAD && state != PGRES_POLLING_OK) {
-    if (!await(line, state == PGRES_POLLING_READING ? POLLIN : POLLOUT, limit)) return false;
+    const bool is_reading = state == PGRES_POLLING_READING;
+    if (!await(line, is_reading ? POLLIN : POLLOUT, limit)) return false;
+    has_answered = has_answered || is_reading;
     state = PQconnectPoll(line);
   }
   return PQstatus(line) == CONNECTION_OK && PQsetnonblocking(line, 1) == 0;
@@ -49,19 +52,25 @@ static milliseconds limit_of(const postgres_store& store) {
   return milliseconds(store.options.answer_milliseconds);
 }
 
-// Whether the server itself says that it is at work for us. Who waits for the client is not: our
-// message, or its answer, is lost. Waiting for a lock is, because the server ends that.
+// Whether the server says that it is at work for us, or may not tell (no further connection is left
+// for the role, or nothing is tracked) but answers. Who waits for the client is not at work: our
+// message, or its answer, is lost. Nor is who waits for a lock for longer than the server allows.
 static bool is_at_work(const postgres_store& store) {
   static constexpr char STATE[] =
-      "SELECT state = 'active' AND wait_event_type IS DISTINCT FROM 'Client'"
+      "SELECT state IS DISTINCT FROM 'idle' AND state IS DISTINCT FROM 'idle in transaction'"
+      " AND wait_event_type IS DISTINCT FROM 'Client'"
+      " AND NOT (wait_event_type IS NOT DISTINCT FROM 'Lock' AND $2)"
       " FROM pg_stat_activity WHERE pid = $1";
   postgres_store other;
   other.options = store.options;
   const connection_owner line(connect_beside(store));
   other.connection = line.get();
-  if (line == nullptr || !finish_connecting(line.get(), limit_of(store))) return false;
-  const parameters process(int64_t{PQbackendPID(store.connection)});
-  if (!send_message(other, STATE, &process)) return false;
+  if (line == nullptr) return false;
+  bool has_answered = false;
+  if (!finish_connecting(line.get(), limit_of(store), has_answered)) return has_answered;
+  const bool is_past_locks = steady::now() - store.asked > store.patience + limit_of(store);
+  const parameters asked(int64_t{PQbackendPID(store.connection)}, is_past_locks ? "t" : "f");
+  if (!send_message(other, STATE, &asked)) return false;
   const result_owner answer = take_answer(other, silence::IS_THE_END);
   return PQntuples(answer.get()) == 1 && *PQgetvalue(answer.get(), 0, 0) == 't';
 }
