@@ -163,7 +163,7 @@ void add_diff(CLI::App& app, int& result) {
       "Another dictionary in place of files, as tav.conf names it: sqlite:PATH, ...; without a "
       "password, because everybody can read command lines");
   command->add_option("--with-database", asked->with_database,
-                      "Its database, in place of the same number");
+                      "The other dictionary's database; by default the one of the same number");
   command->add_flag("--missing", asked->lists_missing,
                     "List also what the dictionary holds and the files do not");
   command->add_flag("--json", asked->is_json, "Write JSON");

@@ -19,9 +19,11 @@
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
-    "Exit status: 0, 1 when 'check' or 'diff' found something (so does 'restore' with what "
-    "'check'\n"
-    "finds in the backup) or 'explain' did not, 2 for wrong usage or a failure.";
+    "Exit status:\n"
+    "  0  done, and nothing found\n"
+    "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
+    "     or 'explain' does not know the message\n"
+    "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
 
