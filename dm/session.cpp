@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "dm/database_number.h"
+#include "dd/database_number.h"
 #include "vantor/binding.h"
 
 namespace dm {
@@ -65,7 +65,7 @@ bool find_database(session& session, const tav_node* input, int64_t writes, data
   if (is_there && has_room(database.counter, writes)) return true;
   if (is_there) return why = damaged_counter(wanted), false;
   why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
-         join({"The dictionary holds no database ", database_text(wanted),
+         join({"The dictionary holds no database ", dd_database_text(wanted),
                "; 'tav_dict add-database' adds one."})};
   return false;
 }
