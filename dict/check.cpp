@@ -4,9 +4,9 @@
 #include <iostream>
 #include <vector>
 
+#include "dd/database_number.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
-#include "dm/database_number.h"
 #include "dm/open.h"
 
 namespace dict {
@@ -18,7 +18,7 @@ static void tell(checker& check, std::string_view sentence) {
 }
 
 void tell(checker& check, const dm::database_row& database, std::string_view sentence) {
-  tell(check, dm::join({"database ", dm::database_text(database.number), ": ", sentence}));
+  tell(check, dm::join({"database ", dd_database_text(database.number), ": ", sentence}));
 }
 
 void check_row_id(checker& check, const dm::database_row& database, std::string_view thing,

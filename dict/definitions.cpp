@@ -2,6 +2,7 @@
 
 #include "dd/values.h"
 #include "deploy/import/import.h"
+#include "dm/open.h"
 #include "dm/ops/operations.h"
 
 namespace dict {

@@ -5,13 +5,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 
 #include "deploy/modes.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
+#include "dm/open.h"
 #include "vantor/binding.h"
 
 namespace dict {
@@ -29,7 +29,6 @@ struct request {
 };
 
 constexpr char STANDARD_INPUT[] = "-";
-constexpr std::string_view SQLITE = "sqlite:";
 
 }  // namespace
 
@@ -58,17 +57,6 @@ static bool choose_files(request& asked, dm::problem& why) {
   return why.sentence.empty();
 }
 
-// A path on the command line is seen from the working folder, not from tav.conf's.
-static dm::settings settings_of_other(const request& asked, const dm::settings& own) {
-  dm::settings other = own;
-  other.dictionary = asked.with;
-  if (asked.with.compare(0, SQLITE.size(), SQLITE) == 0 && asked.with.size() > SQLITE.size()) {
-    const auto path = std::filesystem::absolute(asked.with.substr(SQLITE.size()));
-    other.dictionary = std::string(SQLITE) + path.string();
-  }
-  return other;
-}
-
 // The databases of both sides: the login's, where the command line chooses none.
 static bool choose_databases(const request& asked, const dm::settings& settings, uint64_t& own,
                              uint64_t& other, dm::problem& why) {
@@ -87,11 +75,7 @@ static bool choose_databases(const request& asked, const dm::settings& settings,
 static bool fetch_other(const dm::settings& settings, uint64_t database, definitions& after,
                         dm::problem& why) {
   if (fetch(settings, database, after, why)) return true;
-  if (why.code == TAV_ERR_BAD_CONF) {
-    why.sentence =
-        "the text names no dictionary: expected sqlite:PATH or postgresql://HOST/DATABASE. It is "
-        "not repeated here, because it may hold a password.";
-  }
+  if (why.code == TAV_ERR_BAD_CONF) why.sentence = dm::NAMES_NO_DICTIONARY;
   why.sentence.insert(0, "--with: ");
   return false;
 }
@@ -110,8 +94,8 @@ static int gather(const request& asked, definitions& before, definitions& after)
   }
   if (!fetch(settings, database, before, why)) return fail(why);
   if (asked.with.empty()) return DONE;
-  const dm::settings theirs = settings_of_other(asked, settings);
-  return fetch_other(theirs, other, after, why) ? DONE : fail(why);
+  settings.dictionary = dm::seen_from_working_folder(asked.with);
+  return fetch_other(settings, other, after, why) ? DONE : fail(why);
 }
 
 static bool is_coloured(const std::string& when) {

@@ -1,4 +1,5 @@
 #include "dict/diff_values.h"
+#include "dd/class_names.h"
 
 #include "dd/fold.h"
 #include "dd/values.h"
@@ -99,7 +100,7 @@ static bool is_same(uint32_t field, const std::string& before, const std::string
 
 // Whether a deployment passes the new value over in silence.
 static bool is_passed_over(const element& of, uint32_t field, const written& after) {
-  if (&of.kind == &CLASS && field == TAV_FLD_SQL_TABLE && tav_deploy_is_subclass(of.name)) {
+  if (&of.kind == &CLASS && field == TAV_FLD_SQL_TABLE && dd_is_subclass(of.name)) {
     return true;  // a subclass needs no table: its own is not stored
   }
   return !after.is_given && keeping_of(of.kind, field) != dm::keeping::NEVER;

@@ -1,9 +1,9 @@
 // init and add-database.
 #include <iostream>
 
+#include "dd/database_number.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
-#include "dm/database_number.h"
 #include "dm/open.h"
 #include "dm/predefined.h"
 
@@ -32,7 +32,7 @@ int init() {
   std::string name;
   if (!dm::create_dictionary(settings, fill, name, why)) return fail(why);
   std::cout << "Made dictionary " << visible{name} << " with database "
-            << dm::database_text(settings.database) << ".\n";
+            << dd_database_text(settings.database) << ".\n";
   return DONE;
 }
 
@@ -42,7 +42,7 @@ static bool has_database(dm::store& store, uint64_t number, bool& is_there, dm::
 }
 
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why) {
-  if (dm::database_of_text(text.c_str(), number)) return true;
+  if (dd_read_database(text, number)) return true;
   why.sentence = dm::join({dm::quoted(text),
                            " is no database number: expected four numbers from 0 to 65535, such "
                            "as 0.0.1.1."});
@@ -60,12 +60,12 @@ int add_database(const std::string& text) {
   bool is_there = false;
   if (!has_database(*store, number, is_there, why)) return fail(why);
   if (is_there) {
-    why.sentence = dm::join({"Database ", dm::database_text(number), " is there already."});
+    why.sentence = dm::join({"Database ", dd_database_text(number), " is there already."});
     return fail(why);
   }
   if (!dm::make_database(*store, number, why)) return fail(why);
   if (!store->calls->commit(store.get(), why)) return fail(why);
-  std::cout << "Added database " << dm::database_text(number) << ".\n";
+  std::cout << "Added database " << dd_database_text(number) << ".\n";
   return DONE;
 }
 

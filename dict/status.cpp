@@ -1,9 +1,9 @@
 #include <iostream>
 #include <vector>
 
+#include "dd/database_number.h"
 #include "dict/commands.h"
 #include "dict/visible.h"
-#include "dm/database_number.h"
 #include "dm/open.h"
 
 namespace dict {
@@ -17,7 +17,7 @@ static bool print_database(dm::store& store, const dm::database_row& row, dm::pr
   int64_t classes = 0;
   if (!store.calls->count(&store, row.id, dm::counted::FIELDS, fields, why)) return false;
   if (!store.calls->count(&store, row.id, dm::counted::CLASSES, classes, why)) return false;
-  std::cout << "database " << dm::database_text(row.number) << ": " << fields << " fields, "
+  std::cout << "database " << dd_database_text(row.number) << ": " << fields << " fields, "
             << classes << " classes\n";
   return true;
 }

@@ -106,10 +106,6 @@ void read_class(const tav_node* element, int32_t elem_id, class_def& result) {
   read_entries(element, NO_PARENT, 1, result);
 }
 
-bool is_subclass(const char* class_name) {
-  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
-}
-
 std::string path_of(const class_def& definition, const entry_def& entry) {
   std::string path = text_of(entry, ENTRY_NAME);
   for (int32_t at = entry.parent; at != NO_PARENT;) {

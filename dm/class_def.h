@@ -44,7 +44,6 @@ const char* text_of(const entry_def& entry, entry_attribute which);
 inline bool is_container(int32_t type) {
   return type == TAV_FLDT_ARRAY || type == TAV_FLDT_SUBSTRUCT;
 }
-bool is_subclass(const char* class_name);
 
 // Positions of the entries by parent, then by folded name, then by place.
 std::vector<int32_t> places_by_name(const class_def& definition);

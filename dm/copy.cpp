@@ -3,7 +3,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "dm/database_number.h"
 #include "dm/rules/class_world.h"
 
 namespace dm {

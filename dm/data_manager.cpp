@@ -2,7 +2,9 @@
 #include <new>
 
 #include "dm/data_manager.h"
+#include "dm/open.h"
 #include "dm/ops/operations.h"
+#include "vantor/binding.h"
 
 struct tav_dm_session : dm::session {};
 
@@ -79,16 +81,6 @@ static dd_flist carry_out(operation& op, uint32_t opcode) {
   }
   return refuse(op, TAV_ERR_BAD_OPCODE, 0,
                 join({"There is no operation ", std::to_string(opcode), "."}));
-}
-
-// After a failure in the middle nothing may be left open but the provisional 576's transaction.
-static void clean_up(session& session) {
-  const bool is_held =
-      session.trial == trial_state::UNDECIDED || session.trial == trial_state::TRIED;
-  if (is_held) return;
-  undo_write(session);
-  end_read(session);
-  session.refusal = {};
 }
 
 static tav_flist_t* run(tav_dm_session* session, uint32_t opcode, uint32_t flags,

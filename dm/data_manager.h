@@ -2,11 +2,17 @@
 #ifndef DM_DATA_MANAGER_H
 #define DM_DATA_MANAGER_H
 
-#include "dm/settings.h"
-#include "dm/sqlite/dictionary_file.h"
-#include "vantor/binding.h"
+#include <vector>
+
+#include "dd/vantor.h"
+
+struct tav_dm_session;
 
 namespace dm {
+
+struct open_options;
+struct problem;
+struct settings;
 
 // From now on each problem that the bound data manager reports is appended there as well; null ends
 // that.

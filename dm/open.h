@@ -7,6 +7,15 @@
 
 namespace dm {
 
+// What is said of a text that names no dictionary, outside of the configuration.
+inline constexpr char NAMES_NO_DICTIONARY[] =
+    "the text names no dictionary: expected sqlite:PATH or postgresql://HOST/DATABASE. It is not "
+    "repeated here, because it may hold a password.";
+
+// The same dictionary for a text from a command line: a path in it is seen from the working folder,
+// not from tav.conf's.
+std::string seen_from_working_folder(const std::string& dictionary);
+
 // Opens an existing dictionary.
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why);
 

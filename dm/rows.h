@@ -3,7 +3,7 @@
 #ifndef DM_ROWS_H
 #define DM_ROWS_H
 
-#include "dm/database_number.h"
+#include "dd/database_number.h"
 #include "dm/store.h"
 
 namespace dm {
@@ -13,7 +13,7 @@ bool take_row(const Columns& columns, database_row& row) {
   const char* number = columns.text(1);
   row.id = columns.integer(0);
   row.counter = columns.integer(2);
-  return number != nullptr && database_of_text(number, row.number);
+  return number != nullptr && dd_read_database(number, row.number);
 }
 
 // Whether the number fits into 32 bits.

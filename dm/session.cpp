@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <new>
 
-#include "dm/database_number.h"
-#include "dm/ops/operations.h"
+#include "dd/database_number.h"
+#include "vantor/binding.h"
 
 namespace dm {
 
@@ -30,15 +30,6 @@ bool begin_write(session& session, problem& why) {
   end_snapshot(session);
   session.is_writing = session.store->calls->begin(session.store.get(), true, why);
   return session.is_writing;
-}
-
-bool begin_trial(session& session, problem& why) {
-  if (session.refusal.code != TAV_ERR_NONE) return true;  // the snapshot is open
-  if (begin_write(session, session.refusal)) return true;
-  if (session.refusal.code == TAV_ERR_WRITE_REFUSED && begin_read(session, why)) return true;
-  if (why.code == TAV_ERR_NONE) why = session.refusal;
-  session.refusal = {};
-  return false;
 }
 
 bool commit_write(session& session, problem& why) {
@@ -74,7 +65,7 @@ bool find_database(session& session, const tav_node* input, int64_t writes, data
   if (is_there && has_room(database.counter, writes)) return true;
   if (is_there) return why = damaged_counter(wanted), false;
   why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
-         join({"The dictionary holds no database ", database_text(wanted),
+         join({"The dictionary holds no database ", dd_database_text(wanted),
                "; 'tav_dict add-database' adds one."})};
   return false;
 }
@@ -91,58 +82,6 @@ bool is_foreign(const session& session, uint64_t database, int64_t seen_database
 void note_own(session& session, uint64_t database, int64_t stamp) noexcept try {
   session.seen[database].own.push_back(stamp);
 } catch (const std::bad_alloc&) {
-}
-
-static void forget_pending(session& session) {
-  undo_write(session);
-  end_read(session);
-  session.pending = field_plan();
-  session.refusal = {};
-  session.trial = trial_state::OVER;
-}
-
-// A 576 that was refused itself promised nothing.
-static bool make_durable(session& session, problem& why) try {
-  const bool is_refused =
-      session.refusal.code != TAV_ERR_NONE && !session.pending.asked.fields.empty();
-  if (is_refused) why = session.refusal;
-  const bool durable =
-      !is_refused && (!session.is_writing ||
-                      (write_fields(session, session.pending, why) && commit_write(session, why)));
-  forget_pending(session);
-  return durable;
-} catch (...) {  // what is written in part must not be taken up again
-  forget_pending(session);
-  throw;
-}
-
-// Whether a 585 names exactly the fields that the provisional 576 would have added.
-static bool ends_trial(const session& session, uint32_t opcode, const tav_node* input) {
-  if (session.pending.request == nullptr) return false;  // it could not even be copied
-  if (opcode != TCM_OP_SDK_DEL_FLD_SPECS || target_of(input) != session.pending.target)
-    return false;
-  return same_unmarked_fields(tav_node_of(session.pending.request.get()), input);
-}
-
-bool settle_trial(session& session, uint32_t opcode, uint32_t flags, const tav_node* input,
-                  bool& done, problem& why) {
-  done = false;
-  if (session.trial != trial_state::UNDECIDED && session.trial != trial_state::TRIED) return true;
-  const bool is_check = opcode == TCM_OP_SDK_SET_OBJ_SPECS && (flags & TCM_OPFLG_TRIAL) != 0;
-  if (session.trial == trial_state::UNDECIDED && is_check) {
-    session.trial = trial_state::TRIED;
-    return true;
-  }
-  done = ends_trial(session, opcode, input);
-  if (session.trial == trial_state::UNDECIDED && !done) return make_durable(session, why);
-  forget_pending(session);
-  return true;
-}
-
-bool settle_at_end(session& session, problem& why) {
-  if (session.trial == trial_state::UNDECIDED) return make_durable(session, why);
-  forget_pending(session);
-  return true;
 }
 
 }  // namespace dm

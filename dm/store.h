@@ -32,6 +32,8 @@ inline constexpr int64_t WRITES_OF_A_DEPLOYMENT = 2;
 inline bool has_room(int64_t counter, int64_t writes) {
   return counter >= 0 && counter <= HIGHEST_COUNTER - writes;
 }
+// Why a database whose counter cannot be raised is not used.
+problem damaged_counter(uint64_t number);
 
 struct field_row {  // read for its key only: name and type
   const char* name;

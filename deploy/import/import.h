@@ -6,8 +6,6 @@
 #ifndef DEPLOY_IMPORT_IMPORT_H
 #define DEPLOY_IMPORT_IMPORT_H
 
-#include <cstring>
-
 #include "deploy/import/entries.h"
 #include "deploy/modes.h"
 #include "deploy/server.h"
@@ -52,9 +50,6 @@ int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_sib
 void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);
 
 // --- Superclasses
-inline bool tav_deploy_is_subclass(const char* class_name) {
-  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
-}
 // Reports the superclasses that neither server nor input has; lends the ordering those that the
 // input has, where it lacks them, and the class itself, also where it is there already.
 int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,

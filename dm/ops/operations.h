@@ -30,13 +30,6 @@ dd_flist refuse(operation& op, int32_t code, uint32_t field, std::string sentenc
 // The refusal of writes that the configuration does not allow.
 dd_flist refuse_writes(operation& op, const char* entry);
 
-// Writes what a 576 planned into the open transaction.
-bool write_fields(session& session, const field_plan& plan, problem& why);
-
-// Whether the second list's fields are the first's without the mark of fields that the dictionary
-// had already: same names, types and numbers in the same order.
-bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked);
-
 }  // namespace dm
 
 #endif

@@ -179,7 +179,7 @@ static bool set_class(class_run& run, const tav_node* node, int32_t id) {
 }
 
 static bool set_all(class_run& run) {
-  const field_plan& pending = run.op.session.pending;
+  const field_plan& pending = run.op.session.trial.pending;
   if (pending.database.id == run.database.id) run.world.add_fields(pending.asked);
   find_repeated(run);
   const uint32_t cost = run.op.session.store->look_up_cost;

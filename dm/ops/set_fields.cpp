@@ -80,29 +80,9 @@ static bool plan_fields(session& session, field_plan& plan, problem& why) {
   return true;
 }
 
-bool write_fields(session& session, const field_plan& plan, problem& why) {
-  store* store = session.store.get();
-  const int64_t id = plan.database.id;
-  const int64_t stamp = plan.database.counter + 1;
-  bool has_written = false;
-  std::vector<field_row> added;
-  for (const asked_field& field : plan.asked.fields) {
-    if (!field.is_planned) continue;
-    const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
-    if (!field.is_stored) added.push_back(row);
-    if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
-    has_written = true;
-  }
-  if (!has_written) return true;
-  if (!added.empty() && !store->calls->add_fields(store, id, added, why)) return false;
-  if (!store->calls->set_counter(store, id, stamp, why)) return false;
-  note_own(session, plan.target, stamp);
-  return true;
-}
-
 // A failed plan writes nothing. Only a provisional one can do without the right to write.
 static bool make_plan(operation& op, field_plan& plan) try {
-  const bool is_pending = &plan == &op.session.pending;
+  const bool is_pending = &plan == &op.session.trial.pending;
   if (!(is_pending ? begin_trial : begin_write)(op.session, op.why)) return false;
   if (plan_fields(op.session, plan, op.why)) return true;
   plan.asked = {};
@@ -113,10 +93,9 @@ static bool make_plan(operation& op, field_plan& plan) try {
 }
 
 dd_flist set_fields(operation& op) {
-  const bool is_first = op.session.trial == trial_state::NONE_YET;
+  const bool is_first = opens_trial(op.session);
   field_plan ordinary;
-  field_plan& plan = is_first ? op.session.pending : ordinary;
-  if (is_first) op.session.trial = trial_state::UNDECIDED;
+  field_plan& plan = is_first ? op.session.trial.pending : ordinary;
   tav_ebuf ebuf{};
   plan.request.reset(tav_flist_copy(op.list, &ebuf));
   plan.target = target_of(op.input);

@@ -104,12 +104,27 @@ static bool postgres_commit(store* base, problem& why) {
 }
 
 const store_calls POSTGRES_CALLS = {
-    postgres_close,        postgres_name,        postgres_writeable,  postgres_version,
-    postgres_begin,        postgres_commit,      postgres_rollback,   postgres_databases,
-    postgres_fields,       postgres_classes,     postgres_tables,     postgres_count,
-    postgres_add_database, postgres_set_counter, postgres_add_fields, postgres_set_description,
-    postgres_delete_field, postgres_put_class,   postgres_add_table,  postgres_delete_table,
-    postgres_integrity,
+    .close = postgres_close,
+    .name = postgres_name,
+    .writeable = postgres_writeable,
+    .schema_version = postgres_version,
+    .begin = postgres_begin,
+    .commit = postgres_commit,
+    .rollback = postgres_rollback,
+    .databases = postgres_databases,
+    .fields = postgres_fields,
+    .classes = postgres_classes,
+    .tables = postgres_tables,
+    .count = postgres_count,
+    .add_database = postgres_add_database,
+    .set_counter = postgres_set_counter,
+    .add_fields = postgres_add_fields,
+    .set_description = postgres_set_description,
+    .delete_field = postgres_delete_field,
+    .put_class = postgres_put_class,
+    .add_table = postgres_add_table,
+    .delete_table = postgres_delete_table,
+    .integrity = postgres_integrity,
 };
 
 static bool read_version(postgres_store& store, problem& why) {

@@ -1,7 +1,7 @@
 // Writing rows. The keys of changes begin with a letter for their table.
 #include <algorithm>
 
-#include "dm/database_number.h"
+#include "dd/database_number.h"
 #include "dm/folded.h"
 #include "dm/postgres/result_rows.h"
 #include "dm/schema.h"
@@ -12,7 +12,7 @@ bool postgres_add_database(store* base, uint64_t number, int64_t& id, problem& w
   static constexpr char INSERT[] =
       "INSERT INTO dd_databases (id, number, counter)"
       " SELECT coalesce(max(id), 0) + 1, $1, 0 FROM dd_databases RETURNING id";
-  postgres_rows rows(postgres_of(base), INSERT, parameters(database_text(number)), false, why);
+  postgres_rows rows(postgres_of(base), INSERT, parameters(dd_database_text(number)), false, why);
   const postgres_rows::outcome outcome = rows.next();
   if (outcome == postgres_rows::END) {
     return postgres_refuse(postgres_of(base), TAV_ERR_STORAGE, ROWS_SWALLOWED, why);

@@ -1,6 +1,7 @@
 // The name of a class is a path whose upper part is a class.
 #include <cstring>
 
+#include "dd/class_names.h"
 #include "dm/rules/class_rules.h"
 #include "dm/rules/text.h"
 
@@ -15,7 +16,7 @@ void check_name(const class_def& definition, class_world& world, findings& resul
     return blame(definition, TAV_ERR_BAD_VALUE, TAV_FLD_NAME,
                  join({"cannot have this name: it ", fault}), result);
   }
-  if (!is_subclass(name)) return;
+  if (!dd_is_subclass(name)) return;
   const std::string above(name, std::strrchr(name, '/'));
   if (world.has_class(above.c_str())) return;
   blame(definition, TAV_ERR_BAD_VALUE, TAV_FLD_NAME,

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+
+#include "dm/ops/field_request.h"
+
 namespace dm {
 
 problem damaged_class(const char* name, const char* fault) {

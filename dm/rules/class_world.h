@@ -10,11 +10,14 @@
 #include <span>
 
 #include "dd/index.h"
+#include "dd/owners.h"
 #include "dm/class_json.h"
 #include "dm/folded.h"
-#include "dm/session.h"
+#include "dm/store.h"
 
 namespace dm {
+
+struct field_request;
 
 // A stored definition that cannot be read.
 problem damaged_class(const char* name, const char* fault);

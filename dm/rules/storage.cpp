@@ -1,6 +1,7 @@
 // Every class and field has its table or column, and no two share one.
 #include <algorithm>
 
+#include "dd/class_names.h"
 #include "dm/folded.h"
 #include "dm/rules/class_rules.h"
 
@@ -33,7 +34,7 @@ static void collect_tables(const class_def& definition, std::vector<std::string>
                            findings& result) {
   const char* table = text_of(definition, CLASS_TABLE);
   if (*table != '\0') tables.emplace_back(table);
-  if (*table == '\0' && !is_subclass(text_of(definition, CLASS_NAME))) {
+  if (*table == '\0' && !dd_is_subclass(text_of(definition, CLASS_NAME))) {
     blame(definition, TAV_ERR_MISSING_FIELD, TAV_FLD_SQL_TABLE, "has no table", result);
   }
   for (const entry_def& entry : definition.entries) {
@@ -91,7 +92,7 @@ static void check_columns(const class_def& definition, findings& result) {
 }
 
 const char* needless_table(const class_def& definition) {
-  const bool needs_one = !is_subclass(text_of(definition, CLASS_NAME));
+  const bool needs_one = !dd_is_subclass(text_of(definition, CLASS_NAME));
   return needs_one ? nullptr : static_cast<const char*>(definition.values[CLASS_TABLE]);
 }
 

@@ -1,6 +1,7 @@
 // Where entries may stand, and which may have system permission.
 #include <algorithm>
 
+#include "dd/class_names.h"
 #include "dm/rules/class_rules.h"
 
 namespace dm {
@@ -22,7 +23,7 @@ static bool may_be_system(const char* name) {
 }
 
 static void check_top_level(const class_def& definition, const entry_def& entry, findings& result) {
-  const bool below = is_subclass(text_of(definition, CLASS_NAME));
+  const bool below = dd_is_subclass(text_of(definition, CLASS_NAME));
   if (below && !is_container(entry.type)) {
     blame(definition, entry, BAD, TAV_FLD_FIELD_TYPE,
           "stands outside of an array or substruct, which a subclass does not allow", result);

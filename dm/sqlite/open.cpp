@@ -170,12 +170,27 @@ static bool sqlite_commit(store* base, problem& why) {
 }
 
 const store_calls SQLITE_CALLS = {
-    sqlite_close,        sqlite_name,        sqlite_writeable,  sqlite_version,
-    sqlite_begin,        sqlite_commit,      sqlite_rollback,   sqlite_databases,
-    sqlite_fields,       sqlite_classes,     sqlite_tables,     sqlite_count,
-    sqlite_add_database, sqlite_set_counter, sqlite_add_fields, sqlite_set_description,
-    sqlite_delete_field, sqlite_put_class,   sqlite_add_table,  sqlite_delete_table,
-    sqlite_integrity,
+    .close = sqlite_close,
+    .name = sqlite_name,
+    .writeable = sqlite_writeable,
+    .schema_version = sqlite_version,
+    .begin = sqlite_begin,
+    .commit = sqlite_commit,
+    .rollback = sqlite_rollback,
+    .databases = sqlite_databases,
+    .fields = sqlite_fields,
+    .classes = sqlite_classes,
+    .tables = sqlite_tables,
+    .count = sqlite_count,
+    .add_database = sqlite_add_database,
+    .set_counter = sqlite_set_counter,
+    .add_fields = sqlite_add_fields,
+    .set_description = sqlite_set_description,
+    .delete_field = sqlite_delete_field,
+    .put_class = sqlite_put_class,
+    .add_table = sqlite_add_table,
+    .delete_table = sqlite_delete_table,
+    .integrity = sqlite_integrity,
 };
 
 store_owner open_sqlite(const std::string& path, const open_options& options, problem& why) {

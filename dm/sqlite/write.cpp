@@ -1,12 +1,12 @@
 // Writing rows.
-#include "dm/database_number.h"
+#include "dd/database_number.h"
 #include "dm/folded.h"
 #include "dm/sqlite/handle.h"
 
 namespace dm {
 
 bool sqlite_add_database(store* base, uint64_t number, int64_t& id, problem& why) {
-  const std::string text = database_text(number);
+  const std::string text = dd_database_text(number);
   sqlite_use use(sqlite_of(base), INSERT_DATABASE);
   if (!use.bind(text).write(1, why)) return false;
   id = sqlite3_last_insert_rowid(sqlite_of(base).db);

@@ -1,6 +1,5 @@
 // Classes: interfaces and implementations.
-#include <cstring>
-
+#include "dd/class_names.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "dparse/write/entries.h"
@@ -9,8 +8,7 @@
 static constexpr char MODULE[] = "dparse_export";
 
 bool dparseIsTopLevelClass(const char* class_name) {
-  return class_name != nullptr && class_name[0] != '\0' &&
-         std::strchr(class_name + 1, '/') == nullptr;
+  return class_name != nullptr && class_name[0] != '\0' && !dd_is_subclass(class_name);
 }
 
 static int write_class(dparse_exporting& to, dparse_outline& outline,

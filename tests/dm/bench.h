@@ -16,6 +16,8 @@
 
 #include "dd/owners.h"
 #include "dm/data_manager.h"
+#include "dm/settings.h"
+#include "dm/store.h"
 
 dd_flist fields_of(const std::string& text, uint64_t database = 1);
 dd_flist classes_of(const std::string& text, uint64_t database = 1);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "dd/database_number.h"
 #include "vantor/list/value.h"
 
 namespace vantor {
@@ -29,20 +30,6 @@ std::string cut(std::string& text, const char* separators) {
   return first;
 }
 
-bool database_from(const std::string& text, uint64_t& database) {
-  size_t start = 0;
-  database = 0;
-  for (int group = 0; group < 4; ++group) {
-    const size_t end = group < 3 ? text.find('.', start) : text.size();
-    if (end == std::string::npos) return false;
-    uint16_t number = 0;
-    if (!whole_number(text.substr(start, end - start), number)) return false;
-    database = database << 16 | number;
-    start = end + 1;
-  }
-  return true;
-}
-
 }  // namespace
 
 void* heap_copy(const void* bytes, size_t size) {
@@ -57,11 +44,11 @@ bool number_from(const std::string& text, int32_t& number) {
 
 tav_poid_t* poid_from(const std::string& text) {
   std::string rest = text;
-  const std::string database_text = cut(rest, BLANKS);
+  const std::string first = cut(rest, BLANKS);
   const std::string type = cut(rest, BLANKS);
   uint64_t database = 0;
   int64_t id = 0;
-  if (!database_from(database_text, database) || !whole_number(rest, id)) return nullptr;
+  if (!dd_read_database(first, database) || !whole_number(rest, id)) return nullptr;
   return new_poid(database, type.c_str(), id);
 }
 

@@ -1,6 +1,7 @@
 // What may stand at the top level of base classes and subclasses, and who has SYSTEM permission.
 #include <algorithm>
 
+#include "dd/class_names.h"
 #include "dd/fold.h"
 #include "deploy/import/import.h"
 #include "deploy/report.h"
@@ -49,6 +50,6 @@ static void check_in_base_class(const char* class_name, const char* field_name, 
 }
 
 void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name) {
-  const auto check = tav_deploy_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
+  const auto check = dd_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
   check(class_name, entry.name, entry.type, entry.is_system);
 }

@@ -1,4 +1,5 @@
 // The storage names of all classes: every one is there, and stands once.
+#include "dd/class_names.h"
 #include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
@@ -43,11 +44,11 @@ static class_table read_class(tav_flist_t* storable, bool is_new, tav_ebuf* ebuf
   const char* name = dd_text(storable, TAV_FLD_NAME, at(ebuf, HERE));
   const char* table = dd_text_or_null(storable, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
   if (table != nullptr && *table == '\0') table = nullptr;
-  return {name, table, is_new || !tav_deploy_is_subclass(name)};
+  return {name, table, is_new || !dd_is_subclass(name)};
 }
 
 static void check_class_table(const class_table& read) {
-  if (read.table == nullptr && !tav_deploy_is_subclass(read.class_name)) {
+  if (read.table == nullptr && !dd_is_subclass(read.class_name)) {
     tav_deploy_report(HERE, ERROR, MISSING_CLASS_TABLE, "Error:  Missing table name for %s\n",
                       read.class_name);
   }

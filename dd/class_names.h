@@ -1,0 +1,12 @@
+// Names of classes: paths that begin with a slash and name the superclasses on the way.
+#ifndef DD_CLASS_NAMES_H
+#define DD_CLASS_NAMES_H
+
+#include <cstring>
+
+// Whether the name has a slash behind its first character; an empty one names no class.
+inline bool dd_is_subclass(const char* class_name) {
+  return *class_name != '\0' && std::strchr(class_name + 1, '/') != nullptr;
+}
+
+#endif

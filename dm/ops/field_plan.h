@@ -1,0 +1,24 @@
+// What a 576 would write, worked out before any of it is written.
+#ifndef DM_OPS_FIELD_PLAN_H
+#define DM_OPS_FIELD_PLAN_H
+
+#include "dd/owners.h"
+#include "dm/ops/field_request.h"
+
+namespace dm {
+
+struct session;
+
+struct field_plan {
+  dd_flist request;     // a copy of the input, which lives as long as the plan
+  uint64_t target = 0;  // database number
+  database_row database{};
+  field_request asked;  // empty when it was refused
+};
+
+// Writes what is planned into the open transaction.
+bool write_fields(session& session, const field_plan& plan, problem& why);
+
+}  // namespace dm
+
+#endif

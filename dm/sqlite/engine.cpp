@@ -1,0 +1,60 @@
+// Dictionaries in files, which are named sqlite:PATH.
+#include <filesystem>
+
+#include "dm/engine.h"
+#include "dm/open.h"
+#include "dm/sqlite/dictionary_file.h"
+#include "vantor/binding.h"
+
+namespace dm {
+
+static constexpr std::string_view PREFIX = "sqlite:";
+
+static bool has_prefix(const std::string& dictionary) {
+  return dictionary.compare(0, PREFIX.size(), PREFIX) == 0;
+}
+
+// A path is told to everybody, so a server's address behind the prefix is none.
+static bool names_a_path(const std::string& dictionary) {
+  return dictionary.size() > PREFIX.size() && !tav_text_holds_password(dictionary);
+}
+
+static std::string path_of(const std::string& dictionary) {
+  const std::string path = dictionary.substr(PREFIX.size());
+  if (path.front() == '/') return path;
+  const std::string folder = tav_conf_folder();
+  return join({folder.empty() ? "." : folder, "/", path});
+}
+
+std::string seen_from_working_folder(const std::string& dictionary) {
+  if (!has_prefix(dictionary) || dictionary.size() == PREFIX.size()) return dictionary;
+  const auto path = std::filesystem::absolute(dictionary.substr(PREFIX.size()));
+  return join({PREFIX, path.string()});
+}
+
+// Without a tav.conf there is no entry to correct.
+static void name_what_is_missing(const std::string& dictionary, problem& why) {
+  const bool is_named = *tav_conf_file() != '\0' || dictionary != DEFAULT_DICTIONARY;
+  if (why.code == TAV_ERR_NOT_FOUND && !is_named) why.sentence = tav_conf_problem();
+}
+
+static store_owner open_file(const settings& settings, const open_options& options, problem& why) {
+  store_owner opened = open_sqlite(path_of(settings.dictionary), options, why);
+  if (opened == nullptr) name_what_is_missing(settings.dictionary, why);
+  return opened;
+}
+
+static bool make_file(const settings& settings, const fill_store& fill, std::string& name,
+                      problem& why) {
+  name = path_of(settings.dictionary);
+  return create_sqlite(name, fill, why);
+}
+
+const engine SQLITE_ENGINE = {
+    .claims = has_prefix,
+    .takes = names_a_path,
+    .open = open_file,
+    .make = make_file,
+};
+
+}  // namespace dm

@@ -1,0 +1,13 @@
+#include "dm/store.h"
+
+#include "dd/database_number.h"
+
+namespace dm {
+
+problem damaged_counter(uint64_t number) {
+  return {TAV_ERR_STORAGE, TAV_FLD_POID, 0, 0,
+          join({"The counter of database ", dd_database_text(number),
+                " is damaged; restore the dictionary from a backup."})};
+}
+
+}  // namespace dm
