@@ -52,6 +52,10 @@ int main(int argc, char** argv) {
   // A reader that goes away is a failed write, which the exports report.
   std::signal(SIGPIPE, SIG_IGN);
 #endif
+#ifdef SIGXFSZ
+  // So is one beyond the limit of a file's size.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {

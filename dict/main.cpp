@@ -128,8 +128,9 @@ static int run_guarded(int argc, char** argv) try {
 
 int main(int argc, char** argv) {
   if (!dd_fill_descriptors()) return dict::FAILED;
-  // A reader that goes away is a failed write, which is told like any other.
+  // A reader that goes away, and a file beyond its limit, are failed writes, told like any other.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   const dict::output output;
   const int result = run_guarded(argc, argv);
   std::cout.flush();

@@ -90,7 +90,9 @@ const message* find_message(const message_page& page, std::string_view line) {
   const message* best = nullptr;
   size_t best_said = 0;
   size_t best_length = 1;
-  for (line = trimmed(line); !line.empty();) {
+  // Before a message stand a few words of a log or a program, not thousands.
+  size_t starts = 32;
+  for (line = trimmed(line); !line.empty() && starts > 0; --starts) {
     for (const message& each : page.messages) {
       const size_t words = said(each.text, line);
       // The share of the line that a text says, not the length, tells how well it fits.

@@ -23,16 +23,13 @@ inline constexpr char ROWS_SWALLOWED[] =
     "is stored; find what does with 'tav_dict check'";
 
 // A commit that may have been carried out, or not: tells what happened while the changes were
-// committed; gives false.
+// committed, and what to do; gives false.
 inline bool outcome_unknown(std::string_view dictionary, std::string_view event,
-                            std::string_view words, problem& why) {
+                            std::string_view advice, std::string_view words, problem& why) {
   why.is_unreachable = true;
   why.code = TAV_ERR_NOT_CONNECTED;
-  why.sentence =
-      join({"Dictionary ", quoted(dictionary), ": ", event,
-            ": whether they are stored is UNKNOWN; export the dictionary and look before "
-            "running again (",
-            words, ")."});
+  why.sentence = join({"Dictionary ", quoted(dictionary), ": ", event,
+                       ": whether they are stored is UNKNOWN; ", advice, " (", words, ")."});
   return false;
 }
 

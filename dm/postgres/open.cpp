@@ -91,6 +91,7 @@ static bool postgres_commit(store* base, problem& why) {
   const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
   if (is_lost(store) || (!is_done && !is_refused)) {
     return outcome_unknown(store.name, "the connection was lost while the changes were committed",
+                           "export the dictionary and look before running again",
                            last_words(store), why);
   }
   if (!is_done) return postgres_failed(store, result.get(), why);

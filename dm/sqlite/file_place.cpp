@@ -63,6 +63,18 @@ static bool cannot_be_found(const std::string& path, int error, problem& why) {
                       "'dictionary' of section [dm], or make it with 'tav_dict init'."}));
 }
 
+// The engine opens what has these names without a look, and would wait for a pipe.
+static bool has_files_beside(const std::string& path, const std::string& file, problem& why) {
+  struct stat found {};
+  for (const char* ending : {"-wal", "-shm", "-journal"}) {
+    if (lstat((file + ending).c_str(), &found) != 0 || S_ISREG(found.st_mode)) continue;
+    return refuse(why, TAV_ERR_STORAGE, EINVAL,
+                  join({"Dictionary ", quoted(path), " cannot be opened beside ",
+                        quoted(file + ending), ", which is no file; move that away."}));
+  }
+  return true;
+}
+
 bool find_place(sqlite_store& store, problem& why) {
   const std::string& path = store.path;
   const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
@@ -77,7 +89,7 @@ bool find_place(sqlite_store& store, problem& why) {
   }
   if (!is_allowed(store.file, R_OK)) return cannot_be_found(path, errno, why);
   store.is_onlooker = !is_allowed(store.file, W_OK) || !is_allowed(folder_of(store.file), W_OK);
-  return has_one_name(path, store.opened, why);
+  return has_one_name(path, store.opened, why) && has_files_beside(path, store.file, why);
 }
 
 // --- Whether it is still there ----------------------------------------------------------------

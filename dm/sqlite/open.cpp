@@ -163,9 +163,14 @@ static bool sqlite_commit(store* base, problem& why) {
   sqlite_store& store = sqlite_of(base);
   if (!may_commit(store, why)) return sqlite_rollback(base), false;
   if (!sqlite_run(store, "COMMIT", why)) return false;
-  return is_in_place(store) ||
-         outcome_unknown(store.path,
-                         "the file was moved or replaced while the changes were committed",
+  if (is_in_place(store)) return true;
+  // What the engine keeps beside the name belongs to the file that was opened.
+  const std::string log = quoted(store.file + "-wal");
+  const std::string advice = join(
+      {"before anything opens this name again, move ", log, " and ", quoted(store.file + "-shm"),
+       " to the file that was moved away: they hold its last changes, and damage another"});
+  return outcome_unknown(store.path,
+                         "the file was moved or replaced while the changes were committed", advice,
                          "it is no longer the one that was opened", why);
 }
 

@@ -145,6 +145,12 @@ TEST_F(dictionary_file, whose_link_leads_elsewhere_is_not_written) {
   EXPECT_EQ(client(settings).fields("F_A\nF_B\n"), "");
 }
 
+TEST_F(dictionary_file, beside_which_a_pipe_stands_is_not_waited_for) {
+  ASSERT_EQ(mkfifo((path + "-journal").c_str(), 0600), 0);
+  EXPECT_EQ(client(settings).opened, "STORAGE");
+  expect_logged("which is no file; move that away");
+}
+
 TEST_F(dictionary_file, with_two_names_is_refused) {
   deployer admin(settings);
   fs::create_hard_link(path, folder + "/other.db");

@@ -31,9 +31,10 @@ std::string folder_of(const std::string& path) {
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+// A link to nothing is there: what it should lead to is missed, not looked for elsewhere.
 bool is_there(const char* path) {
   struct stat found;
-  return stat(path, &found) == 0 || (errno != ENOENT && errno != ENOTDIR);
+  return lstat(path, &found) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 // The first of the places where a file stands; "" where there is none.

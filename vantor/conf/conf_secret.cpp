@@ -94,7 +94,11 @@ bool tav_text_holds_password(std::string_view dictionary) {
   if (begins(dictionary, FILE_PREFIX)) {
     // A path may look like nearly anything; a server's address behind the prefix is a slip.
     where.remove_prefix(FILE_PREFIX.size());
-    if (!holds(where, "://") && !begins(where, "postgres") && !holds(where, "password")) {
+    const std::string_view path =
+        where.substr(std::min(where.find_first_not_of('/'), where.size()));
+    const bool is_address = has_login(path.substr(0, path.find('/')));  // user:password@host
+    if (!is_address && !holds(where, "://") && !begins(where, "postgres") &&
+        !holds(where, "password")) {
       return false;
     }
   }
