@@ -7,13 +7,12 @@
 #include "dd/types.h"
 
 #define DPARSE_TABLE_ROW(name, text, number) {number, text},
-constexpr dparse_token_row token_table[] = {DPARSE_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
+constexpr dparse_token_row token_table[] = {DD_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
 #undef DPARSE_TABLE_ROW
 
 namespace {
 
 constexpr size_t KEYWORDS = sizeof token_table / sizeof token_table[0] - 1;
-static_assert(KEYWORDS == 79);
 
 // The texts by token number.
 struct keyword_texts {
