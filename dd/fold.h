@@ -6,7 +6,7 @@
 #include <string_view>
 
 // The byte with an ASCII capital made small.
-inline unsigned char dd_fold(char c) {
+constexpr unsigned char dd_fold(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
 }

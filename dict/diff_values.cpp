@@ -4,15 +4,14 @@
 #include "dd/fold.h"
 #include "dd/values.h"
 #include "deploy/import/import.h"
-#include "dm/attributes.h"
 #include "dparse/write/forms.h"
 #include "dparse/write/storage.h"
 
 namespace dict {
 
-const element_kind FIELD{"field", TAV_FLD_FIELD_NAME, DPARSE_IN_DEFINITION};
-const element_kind CLASS{"class", TAV_FLD_NAME, DPARSE_IN_CLASS | DPARSE_IN_SQL_CLASS};
-const element_kind ENTRY{"entry", TAV_FLD_FIELD_NAME, DPARSE_IN_ENTRY | DPARSE_IN_SQL_ENTRY};
+const element_kind FIELD{"field", TAV_FLD_FIELD_NAME, DD_IN_DEFINITION};
+const element_kind CLASS{"class", TAV_FLD_NAME, DD_IN_CLASS | DD_IN_SQL_CLASS};
+const element_kind ENTRY{"entry", TAV_FLD_FIELD_NAME, DD_IN_ENTRY | DD_IN_SQL_ENTRY};
 
 namespace {
 
@@ -66,19 +65,10 @@ static written write_value(const element& of, const dparse_attribute& row, tav_e
   return {std::move(text), is_given};
 }
 
-template <size_t N>
-static dm::keeping keeping_in(const std::array<dm::attribute, N>& rows, uint32_t field) {
-  for (const dm::attribute& row : rows) {
-    if (row.field == field) return row.kept;
-  }
-  return dm::keeping::NEVER;
-}
-
 // What a deployment does with the old value of an attribute.
-static dm::keeping keeping_of(const element_kind& kind, uint32_t field) {
-  if (&kind == &CLASS) return keeping_in(dm::CLASS_ATTRIBUTES, field);
-  if (&kind == &ENTRY) return keeping_in(dm::ENTRY_ATTRIBUTES, field);
-  return field == TAV_FLD_DESCR ? dm::keeping::IF_SILENT : dm::keeping::NEVER;
+static dd_keeping keeping_of(const element_kind& kind, uint32_t field) {
+  const dd_attribute* row = dd_find_attribute(field, kind.attributes);
+  return row != nullptr ? row->kept : dd_keeping::NEVER;
 }
 
 // A decimal without the digits that say nothing.
@@ -103,7 +93,7 @@ static bool is_passed_over(const element& of, uint32_t field, const written& aft
   if (&of.kind == &CLASS && field == TAV_FLD_SQL_TABLE && dd_is_subclass(of.name)) {
     return true;  // a subclass needs no table: its own is not stored
   }
-  return !after.is_given && keeping_of(of.kind, field) != dm::keeping::NEVER;
+  return !after.is_given && keeping_of(of.kind, field) != dd_keeping::NEVER;
 }
 
 static void compare_value(const element& before, const element& after, const dparse_attribute& row,
@@ -113,7 +103,7 @@ static void compare_value(const element& before, const element& after, const dpa
   if (is_same(row.field, was.text, is.text)) return;
   if (is_deployment && is_passed_over(after, row.field, is)) return;
   const bool is_kept =
-      is_deployment && was.is_given && keeping_of(after.kind, row.field) == dm::keeping::ALWAYS;
+      is_deployment && was.is_given && keeping_of(after.kind, row.field) == dd_keeping::ALWAYS;
   changes.push_back(
       {dparse_keyword_text(row.token), std::move(was.text), std::move(is.text), is_kept});
 }

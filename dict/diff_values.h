@@ -10,7 +10,7 @@ namespace dict {
 struct element_kind {
   const char* what;
   uint32_t name;        // field that names it
-  unsigned attributes;  // the DPARSE_IN_ set
+  unsigned attributes;  // the DD_IN_ set
 };
 extern const element_kind FIELD;
 extern const element_kind CLASS;

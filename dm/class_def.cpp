@@ -11,17 +11,26 @@ namespace dm {
 
 namespace {
 
+// All numbers of the rows' fields are below.
+constexpr size_t NUMBERS = [] {
+  int32_t highest = 0;
+  for (const dd_attribute& row : DD_ATTRIBUTES) {
+    highest = std::max(highest, DD_FIELD_ID_NUMBER(row.field));
+  }
+  return static_cast<size_t>(highest) + 1;
+}();
+
 // The fields of the rows, and the rows' places by field number, one more than the place.
 template <size_t N>
 struct row_places {
-  std::array<uint8_t, 2048> by_number{};
+  std::array<uint8_t, NUMBERS> by_number{};
   std::array<uint32_t, N> fields{};
 };
 
 }  // namespace
 
 template <size_t N>
-static constexpr row_places<N> places_of(const std::array<attribute, N>& rows) {
+static constexpr row_places<N> places_of(const std::array<dd_attribute, N>& rows) {
   row_places<N> places;
   for (size_t i = 0; i < N; ++i) {
     const auto number = static_cast<size_t>(DD_FIELD_ID_NUMBER(rows[i].field));
@@ -128,10 +137,10 @@ static int32_t find_entry(const class_def& definition, const std::vector<int32_t
 
 template <size_t N>
 static void keep_values(std::array<const void*, N>& values, const std::array<const void*, N>& old,
-                        const std::array<attribute, N>& rows) {
+                        const std::array<dd_attribute, N>& rows) {
   for (size_t i = 0; i < N; ++i) {
-    const bool keeps = rows[i].kept == keeping::ALWAYS ||
-                       (rows[i].kept == keeping::IF_SILENT && values[i] == nullptr);
+    const bool keeps = rows[i].kept == dd_keeping::ALWAYS ||
+                       (rows[i].kept == dd_keeping::IF_SILENT && values[i] == nullptr);
     if (keeps && old[i] != nullptr) values[i] = old[i];
   }
 }

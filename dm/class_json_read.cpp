@@ -1,5 +1,6 @@
 #include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -40,15 +41,17 @@ struct text_encoding : rapidjson::UTF8<> {
 // What was read of a class or of an entry. Its values wait until all are known, or until the
 // element must be there to take elements of its own.
 struct level {
+  static constexpr size_t ROWS = std::max(CLASS_ATTRIBUTES.size(), ENTRY_ATTRIBUTES.size());
   tav_flist_t* list;  // the element; null until it is there
   int32_t elem_id;
   int32_t count;   // entries so far
   unsigned given;  // a bit for each row that was met
   size_t waiting;  // how many values are
-  std::array<tav_value, ENTRY_ATTRIBUTES.size()> values;
-  std::array<int32_t, ENTRY_ATTRIBUTES.size()> numbers;
+  std::array<tav_value, ROWS> values;
+  std::array<int32_t, ROWS> numbers;
 };
-static_assert(CLASS_ATTRIBUTES.size() <= ENTRY_ATTRIBUTES.size());
+static_assert(level::ROWS <= std::numeric_limits<unsigned>::digits,
+              "level::given has no bit for a row");
 
 // Text of one definition into lists. The levels of a text are: the class, its entries (an array and
 // an object each), and an array of texts; anything else ends the reading.
@@ -76,7 +79,7 @@ class builder {
   }
   bool StartArray() {
     const bool is_entries = row_ == nullptr && at_entries_ && !in_entries_;
-    const bool is_texts = row_ != nullptr && row_->form == value_form::TEXTS && !in_texts_;
+    const bool is_texts = row_ != nullptr && row_->kind == dd_value_kind::TEXTS && !in_texts_;
     if (!is_entries && !is_texts) return fail("is nested wrongly");
     if (is_entries) at_entries_ = false;
     texts_ = 0;
@@ -102,15 +105,15 @@ class builder {
   bool String(const char* text, rapidjson::SizeType length, bool) {
     if (row_ == nullptr || (has_escapes_ && is_bad({text, length})))
       return fail("holds a bad text");
-    if (row_->form == value_form::TEXT) return wait(text);
-    if (row_->form == value_form::DECIMAL) return read_decimal(text, length);
+    if (row_->kind == dd_value_kind::TEXT) return wait(text);
+    if (row_->kind == dd_value_kind::DECIMAL) return read_decimal(text, length);
     if (!in_texts_) return fail("holds a text in a wrong place");
     const tav_value value = {row_->text, text};
     tav_elem_add_filled(levels_[depth_].list, row_->field, texts_++, &value, 1, &ebuf_);
     return built();
   }
   bool Int(int value) {
-    if (row_ == nullptr || row_->form != value_form::NUMBER)
+    if (row_ == nullptr || row_->kind != dd_value_kind::NUMBER)
       return fail("holds a number in a wrong place");
     level& at = levels_[depth_];
     at.numbers[at.waiting] = value;
@@ -187,9 +190,9 @@ class builder {
 
   // Attributes stand in the order of the rows, so the next one is near.
   template <size_t N>
-  const attribute* look(const std::array<attribute, N>& rows, std::string_view key) {
+  const dd_attribute* look(const std::array<dd_attribute, N>& rows, std::string_view key) {
     for (size_t tried = 0; tried < N; ++tried) {
-      const attribute& row = rows[next_];
+      const dd_attribute& row = rows[next_];
       const size_t place = next_;
       if (++next_ == N) next_ = 0;
       if (key != row.key) continue;
@@ -211,7 +214,7 @@ class builder {
   bool at_entries_ = false;  // behind the key of the entries
   bool in_entries_ = false;
   bool in_texts_ = false;
-  const attribute* row_ = nullptr;
+  const dd_attribute* row_ = nullptr;
   const char* fault_ = "is no JSON text";
   tav_ebuf ebuf_{};
 };

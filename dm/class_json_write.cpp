@@ -59,7 +59,7 @@ static std::string_view comma(const json_text& json) {
   return last != '{' && last != '[' ? "," : "";
 }
 
-static void put_texts(const void* value, const attribute& row, json_text& json) {
+static void put_texts(const void* value, const dd_attribute& row, json_text& json) {
   const auto* node = static_cast<const tav_node*>(value);
   uint32_t position = 0;
   int32_t id = 0;
@@ -78,23 +78,23 @@ static void put_key(std::string_view key, json_text& json) {
   put(json, comma(json), "\"", key, "\":");
 }
 
-static void put_value(const void* value, const attribute& row, json_text& json) {
+static void put_value(const void* value, const dd_attribute& row, json_text& json) {
   put_key(row.key, json);
-  switch (row.form) {
-    case value_form::TEXT:
+  switch (row.kind) {
+    case dd_value_kind::TEXT:
       return put_text(static_cast<const char*>(value), json);
-    case value_form::NUMBER:
+    case dd_value_kind::NUMBER:
       return put_number(*static_cast<const int32_t*>(value), json);
-    case value_form::DECIMAL:
+    case dd_value_kind::DECIMAL:
       return put_decimal(value, json);
-    case value_form::TEXTS:
+    case dd_value_kind::TEXTS:
       return put_texts(value, row, json);
   }
 }
 
 template <size_t N>
 static void put_values(const std::array<const void*, N>& values,
-                       const std::array<attribute, N>& rows, json_text& json) {
+                       const std::array<dd_attribute, N>& rows, json_text& json) {
   for (size_t i = 0; i < N; ++i) {
     if (values[i] != nullptr) put_value(values[i], rows[i], json);
   }

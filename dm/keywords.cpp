@@ -2,30 +2,29 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <string_view>
 
 #include "dd/fold.h"
+#include "dd/keywords.h"
 
 namespace dm {
 
-// Sorted, for the search.
-// clang-format off
-static constexpr const char* KEYWORDS[] = {
-    "ANCESTRALLINEAGE", "ANY", "ARRAY", "ATTRIBUTE", "ATTRVAL", "AUDIT_SCHEME", "AUDITABLE",
-    "BINSTR", "BRAND", "BRANDLINEAGE", "BRANDOWNER", "BUF", "CLASS", "COMPACTED", "CREATE",
-    "CREATE_ACCESS", "DECIMAL", "DESCR", "EBUF", "ENCRYPTABLE", "ENTRY_TYPE", "ENUM", "EVENT_TYPE",
-    "EXPANDED", "FINITE", "GLOBAL", "HISTORIC", "ID", "IGNORE_ON_AUDIT", "IMPLEMENTATION", "INT",
-    "INT64", "IS_PARTITIONED", "LABEL", "LENGTH", "LINK_ATTRIBUTE", "LINK_OBJECT", "LOCATION",
-    "MODIFY", "MULTIVALUED", "NO", "NOT_WRITABLE", "NOT_WRITEABLE", "NUM", "OBJ", "OBJECTCLASS",
-    "OPTIONAL", "ORDER", "PARTITION_MODE", "POID", "PROHIBITED", "QUERYABLE_ON_AUDIT", "RDN_PIECE",
-    "READ_ACCESS", "REQUIRED", "RESIDENCY_TYPE", "ROOT", "SELF", "SEQ_START", "SERIALIZABLE",
-    "SQL_COLUMN", "SQL_COLUMN_PREFIX", "SQL_STORAGE", "SQL_TABLE", "STORABLE", "STRING",
-    "SUBSTRUCT", "SYSTEM", "TIMESTAMP", "UINT", "VIRTUAL_FLAG", "WRITABLE", "WRITE_ACCESS",
-    "WRITEABLE", "YES",
-};
-// clang-format on
-static_assert(std::size(KEYWORDS) == 75);  // all of the reader's table but { } = ;
+static constexpr bool is_word(const dd_keyword_row& row) {
+  return row.text != "{" && row.text != "}" && row.text != "=" && row.text != ";";
+}
+
+// Sorted, for the search. The texts are literals, so that each has a terminator.
+static constexpr auto KEYWORDS = [] {
+  std::array<const char*, dd_count_keywords(is_word)> words{};
+  auto end = words.begin();
+  for (const dd_keyword_row& row : DD_KEYWORD_TABLE) {
+    if (is_word(row)) *end++ = row.text.data();
+  }
+  std::ranges::sort(words, [](std::string_view a, std::string_view b) {
+    return std::ranges::lexicographical_compare(a, b, {}, dd_fold, dd_fold);
+  });
+  return words;
+}();
 
 // How long the keywords of each first letter are, a bit for each: mostly not as long as a name.
 static constexpr auto LENGTHS = [] {
@@ -46,9 +45,9 @@ static bool may_be_keyword(const char* word) {
 bool is_keyword(const char* word) {
   if (!may_be_keyword(word)) return false;
   const auto* at =
-      std::lower_bound(std::begin(KEYWORDS), std::end(KEYWORDS), word,
+      std::lower_bound(KEYWORDS.begin(), KEYWORDS.end(), word,
                        [](const char* a, const char* b) { return dd_compare(a, b) < 0; });
-  return at != std::end(KEYWORDS) && dd_equal(*at, word);
+  return at != KEYWORDS.end() && dd_equal(*at, word);
 }
 
 }  // namespace dm

@@ -1,13 +1,14 @@
-// The attributes of the language: one row each, from which they are read and written.
+// The attributes of the language: how those of dd/attributes.h are read and written.
 //
-// To add an attribute: a keyword (dparse_tokens.h), a field identifier (dd/field_ids.h) and a row
-// here. A value of a new kind is a new form: a function that reads it and one that writes it.
+// A value that is spelled in a new way is a new form: a function that reads it and one that writes
+// it.
 #ifndef DPARSE_ATTRIBUTES_H
 #define DPARSE_ATTRIBUTES_H
 
 #include <cstdio>
 #include <span>
 
+#include "dd/attributes.h"
 #include "dd/vantor.h"
 #include "dparse/words.h"
 
@@ -26,23 +27,12 @@ struct dparse_form {
   bool required = false;  // the writer takes a missing value for a failure
 };
 
-// Where an attribute may stand: a set.
-enum : unsigned {
-  DPARSE_IN_DEFINITION = 1,  // of a field
-  DPARSE_IN_CLASS = 2,       // interface blocks, and their field entries
-  DPARSE_IN_ENTRY = 4,
-  DPARSE_IN_SQL_CLASS = 8,  // implementation blocks, and their field entries
-  DPARSE_IN_SQL_ENTRY = 16,
-  DPARSE_IN_LDAP_CLASS = 32,
-  DPARSE_IN_LDAP_ENTRY = 64,
-};
-
 struct dparse_attribute {
   int token;
-  uint32_t field;
+  uint32_t field;  // of a text in an array: the text's
   const dparse_form* form;
-  unsigned read_in;
-  unsigned written_in;  // the SQL names of an entry depend on its type: see dparse_export_sql.cpp
+  unsigned read_in;     // sets of contexts
+  unsigned written_in;  // the SQL names of an entry depend on its type: see write/storage.cpp
   const dparse_word* words = nullptr;  // of a value from a word list
   const char* refused = nullptr;       // message for a value that is not allowed
   const char* expected = nullptr;      // message for one of another kind, where that differs

@@ -1,5 +1,6 @@
 #include "dparse/tokens.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -7,13 +8,15 @@
 #include "dd/types.h"
 
 #define DPARSE_TABLE_ROW(name, text, number) {number, text},
-constexpr dparse_token_row token_table[] = {DPARSE_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
+constexpr dparse_token_row token_table[] = {DD_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
 #undef DPARSE_TABLE_ROW
 
 namespace {
 
 constexpr size_t KEYWORDS = sizeof token_table / sizeof token_table[0] - 1;
-static_assert(KEYWORDS == 79);
+
+constexpr int TOKENS_WITHOUT_KEYWORD[] = {DPARSE_TOKEN_EMPTY, DPARSE_TOKEN_WORD, DPARSE_TOKEN_EOF,
+                                          DPARSE_TOKEN_BAD_STRING, DPARSE_TOKEN_STRING};
 
 // The texts by token number.
 struct keyword_texts {
@@ -25,6 +28,12 @@ struct keyword_texts {
   }
 };
 constexpr keyword_texts TEXTS;
+static_assert(std::ranges::none_of(TOKENS_WITHOUT_KEYWORD,
+                                   [](int token) {
+                                     return !TEXTS.of[static_cast<size_t>(token)].empty();
+                                   }),
+              "a keyword has the number of a token that has none");
+static_assert(DPARSE_TOKEN_NUMBERS <= 256, "a token's number no longer fits a byte");
 
 // The type codes by token number.
 constexpr auto TYPE_CODES = [] {

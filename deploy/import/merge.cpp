@@ -1,6 +1,7 @@
 // Merges the field entries of a class implementation into its interface.
 #include <unordered_map>
 
+#include "dd/attributes.h"
 #include "dd/memory.h"
 #include "dd/report.h"
 #include "dd/values.h"
@@ -12,11 +13,19 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum tav_deploy_raises;
 
+// Where an interface and its entries are stored.
+static constexpr auto STORAGE = dd_attributes_in<DD_IN_SQL_CLASS | DD_IN_SQL_ENTRY>();
+static_assert(std::ranges::all_of(STORAGE,
+                                  [](const dd_attribute& row) {
+                                    return row.kind == dd_value_kind::TEXT;
+                                  }),
+              "the merge carries texts alone");
+
 void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf) {
   // Nothing else of an implementation is kept, neither its kind nor directory attributes.
-  for (const uint32_t field : {TAV_FLD_SQL_TABLE, TAV_FLD_SQL_STORAGE}) {
-    const char* text = dd_text_or_null(impl_node, field, at(ebuf, HERE));
-    if (text != nullptr) dd_set_text(interface_node, field, text, at(ebuf, HERE));
+  for (const dd_attribute& row : STORAGE) {
+    const char* text = dd_text_or_null(impl_node, row.field, at(ebuf, HERE));
+    if (text != nullptr) dd_set_text(interface_node, row.field, text, at(ebuf, HERE));
   }
 }
 

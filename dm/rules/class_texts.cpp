@@ -4,7 +4,7 @@
 
 namespace dm {
 
-static const char* fault_of_texts(const tav_node* node, const attribute& row) {
+static const char* fault_of_texts(const tav_node* node, const dd_attribute& row) {
   uint32_t position = 0;
   int32_t id = 0;
   while (const tav_node* element = tav_node_next(node, row.field, &position, &id)) {
@@ -22,19 +22,19 @@ static const char* fault_of_decimal(const void* value) {
   return ebuf.err_code != TAV_ERR_NONE ? "is longer than 2047 bytes" : nullptr;
 }
 
-static const char* fault_of(const void* value, const attribute& row) {
-  if (row.form == value_form::TEXT) return text_fault(static_cast<const char*>(value));
-  if (row.form == value_form::DECIMAL) return fault_of_decimal(value);
+static const char* fault_of(const void* value, const dd_attribute& row) {
+  if (row.kind == dd_value_kind::TEXT) return text_fault(static_cast<const char*>(value));
+  if (row.kind == dd_value_kind::DECIMAL) return fault_of_decimal(value);
   return fault_of_texts(static_cast<const tav_node*>(value), row);
 }
 
 // The rows that can be at fault, ended by the number of rows: all but the numbers.
 template <size_t N>
-static constexpr auto rows_with_texts(const std::array<attribute, N>& rows) {
+static constexpr auto rows_with_texts(const std::array<dd_attribute, N>& rows) {
   std::array<size_t, N + 1> places{};
   size_t count = 0;
   for (size_t i = 0; i < N; ++i) {
-    if (rows[i].form != value_form::NUMBER) places[count++] = i;
+    if (rows[i].kind != dd_value_kind::NUMBER) places[count++] = i;
   }
   places[count] = N;
   return places;
@@ -46,8 +46,8 @@ static constexpr auto ENTRY_TEXTS = rows_with_texts(ENTRY_ATTRIBUTES);
 // Calls with each row that is at fault, and with the fault.
 template <size_t N, class Call>
 static void each_fault(const std::array<const void*, N>& values,
-                       const std::array<attribute, N>& rows, const std::array<size_t, N + 1>& texts,
-                       Call call) {
+                       const std::array<dd_attribute, N>& rows,
+                       const std::array<size_t, N + 1>& texts, Call call) {
   for (const size_t* place = texts.data(); *place != N; ++place) {
     const void* value = values[*place];
     const char* fault = value != nullptr ? fault_of(value, rows[*place]) : nullptr;
@@ -58,12 +58,12 @@ static void each_fault(const std::array<const void*, N>& values,
 
 void check_texts(const class_def& definition, findings& result) {
   each_fault(definition.values, CLASS_ATTRIBUTES, CLASS_TEXTS,
-             [&](const attribute& row, const std::string& fault) {
+             [&](const dd_attribute& row, const std::string& fault) {
                blame(definition, TAV_ERR_BAD_VALUE, row.field, fault, result);
              });
   for (const entry_def& entry : definition.entries) {
     each_fault(entry.values, ENTRY_ATTRIBUTES, ENTRY_TEXTS,
-               [&](const attribute& row, const std::string& fault) {
+               [&](const dd_attribute& row, const std::string& fault) {
                  blame(definition, entry, TAV_ERR_BAD_VALUE, row.field, fault, result);
                });
   }

@@ -10,7 +10,7 @@
 struct dparse_element;
 
 struct dparse_block {
-  unsigned attributes;        // the DPARSE_IN_ set of the attributes
+  unsigned attributes;        // the DD_IN_ set of the attributes
   uint32_t types;             // set of the field types whose keywords open an entry: 1 << type code
   const dparse_block* entry;  // the block of such an entry; null where there are none
   // Each records and logs the block's own line and gives -1: for a token that is not allowed, and

@@ -47,17 +47,17 @@ int refused_in_entry(int, const char* text) {
 
 }  // namespace
 
-const dparse_block DPARSE_DEFINITION{DPARSE_IN_DEFINITION, 0, nullptr, unknown_in_definition,
+const dparse_block DPARSE_DEFINITION{DD_IN_DEFINITION, 0, nullptr, unknown_in_definition,
                                      failed_in_definition};
-const dparse_block DPARSE_CLASS{DPARSE_IN_CLASS, FIELDS, &DPARSE_CLASS_ENTRY, refused_in_class,
+const dparse_block DPARSE_CLASS{DD_IN_CLASS, FIELDS, &DPARSE_CLASS_ENTRY, refused_in_class,
                                 failed_in_interface};
-const dparse_block DPARSE_CLASS_ENTRY{DPARSE_IN_ENTRY, FIELDS, &DPARSE_CLASS_ENTRY,
-                                      unknown_in_entry, failed_in_interface};
-const dparse_block DPARSE_SQL_CLASS{DPARSE_IN_SQL_CLASS, FIELDS, &DPARSE_SQL_ENTRY,
-                                    refused_in_class, refused_in_class};
-const dparse_block DPARSE_SQL_ENTRY{DPARSE_IN_SQL_ENTRY, FIELDS, &DPARSE_SQL_ENTRY,
-                                    refused_in_entry, refused_in_entry};
-const dparse_block DPARSE_LDAP_CLASS{DPARSE_IN_LDAP_CLASS, LDAP_FIELDS, &DPARSE_LDAP_ENTRY,
+const dparse_block DPARSE_CLASS_ENTRY{DD_IN_ENTRY, FIELDS, &DPARSE_CLASS_ENTRY, unknown_in_entry,
+                                      failed_in_interface};
+const dparse_block DPARSE_SQL_CLASS{DD_IN_SQL_CLASS, FIELDS, &DPARSE_SQL_ENTRY, refused_in_class,
+                                    refused_in_class};
+const dparse_block DPARSE_SQL_ENTRY{DD_IN_SQL_ENTRY, FIELDS, &DPARSE_SQL_ENTRY, refused_in_entry,
+                                    refused_in_entry};
+const dparse_block DPARSE_LDAP_CLASS{DD_IN_LDAP_CLASS, LDAP_FIELDS, &DPARSE_LDAP_ENTRY,
                                      refused_in_class, refused_in_class};
-const dparse_block DPARSE_LDAP_ENTRY{DPARSE_IN_LDAP_ENTRY, LDAP_MEMBERS, &DPARSE_LDAP_ENTRY,
+const dparse_block DPARSE_LDAP_ENTRY{DD_IN_LDAP_ENTRY, LDAP_MEMBERS, &DPARSE_LDAP_ENTRY,
                                      refused_in_entry, refused_in_entry};

@@ -26,9 +26,9 @@ static void write_implementation_entry(dparse_writing& writing, const dparse_pla
                        writing.indent);
 }
 
-const dparse_side DPARSE_INTERFACE{DPARSE_IN_CLASS, DPARSE_IN_ENTRY, " {\n\n",
-                                   write_interface_entry, "Error: Unable to export class fields"};
-const dparse_side DPARSE_IMPLEMENTATION{DPARSE_IN_SQL_CLASS, DPARSE_IN_SQL_ENTRY,
+const dparse_side DPARSE_INTERFACE{DD_IN_CLASS, DD_IN_ENTRY, " {\n\n", write_interface_entry,
+                                   "Error: Unable to export class fields"};
+const dparse_side DPARSE_IMPLEMENTATION{DD_IN_SQL_CLASS, DD_IN_SQL_ENTRY,
                                         " IMPLEMENTATION TESSEL7 {\n\n", write_implementation_entry,
                                         "Error: Unable to export storable class implementation"};
 

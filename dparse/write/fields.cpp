@@ -39,7 +39,7 @@ static int write_field(dparse_out& out, const dparse_place& place, tav_flist_t* 
 int dparseExportInterfaceFields(FILE* stream, tav_flist_t* field_list, tav_ebuf* ebuf) {
   if (ebuf == nullptr) return dparse_export_no_buffer();
   dparse_out out(stream);
-  const dparse_place place(DPARSE_IN_DEFINITION);
+  const dparse_place place(DD_IN_DEFINITION);
   dd_walk walk(field_list, TAV_FLD_FIELD);
   while (tav_flist_t* field = walk.next(at(ebuf, HERE)))
     if (write_field(out, place, field, ebuf) < 1) return -1;
@@ -51,7 +51,7 @@ int dparseExportInterfaceFields(FILE* stream, std::span<tav_flist_t* const> fiel
                                 tav_ebuf* ebuf) {
   if (ebuf == nullptr) return dparse_export_no_buffer();
   dparse_out out(stream);
-  const dparse_place place(DPARSE_IN_DEFINITION);
+  const dparse_place place(DD_IN_DEFINITION);
   for (tav_flist_t* field : fields)
     if (write_field(out, place, field, ebuf) < 1) return -1;
   return 1;

@@ -3,6 +3,8 @@
 #ifndef DPARSE_WRITE_FORMS_H
 #define DPARSE_WRITE_FORMS_H
 
+#include <algorithm>
+
 #include "dd/owners.h"
 #include "dparse/attributes.h"
 #include "dparse/write/out.h"
@@ -28,7 +30,8 @@ dparse_writer dparse_write_order;              // 1.5, always
 // The attributes that may stand in one place, in the order in which they are written. Those that
 // share a field are there once.
 struct dparse_place {
-  static constexpr size_t ROOM = 24;  // more than any place has
+  static constexpr size_t ROOM = std::max(dd_attributes_in<DD_IN_ANY_CLASS>().size(),
+                                          dd_attributes_in<DD_IN_ANY_ENTRY>().size());
   const dparse_attribute* rows[ROOM];
   int32_t optional[ROOM];  // of each row: whether its value may be absent
   size_t count = 0;

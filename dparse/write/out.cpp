@@ -71,7 +71,7 @@ static constexpr auto LINE_STARTS = [] {
 #define DPARSE_START_ROW(name, keyword, number) \
   starts[number].size =                         \
       std::string_view(keyword " = ").copy(starts[number].text, std::string_view::npos);
-  DPARSE_KEYWORDS(DPARSE_START_ROW)
+  DD_KEYWORDS(DPARSE_START_ROW)
 #undef DPARSE_START_ROW
   return starts;
 }();

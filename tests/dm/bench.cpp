@@ -56,20 +56,20 @@ dd_flist fields_of(const std::string& text, uint64_t database) {
 }
 
 template <size_t N>
-static void set_attribute(tav_flist_t* element, const std::array<dm::attribute, N>& rows,
+static void set_attribute(tav_flist_t* element, const std::array<dd_attribute, N>& rows,
                           const std::string& key, std::string value) {
   tav_ebuf ebuf{};
   for (char& c : value) c = c == '~' ? ' ' : c;
-  for (const dm::attribute& row : rows) {
+  for (const dd_attribute& row : rows) {
     if (key != row.key) continue;
-    if (row.form == dm::value_form::TEXT) dd_set_text(element, row.field, value.c_str(), &ebuf);
-    if (row.form == dm::value_form::NUMBER) {
+    if (row.kind == dd_value_kind::TEXT) dd_set_text(element, row.field, value.c_str(), &ebuf);
+    if (row.kind == dd_value_kind::NUMBER) {
       dd_set_int(element, row.field, std::atoi(value.c_str()), &ebuf);
     }
-    if (row.form == dm::value_form::DECIMAL) {
+    if (row.kind == dd_value_kind::DECIMAL) {
       dd_put(element, row.field, 0, dd_decimal(tav_decimal(value.c_str(), &ebuf)), &ebuf);
     }
-    if (row.form == dm::value_form::TEXTS) {
+    if (row.kind == dd_value_kind::TEXTS) {
       dd_set_text(add(element, row.field), row.text, value.c_str(), &ebuf);
     }
     return;
