@@ -124,7 +124,7 @@ TEST_F(dictionary_file, that_was_replaced_is_not_written) {
   EXPECT_EQ(early.set_fields("STRING F_LOST 5001\n"), "NOT_CONNECTED");
   expect_logged(
       "the file was moved or replaced while the changes were committed: whether they are stored is "
-      "UNKNOWN; export the dictionary");
+      "UNKNOWN; before anything opens this name again, move");
   const std::string made = content();
   EXPECT_EQ(late.set_fields("STRING F_LATE 5002\n"), "STORAGE");
   expect_logged("was moved or replaced since it was opened; nothing of the operation is stored");
