@@ -74,7 +74,7 @@ class dd_index {
   }
 
   // Says that a key of that hash will be sought soon: memory is asked for its slot.
-  void expect(uint32_t hash) const {
+  void prefetch(uint32_t hash) const {
     if (!slots_.empty()) __builtin_prefetch(&slots_[first_slot(hash)]);
   }
 

@@ -27,7 +27,7 @@ bool dd_list::build(Index& index, bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
   const int32_t own = list_ != nullptr ? count(ebuf) : 0;
   index.clear();
-  index.reserve(static_cast<size_t>(own) + expected_);
+  index.reserve(static_cast<size_t>(own) + reserved_for_lent_);
   dd_list_walk walk(*this);
   while (tav_flist_t* element = walk.next(ebuf)) add(element);
   built = !dd_failed(*ebuf);

@@ -66,7 +66,7 @@ class dd_list {
   const dd_known* find_known(const char* name, uint32_t hash, tav_ebuf* ebuf);
   const dd_known* find_known(std::string_view name, uint32_t hash, tav_ebuf* ebuf);
   // Says that a name of that hash will be sought soon.
-  void expect_name(uint32_t hash) const { names_.expect(hash); }
+  void prefetch_name(uint32_t hash) const { names_.prefetch(hash); }
   tav_flist_t* find_number(int32_t number, tav_ebuf* ebuf);
 
   // The number of the list's own elements.
@@ -77,7 +77,7 @@ class dd_list {
   void drop(int32_t id, tav_flist_t* element, tav_ebuf* ebuf);
   // Says that about so many elements will be lent: indexes that are not built yet make room for
   // them at once.
-  void expect(int32_t lent) { expected_ = static_cast<size_t>(lent); }
+  void reserve_lent(int32_t count) { reserved_for_lent_ = static_cast<size_t>(count); }
   // Lends it the element, which stays where it is.
   void lend(tav_flist_t* element, tav_ebuf* ebuf);
   void lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf);
@@ -96,7 +96,7 @@ class dd_list {
   dd_flist owner_;
   tav_flist_t* list_;
   std::vector<tav_flist_t*> lent_;
-  size_t expected_ = 0;
+  size_t reserved_for_lent_ = 0;
   bool names_built_ = false;
   bool numbers_built_ = false;
   dd_index<dd_by_name, dd_known> names_;

@@ -92,7 +92,7 @@ static const char* shape_of(const std::string& subject) {
 using parts = std::map<std::string, std::string>;  // shapes by subject
 
 // The columns stand in the schema, a line each.
-static void expect_columns(parts& expected) {
+static void add_columns(parts& expected) {
   static const std::string TABLE = "CREATE TABLE ";
   std::istringstream lines(POSTGRES_SCHEMA);
   std::string table;
@@ -113,7 +113,7 @@ static parts expected_parts() {
   parts expected;
   std::istringstream lines(EXPECTED);
   for (std::string line; std::getline(lines, line);) expected[line] = shape_of(line);
-  expect_columns(expected);
+  add_columns(expected);
   return expected;
 }
 

@@ -41,7 +41,7 @@ class_world::class_world(store& store, int64_t database) : store_(store), databa
 
 bool class_world::read_all() {
   auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
-  auto klass = [this](const class_row& row) {
+  auto note_class = [this](const class_row& row) {
     stored_.push_back({classes_.add(row.key, row.id), nullptr});
     return true;
   };
@@ -49,7 +49,7 @@ bool class_world::read_all() {
   const choice keys{choice::KEYS};
   fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
   return store_.calls->fields(&store_, database_, keys, visit<field_row>(field), why) &&
-         store_.calls->classes(&store_, database_, keys, visit<class_row>(klass), why) &&
+         store_.calls->classes(&store_, database_, keys, visit<class_row>(note_class), why) &&
          store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
 }
 
@@ -61,10 +61,10 @@ void class_world::add_fields(const field_request& asked) {
   }
 }
 
-void class_world::expect(const class_def& definition) const {
+void class_world::prefetch_fields(const class_def& definition) const {
   for (const entry_def& entry : definition.entries) {
-    if (asked_ != nullptr) asked_->by_name.expect(entry.name_hash);
-    fields_.values.expect(entry.name_hash);
+    if (asked_ != nullptr) asked_->by_name.prefetch(entry.name_hash);
+    fields_.values.prefetch(entry.name_hash);
   }
 }
 

@@ -57,7 +57,7 @@ class class_world {
 
   // Says that the fields of the class's entries will be asked for: memory is asked for where they
   // are looked up.
-  void expect(const class_def& definition) const;
+  void prefetch_fields(const class_def& definition) const;
   // The type of a field (and the hash of its name), ABSENT when there is none. On a failure of the
   // store every question gives such an answer, and the problem is set.
   int64_t type_of(const char* field, uint32_t hash);

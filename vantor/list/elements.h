@@ -50,7 +50,7 @@ inline element* find_id(element_array& array, int32_t id) {
 constexpr size_t AHEAD = 2;
 // Asks memory for the body of the element at that place, which a walk will come to: bodies stand
 // all over it, and waiting for each was a twentieth of a run over a large dictionary.
-inline void expect(const element_array& array, size_t place) {
+inline void prefetch(const element_array& array, size_t place) {
   constexpr size_t LINE = 64;
   constexpr size_t LINES = 3;  // most of a body
   if (place >= array.places.size() || array.places[place].node == nullptr) return;
@@ -66,7 +66,7 @@ inline element* follow(element_array& array, uint32_t seq) {
   element& found = array.places[next];
   if (found.node == nullptr) return nullptr;
   array.hint = next;
-  expect(array, next + AHEAD);
+  prefetch(array, next + AHEAD);
   return &found;
 }
 // The first element that was added after the one with that sequence number (0: the first of all).

@@ -22,7 +22,7 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
   while (place < places.size() && places[place].node == nullptr) place += places[place].skip;
   *position = static_cast<uint32_t>(place < places.size() ? place + 1 : place);
   if (place >= places.size()) return nullptr;
-  expect(*elements, place + AHEAD);
+  prefetch(*elements, place + AHEAD);
   if (elem_id != nullptr) *elem_id = places[place].id;
   return places[place].node;
 }
