@@ -88,7 +88,7 @@ void dd_list::lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf) {
   if (numbers_built_) numbers_.add(key.number, known.element);
 }
 
-// Keeps the indexes that are built in step.
+// Adds a new element to those indexes that are built.
 void dd_list::note(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf) {
   if (names_built_ && !dd_failed(*ebuf)) add_name(element, hash, ebuf);
   if (numbers_built_ && !dd_failed(*ebuf)) add_number(element, ebuf);

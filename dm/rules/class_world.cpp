@@ -68,7 +68,7 @@ void class_world::prefetch_fields(const class_def& definition) const {
   }
 }
 
-// What the cache knows, or what `look_up` finds now.
+// The cached value, or what `look_up` finds in the store.
 template <class LookUp>
 static int64_t cached(name_cache& cache, const char* name, uint32_t hash, LookUp look_up) {
   if (const int64_t* value = cache.values.find(name, hash)) return *value;
@@ -142,7 +142,8 @@ void class_world::accept(const class_def& definition, const std::vector<std::str
   accepted_.try_emplace(line.key, &line);
 }
 
-// "/a/" and what follows it up to "/a0" are the classes below "/a", as queries have it.
+// The rows with this key or, for KEYS_BELOW, with keys below it: those from "/a/" to before "/a0"
+// are below "/a", because '0' is the character after '/'.
 static std::span<const class_row> classes_in(std::span<const class_row> all, const choice& wanted) {
   const auto is_before = [](const class_row& row, const std::string& key) { return row.key < key; };
   const std::string key = folded(wanted.name);
@@ -160,7 +161,7 @@ bool class_world::stored_classes(const choice& wanted, visitor<class_row> visito
                      [&](const class_row& row) { return visitor.call(visitor.context, row); });
 }
 
-// Makes it with those above it, as far up as they are not there yet.
+// The link of that key. Makes it and those above it where they do not exist yet.
 line_class& class_world::line_of(std::string_view key) {
   line_class* first = nullptr;
   line_class** below = &first;
@@ -197,7 +198,7 @@ void class_world::read_containers(line_class& line) {
   stored_classes(named, visit<class_row>(note));
 }
 
-// What lies below "/a" lies between "/a/" and "/a0": '0' is the character after '/'.
+// Keys below "/a" are those from "/a/" to before "/a0": '0' is the character after '/'.
 void class_world::add_accepted_below(const std::string& key, std::vector<line_class*>& lines) {
   const auto end = accepted_.lower_bound(key + "0");
   for (auto at = accepted_.lower_bound(key + "/"); at != end; ++at) lines.push_back(at->second);
