@@ -7,7 +7,7 @@ static constexpr uint64_t each(uint64_t byte) {
   return byte * 0x0101010101010101u;
 }
 
-// A number of which no bit shows those that went into it.
+// Mixes a number so that each bit of the result depends on all of its bits.
 static constexpr uint64_t scrambled(uint64_t number) {
   number = (number ^ number >> 30) * 0xbf58476d1ce4e5b9u;
   number = (number ^ number >> 27) * 0x94d049bb133111ebu;
@@ -25,7 +25,8 @@ constinit const dd_hash_key DD_HASH_KEY = key_of(TAV_HASH_KEY, ~uint64_t{TAV_HAS
 #else
 
 static dd_hash_key draw() {
-  // Where the system gives no random numbers: they still differ from run to run.
+  // Start values for a system that gives no random numbers: a clock and an address, which differ
+  // from run to run.
   auto one = static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
   auto other = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(&one));
   try {
@@ -40,8 +41,9 @@ const dd_hash_key DD_HASH_KEY = draw();
 
 #endif
 
-// Makes the capitals among eight bytes small, and nothing else: in seven bits, adding sets the
-// eighth from 'A' on, or behind 'Z'.
+// Folds eight bytes at once: ASCII capitals become small letters, other bytes stay. Of each byte's
+// low seven bits: adding 0x80 - 'A' sets bit 7 from 'A' on, adding 0x80 - 'Z' - 1 sets it above
+// 'Z'. Bit 7, shifted down by two, is the 0x20 that makes a capital small.
 static uint64_t folded(uint64_t bytes) {
   const uint64_t low = bytes & each(0x7f);
   const uint64_t from_a = low + each(0x80 - 'A');
@@ -62,7 +64,8 @@ static inline uint64_t mixed(uint64_t state, uint64_t bytes) {
   return dd_multiply(state ^ folded(bytes), DD_HASH_KEY.factor);
 }
 
-// What is shorter than eight bytes; with the length it tells which text.
+// Loads a text of fewer than eight bytes. Together with the length the
+// number is unique to the text.
 static uint64_t load_short(const char* text, size_t length) {
   constexpr size_t HALF = STEP / 2;
   if (length >= HALF) return load<uint32_t>(text) << 32 | load<uint32_t>(text + length - HALF);
@@ -71,13 +74,13 @@ static uint64_t load_short(const char* text, size_t length) {
   return bytes;
 }
 
-// Reads eight bytes at a time, as long as more follow.
+// Mixes eight bytes at a time into the state, but leaves at least the last byte to finished().
 static uint64_t read_on(uint64_t state, const char* text, size_t length, size_t& done) {
   for (; done + STEP < length; done += STEP) state = mixed(state, load<uint64_t>(text + done));
   return state;
 }
 
-// The last eight bytes, whether or not they have been read in part, and the length.
+// Mixes in the last eight bytes (some of them may have been mixed in before) and the length.
 [[gnu::always_inline]] static inline uint32_t finished(uint64_t state, const char* text,
                                                        size_t length) {
   const uint64_t last =

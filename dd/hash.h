@@ -1,6 +1,6 @@
 // Hashes of names and numbers. They depend on a key that the program draws when it starts, so that
 // whoever writes a definition file cannot choose names that collide. Nothing may be stored, sent or
-// ordered by them.
+// ordered by a hash.
 #ifndef DD_HASH_H
 #define DD_HASH_H
 
@@ -23,7 +23,7 @@ inline uint64_t dd_multiply(uint64_t a, uint64_t b) {
   return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
-// One multiplication alone takes equal steps for numbers that do: they would crowd together.
+// A second multiplication: after one, numbers at equal distances would give equally spaced hashes.
 inline uint32_t dd_upper_half(uint64_t product) {
   return static_cast<uint32_t>(product * DD_HASH_KEY.factor >> 32);
 }
@@ -39,7 +39,7 @@ inline uint32_t dd_hash_number(int32_t number) {
   return dd_upper_half(dd_multiply(started, DD_HASH_KEY.factor));
 }
 
-// The hashes of the beginnings of one text, each longer than the one before: the text is read once.
+// The hashes of prefixes of one text, each longer than the one before. Reads the text only once.
 class dd_hash_of_beginnings {
  public:
   explicit dd_hash_of_beginnings(const char* text) : text_(text) {}

@@ -1,8 +1,8 @@
-// An index of values by a key, which gives what a walk from the start would give: the first match.
+// A hash table from keys to values. A key may have several values; find gives the one added first.
 //
-// Keys are borrowed texts or numbers. Adding and finding take constant time whatever the keys:
-// those that are equal stand in a ring, of which one slot knows the last, and the hashes of others
-// have a key of their own (dd/hash.h). Slots are probed linearly.
+// Keys are borrowed texts or numbers. Linear probing; a slot per key. The values of one key form
+// a ring in the order of adding, and the slot leads to the last, so that both ends are one step
+// away. Nobody can choose keys that collide: hashes are keyed (dd/hash.h).
 #ifndef DD_INDEX_H
 #define DD_INDEX_H
 
@@ -32,7 +32,8 @@ class dd_index {
  public:
   using key_type = typename By::key;
 
-  // Keeps the memory for what comes next, but not slots by far too many: each clearing visits them.
+  // Forgets all, but keeps the memory. More than 64 slots and 4 for each value are given up,
+  // because clearing visits every slot.
   void clear() {
     const bool is_sparse = slots_.size() > 64 + 4 * entries_.size();
     entries_.clear();
@@ -40,20 +41,20 @@ class dd_index {
     std::fill(slots_.begin(), slots_.end(), slot{});
   }
 
-  // Makes room for so many entries in all.
+  // Makes room for `count` values in all.
   void reserve(size_t count) {
     entries_.reserve(count);
     if (count * 2 > slots_.size()) resize(std::bit_ceil(count * 2));
   }
 
-  // Whoever knows a key's hash already hands it in.
+  // The second form takes the key's hash from a caller that has computed it already.
   void add(key_type key, Value value) { add(key, By::hash(key), value); }
   void add(key_type key, uint32_t hash, Value value) {
     make_room();
     add_at(slot_of(key, hash), key, hash, value);
   }
 
-  // Adds the value unless the key is there; gives the one that stands.
+  // Adds the value unless the key has one; gives the key's first value.
   Value add_first(key_type key, Value value) { return add_first(key, By::hash(key), value); }
   Value add_first(key_type key, uint32_t hash, Value value) {
     make_room();
@@ -63,7 +64,7 @@ class dd_index {
     return value;
   }
 
-  // The first value of that key, or null; valid until one is added.
+  // The first value of that key, or null; the pointer is valid until a value is added.
   const Value* find(key_type key) const { return find(key, By::hash(key)); }
   // The key may be of any type that By compares with its own.
   template <class Key>
@@ -73,13 +74,13 @@ class dd_index {
     return is_used(found) ? &first_of(found).value : nullptr;
   }
 
-  // Says that a key of that hash will be sought soon: memory is asked for its slot.
-  void expect(uint32_t hash) const {
+  // Prefetches the slot of a key that will be looked up soon.
+  void prefetch(uint32_t hash) const {
     if (!slots_.empty()) __builtin_prefetch(&slots_[first_slot(hash)]);
   }
 
-  // Forgets one value; others of the same key stay. Takes a step for each of them that was added
-  // before it.
+  // Removes one value; others of the same key stay. Takes as many steps as the key has values that
+  // were added before this one.
   void remove(key_type key, Value value) {
     if (slots_.empty()) return;
     slot& found = slots_[slot_of(key, By::hash(key))];
@@ -94,16 +95,16 @@ class dd_index {
   }
 
  private:
-  // Positions are those in entries_ plus one.
+  // A position is an index into entries_ plus 1; 0 means none.
   struct entry {
-    key_type key;  // not looked at any more once removed
+    key_type key;  // must not be read once removed: its text may be gone
     Value value;
-    uint32_t next;  // of the same key, after the last the first; 0: removed
+    uint32_t next;  // position of the key's next value, after the last the first; 0: removed
   };
-  // The hash stands here too, so that a search reads no entry in vain.
+  // Keeps the hash, so that a search reads an entry only where the hash is equal.
   struct slot {
     uint32_t hash;
-    uint32_t position;  // of the last entry of a key; 0: free
+    uint32_t position;  // of the key's last value; 0: free
   };
 
   static constexpr size_t FEWEST = 16;  // slots
@@ -111,14 +112,14 @@ class dd_index {
   entry& at(uint32_t position) { return entries_[position - 1]; }
   const entry& at(uint32_t position) const { return entries_[position - 1]; }
   const entry& first_of(const slot& used) const { return at(at(used.position).next); }
-  // Whether entries of a key are there, and were not all removed.
+  // Whether the slot has a key with at least one value that was not removed.
   bool is_used(const slot& s) const { return s.position != 0 && at(s.position).next != 0; }
 
   size_t first_slot(uint32_t hash) const { return hash & (slots_.size() - 1); }
   size_t next_slot(size_t at) const { return (at + 1) & (slots_.size() - 1); }
 
-  // The key's slot, or the one that it would get: where all of a key of its hash were removed, else
-  // a free one.
+  // The key's slot. For a new key the one it will get: a slot of the same hash whose values were
+  // all removed, else a free one.
   template <class Key>
   size_t slot_of(const Key& key, uint32_t hash) const {
     size_t emptied = slots_.size();
@@ -135,7 +136,7 @@ class dd_index {
     return emptied < slots_.size() ? emptied : place;
   }
 
-  // There is room in entries_ and slots_ for one more.
+  // Keeps at most half of the slots in use.
   void make_room() {
     if ((entries_.size() + 1) * 2 > slots_.size()) resize(std::max(slots_.size() * 2, FEWEST));
   }
@@ -149,7 +150,7 @@ class dd_index {
     own = {hash, position};
   }
 
-  // Takes the entry behind that one out of the ring.
+  // Takes the entry after position `before` out of the ring.
   void unlink(slot& own, uint32_t before) {
     const uint32_t gone = at(before).next;
     at(before).next = at(gone).next;
@@ -157,7 +158,7 @@ class dd_index {
     if (own.position == gone) own.position = before;
   }
 
-  // Every slot in use is placed anew.
+  // Enters all slots in use into a new table; those whose values were all removed are left out.
   void resize(size_t size) {
     std::vector<slot> old(size);
     old.swap(slots_);
@@ -170,7 +171,7 @@ class dd_index {
   }
 
   std::vector<entry> entries_;
-  std::vector<slot> slots_;  // a power of two
+  std::vector<slot> slots_;  // their number is 0 or a power of two
 };
 
 #endif

@@ -10,7 +10,7 @@
 
 static const char* last_line;
 static int last_status;
-static std::terminate_handler others;  // for everything else
+static std::terminate_handler others;  // handles every other exception
 
 [[noreturn]] static void end() {
   const std::type_info* thrown = abi::__cxa_current_exception_type();

@@ -1,10 +1,10 @@
-// What is left where memory has run out and nobody could give up his work in good order.
+// The last resort when memory has run out and no caller handled that.
 #ifndef DD_LAST_RESORT_H
 #define DD_LAST_RESORT_H
 
-// Has the process end with that line on standard error and that status, in place of being aborted,
-// where an exception finds no memory for itself or where nobody catches that there was none. The
-// line is kept as it is.
+// From now on std::terminate for an uncaught std::bad_alloc, or for an exception that could not be
+// allocated itself, prints the line to standard error and exits with the status instead of
+// aborting. The line is borrowed for good.
 void dd_end_without_memory(const char* line, int status);
 
 #endif

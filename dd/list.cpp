@@ -27,7 +27,7 @@ bool dd_list::build(Index& index, bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
   const int32_t own = list_ != nullptr ? count(ebuf) : 0;
   index.clear();
-  index.reserve(static_cast<size_t>(own) + expected_);
+  index.reserve(static_cast<size_t>(own) + reserved_for_lent_);
   dd_list_walk walk(*this);
   while (tav_flist_t* element = walk.next(ebuf)) add(element);
   built = !dd_failed(*ebuf);
@@ -88,7 +88,7 @@ void dd_list::lend(const dd_known& known, const dd_key& key, tav_ebuf* ebuf) {
   if (numbers_built_) numbers_.add(key.number, known.element);
 }
 
-// Keeps the indexes that are built in step.
+// Adds a new element to those indexes that are built.
 void dd_list::note(tav_flist_t* element, std::optional<uint32_t> hash, tav_ebuf* ebuf) {
   if (names_built_ && !dd_failed(*ebuf)) add_name(element, hash, ebuf);
   if (numbers_built_ && !dd_failed(*ebuf)) add_number(element, ebuf);

@@ -1,4 +1,4 @@
-// Plain records in place of lists: where they find no memory, it is told as of a list's call.
+// For work on plain records, which throw std::bad_alloc: turns that into the error of a list call.
 #ifndef DD_MEMORY_H
 #define DD_MEMORY_H
 
@@ -6,7 +6,7 @@
 
 #include "dd/call.h"
 
-// Does the work, unless the buffer holds an error; an error is in it when the memory ran out.
+// Does the work, unless the buffer holds an error; TAV_ERR_NO_MEM is in it when memory ran out.
 template <class Work>
 void dd_with_memory(tav_ebuf* ebuf, Work work) {
   if (dd_failed(*ebuf)) return;

@@ -18,8 +18,8 @@ static void put_visible(FILE* stream, std::string_view text) {
   }
 }
 
-// Piece by piece, so that it needs no memory: what is told may be that there is none. What follows
-// a conversion that no message has would be printed as it stands.
+// Prints piece by piece, so that it needs no memory: the message may be that there is none. A
+// conversion other than %s, %d and %c would end the formatting: the rest is printed as it stands.
 static void print_visible(FILE* stream, std::string_view format, va_list arguments) {
   while (!format.empty()) {
     const size_t start = std::min(format.find('%'), format.size());

@@ -21,7 +21,7 @@ void dd_print(FILE* stream, const char* format, ...) TAV_PRINTF(2, 3);
 // Prints a text of the program's own as it is: it may be several lines.
 void dd_print_error_text(const char* text);
 
-// From now on each text that is printed so is appended there in place of it; null ends that.
+// From now on these calls append each text to `texts` instead of printing it; null ends that.
 void dd_take_errors(std::vector<std::string>* texts);
 
 // One record of level 1; the second form with the error buffer's contents.

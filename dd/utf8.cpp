@@ -1,8 +1,8 @@
 #include "dd/utf8.h"
 
-// How many bytes follow the first byte of a UTF-8 sequence, and the range of the second byte (which
-// keeps out over-long forms, surrogates and what lies beyond the last code point); -1 for no such
-// byte.
+// For the first byte of a UTF-8 sequence: how many bytes follow (-1: it begins no sequence), and
+// the range of the second byte. That range excludes over-long forms, surrogates and code points
+// above U+10FFFF.
 struct sequence {
   int following;
   unsigned char low, high;

@@ -4,9 +4,9 @@
 
 #include <cstddef>
 
-// The bytes of the character that the text begins with, at most `left`; 0 where it begins with
-// none. Of a text that a NUL byte ends, the NUL is no part of a longer character, so any `left`
-// will do.
+// How many bytes the character at the start of the text has; 0 where they are not valid UTF-8 or
+// more than `left`. A text that ends with a NUL byte needs no exact `left`: no character of several
+// bytes contains a NUL.
 size_t dd_utf8_length(const char* text, size_t left = 4);
 
 #endif

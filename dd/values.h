@@ -1,4 +1,4 @@
-// Reading and writing one value of a list, with the defaults that a missing one stands for.
+// Reading and writing one value of a list, with a default for a value that is missing.
 #ifndef DD_VALUES_H
 #define DD_VALUES_H
 

@@ -8,7 +8,7 @@ static bool is_c1(std::string_view character) {
   return character[0] == '\xc2' && static_cast<unsigned char>(character[1]) < 0xa0;
 }
 
-// The bytes of the character that the text begins with, which is shown as it is; 0 for another.
+// How many bytes the first character has if it can be shown as it is; 0 if it must be written out.
 static size_t shown_length(std::string_view text) {
   const char first = text[0];
   if (first >= ' ' && first < '\x7f') return 1;
@@ -16,7 +16,7 @@ static size_t shown_length(std::string_view text) {
   return length < 2 || is_c1(text) ? 0 : length;
 }
 
-// Writes the code of the character that the text begins with; gives its bytes.
+// Writes out the first character, as a code; gives how many bytes of the text that was.
 static size_t write_code(std::string_view text, char (&code)[8]) {
   const bool is_long = dd_utf8_length(text.data(), text.size()) == 2;
   const unsigned byte = static_cast<unsigned char>(text[is_long ? 1 : 0]);

@@ -7,11 +7,11 @@
 #include <string_view>
 
 struct dd_visible_piece {
-  std::string_view plain;  // stands as it is
-  char code[8];            // what comes next, written out: \n \t \x1b \u009b \xff; empty at the end
+  std::string_view plain;  // to be shown as it is
+  char code[8];            // the next character, written out: \n \t \x1b \u009b \xff; empty: none
 };
 
-// Takes what the text begins with, up to and with its first character that is written out.
+// Takes the start of the text off: all up to and including the first character to be written out.
 dd_visible_piece dd_take_visible(std::string_view& text);
 
 std::string dd_visible(std::string_view text);

@@ -38,7 +38,7 @@ static void fault(class_check& run, const char* kind, const std::string& name,
 
 static bool keep_rows(class_check& run) {
   dm::store& store = run.check.store;
-  auto klass = [&](const dm::class_row& row) {
+  auto note_class = [&](const dm::class_row& row) {
     step(run.check.shown);
     run.classes.push_back({row.id, row.key, row.name, row.stamp, row.definition});
     return true;
@@ -48,7 +48,7 @@ static bool keep_rows(class_check& run) {
     if (dm::folded(row.name) != row.key) fault(run, "Table ", row.name, " has a wrong key.");
     return run.tables.emplace(row.class_id, row.key), true;
   };
-  return store.calls->classes(&store, run.database.id, {}, dm::visit<dm::class_row>(klass),
+  return store.calls->classes(&store, run.database.id, {}, dm::visit<dm::class_row>(note_class),
                               run.check.why) &&
          store.calls->tables(&store, run.database.id, {}, dm::visit<dm::table_row>(table),
                              run.check.why);
@@ -121,7 +121,7 @@ bool check_classes(checker& check, const dm::database_row& database) {
     step(check.shown);
     previous = &row;
     // A class above or below that cannot be read is told as itself.
-    if (dm::found(run.world.why) && run.world.why.field != TAV_FLD_NAME) {
+    if (dm::failed(run.world.why) && run.world.why.field != TAV_FLD_NAME) {
       return check.why = run.world.why, false;
     }
     run.world.why = {};

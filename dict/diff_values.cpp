@@ -48,14 +48,14 @@ static std::string value_in(std::string_view lines, std::string_view keyword) {
   return {};
 }
 
-static written write_value(const element& of, const dparse_attribute& row, tav_ebuf* ebuf) {
+static written write_value(const element& holder, const dparse_attribute& row, tav_ebuf* ebuf) {
   dd_decimal zero;
-  const void* held = tavi_flist_get(of.list, row.field, 0, 1, 0, ebuf);
+  const void* held = tavi_flist_get(holder.list, row.field, 0, 1, 0, ebuf);
   const void* value = dparse_or_zero(held, row.field, zero, ebuf);
   dparse_out out(nullptr);
-  dparse_writing writing{out, of.name, 0, ebuf};
-  if (&of.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {
-    dparse_put_sql_names(out, of.type, static_cast<const char*>(value), nullptr, 0);
+  dparse_writing writing{out, holder.name, 0, ebuf};
+  if (&holder.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {
+    dparse_put_sql_names(out, holder.type, static_cast<const char*>(value), nullptr, 0);
   } else if (row.form->write != nullptr) {
     row.form->write(writing, row, value);
   }
@@ -89,23 +89,23 @@ static bool is_same(uint32_t field, const std::string& before, const std::string
 }
 
 // Whether a deployment passes the new value over in silence.
-static bool is_passed_over(const element& of, uint32_t field, const written& after) {
-  if (&of.kind == &CLASS && field == TAV_FLD_SQL_TABLE && dd_is_subclass(of.name)) {
+static bool is_passed_over(const element& holder, uint32_t field, const written& after) {
+  if (&holder.kind == &CLASS && field == TAV_FLD_SQL_TABLE && dd_is_subclass(holder.name)) {
     return true;  // a subclass needs no table: its own is not stored
   }
-  return !after.is_given && keeping_of(of.kind, field) != dd_keeping::NEVER;
+  return !after.is_given && keeping_of(holder.kind, field) != dd_keeping::NEVER;
 }
 
 static void compare_value(const element& before, const element& after, const dparse_attribute& row,
                           bool is_deployment, std::vector<value_change>& changes, tav_ebuf* ebuf) {
-  written was = write_value(before, row, ebuf);
-  written is = write_value(after, row, ebuf);
-  if (is_same(row.field, was.text, is.text)) return;
-  if (is_deployment && is_passed_over(after, row.field, is)) return;
-  const bool is_kept =
-      is_deployment && was.is_given && keeping_of(after.kind, row.field) == dd_keeping::ALWAYS;
-  changes.push_back(
-      {dparse_keyword_text(row.token), std::move(was.text), std::move(is.text), is_kept});
+  written old_value = write_value(before, row, ebuf);
+  written new_value = write_value(after, row, ebuf);
+  if (is_same(row.field, old_value.text, new_value.text)) return;
+  if (is_deployment && is_passed_over(after, row.field, new_value)) return;
+  const bool is_kept = is_deployment && old_value.is_given &&
+                       keeping_of(after.kind, row.field) == dd_keeping::ALWAYS;
+  changes.push_back({dparse_keyword_text(row.token), std::move(old_value.text),
+                     std::move(new_value.text), is_kept});
 }
 
 static std::string keyword_of(int32_t type) {
@@ -120,12 +120,13 @@ std::string type_of(const element_kind& kind, tav_flist_t* list, tav_ebuf* ebuf)
 std::vector<value_change> compare_values(const element_kind& kind, tav_flist_t* before,
                                          tav_flist_t* after, bool is_deployment, tav_ebuf* ebuf) {
   std::vector<value_change> changes;
-  const element was = read_element(kind, before, ebuf);
-  const element is = read_element(kind, after, ebuf);
-  if (was.type != is.type) changes.push_back({"type", keyword_of(was.type), keyword_of(is.type)});
+  const element old_element = read_element(kind, before, ebuf);
+  const element new_element = read_element(kind, after, ebuf);
+  if (old_element.type != new_element.type)
+    changes.push_back({"type", keyword_of(old_element.type), keyword_of(new_element.type)});
   for (const dparse_attribute& row : dparse_attributes()) {
     if ((row.read_in & kind.attributes) == 0) continue;
-    compare_value(was, is, row, is_deployment, changes, ebuf);
+    compare_value(old_element, new_element, row, is_deployment, changes, ebuf);
   }
   return changes;
 }

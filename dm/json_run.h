@@ -1,4 +1,4 @@
-// The characters of a JSON text that stand for themselves, found eight at a time.
+// How far a JSON string runs without a character that needs escaping, eight bytes at a time.
 #ifndef DM_JSON_RUN_H
 #define DM_JSON_RUN_H
 
@@ -11,8 +11,9 @@ namespace dm {
 
 inline constexpr size_t WORD = sizeof(uint64_t);
 
-// How many bytes of a word, from the first on, are neither quote, backslash nor control character,
-// and ASCII. A byte that is marked may mark later ones in vain, none before it.
+// How many bytes at the start of eight are plain: ASCII, but neither control character, quote nor
+// backslash. Bit 7 of each byte of `marks` is set where the byte is not plain. A borrow of the
+// subtractions can set it wrongly too, but only behind a byte that is not plain.
 inline size_t plain_bytes(const char* word) {
   constexpr uint64_t ONES = 0x0101010101010101u;
   uint64_t bytes = 0;
@@ -25,7 +26,7 @@ inline size_t plain_bytes(const char* word) {
   return marks == 0 ? WORD : static_cast<size_t>(std::countr_zero(marks)) / 8;
 }
 
-// The same for a text, up to its end at the latest; a word behind that can be read.
+// The same for a text that a NUL byte ends. Eight bytes beyond it must be readable.
 inline size_t plain_run(const char* text) {
   for (size_t run = 0;; run += WORD) {
     const size_t plain = plain_bytes(text + run);
@@ -33,14 +34,14 @@ inline size_t plain_run(const char* text) {
   }
 }
 
-// The same for a text of that size, behind which nothing can be read.
+// The same for a text of that size. Reads no byte behind it.
 inline size_t plain_run(const char* text, size_t size) {
   size_t run = 0;
   for (; run + WORD <= size; run += WORD) {
     const size_t plain = plain_bytes(text + run);
     if (plain < WORD) return run + plain;
   }
-  char rest[WORD] = "";  // a control character ends it
+  char rest[WORD] = "";  // padded with NUL bytes, which are not plain
   std::memcpy(rest, text + run, size - run);
   return run + plain_bytes(rest);
 }

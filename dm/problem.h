@@ -20,7 +20,7 @@ struct problem {
   bool is_damage = false;       // what is kept is at fault, not the way to it
 };
 
-inline bool found(const problem& why) {
+inline bool failed(const problem& why) {
   return why.code != TAV_ERR_NONE;
 }
 

@@ -37,8 +37,8 @@ dparse_outline dparse_outline_classes(tav_flist_t* class_list, const tav_ebuf& e
 dparse_outline dparse_outline_entries(tav_flist_t* parent, int depth);
 
 inline std::span<dparse_outline_entry> dparse_entries_of(dparse_outline& outline,
-                                                         const dparse_outline_class& of) {
-  return std::span(outline.entries).subspan(of.first, of.count);
+                                                         const dparse_outline_class& storable) {
+  return std::span(outline.entries).subspan(storable.first, storable.count);
 }
 
 #endif

@@ -20,11 +20,11 @@ constexpr int TOKENS_WITHOUT_KEYWORD[] = {DPARSE_TOKEN_EMPTY, DPARSE_TOKEN_WORD,
 
 // The texts by token number.
 struct keyword_texts {
-  std::string_view of[DPARSE_TOKEN_NUMBERS];
+  std::string_view by_token[DPARSE_TOKEN_NUMBERS];
 
   constexpr keyword_texts() {
     for (size_t i = 0; i < KEYWORDS; ++i)
-      of[static_cast<size_t>(token_table[i].number)] = token_table[i].text;
+      by_token[static_cast<size_t>(token_table[i].number)] = token_table[i].text;
   }
 };
 constexpr keyword_texts TEXTS;
@@ -40,7 +40,7 @@ constexpr auto TYPE_CODES = [] {
   std::array<int32_t, DPARSE_TOKEN_NUMBERS> codes{};
   for (size_t i = 0; i < codes.size(); ++i) {
 #define DPARSE_TYPE_ROW(name, code, keyword) \
-  if (TEXTS.of[i] == (keyword)) codes[i] = code;
+  if (TEXTS.by_token[i] == (keyword)) codes[i] = code;
     DD_TYPES(DPARSE_TYPE_ROW)
 #undef DPARSE_TYPE_ROW
   }
@@ -49,7 +49,7 @@ constexpr auto TYPE_CODES = [] {
 
 constexpr size_t LONGEST = [] {
   size_t longest = 0;
-  for (const std::string_view text : TEXTS.of)
+  for (const std::string_view text : TEXTS.by_token)
     longest = text.size() > longest ? text.size() : longest;
   return longest;
 }();
@@ -123,7 +123,7 @@ constexpr pattern pattern_of(std::string_view keyword) {
 // By token number.
 constexpr auto PATTERNS = [] {
   std::array<pattern, DPARSE_TOKEN_NUMBERS> patterns{};
-  for (size_t i = 0; i < patterns.size(); ++i) patterns[i] = pattern_of(TEXTS.of[i]);
+  for (size_t i = 0; i < patterns.size(); ++i) patterns[i] = pattern_of(TEXTS.by_token[i]);
   return patterns;
 }();
 
@@ -151,7 +151,8 @@ int dparse_keyword(const char* word, size_t length) {
 }
 
 std::string_view dparse_keyword_text(int token) {
-  return token >= 0 && token < DPARSE_TOKEN_NUMBERS ? TEXTS.of[static_cast<size_t>(token)] : "";
+  return token >= 0 && token < DPARSE_TOKEN_NUMBERS ? TEXTS.by_token[static_cast<size_t>(token)]
+                                                    : "";
 }
 
 int32_t dparse_type_code(int token) {

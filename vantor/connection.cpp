@@ -56,7 +56,7 @@ void tcm_op(tcm_context_t* context, uint32_t opcode, uint32_t flags, tav_flist_t
   });
 }
 
-// The session ends whatever the caller's buffer holds; an earlier error stays in it.
+// The session ends even if the buffer holds an error, which stays in it.
 void tcm_context_close(tcm_context_t* context, int32_t, tav_ebuf* ebuf) {
   if (context == nullptr) return;
   const std::unique_ptr<tcm_context> closed(context);

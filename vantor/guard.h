@@ -1,5 +1,5 @@
-// The one mechanism by which the calls of the C interface begin and end: nothing is done when the
-// error buffer holds an error, and no exception leaves.
+// The wrapper around each call of the C interface: it does nothing when the error buffer holds an
+// error, and turns exceptions into errors.
 #ifndef VANTOR_GUARD_H
 #define VANTOR_GUARD_H
 
@@ -11,7 +11,7 @@
 
 namespace vantor {
 
-// What a call is about, for its error.
+// The field and element that a call works on, for its error.
 struct request {
   tav_ebuf* ebuf;
   uint32_t field = 0;

@@ -30,7 +30,7 @@ void write_field(uint32_t field, char* buffer, size_t size) {
 
 }  // namespace vantor
 
-// A name that has to be made lives until eight more have been made.
+// The name of an unknown field is composed in one of eight buffers, which are used in turn.
 const char* tav_name_of_field(uint32_t field) {
   constexpr unsigned NAMES = 8;
   static thread_local char made[NAMES][32];

@@ -1,6 +1,6 @@
-// What every `new` and `delete` of a program comes to, where an allocator is linked that ends the
-// process when its own operator new finds no memory: here that is an exception, as the language
-// has it, and the memory is still the allocator's.
+// Replaces `new` and `delete` in programs linked with an allocator whose own operator new ends the
+// process when memory runs out: these throw std::bad_alloc instead, as the language demands. The
+// memory still comes from that allocator, through malloc and free.
 #include <cstdlib>
 #include <new>
 
@@ -8,7 +8,7 @@ static void* given(void* memory) {
   return memory != nullptr ? memory : throw std::bad_alloc();
 }
 
-// Room for nothing is a place, too.
+// A request for 0 bytes must give a pointer as well.
 static void* allocate(std::size_t size) noexcept {
   return std::malloc(size != 0 ? size : 1);
 }

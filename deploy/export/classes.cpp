@@ -11,9 +11,9 @@ static constexpr char MODULE[] = "tav_deploy_export";
 
 static int gather(dparse_outline& classes, tav_deploy_included& included, dd_list& fields,
                   const tav_deploy_ctx_t& ctx) {
-  for (const dparse_outline_class& of : classes.classes) {
-    if (of.element == nullptr) return tav_deploy_call_failed(HERE, classes.failure);
-    if (tav_deploy_get_include_class_fields(classes, of, included, fields, ctx) < 1) {
+  for (const dparse_outline_class& storable : classes.classes) {
+    if (storable.element == nullptr) return tav_deploy_call_failed(HERE, classes.failure);
+    if (tav_deploy_get_include_class_fields(classes, storable, included, fields, ctx) < 1) {
       return tav_deploy_fail(HERE, "Unable to include fields in class during export",
                              "Error: Unable to include fields in class during export\n");
     }

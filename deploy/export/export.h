@@ -25,7 +25,8 @@ int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* fi
 // Adds the definitions of the fields that a class uses, at every depth and as far as -c and -p
 // select them, in order of first use: 1, or -1 after a report. `classes` is the outline that the
 // class is in, and learns the fields' types.
-int tav_deploy_get_include_class_fields(dparse_outline& classes, const dparse_outline_class& of,
+int tav_deploy_get_include_class_fields(dparse_outline& classes,
+                                        const dparse_outline_class& storable,
                                         tav_deploy_included& included, dd_list& fields,
                                         const tav_deploy_ctx_t& ctx);
 

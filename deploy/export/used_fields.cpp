@@ -54,12 +54,13 @@ static int fail_all(int depth) {
   return -1;
 }
 
-int tav_deploy_get_include_class_fields(dparse_outline& classes, const dparse_outline_class& of,
+int tav_deploy_get_include_class_fields(dparse_outline& classes,
+                                        const dparse_outline_class& storable,
                                         tav_deploy_included& included, dd_list& fields,
                                         const tav_deploy_ctx_t& ctx) {
   if (ctx.select_custom == 0 && ctx.select_predefined == 0) return 1;
   tav_ebuf ebuf{};
-  for (dparse_outline_entry& entry : dparse_entries_of(classes, of)) {
+  for (dparse_outline_entry& entry : dparse_entries_of(classes, storable)) {
     if (entry.entry == nullptr) {
       ebuf = classes.failure;
     } else if (include_field(entry, included, fields, ctx, &ebuf) < 1) {

@@ -49,7 +49,7 @@ static bool find_doomed(operation& op, const database_row& database,
     if (!store->calls->fields(store, database.id, named, visit<field_row>(note), op.why)) {
       return false;
     }
-    if (found(op.why)) return false;
+    if (failed(op.why)) return false;
   }
   return true;
 }
@@ -85,7 +85,7 @@ static bool are_unused(operation& op, int64_t database, const std::vector<doomed
   };
   store* store = op.session.store.get();
   return store->calls->classes(store, database, {}, visit<class_row>(look), op.why) &&
-         !found(op.why);
+         !failed(op.why);
 }
 
 static bool delete_all(operation& op, const database_row& database,

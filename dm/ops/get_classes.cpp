@@ -40,7 +40,7 @@ static bool get(class_fetch& fetch, const choice& which) {
   };
   return fetch.from.calls->classes(&fetch.from, fetch.database, which, visit<class_row>(add),
                                    fetch.op.why) &&
-         !found(fetch.op.why);
+         !failed(fetch.op.why);
 }
 
 // Whether the class was given, if it is there, with one above it or with all below itself.

@@ -157,7 +157,7 @@ static bool write_class(class_run& run, const old_class& old,
 
 static bool set_class(class_run& run, const tav_node* node, int32_t id) {
   read_class(node, id, run.definition);
-  run.world.expect(run.definition);
+  run.world.prefetch_fields(run.definition);
   old_class old;
   const char* name = text_of(run.definition, CLASS_NAME);
   if (!find_old(run, name, old) || !may_replace(run, old)) return false;

@@ -8,7 +8,7 @@ namespace dm {
 
 static constexpr size_t FULL = 1 << 20;  // bytes
 
-// In the order of the kinds.
+// By `change`.
 static constexpr const char* STATEMENTS[] = {
     "DELETE FROM dd_fields f USING unnest($1::bigint[], $2::bigint[]) AS r (database, number)"
     " WHERE f.database = r.database AND f.number = r.number",
@@ -33,10 +33,10 @@ static constexpr const char* STATEMENTS[] = {
 };
 static_assert(std::size(STATEMENTS) == static_cast<size_t>(change::CHANGES));
 
-// Numbers of types that the server never changes.
+// The type numbers (OIDs) of bigint and text, which are the same on every server.
 static constexpr uint32_t BIGINT_TYPE = 20, TEXT_TYPE = 25;
 
-// The protocol's numbers have their highest byte first.
+// Appends a number in the protocol's byte order, the highest byte first.
 template <class Number>
 static void put_number(std::string& bytes, Number value) {
   for (int shift = static_cast<int>(sizeof value) * 8 - 8; shift >= 0; shift -= 8) {
@@ -58,7 +58,8 @@ static void put_cell(array_column& column, const cell& value) {
   }
 }
 
-// Dimensions, whether NULLs occur, type; then the dimension's size and first index.
+// The binary array. Its header: number of dimensions, 1 because NULLs may occur, element type, and
+// the size and the first index of the dimension.
 static std::string array_of(const array_column& column, uint32_t rows) {
   std::string bytes;
   bytes.reserve(column.bytes.size() + 20);

@@ -1,7 +1,7 @@
-// Rows on their way to the server: many go with one statement, as arrays of their columns.
+// Collects changes of rows and sends many with one statement, which gets each column as an array.
 //
-// A batch holds one change of each row at most, so that the order of the kinds does not matter
-// but for what refers to what.
+// A batch holds at most one change of any row. So the kinds can be sent in a fixed order, which
+// only has to respect foreign keys.
 #ifndef DM_POSTGRES_BATCH_H
 #define DM_POSTGRES_BATCH_H
 
@@ -37,7 +37,7 @@ struct cell {
   bool is_number = false;
 };
 
-// A column's values in the protocol's binary form, without the head.
+// A column's values as elements of a binary array of the protocol, without the array's header.
 struct array_column {
   std::string bytes;
   bool is_number = false;
@@ -49,14 +49,14 @@ struct postgres_batch {
     uint32_t rows = 0;
   };
   std::array<part, static_cast<size_t>(change::CHANGES)> parts;
-  key_set keys;     // of the rows in it
-  size_t size = 0;  // bytes
+  key_set keys;     // of the rows that it changes
+  size_t size = 0;  // of all values, in bytes
 };
 
 struct postgres_store;
 
-// Puts a change into the batch. The key names the row among all; a batch that is full, or holds
-// that row already, is sent first.
+// Puts a change into the batch. The key identifies the row among all rows of all tables. If the
+// batch is full or changes that row already, it is sent first.
 bool put_change(postgres_store& store, change kind, const std::string& key,
                 std::initializer_list<cell> cells, problem& why);
 // Sends the batch.

@@ -1,5 +1,5 @@
-// Connecting. What the configuration says may hold a password: nothing of it is ever repeated but
-// what the library understood as host, port, database and role.
+// Connecting. The entry `dictionary` may hold a password. So no message repeats any of its text; it
+// names only host, port, database and role, as libpq has parsed them.
 #include <cstdlib>
 
 #include "dm/postgres/handle.h"
@@ -14,8 +14,8 @@ static bool bad_entry(std::string_view fault, problem& why) {
   return false;
 }
 
-// A password with characters that must be written otherwise would be taken for host, port or
-// database, and then be told to everybody.
+// Refuses a URL whose user or password holds an unescaped '/', '?' or '@'. libpq would take a part
+// of such a password for the host, port or database, which messages repeat.
 static bool is_plain_url(const std::string& where, problem& why) {
   const size_t start = where.find("://");
   if (start == std::string::npos || where.find('=') < start) return true;
@@ -33,7 +33,7 @@ struct free_options {
   void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }
 };
 
-// The library's words about a connection may repeat any of these.
+// Whether libpq's messages may repeat this option's value: not where it may hold a password.
 static bool is_harmless(std::string_view keyword, std::string_view value, problem& why) {
   if (keyword == "port" && value.find_first_not_of("0123456789,") != value.npos) {
     return bad_entry("its port is no number", why);
@@ -42,7 +42,7 @@ static bool is_harmless(std::string_view keyword, std::string_view value, proble
          bad_entry("the value of one of its keys looks like one with a password in it", why);
 }
 
-// Reads the text as the library will.
+// Parses the entry as libpq will, and refuses what libpq cannot parse or what may hold a password.
 static bool parse(const std::string& where, problem& why) {
   char* fault = nullptr;
   const std::unique_ptr<PQconninfoOption, free_options> options(
@@ -65,8 +65,9 @@ static const char* text_or(const char* text, const char* other) {
   return text != nullptr && *text != '\0' ? text : other;
 }
 
-// What a connection is made with, by the library's names of it. Those before the entry it may
-// override, those behind it not. A line that is dead is noticed within a minute.
+// The parameters of a connection, for PQconnectdbParams. "dbname" stands for the whole entry: it
+// overrides the parameters before it, and those after it override the entry. The keepalive times
+// make a dead connection known within a minute.
 struct connect_values {
   static constexpr const char* KEYWORDS[] = {"connect_timeout",
                                              "keepalives_idle",
@@ -83,7 +84,7 @@ struct connect_values {
   const char* values[std::size(KEYWORDS)];
 };
 
-// `there`: another connection to the server that is wanted; null: what the entry says.
+// `there`: a connection to the server that must be reached again; null: any that the entry names.
 static connect_values values_for(const char* where, const PGconn* there) {
   return {{text_or(std::getenv("PGCONNECT_TIMEOUT"), "10"), "30", "10", "3", "60000",
            program_invocation_short_name, where, "UTF8", there != nullptr ? PQhost(there) : nullptr,

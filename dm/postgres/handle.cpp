@@ -26,7 +26,7 @@ void settle(postgres_store& store) {
   if (store.fetching != nullptr) store.fetching->collect();
 }
 
-// The result of the message that was sent, if it was.
+// The result of the message, if it could be sent; null and the reason when either failed.
 static result_owner answer_to(postgres_store& store, bool is_sent, problem& why) {
   result_owner result = is_sent ? take_answer(store) : nullptr;
   if (succeeded(result.get())) return result;
@@ -45,7 +45,8 @@ result_owner execute(postgres_store& store, const std::string& sql, problem& why
   return answer_to(store, send_message(store, sql, nullptr), why);
 }
 
-// What a server's own triggers, rules and row security keep away is no error to it.
+// Compares the number of changed rows, because triggers, rules or row security on the server may
+// swallow rows without an error.
 bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
                  uint64_t rows, problem& why) {
   const result_owner result = execute(store, sql, with, why);
@@ -67,9 +68,8 @@ void spend_patience(postgres_store& store) {
 
 static constexpr char LOCK_TIMEOUT[] = "55P03", NO_PRIVILEGE[] = "42501";
 
-// What an SQLSTATE (or the class that it begins with) means: our code, what to tell the
-// administrator, the errno that says the same, and whether what is kept is to blame. The first that
-// fits counts.
+// What an SQLSTATE, or all that begin so, means: our code, the advice for the administrator, the
+// errno that says the same, and whether the stored data is damaged. The first row that fits counts.
 static constexpr struct meaning {
   const char* state;
   int code;
@@ -127,7 +127,8 @@ static bool lost(const postgres_store& store, problem& why) {
                          why);
 }
 
-// Refused is what would write; a read only lacks something.
+// A read without the privilege. It is no "write refused" but a storage
+// failure, and names the grants.
 static bool may_not_read(const postgres_store& store, std::string_view words, problem& why) {
   why.detail = EACCES;
   const std::string advice =
@@ -142,7 +143,7 @@ static bool may_not_read(const postgres_store& store, std::string_view words, pr
 bool postgres_failed(postgres_store& store, const PGresult* result, problem& why) {
   if (is_lost(store)) return lost(store, why);
   const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
-  // The library itself has but words for it.
+  // An error of libpq itself has no SQLSTATE, only a text: that it lacks memory must be read there.
   const bool is_own = state == nullptr;
   if (is_own && std::strstr(PQerrorMessage(store.connection), "memory") != nullptr) {
     throw std::bad_alloc();

@@ -31,17 +31,17 @@ class postgres_rows;
 
 struct postgres_store : store {
   PGconn* connection = nullptr;
-  std::string where;     // as the configuration has it: may hold a password
-  std::string name;      // for people
-  std::string refusal;   // why it takes no writes; empty: it does
-  std::string grants;    // SQL that lets the role read it; empty: it may
-  std::string given_up;  // why the line was; empty: it was not
+  std::string where;     // the entry of tav.conf: may hold a password
+  std::string name;      // for messages: database, host, port, role
+  std::string refusal;   // why writes are refused; empty: they are not
+  std::string grants;    // SQL that would let the role read it; empty: it may
+  std::string given_up;  // why the connection was given up; empty: it was not
   open_options options;
-  std::chrono::milliseconds patience{0};  // left for waiting until others have written
+  std::chrono::milliseconds patience{0};  // how long this store may still wait for other writers
   steady::time_point asked;               // when the last message was sent
   int version = 0;
   bool is_writing = false;
-  postgres_rows* fetching = nullptr;  // whose next rows are on their way
+  postgres_rows* fetching = nullptr;  // has asked for rows that were not taken in yet
   unsigned cursors = 0;               // opened so far
   int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
   postgres_batch batch{};
@@ -52,7 +52,7 @@ inline postgres_store& postgres_of(store* base) {
   return *static_cast<postgres_store*>(base);
 }
 
-// The parameters of a statement, in the order of their numbers; what is given is copied.
+// The parameters of a statement, $1 first. Values are copied.
 class parameters {
  public:
   template <class... Values>
@@ -81,26 +81,26 @@ class parameters {
   std::vector<int> lengths_, formats_;
 };
 
-// Carries out one statement and gives its result whole; none with the reason when it fails.
+// Carries out one statement and gives its whole result; null and the reason when it fails.
 result_owner execute(postgres_store& store, const std::string& sql, const parameters& with,
                      problem& why);
 // Carries out statements and gives the result of the last.
 result_owner execute(postgres_store& store, const std::string& sql, problem& why);
-// Carries out a statement that changes so many rows; fewer are a failure.
+// Carries out a statement that must change exactly `rows` rows.
 bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
                  uint64_t rows, problem& why);
-// Takes in what is on its way, so that the connection is free.
+// Takes in rows that a cursor was asked for, so that the connection is free for a statement.
 void settle(postgres_store& store);
-// A statement that limits how long those after it in the transaction may wait for others.
+// A statement that limits how long later statements of the transaction may wait for locks.
 std::string limit_waiting(const postgres_store& store);
-// Takes the time since the last message from what is left for waiting.
+// Subtracts the time since the last message was sent from `patience`.
 void spend_patience(postgres_store& store);
 
-// Says what a failed result (null: none came) means; gives false. The one place that does.
+// Turns a failed result (null: none came) into a problem; gives false. The only place that does.
 bool postgres_failed(postgres_store& store, const PGresult* result, problem& why);
 bool postgres_refuse(const postgres_store& store, int32_t code, std::string_view advice,
                      problem& why);
-// The same for what the dictionary itself is to blame for.
+// The same for a fault of what the dictionary holds: storage failure, damage.
 bool postgres_damaged(const postgres_store& store, std::string_view advice, problem& why);
 
 // The engine's words in one line.

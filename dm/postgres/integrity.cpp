@@ -1,4 +1,4 @@
-// The engine's own test of what it keeps.
+// The test of a dictionary on the server: schema, indexes, references.
 #include <map>
 #include <sstream>
 
@@ -8,8 +8,8 @@
 
 namespace dm {
 
-// What a dictionary's tables and views are made of, and what works on them: each with its name and
-// its shape. What the server makes by itself to enforce a constraint is part of that.
+// All that belongs to our tables and views or acts on them, as rows of subject and shape. Triggers
+// and indexes that the server made itself for a constraint are not listed: the constraint is.
 static constexpr char PARTS[] = R"sql(
 WITH ours (kind, name, relation) AS (
   SELECT kind, name, to_regclass(name)
@@ -60,7 +60,7 @@ WHERE NOT EXISTS (SELECT FROM pg_constraint WHERE conindid = indexrelid AND conr
 ORDER BY 1
 )sql";
 
-// What stands in a dictionary besides columns, which the schema tells; as the server writes it.
+// The subjects in a sound dictionary, in the server's wording. Columns are added from the schema.
 static constexpr char EXPECTED[] = R"(table dd_schema
 table dd_databases
 table dd_fields
@@ -91,8 +91,8 @@ static const char* shape_of(const std::string& subject) {
 
 using parts = std::map<std::string, std::string>;  // shapes by subject
 
-// The columns stand in the schema, a line each.
-static void expect_columns(parts& expected) {
+// Adds the columns: each has a line of its own in POSTGRES_SCHEMA.
+static void add_columns(parts& expected) {
   static const std::string TABLE = "CREATE TABLE ";
   std::istringstream lines(POSTGRES_SCHEMA);
   std::string table;
@@ -113,7 +113,7 @@ static parts expected_parts() {
   parts expected;
   std::istringstream lines(EXPECTED);
   for (std::string line; std::getline(lines, line);) expected[line] = shape_of(line);
-  expect_columns(expected);
+  add_columns(expected);
   return expected;
 }
 
@@ -159,7 +159,7 @@ static bool tell_rows(postgres_store& store, const std::string& sql,
   return outcome == postgres_rows::END;
 }
 
-// References, looked at row by row: who switches triggers off gets past the guard.
+// References are tested row by row, because whoever switches triggers off can break foreign keys.
 static constexpr struct {
   const char *table, *column, *parent;
 } REFERENCES[] = {

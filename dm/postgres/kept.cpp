@@ -4,7 +4,7 @@
 
 namespace dm {
 
-// So many questions cost about as much as reading a dictionary of some size.
+// So many look-ups cost about as much as reading all classes of a fairly large dictionary.
 static constexpr int MANY = 50;
 
 static bool keep_all(postgres_store& store, int64_t database, problem& why) {
@@ -19,7 +19,7 @@ static bool keep_all(postgres_store& store, int64_t database, problem& why) {
   return true;
 }
 
-// Copies, because whoever is told may write.
+// The classes that are wanted; copies, because the visitor may write and so change the cache.
 static std::map<std::string, kept_class> found_in(const postgres_kept& kept, const lookup& wanted) {
   if (wanted.which != SELECT_CLASS_NAMED) {
     return {kept.rows.lower_bound(wanted.keys[0]), kept.rows.lower_bound(wanted.keys[1])};

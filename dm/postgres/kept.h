@@ -1,8 +1,8 @@
-// The stored classes, kept in memory while many of them are written.
+// A cache of all stored classes, for a transaction that writes many of them.
 //
-// Whoever writes classes looks each one up before. After some such questions all classes are read
-// at once, and what is written is noted there, too: a list of thousands costs no round trip for
-// each, in whatever order it stands.
+// Each class is looked up before it is written. After 50 such look-ups all classes are read at
+// once, and later ones are answered from memory; writes update it. So a list of thousands of
+// classes needs no round trip for each.
 #ifndef DM_POSTGRES_KEPT_H
 #define DM_POSTGRES_KEPT_H
 
@@ -19,18 +19,18 @@ struct kept_class {
 };
 
 struct postgres_kept {
-  int asked = 0;                           // questions in this transaction
+  int asked = 0;                           // look-ups in this transaction so far
   int64_t database = 0;                    // whose classes are kept; 0: none
   std::map<std::string, kept_class> rows;  // by key
 };
 
 struct postgres_store;
 
-// Answers from what is kept, after reading it where that pays. `answered` is false for a question
-// that must be put to the server.
+// Answers a look-up from the cache, which it fills at the 50th. `answered` is false where the
+// server must be asked.
 bool answer_kept(postgres_store& store, int64_t database, const lookup& wanted,
                  visitor<class_row> visitor, bool& answered, problem& why);
-// Notes what is written.
+// Updates the cache with a class that is written.
 void note_kept(postgres_store& store, int64_t database, const class_row& row);
 
 }  // namespace dm

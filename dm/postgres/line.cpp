@@ -21,8 +21,9 @@ std::string last_words(const postgres_store& store) {
   return store.given_up.empty() ? one_line(PQerrorMessage(store.connection)) : store.given_up;
 }
 
-// Waits for one of the events; false at the end of the time. An encrypted line may hold bytes in
-// the library that poll does not see, so that it is looked into at growing intervals.
+// Waits for one of the events; false when the time is over. On an encrypted connection, bytes may
+// wait inside the encryption library, where poll cannot see them: so libpq is asked at intervals of
+// 1, 2, 4, ... ms as well.
 static bool await(PGconn* line, short events, milliseconds limit) {
   const auto end = steady::now() + limit;
   const bool may_hide = PQsslInUse(line) != 0 || PQgssEncInUse(line) != 0;
@@ -96,7 +97,7 @@ bool send_message(postgres_store& store, const std::string& sql, const parameter
   if (queued == 0) return false;
   int left = 0;
   while ((left = PQflush(line)) == 1) {
-    // Who does not read what the server says may wait for it to read.
+    // Reads as well: a server that cannot send may not read our message, and both would wait.
     if (!wait_for(store, POLLIN | POLLOUT, silence::MAY_BE_WORK)) return false;
     if (PQconsumeInput(line) == 0) break;
   }

@@ -1,8 +1,8 @@
-// Messages to the server, and waiting for what it answers.
+// Sending messages to the server and waiting for its answers.
 //
-// No wait is without end. A server that was silent for the time that the settings give is asked
-// over a second connection whether it is at work on the statement; where it does not say so, the
-// line is given up. A lost line is asked nothing more.
+// Every wait has a limit. When the server was silent for `answer_seconds`, it is asked over a
+// second connection whether it is at work on the statement. Unless it says yes, the connection is
+// given up for good.
 #ifndef DM_POSTGRES_LINE_H
 #define DM_POSTGRES_LINE_H
 
@@ -14,15 +14,16 @@ namespace dm {
 // where nothing can be sent.
 bool send_message(postgres_store& store, const std::string& sql, const parameters* with);
 
-// Whether a server that is silent is given up at once, or may be at work: a commit may wait for
-// another server, which is no work.
+// What silence means: the server may be at work (ask it), or the connection is given up at once.
+// The latter for a commit, which may wait for another server without being at work.
 enum class silence { MAY_BE_WORK, IS_THE_END };
 
-// The answer to the message: the last result, or the first that failed. Null where none came.
+// The answer to the message: the result of its last statement, or of the first that failed. Null
+// where none came.
 result_owner take_answer(postgres_store& store, silence meaning = silence::MAY_BE_WORK);
 
 bool succeeded(const PGresult* result);
-// Whether the line is broken, or was given up; and why, in the words of who noticed it.
+// Whether the connection is broken or was given up; and the reason, libpq's or our own.
 bool is_lost(const postgres_store& store);
 std::string last_words(const postgres_store& store);
 

@@ -36,9 +36,10 @@ static void postgres_rollback(store* base) {
   if (send_message(store, "ROLLBACK", nullptr)) take_answer(store);
 }
 
-// Whoever holds the row of dd_schema is alone in writing; readers do not look at its lock. A
-// machine that fell silent holds it for a minute, not for hours. What is committed is on the
-// server's disk, even where it is set up to be careless.
+// Begins a write transaction. It locks the row of dd_schema, so that there is one writer at a time;
+// readers do not need that row's lock. Keepalives make the server drop a client machine that fell
+// silent, and its lock, within a minute. synchronous_commit is switched on if the server has it
+// off, so that a commit is on disk when it returns.
 static bool lock(postgres_store& store, problem& why) {
   static constexpr char PREPARE[] =
       "SELECT set_config('tcp_keepalives_idle', '30', true),"
@@ -51,7 +52,7 @@ static bool lock(postgres_store& store, problem& why) {
   const result_owner locked = execute(store, statements, why);
   if (locked == nullptr) return false;
   spend_patience(store);
-  // Row security that hides the row would let two write at once.
+  // If row security hid the row, nothing would be locked and two could write at once.
   return PQntuples(locked.get()) == 1 ||
          postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
 }
@@ -85,17 +86,17 @@ static bool postgres_commit(store* base, problem& why) {
   settle(store);
   const bool is_sent = send_message(store, "COMMIT", nullptr);
   const result_owner result = is_sent ? take_answer(store, silence::IS_THE_END) : nullptr;
-  // No answer of the server's: it is lost, or there was no memory to receive it. The commit may
-  // have been carried out.
+  // Without the server's own answer (the connection is lost, or memory to receive it ran out) the
+  // commit may or may not have been carried out.
   const bool is_refused = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) != nullptr;
   const bool is_done = PQresultStatus(result.get()) == PGRES_COMMAND_OK;
   if (is_lost(store) || (!is_done && !is_refused)) {
     return outcome_unknown(store.name, "the connection was lost while the changes were committed",
-                           "export the dictionary and look before running again",
-                           last_words(store), why);
+                           "export the dictionary and look before running again", last_words(store),
+                           why);
   }
   if (!is_done) return postgres_failed(store, result.get(), why);
-  // A transaction that an error has ended is rolled back instead, which is no error to the server.
+  // To COMMIT after a failed statement the server answers ROLLBACK, without an error.
   const bool committed = std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0;
   postgres_rollback(base);
   return committed || postgres_refuse(store, TAV_ERR_STORAGE,

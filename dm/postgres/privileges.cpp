@@ -5,9 +5,9 @@
 
 namespace dm {
 
-// Whether a dictionary is there, whether writes are refused, and the statements that would let the
-// role read it, and write it: NULL where it may. To deploy takes no right to add databases, and
-// whoever may update one column of a row may lock it.
+// Gives: whether a dictionary exists; whether the server takes reads only; the grants that the role
+// lacks to read, and those that it lacks to read and write (NULL: none). Deploying needs no INSERT
+// on dd_databases. To lock the row of dd_schema it is enough to have UPDATE on one of its columns.
 static constexpr char PRIVILEGES[] = R"sql(
 WITH needed (table_name, privilege, column_name) AS (
   VALUES ('dd_schema', 'SELECT', NULL), ('dd_schema', 'UPDATE', 'is_one'),
@@ -62,7 +62,8 @@ bool read_privileges(postgres_store& store, problem& why) {
   return true;
 }
 
-// A schema that the role may not use is passed over by the server's own search.
+// Finds a dictionary in a schema of the search path that the role may not use: to_regclass ignores
+// such schemas.
 static constexpr char HIDDEN[] = R"(
 WITH path (place, entry) AS (
   SELECT place, trim(entry)

@@ -27,7 +27,8 @@ static bool read_rows(postgres_store& store, query which, const parameters& with
   return outcome == postgres_rows::END;
 }
 
-// What is no text of a dictionary is not there; the server would refuse the question.
+// Whether a key can exist in a dictionary at all. The server would answer
+// invalid UTF-8 with an error.
 static bool can_be_stored(const std::string& key) {
   return text_fault(key.c_str()) == nullptr;
 }

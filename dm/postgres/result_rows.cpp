@@ -7,7 +7,7 @@
 
 namespace dm {
 
-// Of small rows some 60 KB, of class definitions about a megabyte.
+// Rows in a chunk: some 60 KB of fields, about a megabyte of class definitions.
 static constexpr int CHUNK = 500;
 
 postgres_rows::postgres_rows(postgres_store& store, const std::string& sql, const parameters& with,
@@ -17,7 +17,7 @@ postgres_rows::postgres_rows(postgres_store& store, const std::string& sql, cons
     chunk_ = execute(store, sql, with, why);
     return;
   }
-  // Cursors end with their transaction, which has few of them.
+  // The cursor is never closed: a transaction has few, and they end with it.
   const std::string cursor = "tav_rows_" + std::to_string(++store.cursors);
   fetch_ = join({"FETCH ", std::to_string(CHUNK), " FROM ", cursor});
   if (execute(store, join({"DECLARE ", cursor, " NO SCROLL CURSOR FOR ", sql}), with, why) !=

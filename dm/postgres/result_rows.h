@@ -1,4 +1,4 @@
-// The rows of one question, as `Columns` of dm/rows.h.
+// The rows of one query; serves as `Columns` for the templates of dm/rows.h.
 #ifndef DM_POSTGRES_ROWS_H
 #define DM_POSTGRES_ROWS_H
 
@@ -6,9 +6,9 @@
 
 namespace dm {
 
-// Rows that may be many come in chunks from a cursor, each asked for while the one before is being
-// read, so that memory holds two chunks. Other statements may come in between: what is on its way
-// is taken in first.
+// Where rows may be many, a cursor gives them in chunks. The next chunk is asked for while one is
+// read, so memory holds two at most. Another statement may be carried out in between: it first
+// takes in the chunk that was asked for (settle).
 class postgres_rows {
  public:
   enum outcome { ROW, END, FAILED };
@@ -20,7 +20,7 @@ class postgres_rows {
   postgres_rows& operator=(const postgres_rows&) = delete;
 
   outcome next();
-  // Takes in the chunk that is on its way.
+  // Takes in the chunk that was asked for.
   void collect();
 
   int count() const { return PQnfields(chunk_.get()); }
@@ -29,8 +29,8 @@ class postgres_rows {
   const char* text(int column) const;
 
  private:
-  bool ask();   // for the next chunk
-  bool take();  // it in place of the one that is read
+  bool ask();   // sends the query for the next chunk
+  bool take();  // makes that chunk the current one
 
   postgres_store& store_;
   problem& why_;

@@ -2,12 +2,12 @@
 
 namespace dm {
 
-// A column stands on a line of its own: name, type, COLLATE, NOT NULL, DEFAULT, then its guards
-// ('tav_dict check' compares that with what the server says).
+// Each column has a line of its own, in the order name, type, COLLATE, NOT NULL, DEFAULT,
+// constraints: 'tav_dict check' compares these lines with what the server says.
 //
-// Keys are ordered byte by byte, whatever the database's own order. The definition's text stays as
-// it was written, and is known to be JSON. The views are for people: the place of an entry is its
-// path in the definition, NULL stands for the class itself.
+// COLLATE "C" orders keys byte by byte, whatever the database's own order. The type json keeps the
+// definition's text as it was written and refuses what is no JSON. The views are for people:
+// `place` is the path of an entry in the definition; NULL means the class itself.
 const char POSTGRES_SCHEMA[] = R"sql(
 CREATE TABLE dd_schema (
   version INTEGER NOT NULL,

@@ -1,4 +1,4 @@
-// Writing rows. The keys of changes begin with a letter for their table.
+// Writing rows. A key in the batch begins with a letter for its table: f, c or t.
 #include <algorithm>
 
 #include "dd/database_number.h"
@@ -52,7 +52,7 @@ bool postgres_delete_field(store* base, int64_t database, int32_t number, proble
                     {database, number}, why);
 }
 
-// Ids are given here, because nobody else writes meanwhile.
+// The next free class id. Counting here is safe because there is one writer at a time.
 static bool new_class_id(postgres_store& store, int64_t& id, problem& why) {
   if (store.last_class == 0) {
     postgres_rows rows(store, "SELECT coalesce(max(id), 0) FROM dd_classes", parameters(), false,

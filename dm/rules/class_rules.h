@@ -1,4 +1,5 @@
-// The rules that a class definition must keep, a file for each. Every one adds what it finds.
+// The rules that a class definition must keep; a file holds one rule. Each function below appends
+// the violations that it finds to `result`.
 #ifndef DM_RULES_CLASS_RULES_H
 #define DM_RULES_CLASS_RULES_H
 
@@ -13,22 +14,24 @@ void check_name(const class_def& definition, class_world& world, findings& resul
 void check_structure(const class_def& definition, findings& result);
 void check_fields(const class_def& definition, class_world& world, findings& result);
 void check_hierarchy(const class_def& definition, class_world& world, findings& result);
-// Also gives the tables that the class has.
+// Also appends the names of the tables that the class has to `tables`.
 void check_storage(const class_def& definition, class_world& world,
                    std::vector<std::string>& tables, findings& result);
 
-// Whether two entries under one parent may have the same text there, the case apart: mostly not,
-// and then their texts need not be compared.
+// Whether two entries under one parent might have equal texts in that attribute (without regard to
+// case). A quick test by hashes: false is certain and saves comparing the texts.
 bool may_repeat(const class_def& definition, entry_attribute which);
 
-// The table of a subclass, which needs none: it is not stored. Null where there is none.
+// The table named in the definition of a subclass. A subclass needs none, and it is not stored.
+// Null where none is named, and for a base class.
 const char* needless_table(const class_def& definition);
 
-// All of them; those on what is in the class first, and the others only when it is sound so far.
+// Checks all rules: texts, name and structure first; fields, hierarchy and storage only if these
+// found nothing.
 void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,
                  findings& result);
 
-// The table and the column in the storage text of a BUF entry; empty where it names none.
+// The table and the column in the storage text of a BUF entry; empty where the text names none.
 struct buf_storage {
   std::string_view table, column;
 };

@@ -44,7 +44,7 @@ class_world::class_world(store& store, int64_t database) : store_(store), databa
 
 bool class_world::read_all() {
   auto field = [this](const field_row& row) { return fields_.add(row.name, row.type), true; };
-  auto klass = [this](const class_row& row) {
+  auto note_class = [this](const class_row& row) {
     stored_.push_back({classes_.add(row.key, row.id), nullptr});
     return true;
   };
@@ -52,7 +52,7 @@ bool class_world::read_all() {
   const choice keys{choice::KEYS};
   fields_.is_complete = classes_.is_complete = tables_.is_complete = true;
   return store_.calls->fields(&store_, database_, keys, visit<field_row>(field), why) &&
-         store_.calls->classes(&store_, database_, keys, visit<class_row>(klass), why) &&
+         store_.calls->classes(&store_, database_, keys, visit<class_row>(note_class), why) &&
          store_.calls->tables(&store_, database_, {}, visit<table_row>(table), why);
 }
 
@@ -64,14 +64,14 @@ void class_world::add_fields(const field_request& asked) {
   }
 }
 
-void class_world::expect(const class_def& definition) const {
+void class_world::prefetch_fields(const class_def& definition) const {
   for (const entry_def& entry : definition.entries) {
-    if (asked_ != nullptr) asked_->by_name.expect(entry.name_hash);
-    fields_.values.expect(entry.name_hash);
+    if (asked_ != nullptr) asked_->by_name.prefetch(entry.name_hash);
+    fields_.values.prefetch(entry.name_hash);
   }
 }
 
-// What the cache knows, or what `look_up` finds now.
+// The cached value, or what `look_up` finds in the store.
 template <class LookUp>
 static int64_t cached(name_cache& cache, const char* name, uint32_t hash, LookUp look_up) {
   if (const int64_t* value = cache.values.find(name, hash)) return *value;
@@ -145,7 +145,8 @@ void class_world::accept(const class_def& definition, const std::vector<std::str
   accepted_.try_emplace(line.key, &line);
 }
 
-// "/a/" and what follows it up to "/a0" are the classes below "/a", as queries have it.
+// The rows with this key or, for KEYS_BELOW, with keys below it: those from "/a/" to before "/a0"
+// are below "/a", because '0' is the character after '/'.
 static std::span<const class_row> classes_in(std::span<const class_row> all, const choice& wanted) {
   const auto is_before = [](const class_row& row, const std::string& key) { return row.key < key; };
   const std::string key = folded(wanted.name);
@@ -163,7 +164,7 @@ bool class_world::stored_classes(const choice& wanted, visitor<class_row> visito
                      [&](const class_row& row) { return visitor.call(visitor.context, row); });
 }
 
-// Makes it with those above it, as far up as they are not there yet.
+// The link of that key. Makes it and those above it where they do not exist yet.
 line_class& class_world::line_of(std::string_view key) {
   line_class* first = nullptr;
   line_class** below = &first;
@@ -200,7 +201,7 @@ void class_world::read_containers(line_class& line) {
   stored_classes(named, visit<class_row>(note));
 }
 
-// What lies below "/a" lies between "/a/" and "/a0": '0' is the character after '/'.
+// Keys below "/a" are those from "/a/" to before "/a0": '0' is the character after '/'.
 void class_world::add_accepted_below(const std::string& key, std::vector<line_class*>& lines) {
   const auto end = accepted_.lower_bound(key + "0");
   for (auto at = accepted_.lower_bound(key + "/"); at != end; ++at) lines.push_back(at->second);

@@ -1,5 +1,5 @@
-// The classes, fields and tables of a database as the rules see them: what the dictionary holds,
-// with the provisional fields of the session and the classes of the running operation over it.
+// The classes, fields and tables of a database as the rules see them: those of the dictionary, plus
+// the provisional fields of the session, plus the classes that the running operation has accepted.
 #ifndef DM_RULES_CLASS_WORLD_H
 #define DM_RULES_CLASS_WORLD_H
 
@@ -26,52 +26,52 @@ problem damaged_class(const char* name, const char* fault);
 bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,
                 problem& why);
 
-// Names of one kind that were looked up or read all, with what stands under them.
+// A cache of names of one kind: those that were looked up, or all. The value depends on the kind.
 struct name_cache {
   static constexpr int32_t ABSENT = -1;
   dd_index<dd_by_name, int64_t> values;
   bool is_complete = false;
-  // Keeps a copy of the name, and gives it.
+  // Keeps a copy of the name; gives the copy.
   const char* add(const char* name, int64_t value);
 
  private:
   std::pmr::monotonic_buffer_resource names_;
 };
 
-// A class in its line of superclasses, or the name of one that is not there.
+// A class as a link in its line of superclasses. The class need not exist.
 struct line_class {
   std::string key;                        // folded
-  line_class* above = nullptr;            // the one right above
-  std::vector<std::string> containers{};  // sorted folded names of its top-level containers,
-  bool is_read = false;                   // once they are known
-  bool is_accepted = false;
+  line_class* above = nullptr;            // its immediate superclass; null: none
+  std::vector<std::string> containers{};  // folded names of its top-level containers, sorted
+  bool is_read = false;                   // whether `containers` is filled
+  bool is_accepted = false;               // by the running operation (accept)
 };
 
 class class_world {
  public:
   class_world(store& store, int64_t database);
 
-  // What of these is planned counts as there; they must stay.
+  // Fields of the request that are planned count as existing. Borrows the request.
   void add_fields(const field_request& asked);
   // Reads all keys at once, for an operation on many classes.
   bool read_all();
-  // Says what all stored classes are, in ascending keys: none is asked for then. They must stay.
+  // Gives all stored classes, in ascending order of keys, so that none is read again. Borrows them.
   void know(std::span<const class_row> all) { known_ = all; }
 
-  // Says that the fields of the class's entries will be asked for: memory is asked for where they
-  // are looked up.
-  void expect(const class_def& definition) const;
-  // The type of a field (and the hash of its name), ABSENT when there is none. On a failure of the
-  // store every question gives such an answer, and the problem is set.
+  // Prefetches the index slots of the fields that the class's entries use,
+  // before they are looked up.
+  void prefetch_fields(const class_def& definition) const;
+  // The type of a field, by name and hash; ABSENT where there is no such field. When the store
+  // fails, this and the calls below answer as if nothing were there, and `why` is set.
   int64_t type_of(const char* field, uint32_t hash);
   bool has_class(const char* name);
   // Whether another class than the one of that name has the table.
   bool is_other_table(const char* table, const char* class_name);
-  // The classes above, from the top, and then those below, accepted ones first; valid as long as
-  // this is.
+  // The superclasses, from the top, and then the subclasses, accepted ones first. Valid as long as
+  // this object.
   std::vector<const line_class*> related_to(const char* class_name);
 
-  // The class stands from now on, with these tables in place of the others.
+  // Accepts a definition: from now on the class exists with these tables instead of the old ones.
   void accept(const class_def& definition, const std::vector<std::string>& tables,
               const std::vector<std::string>& old_tables);
 

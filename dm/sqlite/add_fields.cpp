@@ -1,5 +1,5 @@
-// Adding fields: all by one statement, which reads them from a table that only it sees. A statement
-// for each would open the indexes and look up the database again for every row.
+// Adds all fields with one INSERT, which reads them from a virtual table. An INSERT for each would
+// open the indexes and look up the database again for every row.
 #include <algorithm>
 #include <cstring>
 
@@ -12,7 +12,8 @@ static sqlite_new_fields& fields_of(sqlite3_vtab_cursor* cursor) {
   return *static_cast<sqlite_new_fields*>(cursor->pVtab);
 }
 
-// The store holds the table and the cursor: nothing is made or freed here.
+// The callbacks of the virtual table. Table and cursor are members of the store, so that connect
+// and open make nothing, and disconnect and close free nothing.
 static int connect(sqlite3* db, void* fields, int, const char* const*, sqlite3_vtab** table,
                    char**) {
   *table = static_cast<sqlite_new_fields*>(fields);
@@ -57,7 +58,8 @@ static int row_id(sqlite3_vtab_cursor* cursor, sqlite3_int64* id) {
   return SQLITE_OK;
 }
 
-// In the engine's own memory: no exception may pass through it.
+// Texts are copied with the engine's own allocator: it reports failure by a code, and no exception
+// may pass through the engine.
 static int give_key(sqlite3_context* context, const char* name) {
   const size_t size = std::strlen(name);
   auto* key = static_cast<char*>(sqlite3_malloc64(size + 1));

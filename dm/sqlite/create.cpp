@@ -8,7 +8,8 @@
 
 namespace dm {
 
-// Few overflow pages for class definitions of some kilobytes, still little to read for one field.
+// Bytes of a page: large enough that definitions of some kilobytes need few overflow pages, small
+// enough that looking up one field reads little.
 static constexpr char PAGE_SIZE[] = "PRAGMA page_size = 8192";
 
 static bool build(sqlite_store& store, const fill_store& fill, problem& why) {
@@ -34,7 +35,8 @@ bool create_sqlite(const std::string& path, const fill_store& fill, problem& why
   bytes.first.reset(sqlite3_serialize(store->db, "main", &bytes.size, 0));
   if (bytes.first == nullptr) return sqlite_failed(*store, SQLITE_NOMEM, why);
   mark_write_ahead(bytes, true);
-  // Looked at again: filling takes time, in which a dictionary may have been moved away.
+  // Tested again: while this one was filled, somebody may have moved another dictionary away and
+  // left its log.
   return is_free(path, why) && make_file(path,
                                          {reinterpret_cast<const char*>(bytes.first.get()),
                                           static_cast<size_t>(bytes.size)},

@@ -6,7 +6,7 @@
 
 namespace dm {
 
-// Bytes 18 and 19 of a database file say which way of writing it wants; 2 is the write-ahead log.
+// Bytes 18 and 19 of a database file: 2 means a write-ahead log, 1 a rollback journal.
 static constexpr size_t WRITE_VERSION = 18, READ_VERSION = 19;
 
 void mark_write_ahead(const sqlite_bytes& bytes, bool with_log) {
@@ -27,9 +27,9 @@ static bool read_bytes(sqlite3_file* file, sqlite_bytes& bytes) {
   return true;
 }
 
-// While the shared lock is held the last writer to leave can neither put the log's changes into the
-// file nor remove the log. So a log that is absent before and after was absent meanwhile, and
-// nobody had anything to put into the file.
+// While we hold the shared lock, no connection that closes can copy the log into the file and
+// remove the log. So if no log with changes is there before and after reading, there was none in
+// between, and the file did not change.
 bool read_at_rest(sqlite_store& store, sqlite_bytes& bytes) {
   sqlite3_file* file = nullptr;
   sqlite3_file_control(store.db, "main", SQLITE_FCNTL_FILE_POINTER, &file);

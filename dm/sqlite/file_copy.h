@@ -1,4 +1,5 @@
-// A dictionary file read from memory, by who may not write beside it.
+// Reading a dictionary from a copy in memory, for a user who may not write in the file's folder:
+// the engine would have to make files there.
 #ifndef DM_SQLITE_FILE_COPY_H
 #define DM_SQLITE_FILE_COPY_H
 
@@ -12,14 +13,14 @@ struct sqlite_bytes {
   sqlite3_int64 size = 0;
 };
 
-// Marks a database as one that is written with a write-ahead log, or not.
+// Sets the marks in the bytes that say whether the database uses a write-ahead log.
 void mark_write_ahead(const sqlite_bytes& bytes, bool with_log);
 
-// Reads the whole file, through the engine's own handle, while nobody writes to it. False when
-// somebody may be doing so, now or since the file was last complete.
+// Reads the whole file through the engine's own handle, if the file is complete and nobody writes
+// to it. False where somebody may be writing, or a log with changes stands beside the file.
 bool read_at_rest(sqlite_store& store, sqlite_bytes& bytes);
 
-// Gives an open connection these bytes in place of its file.
+// Makes an open connection read these bytes instead of its file; gives the engine's result code.
 int show_copy(sqlite3* db, sqlite_bytes bytes);
 
 }  // namespace dm

@@ -21,7 +21,7 @@ static bool refuse(problem& why, int32_t code, int detail, std::string sentence)
 
 // --- What is there ----------------------------------------------------------------------------
 
-// May be done as the effective user, like the engine's own accesses.
+// Whether the effective user may access the file so; the engine's accesses are judged like that.
 static bool is_allowed(const std::string& path, int mode) {
   return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
 }
@@ -97,7 +97,7 @@ bool find_place(sqlite_store& store, problem& why) {
 bool is_in_place(const sqlite_store& store) {
   struct stat now {};
   int has_moved = 0;
-  // The engine compares the number of the file that it has open with that of the file's name.
+  // The engine compares the inode number of the open file with that of the file at its path.
   sqlite3_file_control(store.db, "main", SQLITE_FCNTL_HAS_MOVED, &has_moved);
   return has_moved == 0 && stat(store.path.c_str(), &now) == 0 &&
          now.st_dev == store.opened.st_dev && now.st_ino == store.opened.st_ino;
@@ -125,7 +125,7 @@ bool has_changes_beside(const std::string& file) {
 }
 
 // Whether a process holds a lock on the file, and which ("unknown" where the system does not tell).
-// Closing lets go what this process itself holds there: nothing, for it makes the dictionary.
+// Closing it releases this process's own locks on it, but it has none: it is making the dictionary.
 static bool is_held(const std::string& file, std::string& holder) {
   const int fd = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
   if (fd < 0) return false;
@@ -137,7 +137,8 @@ static bool is_held(const std::string& file, std::string& holder) {
   return held;
 }
 
-// An empty companion counts, too: a process that still has the old dictionary open writes it next.
+// Refuses an empty companion as well, because a process that still has the old dictionary open may
+// write to it.
 static bool refuse_beside(const std::string& path, const std::string& companion, problem& why) {
   std::string holder;
   if (!is_held(path + "-shm", holder)) {

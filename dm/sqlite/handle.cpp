@@ -103,14 +103,14 @@ static constexpr struct {
     {SQLITE_CONSTRAINT, TAV_ERR_STORAGE, BREAKS_RULES, true},
 };
 
-// Part of the file that cannot be mapped is an I/O error to the engine.
+// The engine reports an I/O error where it cannot map a part of the file for lack of memory.
 static bool is_no_memory(const sqlite_store& store, int result) {
   return result == SQLITE_IOERR_NOMEM ||
          ((result & 0xff) == SQLITE_IOERR && sqlite3_system_errno(store.db) == ENOMEM);
 }
 
-// Why the system refused the engine a file; "" where it did not. The engine keeps the number of the
-// last refusal only, beside the result that it led to.
+// The system's reason for an I/O error, such as ": Permission denied"; "" where there is none. The
+// engine keeps only the last errno, so it counts only if `result` is the engine's last result too.
 static std::string system_reason(const sqlite_store& store, int result) {
   const int kind = result & 0xff;
   const bool is_systems = (kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) &&

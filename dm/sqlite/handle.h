@@ -12,7 +12,7 @@
 
 namespace dm {
 
-// The writes; the questions are every engine's.
+// The statements that write, numbered on from the queries, which all engines share (dm/queries.h).
 enum statement {
   INSERT_DATABASE = QUERIES,
   UPDATE_COUNTER,
@@ -26,7 +26,8 @@ enum statement {
   STATEMENTS  // their number
 };
 
-// Fields to be added, as the engine sees them: a table of the connection, not of the file.
+// The field rows to be added, as a virtual table: the engine reads them like a table, but only this
+// connection has it, and nothing of it is in the file.
 inline constexpr char NEW_FIELDS_NAME[] = "dd_fields_to_add";
 struct sqlite_new_fields : sqlite3_vtab {
   std::span<const field_row> rows;
@@ -35,27 +36,28 @@ struct sqlite_new_fields : sqlite3_vtab {
 };
 
 struct sqlite_store : store {
-  std::string path;  // as people wrote it
-  std::string file;  // with all links followed: there stands what the engine keeps beside the file
-  struct stat opened {};
+  std::string path;       // as it was given
+  std::string file;       // the same with all links followed; -wal and -shm stand beside this one
+  struct stat opened {};  // of the file when it was opened
   sqlite3* db = nullptr;
   std::array<sqlite3_stmt*, STATEMENTS> prepared{};
   sqlite_new_fields added{};
   int version = 0;
-  int milliseconds_left = 0;  // that this connection may still wait for others
+  int milliseconds_left = 0;  // how long this connection may still wait for locks of others
   bool is_onlooker = false;   // this user may not write the file or its folder
-  bool is_copy = false;       // read from memory
-  bool has_begun = false;     // a snapshot
+  bool is_copy = false;       // the connection reads a copy of the file in memory
+  bool has_begun = false;     // a snapshot was begun on it
 };
 
 inline sqlite_store& sqlite_of(store* base) {
   return *static_cast<sqlite_store*>(base);
 }
 
-// The text of a row's column; null for NULL alone: want of memory is no NULL, but std::bad_alloc.
+// The text of a row's column; null only for NULL. Throws std::bad_alloc where memory ran out.
 const char* sqlite_text(sqlite3_stmt* row, int column);
 
-// A prepared statement in use: made at its first use, ready for the next when this goes.
+// A prepared statement while it is used. Prepared at its first use; the destructor resets it for
+// the next.
 class sqlite_use {
  public:
   sqlite_use(sqlite_store& store, int which);  // a query or a statement
@@ -72,7 +74,7 @@ class sqlite_use {
   int step();
   // Runs a statement that gives no rows.
   bool run(problem& why);
-  // The same for one that must write so many rows.
+  // The same for a statement that must write exactly `rows` rows.
   bool write(int64_t rows, problem& why);
 
   int count() const { return sqlite3_column_count(statement_); }
@@ -87,19 +89,20 @@ class sqlite_use {
   int result_ = SQLITE_OK;
 };
 
-// Says what the engine's result code means; gives false. The one place that does.
+// Turns the engine's result code into a problem; gives false. The only place that does.
 bool sqlite_failed(const sqlite_store& store, int result, problem& why);
 
-// Says that rows which were written are not there; gives false.
+// The problem that a statement wrote fewer rows than it should, as a
+// trigger can cause; gives false.
 bool sqlite_swallowed(const sqlite_store& store, problem& why);
 
-// Waits for whoever is in the way, longer with each try; 0 when the connection's time is used up.
+// The busy handler: waits, longer with each try; gives 0 when milliseconds_left is used up.
 int sqlite_wait(void* store, int tries);
 
 // Runs SQL text that gives no rows.
 bool sqlite_run(sqlite_store& store, const char* sql, problem& why);
 
-// Calls that sqlite_calls.cpp puts into the record.
+// The calls of the store's record (SQLITE_CALLS, in open.cpp) that other files define.
 bool sqlite_databases(store*, visitor<database_row>, problem&);
 bool sqlite_fields(store*, int64_t, const choice&, visitor<field_row>, problem&);
 bool sqlite_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);

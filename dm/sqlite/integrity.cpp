@@ -27,7 +27,7 @@ static std::string column(sqlite3_stmt* statement, int number) {
   return text != nullptr ? text : "";
 }
 
-// What tables, guards and views are made of, by kind and name.
+// The SQL of each table, index, trigger and view; the key is its kind and name.
 using schema = std::map<std::string, std::string>;
 
 static bool read_schema(sqlite_store& store, schema& found, problem& why) {
@@ -44,7 +44,7 @@ static bool make_schema(schema& expected, problem& why) {
          sqlite_run(fresh, DICTIONARY_SCHEMA, why) && read_schema(fresh, expected, why);
 }
 
-// Further tables and views are their owner's; a trigger or an index would work on ours.
+// Tables and views that an administrator added do no harm. A trigger or an index could act on ours.
 static bool is_harmless(const std::string& kind_and_name) {
   return kind_and_name.rfind("table ", 0) == 0 || kind_and_name.rfind("view ", 0) == 0;
 }
@@ -67,8 +67,8 @@ static bool check_schema(sqlite_store& store, visitor<std::string_view> visitor,
   return true;
 }
 
-// Each gives a sentence for a row that does not hold what such a row holds. Numbers are read as 32
-// bits, texts up to a NUL byte.
+// Each query gives a sentence for every row with a value that this program cannot use or would
+// misread: it reads numbers as 32 bits, and texts up to a NUL byte.
 static constexpr const char* ROW_TESTS[] = {
     "SELECT 'Database ' || quote(number) || ' has no number of the form N.N.N.N.' FROM dd_databases"
     " WHERE number NOT GLOB '[0-9]*.[0-9]*.[0-9]*.[0-9]*' OR number GLOB '*[^0-9.]*'",

@@ -12,7 +12,7 @@
 
 namespace dm {
 
-// A file that has no name yet, or (where the file system knows no such thing) a passing one.
+// A file without a name (O_TMPFILE), or with a temporary one where the file system cannot do that.
 struct nameless_file {
   explicit nameless_file(const std::string& folder) : fd(open_in(folder)) {
     if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT)) return;
@@ -39,12 +39,12 @@ struct nameless_file {
       const std::string own = "/proc/self/fd/" + std::to_string(fd);
       return linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
     }
-    // Renamed, so that it never has two names: whoever is killed between a second name and the end
-    // of the first leaves a dictionary that loses what is written under one of them.
+    // Renames instead of linking and unlinking: a process killed in between would leave a file with
+    // two names, and changes written under one of them would be lost.
     const bool renamed =
         renameat2(AT_FDCWD, passing_name.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0;
     if (renamed) forget();
-    // Network file systems know no such rename. Two names left there are refused at opening.
+    // Network file systems cannot rename so. If two names are left there, opening refuses the file.
     return renamed || (errno == EINVAL && link(passing_name.c_str(), path.c_str()) == 0);
   }
 
@@ -74,7 +74,7 @@ static bool write_all(int fd, std::string_view bytes) {
   return true;
 }
 
-// The folder's entry, too, must be on the disk.
+// Syncs the folder too: the file's name must be on the disk.
 static bool sync_folder(const std::string& folder) {
   const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return false;

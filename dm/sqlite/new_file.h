@@ -1,4 +1,4 @@
-// A file that appears whole or not at all.
+// Making a file that appears complete or not at all.
 #ifndef DM_SQLITE_NEW_FILE_H
 #define DM_SQLITE_NEW_FILE_H
 
@@ -14,7 +14,7 @@ namespace dm {
 // between, leaves nothing.
 bool make_file(const std::string& path, std::string_view bytes, problem& why);
 
-// Says why such a file cannot be made, by an errno; gives false.
+// The problem that a file cannot be made, from an errno; gives false.
 bool cannot_make(const std::string& path, int error, problem& why);
 
 }  // namespace dm

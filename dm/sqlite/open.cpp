@@ -44,15 +44,16 @@ static int read_number(sqlite_store& store, const char* pragma, int& number) {
   return result == SQLITE_ROW ? SQLITE_OK : result;
 }
 
-// Who may not write beside the file cannot make what the engine keeps there, and meets it half made
-// or half gone while writers come and go. That passes.
+// Whether an error will pass. A user who may not write in the folder cannot make the engine's files
+// there; while writers come and go these may be missing or incomplete for a moment.
 static bool is_passing(const sqlite_store& store, int result) {
   const int kind = result & 0xff;
   return store.is_onlooker && (kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY ||
                                kind == SQLITE_BUSY || kind == SQLITE_PROTOCOL);
 }
 
-// Nothing was to be written: what the engine could not make is no refusal to write.
+// The problem of a read. The engine's "read-only" then means that it could not make its files
+// beside the dictionary; nobody asked to write.
 static bool cannot_read(const sqlite_store& store, int result, problem& why) {
   return sqlite_failed(store, (result & 0xff) == SQLITE_READONLY ? SQLITE_CANTOPEN : result, why);
 }
@@ -60,7 +61,7 @@ static bool cannot_read(const sqlite_store& store, int result, problem& why) {
 static void prepare(sqlite_store& store) {
   sqlite3_busy_handler(store.db, sqlite_wait, &store);
   sqlite3_db_config(store.db, SQLITE_DBCONFIG_ENABLE_FKEY, 1, nullptr);
-  // Whoever made the file, its views and triggers do nothing beyond it.
+  // Views and triggers may come from somebody else: they must not reach beyond this file.
   sqlite3_db_config(store.db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(store.db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
 }
@@ -73,7 +74,7 @@ static int open_engine(sqlite_store& store, const char* name) {
   return result;
 }
 
-// The file's marks: what the engine reads first.
+// Reads application id and schema version; with that the engine opens the file for the first time.
 static int read_marks(sqlite_store& store, int& mark) {
   const int result = read_number(store, "PRAGMA application_id", mark);
   return result == SQLITE_OK ? read_number(store, "PRAGMA user_version", store.version) : result;
@@ -85,7 +86,8 @@ static int connect(sqlite_store& store, int& mark) {
   return result == SQLITE_OK ? read_marks(store, mark) : result;
 }
 
-// Where nobody is writing, and the engine finds no place for what it keeps beside the file.
+// Opens a copy in memory instead of the file. False where somebody may be
+// writing: try the file again.
 static bool connect_to_copy(sqlite_store& store, int& mark, int& result) {
   sqlite_bytes bytes;
   if (!read_at_rest(store, bytes)) return false;
@@ -126,11 +128,11 @@ static void sqlite_rollback(store* base) {
   sqlite3_exec(sqlite_of(base).db, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
-// Begins, and takes the snapshot at once: what is read from then on does not meet a writer.
+// Begins a transaction and reads at once, because the engine takes its snapshot at the first read.
 static bool begin_read(sqlite_store& store, problem& why) {
   // A copy is one snapshot; the next begins with what the file holds now.
   if (store.is_copy && store.has_begun && !open_place(store, why)) {
-    store.is_copy = true;  // tried again by the next, and still no store to write to
+    store.is_copy = true;  // so that the next transaction tries again, and none may write
     return false;
   }
   store.has_begun = true;
@@ -149,10 +151,10 @@ static bool begin_read(sqlite_store& store, problem& why) {
 static bool sqlite_begin(store* base, bool write, problem& why) {
   sqlite_store& store = sqlite_of(base);
   if (!write) return begin_read(store, why);
-  // The engine itself would begin, and fail at the first row only.
+  // Refused here because the engine would begin the transaction and fail at the first row only.
   if (!sqlite_writeable(base)) return sqlite_failed(store, SQLITE_READONLY, why);
-  // The indexes of a large dictionary stay in memory while it is written: 16 MB. So does what
-  // undoes a statement of many rows, which would ask for a folder of temporary files.
+  // A cache of 16 MB keeps the indexes of a large dictionary in memory. The journal of a statement
+  // of many rows stays in memory too: else the engine would need a folder for temporary files.
   return sqlite_run(store,
                     "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
                     "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",

@@ -2,9 +2,9 @@
 
 namespace dm {
 
-// Fields lie in the order of their numbers, in which a fetch of all gives them; classes by row id,
-// because their rows are large, with a small index in the order of their names. The views are for
-// people: the place of an entry is its path in the definition, NULL stands for the class itself.
+// dd_fields is stored in the order of numbers, because a fetch of all fields reads it so.
+// dd_classes is stored by row id with an index by name, because its rows are large. The views are
+// for people: `place` is the path of an entry in the definition; NULL means the class itself.
 const char DICTIONARY_SCHEMA[] = R"sql(
 CREATE TABLE dd_databases (
   id INTEGER PRIMARY KEY,

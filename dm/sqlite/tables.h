@@ -4,9 +4,11 @@
 
 namespace dm {
 
-// The schema version is kept in the file as its user version.
-// Marks a file as a dictionary; kept in the file as its application id ("TAVD").
+// Marks a file as a dictionary: its application id, the letters "TAVD".
 inline constexpr int DICTIONARY_MARK = 0x54415644;
+
+// SQL that makes all tables and views. The schema's version (SCHEMA_VERSION in dm/schema.h) is kept
+// in the file as its user version.
 
 extern const char DICTIONARY_SCHEMA[];
 

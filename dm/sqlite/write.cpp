@@ -24,8 +24,8 @@ bool sqlite_set_description(store* base, int64_t database, const field_row& row,
   return use.write(1, why);
 }
 
-// Deletes the row of that key. One that is not there (a list names it twice, a damaged dictionary
-// lacks it) is as good as deleted; one that stays is not.
+// Deletes the row of that key. A row that does not exist counts as deleted: a list may name it
+// twice, a damaged dictionary may lack it. A row that still exists afterwards is a failure.
 template <class Key>
 static bool delete_row(store* base, statement deletion, query look_up, int64_t database,
                        const Key& key, problem& why) {

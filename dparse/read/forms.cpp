@@ -40,7 +40,7 @@ int dparse_read_access(FILE* stream, dparse_element& element, const dparse_attri
   return dparse_store_text(element, row.field, text);
 }
 
-// choice := "=" ( keyword | '"text"' ) ";" ; a quoted text must fit as `fits` says.
+// choice := "=" ( keyword | '"text"' ) ";"  `fits` compares a quoted text with one of the list.
 template <class Fits>
 static const dparse_word* read_choice(FILE* stream, const dparse_attribute& row, Fits fits) {
   dparse_token token;
@@ -104,7 +104,7 @@ int dparse_read_number(FILE* stream, dparse_element& element, const dparse_attri
   return read_bare(stream, row, number) < 1 ? -1 : dparse_store_number(element, row.field, number);
 }
 
-// 0 changes nothing: an earlier length stays.
+// 0 stores nothing: a length that the entry was given before stays.
 int dparse_read_length(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   int32_t number;
   if (read_bare(stream, row, number) < 1) return -1;
@@ -119,7 +119,8 @@ static int compare_id(const dparse_element& definition, int32_t id, const char* 
   return dparse_fail(HERE, "Duplicate field %s in input with different id", name);
 }
 
-// A duplicate has its own last line and gives 0, so that the block adds none.
+// A duplicate with another number reports two lines and gives 0, so that
+// the block reports no third.
 int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attribute& row) {
   int32_t id;
   if (read_bare(stream, row, id) < 1 || id == 0) return -1;
@@ -130,7 +131,7 @@ int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attrib
   return 0;
 }
 
-// order := "=" word ";" ; the library knows what a decimal is.
+// order := "=" word ";"  tav_decimal decides whether the word is a decimal.
 int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   dparse_token token;
   if (dparse_expect_equals(stream) < 1) return -1;

@@ -12,11 +12,11 @@ bool dparseIsTopLevelClass(const char* class_name) {
 }
 
 static int write_class(dparse_exporting& to, dparse_outline& outline,
-                       const dparse_outline_class& of, tav_ebuf* ebuf) {
+                       const dparse_outline_class& storable, tav_ebuf* ebuf) {
   dparse_out& out = to.out;
-  const char* name = dd_required_text(of.element, TAV_FLD_NAME, at(ebuf, HERE));
+  const char* name = dd_required_text(storable.element, TAV_FLD_NAME, at(ebuf, HERE));
   dparse_values values;
-  dparse_get_values(values, of.element, to.in_class, ebuf);
+  dparse_get_values(values, storable.element, to.in_class, ebuf);
   if (dd_failed(*ebuf)) return dparse_export_list_failed(out, HERE, *ebuf);
 
   dparse_put(out, "\n");
@@ -26,19 +26,19 @@ static int write_class(dparse_exporting& to, dparse_outline& outline,
   dparse_put(out, to.side.class_tail);
   dparse_writing writing{out, name, 1, ebuf};
   dparse_write_values(writing, values, to.in_class);
-  if (dparse_write_entries(to, dparse_entries_of(outline, of), 1, outline.failure) < 1)
+  if (dparse_write_entries(to, dparse_entries_of(outline, storable), 1, outline.failure) < 1)
     return dparse_export_fail(out, HERE, to.side.failed);
   dparse_put(out, "}\n\n");
   return 1;
 }
 
 static int write_classes(dparse_exporting& to, dparse_outline& outline, tav_ebuf* ebuf) {
-  for (const dparse_outline_class& of : outline.classes) {
-    if (of.element == nullptr) {
+  for (const dparse_outline_class& storable : outline.classes) {
+    if (storable.element == nullptr) {
       *ebuf = outline.failure;
       return dparse_export_list_failed(to.out, HERE, *ebuf);
     }
-    if (write_class(to, outline, of, ebuf) < 1) return -1;
+    if (write_class(to, outline, storable, ebuf) < 1) return -1;
   }
   dd_clear(*ebuf);
   return 1;

@@ -20,7 +20,7 @@ static void write_implementation_entry(dparse_writing& writing, const dparse_pla
   const auto text = [&](uint32_t field) {
     size_t i = 0;
     while (place.rows[i]->field != field) ++i;
-    return static_cast<const char*>(values.of[i]);
+    return static_cast<const char*>(values.by_row[i]);
   };
   dparse_put_sql_names(writing.out, type_code, text(TAV_FLD_SQL_TABLE), text(TAV_FLD_SQL_STORAGE),
                        writing.indent);
@@ -46,21 +46,21 @@ static void write_banner(dparse_out& out, int depth) {
 }
 
 // All of an entry before its own entries.
-static int write_entry(dparse_exporting& to, dparse_outline_entry& of) {
+static int write_entry(dparse_exporting& to, dparse_outline_entry& entry) {
   tav_ebuf ebuf{};
   dparse_out& out = to.out;
-  const char* name = of.name != nullptr
-                         ? of.name
-                         : dd_required_text(of.entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
+  const char* name = entry.name != nullptr
+                         ? entry.name
+                         : dd_required_text(entry.entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
   dparse_values values;
-  dparse_get_values(values, of.entry, to.in_entry, &ebuf);
+  dparse_get_values(values, entry.entry, to.in_entry, &ebuf);
   if (dd_failed(ebuf)) return dparse_export_list_failed(out, HERE, ebuf);
-  if (of.type == DPARSE_TYPE_NOT_KNOWN) of.type = dparse_find_type(out, to.field_list, name);
-  if (of.type == DPARSE_TYPE_NOT_KNOWN) return unknown_type(out, name, ebuf);
-  dparse_put_tabs(out, of.depth);
-  if (dparse_put_head(out, of.type, name) < 1) return -1;
-  dparse_writing writing{out, name, of.depth + 1, &ebuf};
-  to.side.write_entry(writing, to.in_entry, values, of.type);
+  if (entry.type == DPARSE_TYPE_NOT_KNOWN) entry.type = dparse_find_type(out, to.field_list, name);
+  if (entry.type == DPARSE_TYPE_NOT_KNOWN) return unknown_type(out, name, ebuf);
+  dparse_put_tabs(out, entry.depth);
+  if (dparse_put_head(out, entry.type, name) < 1) return -1;
+  dparse_writing writing{out, name, entry.depth + 1, &ebuf};
+  to.side.write_entry(writing, to.in_entry, values, entry.type);
   return dd_failed(ebuf) ? dparse_export_list_failed(out, HERE, ebuf) : 1;
 }
 
@@ -80,16 +80,16 @@ static int fail_all(dparse_exporting& to, int levels) {
 int dparse_write_entries(dparse_exporting& to, std::span<dparse_outline_entry> entries, int depth,
                          const tav_ebuf& failure) {
   int open = depth - 1;  // the depth of the innermost entry that is open
-  for (dparse_outline_entry& of : entries) {
-    const bool is_first = of.depth > open;
-    close_entries(to.out, open, of.depth);
-    if (of.entry == nullptr) {
+  for (dparse_outline_entry& entry : entries) {
+    const bool is_first = entry.depth > open;
+    close_entries(to.out, open, entry.depth);
+    if (entry.entry == nullptr) {
       dparse_export_list_failed(to.out, HERE, failure);
-      return fail_all(to, of.depth - depth);
+      return fail_all(to, entry.depth - depth);
     }
-    if (is_first) write_banner(to.out, of.depth);
-    if (write_entry(to, of) < 1) return fail_all(to, of.depth - depth);
-    open = of.depth;
+    if (is_first) write_banner(to.out, entry.depth);
+    if (write_entry(to, entry) < 1) return fail_all(to, entry.depth - depth);
+    open = entry.depth;
   }
   close_entries(to.out, open, depth);
   return 1;

@@ -103,10 +103,10 @@ dparse_place::dparse_place(unsigned in) : context(in) {
 void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse_place& place,
                        tav_ebuf* ebuf) {
   for (size_t i = 0; i < place.count; ++i)
-    values.of[i] =
+    values.by_row[i] =
         tavi_flist_get(element, place.rows[i]->field, 0, place.optional[i], 0, at(ebuf, HERE));
   if (place.decimal == dparse_place::ROOM) return;
-  const void*& decimal = values.of[place.decimal];
+  const void*& decimal = values.by_row[place.decimal];
   decimal = dparse_or_zero(decimal, place.rows[place.decimal]->field, values.zero, ebuf);
 }
 
@@ -114,7 +114,7 @@ void dparse_write_values(dparse_writing& writing, const dparse_values& values,
                          const dparse_place& place) {
   for (size_t i = 0; i < place.count; ++i) {
     const dparse_attribute& row = *place.rows[i];
-    if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.of[i]);
+    if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.by_row[i]);
     if (dd_failed(*writing.ebuf)) return;
   }
 }

@@ -47,7 +47,7 @@ const void* dparse_or_zero(const void* value, uint32_t field, dd_decimal& zero, 
 // The values of an element's attributes, in the order of its place; borrowed, null where absent and
 // no decimal.
 struct dparse_values {
-  const void* of[dparse_place::ROOM];
+  const void* by_row[dparse_place::ROOM];
   dd_decimal zero;
 };
 

@@ -11,10 +11,10 @@
 #include "dparse/tokens.h"
 #include "dparse/write/writer.h"
 
-static constexpr size_t PIECE = 1 << 16;
-static constexpr size_t BLOCK = 1 << 12;  // streams buffer by this; whole ones they pass on
+static constexpr size_t PIECE = 1 << 16;  // bytes of the buffer at first
+static constexpr size_t BLOCK = 1 << 12;  // a stream passes on whole blocks without copying them
 
-// Hands over the first bytes and keeps the others.
+// Writes the first `size` bytes to the stream and moves the others to the front.
 static void hand_over(dparse_out& out, size_t size) {
   if (size == 0) return;
   if (out.stream != nullptr) std::fwrite(out.bytes.get(), 1, size, out.stream);
@@ -48,8 +48,8 @@ static void put_repeated(dparse_out& out, char c, int count) {
   out.next = std::fill_n(dparse_room(out, size), size, c);
 }
 
-// The texts that lines begin with are as long for every line, so that copying one is a few stores:
-// what is too many is written over.
+// Tabs and line starts are copied with a fixed size, which takes a few stores instead of a loop or
+// a call. `next` advances by the real size, so the surplus bytes are overwritten afterwards.
 
 void dparse_put_tabs(dparse_out& out, int count) {
   static constexpr char FEW[] = {'\t', '\t', '\t', '\t', '\t', '\t', '\t', '\t'};
@@ -65,7 +65,7 @@ struct line_start {
 };
 }  // namespace
 
-// "KEYWORD = " of each keyword.
+// "KEYWORD = " for each keyword, by token number.
 static constexpr auto LINE_STARTS = [] {
   std::array<line_start, DPARSE_TOKEN_NUMBERS> starts{};
 #define DPARSE_START_ROW(name, keyword, number) \
@@ -77,12 +77,12 @@ static constexpr auto LINE_STARTS = [] {
 }();
 
 void dparse_put_number(dparse_out& out, int32_t number) {
-  static constexpr size_t DIGITS = 16;  // and a sign
+  static constexpr size_t DIGITS = 16;  // more than the 10 digits and the sign of an int32_t
   char* at = dparse_room(out, DIGITS);
   out.next = std::to_chars(at, at + DIGITS, number).ptr;
 }
 
-// Tabs and newlines become two characters each.
+// Puts the text with tabs and newlines as \t and \n, two characters each.
 static void put_escaped(dparse_out& out, const char* text) {
   for (;;) {
     const std::string_view plain(text, std::strcspn(text, "\t\n"));

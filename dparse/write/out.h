@@ -1,7 +1,7 @@
-// The text on its way to the stream, and the pieces it is made of.
+// An output buffer before a stream, and the pieces of text that definitions are made of.
 //
-// Text is gathered and handed over in large pieces. Before anything is said on standard error it is
-// handed over, so that both keep their order where they end in one place.
+// Each call that prints to standard error flushes first, so that output and messages keep their
+// order where both go to the same file or terminal.
 #ifndef DPARSE_WRITE_OUT_H
 #define DPARSE_WRITE_OUT_H
 
@@ -16,24 +16,24 @@ struct dparse_out {
   explicit dparse_out(FILE* to) : stream(to) {}
   dparse_out(const dparse_out&) = delete;
   dparse_out& operator=(const dparse_out&) = delete;
-  ~dparse_out();  // hands over what is left
+  ~dparse_out();  // flushes
 
-  FILE* stream;                   // null: nothing is handed over
-  std::unique_ptr<char[]> bytes;  // none until something is put
+  FILE* stream;                   // null: the text is only gathered, for dparse_gathered
+  std::unique_ptr<char[]> bytes;  // the buffer; null until something is put
   char* next = nullptr;           // where the next byte goes
-  char* end = nullptr;
+  char* end = nullptr;            // of the buffer
 };
 
-// What was gathered and not handed over yet; valid until more is put.
+// What is in the buffer; valid until more is put.
 inline std::string_view dparse_gathered(const dparse_out& out) {
   return {out.bytes.get(), static_cast<size_t>(out.next - out.bytes.get())};
 }
-// Hands over what was gathered.
+// Writes the buffer to the stream and empties it.
 void dparse_flush(dparse_out& out);
 
-// Makes room for that many bytes behind what was gathered.
+// Makes room for `size` bytes at `next`, by writing to the stream or by a larger buffer.
 void dparse_make_room(dparse_out& out, size_t size);
-// Gives that room; who fills it moves `next`.
+// The same where there is no room yet; gives `next`. The caller writes there and advances `next`.
 inline char* dparse_room(dparse_out& out, size_t size) {
   if (static_cast<size_t>(out.end - out.next) < size) dparse_make_room(out, size);
   return out.next;
@@ -47,7 +47,7 @@ void dparse_put_tabs(dparse_out& out, int count);
 void dparse_put_number(dparse_out& out, int32_t number);
 void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1,
                        const char* text2);
-// A line "KEYWORD = value;" in two calls, with what the value is made of between them.
+// A line "KEYWORD = value;": begin_line puts "KEYWORD = ", the caller the value, end_line ";".
 void dparse_begin_line(dparse_out& out, int keyword, int indent);
 inline void dparse_end_line(dparse_out& out) {
   dparse_put(out, ";\n");
@@ -58,7 +58,7 @@ void dparse_put_quoted(dparse_out& out, int keyword, const char* value, int inde
 // --- Failing: each prints to standard error, logs, and gives -1 ----------------------------------
 // Prints a text that begins with "Error: ", and logs what follows that.
 int dparse_export_fail(dparse_out& out, dd_site site, const char* text);
-// Prints the one, logs the other.
+// Prints `text` and logs `record`.
 int dparse_export_fail_as(dparse_out& out, dd_site site, const char* text, const char* record);
 // A client-library call failed.
 int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf);

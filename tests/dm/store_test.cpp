@@ -58,19 +58,19 @@ TEST_F(store, that_is_locked_is_busy) {
 }
 
 TEST_F(store, that_cannot_be_written_can_be_read) {
-  const uid_t was = geteuid();
+  const uid_t own_user = geteuid();
   chmod(path.c_str(), 0444);
   chmod(folder.c_str(), 0555);
   {
     // Permissions do not apply to root.
-    if (was == 0) {
+    if (own_user == 0) {
       ASSERT_EQ(seteuid(65534), 0);
     }
     client reader(settings);
     EXPECT_EQ(reader.opened, "ok");
     EXPECT_EQ(reader.fields("TAV_FLD_LABEL\n"), "STRING TAV_FLD_LABEL 601 Label.\n");
     EXPECT_EQ(reader.set_classes("/n sql_table=t\n"), "WRITE_REFUSED");
-    EXPECT_EQ(seteuid(was), 0);
+    EXPECT_EQ(seteuid(own_user), 0);
     chmod(folder.c_str(), 0755);
     query("UPDATE dd_fields SET descr = 'New.' WHERE name = 'TAV_FLD_LABEL'");
     chmod(folder.c_str(), 0555);

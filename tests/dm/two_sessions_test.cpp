@@ -74,9 +74,9 @@ static std::string request(const admin& who, kind which, bool with_marked = true
   return text;
 }
 
-static std::string text_of(const world& of, kind which) {
+static std::string text_of(const world& shown, kind which) {
   std::string text;
-  for (const auto& [key, value] : of.items[which]) text += value.text;
+  for (const auto& [key, value] : shown.items[which]) text += value.text;
   return text;
 }
 

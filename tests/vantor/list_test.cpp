@@ -21,8 +21,8 @@ class List : public testing::Test {
 
   tav_flist_t* add(int32_t id) { return tav_flist_elem_add(list.get(), ITEMS, id, &ebuf); }
   void drop(int32_t id) { tavi_flist_drop(list.get(), ITEMS, id, &ebuf); }
-  tav_flist_t* element(tav_flist_t* of, int32_t id) {
-    return static_cast<tav_flist_t*>(tavi_flist_get(of, ITEMS, id, 1, 0, &ebuf));
+  tav_flist_t* element(tav_flist_t* parent, int32_t id) {
+    return static_cast<tav_flist_t*>(tavi_flist_get(parent, ITEMS, id, 1, 0, &ebuf));
   }
 };
 

@@ -51,7 +51,8 @@ void refuse_unopened(conf_file& conf, const std::string& why) {
   refuse_conf(conf, 0, why + ", or correct or unset the environment variable " + VARIABLE);
 }
 
-// Null with the file's error set. Without O_NONBLOCK a pipe would be waited for.
+// Opens the file; null when that fails, with the file's error set. O_NONBLOCK, because opening a
+// pipe would wait for a writer.
 file_owner open_conf(conf_file& conf) {
   const int fd = open(conf.path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   struct stat found;
@@ -82,7 +83,8 @@ std::string read_text(std::FILE* file, conf_file& conf) {
   return text;
 }
 
-// Whatever the entry is called: a misspelt one holds its password as well.
+// Refuses a file that others can read and that may hold a password. Looks at all entries, because a
+// misspelt one may hold it as well.
 void check_secrecy(std::FILE* file, conf_file& conf) {
   struct stat found;
   if (fstat(fileno(file), &found) == 0 && (found.st_mode & (S_IRGRP | S_IROTH)) == 0) return;

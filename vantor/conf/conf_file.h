@@ -1,4 +1,4 @@
-// tav.conf as it stands: where it is, what its entries are, and what is wrong with it.
+// The file tav.conf: its path, its entries, and what is wrong with it.
 #ifndef VANTOR_CONF_CONF_FILE_H
 #define VANTOR_CONF_CONF_FILE_H
 

@@ -11,16 +11,16 @@ namespace vantor {
 namespace {
 
 constexpr int LONGEST_LINE = 8192;      // bytes of inih's line buffer
-constexpr size_t LONGEST_SECTION = 49;  // longer names inih would cut
+constexpr size_t LONGEST_SECTION = 49;  // bytes; inih would cut longer names
 constexpr char BLANKS[] = " \t\r\v\f";
 
-// The text on its way through inih, line by line, so that the current line's number is known.
+// The text that inih reads. It is given line by line, so that the number of the line is known.
 struct reading {
   const std::string& text;
   conf_file& conf;
   size_t next = 0;
   int line = 0;
-  bool is_without_memory = false;  // told afterwards: no exception may pass through inih
+  bool is_without_memory = false;  // thrown afterwards: no exception may pass through inih
 };
 
 bool ok(const reading& r) {
@@ -38,7 +38,7 @@ std::string next_line(reading& r) {
   return start == std::string::npos ? "" : line.substr(start);
 }
 
-// What inih would pass over or cut in silence.
+// Refuses lines of which inih would ignore or cut a part without an error.
 const char* silent_fault(const std::string& line, int size) {
   if (line.size() + 2 > static_cast<size_t>(size)) return "the line is too long";
   if (line.find('\0') != std::string::npos) return "the line holds a NUL byte";
@@ -105,7 +105,7 @@ void parse_conf(const std::string& text, conf_file& conf) {
   ini_max_line = LONGEST_LINE;
   const int first_fault = ini_parse_stream(read_line, &r, take_entry, &r);
   ini_max_line = longest;
-  // inih gives -2 for want of memory of its own.
+  // inih gives -2 when it could not allocate memory.
   if (r.is_without_memory || first_fault == -2) throw std::bad_alloc();
   if (first_fault == 0 || (!ok(r) && first_fault >= r.line)) return;
   refuse_conf(conf, first_fault,

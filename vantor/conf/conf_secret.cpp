@@ -1,5 +1,5 @@
-// Whether the entry `dictionary` may hold a password. Texts that the server's client library would
-// refuse count as well: whoever made the slip wrote the password all the same.
+// Whether the entry `dictionary` may hold a password. This includes texts that the server's client
+// library would refuse: the password stands there nevertheless.
 #include <algorithm>
 #include <string>
 
@@ -23,7 +23,7 @@ char folded(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-// In lower case, and with %61 as a, also where that makes another such code.
+// In lower case and with %61 replaced by a, repeatedly: a result may form another such code.
 std::string decoded(std::string_view text) {
   static constexpr std::string_view HEX = "0123456789abcdef";
   std::string result;
@@ -40,8 +40,8 @@ std::string decoded(std::string_view text) {
   return result;
 }
 
-// Whether the word, which `before` ends and `after` begins beside, is a key with a password as its
-// value: "sslpassword = x", "password: x", "Pwd=x", "password x".
+// Whether the word is a key with a password as its value: "sslpassword = x", "password: x",
+// "Pwd=x", "password x". `before` and `after` are the text on both sides of the word.
 bool is_secret_key(std::string_view before, std::string_view word, std::string_view after) {
   if (word == "passfile" || (!holds(word, "pass") && !holds(word, "pwd"))) return false;
   const size_t next = after.find_first_not_of(BLANKS);
@@ -70,7 +70,8 @@ bool has_login(std::string_view text) {
   return at_sign != text.npos && text.find(':') < at_sign;
 }
 
-// "postgresql://user:password/database": what stands where a port belongs is none.
+// Whether something other than digits stands where the port belongs, as in
+// "postgresql://user:password/database".
 bool has_odd_port(std::string_view text) {
   if (!begins(text, "postgres")) return false;
   text.remove_prefix(std::min(text.find(':'), text.size()));
@@ -92,7 +93,8 @@ bool tav_text_holds_password(std::string_view dictionary) {
   const std::string text = decoded(dictionary);
   std::string_view where = text;
   if (begins(dictionary, FILE_PREFIX)) {
-    // A path may look like nearly anything; a server's address behind the prefix is a slip.
+    // A path may look like nearly anything, so only the address of a server behind the prefix (an
+    // administrator's slip) is examined further.
     where.remove_prefix(FILE_PREFIX.size());
     const std::string_view path =
         where.substr(std::min(where.find_first_not_of('/'), where.size()));

@@ -21,7 +21,7 @@ bool whole_number(const std::string& text, Number& number) {
   return error == std::errc() && stopped == end;
 }
 
-// Cuts the text up to the first of `separators` off; what stands behind them remains.
+// Takes the part before the first of `separators` off the text, and the separators after it.
 std::string cut(std::string& text, const char* separators) {
   const size_t end = text.find_first_of(separators);
   const std::string first = text.substr(0, end);

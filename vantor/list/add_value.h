@@ -1,5 +1,6 @@
-// The short way of setting a value: a number or a text that is new to a body of one segment, where
-// there is room for it. Nearly every value that a reader sets is one.
+// The fast path of setting a value. It handles an INT, ENUM, STRING or DECIMAL field whose guide
+// nibble is still 0, in a body that has one segment with room left. Nearly every value that the
+// reader of the language sets is such a one; set_value handles the others.
 #ifndef VANTOR_LIST_ADD_VALUE_H
 #define VANTOR_LIST_ADD_VALUE_H
 
@@ -7,7 +8,8 @@
 
 namespace vantor {
 
-// A slot for the field where the guide can lead to it, or null.
+// Appends a slot for the field, with `place` bytes for its value, and enters it in the guide. Null
+// where the guide nibble is in use, the body has a second segment, or there is no room.
 inline slot* new_slot(tav_node& node, uint32_t field, size_t place) {
   segment& run = node.first;
   const uint32_t index = run.count;
@@ -35,7 +37,7 @@ inline bool add_text(tav_node& node, uint32_t field, const void* value) {
   return fresh != nullptr;
 }
 
-// Says whether it copied the value in.
+// Copies the value in; false where the fast path does not apply and nothing was done.
 inline bool add_value(tav_node& node, uint32_t field, const void* value) {
   switch (DD_FIELD_ID_TYPE(field)) {
     case TAV_FLDT_INT:

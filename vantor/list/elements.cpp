@@ -9,8 +9,8 @@ namespace vantor {
 
 namespace {
 
-constexpr size_t FEW = 8;             // elements that are searched one by one
-constexpr uint32_t SPARE_HOLES = 32;  // holes that are left alone in any array
+constexpr size_t FEW = 8;             // up to 8 elements are searched one by one, without a table
+constexpr uint32_t SPARE_HOLES = 32;  // holes are closed when there are over 32 more than elements
 
 size_t slot_of(const element_array& array, int32_t id) {
   return dd_hash_number(id) & (array.table.size() - 1);
@@ -30,7 +30,8 @@ void build_table(element_array& array) {
   for (size_t i = 0; i < array.places.size(); ++i) enter(array, i);
 }
 
-// A full table is given up; the next search builds a larger one.
+// Enters the last element. A table that is half full is dropped; the next
+// search builds a larger one.
 void enter_last(element_array& array) {
   if (array.places.size() * 2 > array.table.size()) {
     array.table.clear();
@@ -56,18 +57,20 @@ element* find_one_by_one(element_array& array, int32_t id) {
   return nullptr;
 }
 
-// The place after the element with that sequence number, whether it is still there or not.
+// The place of the first element with a greater sequence number. An element of this very number
+// need not exist any more.
 size_t place_after(const element_array& array, uint32_t seq) {
   const auto& places = array.places;
   if (places.empty() || seq < places.front().seq) return 0;
-  const size_t guess = seq - places.front().seq;  // right as long as no hole was closed
+  const size_t guess = seq - places.front().seq;  // exact unless holes were closed
   if (guess < places.size() && places[guess].seq == seq) return guess + 1;
   const auto later = std::upper_bound(places.begin(), places.end(), seq,
                                       [](uint32_t s, const element& e) { return s < e.seq; });
   return static_cast<size_t>(later - places.begin());
 }
 
-// The first place from `start` on that is no hole, or the end. Shortens the way for the next time.
+// The first place from `start` on that is no hole, or the end. Makes every hole on the way skip
+// straight to it, so that later calls need fewer steps.
 size_t past_holes(std::vector<element>& places, size_t start) {
   size_t end = start;
   while (end < places.size() && places[end].node == nullptr) end += places[end].skip;

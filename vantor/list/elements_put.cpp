@@ -13,7 +13,7 @@ static element* find_element(tav_flist_t& list, uint32_t field, int32_t id) {
 }
 
 tav_flist_t* lend_element(tav_flist_t& list, uint32_t field, int32_t id) {
-  if (find_element(list, field, id) == nullptr) return nullptr;  // nothing to give, nothing to own
+  if (find_element(list, field, id) == nullptr) return nullptr;  // before anything is unshared
   element_array& array = own_elements(list, field);
   return hand_out(list, array, *find_id(array, id));
 }

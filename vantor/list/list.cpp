@@ -26,7 +26,7 @@ void take_value(tav_flist_t& list, uint32_t field, void* value) {
 }
 
 void set_elements(tav_flist_t& list, uint32_t field, int32_t id, const tav_flist_t& value) {
-  share_node(*value.node);  // first: the list may be the value itself, or stand below it
+  share_node(*value.node);  // first, because the list may be the value itself, or stand below it
   std::unique_ptr<tav_node, reap_node> content(value.node);
   element_array& array = need_elements(list, field);
   place_content(array, id, content.release());
@@ -59,7 +59,7 @@ tav_flist_t* tav_flist_create(tav_ebuf* ebuf) {
   return guarded<tav_flist_t*>({ebuf}, [] { return new_handle(*new_node()); });
 }
 
-// Frees whatever the buffer holds, or the list would be lost.
+// Frees the list even if the buffer holds an error: else the list would leak.
 void tav_flist_destroy(tav_flist_t* list, tav_ebuf* ebuf) {
   if (list == nullptr) return;
   if (list->array != nullptr) {  // borrowed: it belongs to the list that it stands in
@@ -82,8 +82,8 @@ tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
   });
 }
 
-// What is not the value of a field where the guide leads. Kept apart so that the short way needs no
-// stack.
+// The slow path of tavi_flist_get: elements, fields that must be searched, and all errors. A
+// function of its own so that the fast path needs no stack frame.
 [[gnu::noinline]] static void* get_other(tav_flist_t* list, uint32_t field, int32_t elem_id,
                                          int32_t optional, tav_ebuf* ebuf) {
   const request about{ebuf, field, elem_id};
@@ -102,7 +102,7 @@ tav_flist_t* tav_flist_copy(const tav_flist_t* list, tav_ebuf* ebuf) {
 
 void* tavi_flist_get(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t optional, int32_t,
                      tav_ebuf* ebuf) {
-  if (list != nullptr && !has_failed(ebuf)) {  // the call that is made most: the short way first
+  if (list != nullptr && !has_failed(ebuf)) {  // the fast path: no call is made more often
     const holding held = holding_of(field);
     const unsigned at = guided(*list->node, field);
     if (is_value(held) && at != ANYWHERE) {
@@ -114,7 +114,7 @@ void* tavi_flist_get(tav_flist_t* list, uint32_t field, int32_t elem_id, int32_t
   return get_other(list, field, elem_id, optional, ebuf);
 }
 
-// What is not added the short way.
+// The slow path of tavi_flist_set.
 [[gnu::noinline]] static void set_other(tav_flist_t* list, uint32_t field, int32_t elem_id,
                                         const void* value, tav_ebuf* ebuf) {
   const request about{ebuf, field, elem_id};
@@ -176,7 +176,7 @@ void tavi_client_put_cleanup(void* value, uint32_t field, int32_t) {
     case TAV_FLDT_ARRAY:
     case TAV_FLDT_SUBSTRUCT:
       return tav_flist_destroy(static_cast<tav_flist_t*>(value), nullptr);
-    default:  // numbers and texts, which tav_conf gives
+    default:  // numbers and texts: tav_conf allocates them with malloc
       std::free(value);
   }
 }

@@ -7,7 +7,8 @@ const tav_node* tav_node_of(const tav_flist_t* list) {
   return list != nullptr ? list->node : nullptr;
 }
 
-// Reading changes nothing that a reader could see, but the interface's internals are not const.
+// Reading changes nothing that a reader could see. The const_casts are there because the functions
+// of node.h take bodies that are not const.
 static element_array* elements_of(const tav_node* node, uint32_t array) {
   if (node == nullptr || holding_of(array) != holding::ELEMENTS) return nullptr;
   return find_elements(const_cast<tav_node&>(*node), array);
@@ -22,7 +23,7 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
   while (place < places.size() && places[place].node == nullptr) place += places[place].skip;
   *position = static_cast<uint32_t>(place < places.size() ? place + 1 : place);
   if (place >= places.size()) return nullptr;
-  expect(*elements, place + AHEAD);
+  prefetch(*elements, place + AHEAD);
   if (elem_id != nullptr) *elem_id = places[place].id;
   return places[place].node;
 }

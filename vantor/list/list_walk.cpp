@@ -17,14 +17,14 @@ tav_cookie_t* cookie_of(uint32_t seq) {
   return reinterpret_cast<tav_cookie_t*>(uintptr_t{seq});
 }
 
-// Why the call cannot work on the field, or TAV_ERR_NONE.
+// The error code for a call that cannot work on the field, or TAV_ERR_NONE.
 int32_t refusal(const tav_flist_t* list, uint32_t array) {
   if (list == nullptr) return TAV_ERR_BAD_ARG;
   return DD_FIELD_ID_TYPE(array) == TAV_FLDT_ARRAY ? TAV_ERR_NONE : TAV_ERR_WRONG_TYPE;
 }
 
-// The next element in a walk that goes on where the last one stood, if the list has handed it out
-// before; or null.
+// The fast path of a step: the next element, if the last walk stopped before it and this list has
+// handed it out already; else null.
 const element* next_handed_out(tav_flist_t& list, uint32_t field, uint32_t seq) {
   if (DD_FIELD_ID_TYPE(field) != TAV_FLDT_ARRAY) return nullptr;
   element_array* array = find_elements(*list.node, field);
@@ -33,8 +33,8 @@ const element* next_handed_out(tav_flist_t& list, uint32_t field, uint32_t seq) 
   return next != nullptr && next->handle != nullptr ? next : nullptr;
 }
 
-// What a step makes of the next element. An element that the list has handed out before can be
-// given again as it is.
+// What tav_flist_elem_get_next does with the next element: hands it out. One that this list has
+// handed out before needs no unsharing.
 tav_flist_t* give(tav_flist_t& list, uint32_t field, const element_array& array,
                   const element& next) {
   if (next.handle != nullptr && array.home == &list) return next.handle;
@@ -43,6 +43,7 @@ tav_flist_t* give(tav_flist_t& list, uint32_t field, const element_array& array,
   return hand_out(list, own, at_seq(own, seq));
 }
 
+// What tav_flist_elem_take_next does with it: makes it a root of its own.
 tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const element& next) {
   const uint32_t seq = next.seq;
   element_array& own = own_elements(list, field);
@@ -53,7 +54,7 @@ tav_flist_t* take(tav_flist_t& list, uint32_t field, const element_array&, const
   return taken;
 }
 
-// One step of a walk: `use` makes of the next element what the caller gets.
+// One step of a walk, the slow path: `use` (give or take) turns the next element into the result.
 template <class Use>
 [[gnu::noinline]] tav_flist_t* step(tav_flist_t* list, uint32_t field, int32_t* elem_id,
                                     tav_cookie_t** cookie, tav_ebuf* ebuf, Use use) {
@@ -91,13 +92,13 @@ tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem
     element_array& elements = need_elements(*list, array);
     element& e = place_content(
         elements, elem_id, count > 0 ? new_filled_node(values, count) : new_element_node(elements));
-    return hand_out(*list, elements, e);  // its handle lives in the new body: nothing can fail
+    return hand_out(*list, elements, e);  // cannot throw: the new body has its `housed` handle free
   });
 }
 
 tav_flist_t* tav_flist_elem_get_next(tav_flist_t* list, uint32_t array, int32_t* elem_id, int32_t,
                                      tav_cookie_t** cookie, int32_t, tav_ebuf* ebuf) {
-  if (list != nullptr && cookie != nullptr && !has_failed(ebuf)) {  // the short way first
+  if (list != nullptr && cookie != nullptr && !has_failed(ebuf)) {  // the fast path
     if (const element* next = next_handed_out(*list, array, seq_of(*cookie))) {
       if (elem_id != nullptr) *elem_id = next->id;
       *cookie = cookie_of(next->seq);

@@ -10,10 +10,10 @@ namespace vantor {
 
 namespace {
 
-constexpr size_t FURTHER_ROOM = 48;  // for slots and values of the first segment that is added
-constexpr size_t LARGEST_FURTHER = 4096;
+constexpr size_t FURTHER_ROOM = 48;       // bytes for slots and values in the second segment
+constexpr size_t LARGEST_FURTHER = 4096;  // the same in the largest segment
 
-// The place that a value of that size takes beside the slot.
+// How many bytes of place a value of that size needs: none for an INT, a pointer's for a boxed one.
 size_t place_for(uint32_t field, size_t size) {
   if (holding_of(field) == holding::INT) return 0;
   return size <= LARGEST_INSIDE ? rounded(size) : PLACE;
@@ -28,7 +28,7 @@ segment* new_segment(size_t room) {
   return new (::operator new(end)) segment{nullptr, 0, end};
 }
 
-// The size of a slot's place; a free one keeps it there.
+// How many bytes of place the slot has. A free slot keeps that number in the place itself.
 size_t place_of(slot& s) {
   if (s.is_free()) return s.distance != 0 ? *static_cast<uint32_t*>(s.place()) : 0;
   if (s.is_boxed() || s.has_elements()) return PLACE;
@@ -44,7 +44,8 @@ void make_free(slot& s, size_t place) {
   }
 }
 
-// Another field stands or stood in the same place of the guide.
+// The field's nibble is in use. It gets `at` where its former field is gone, and ANYWHERE where two
+// fields now have that hash.
 [[gnu::noinline]] void share_guide_place(tav_node& node, uint32_t field, unsigned at) {
   const unsigned place = guide_place(field);
   const unsigned before = guided(node, field);
@@ -54,13 +55,13 @@ void make_free(slot& s, size_t place) {
   node.guide = (node.guide & ~(uint64_t{15} << place)) | uint64_t{at} << place;
 }
 
-// Leaves word in the guide of where the field comes to stand.
+// Enters the field in the guide; `at` is what guide_of says of its slot.
 inline void guide_to(tav_node& node, uint32_t field, unsigned at) {
   if (guided(node, field) != 0) return share_guide_place(node, field, at);
   node.guide |= uint64_t{at} << guide_place(field);
 }
 
-// What the guide says of a slot of that segment.
+// The nibble that means that slot of that segment; ANYWHERE for slots beyond what it can say.
 inline unsigned guide_of(const tav_node& node, const segment& run, size_t index) {
   const bool is_first = &run == &node.first;
   const size_t at = is_first ? index + 1 : index + FURTHER;
@@ -68,7 +69,7 @@ inline unsigned guide_of(const tav_node& node, const segment& run, size_t index)
   return is_told ? static_cast<unsigned>(at) : ANYWHERE;
 }
 
-// Twice the room of the one before, so that bodies with many fields have few segments.
+// Adds a segment of 48, 96, ... 4096 bytes, so that bodies with many fields have few segments.
 [[gnu::noinline]] segment& add_segment(tav_node& node, size_t needed) {
   size_t room = FURTHER_ROOM;
   segment* last = &node.first;
@@ -76,7 +77,7 @@ inline unsigned guide_of(const tav_node& node, const segment& run, size_t index)
   return *(last->next = new_segment(std::max(room, needed)));
 }
 
-// The segment with room for one more slot with a place of that size.
+// The last segment, or a new one where it lacks room for one more slot with a place of that size.
 inline segment& segment_with_room(tav_node& node, size_t place) {
   segment* last = &node.first;
   while (last->next != nullptr) last = last->next;
@@ -84,7 +85,7 @@ inline segment& segment_with_room(tav_node& node, size_t place) {
   return last->room() >= needed ? *last : add_segment(node, needed);
 }
 
-// A slot for the field with a place of that size, which whoever calls fills.
+// Adds a slot for the field, with a place of that size. The caller must set its tag and value.
 inline slot& append(tav_node& node, uint32_t field, size_t place) {
   segment& run = segment_with_room(node, place);
   const uint32_t index = run.count++;
@@ -125,14 +126,15 @@ void fill(slot& s, uint32_t field, const void* value, size_t size) {
   if (old != nullptr) release_box(old);
 }
 
-// Whether a free slot can take a value that needs such a place: inside or, for lack of room, boxed.
-// One that needs none would lose the place, and is not given it.
+// Whether a free slot can be used for a value that needs `place` bytes. A place of 8 or more will
+// do, for a larger value as the pointer to its box. An INT needs no place and gets a slot without:
+// its number would overwrite the distance, and the place would be lost.
 bool can_take(slot& s, size_t place) {
   const size_t has = place_of(s);
   return place == 0 ? has == 0 : has >= PLACE;
 }
 
-// A slot that was left and can take the value, with what the guide says of it; or null.
+// A free slot that can be used for such a value, and the nibble that means it; null: none.
 slot* find_left(tav_node& node, size_t place, unsigned& at) {
   for (segment* run = &node.first; run != nullptr; run = run->next) {
     for (size_t i = 0; i < run->count; ++i) {
@@ -145,9 +147,9 @@ slot* find_left(tav_node& node, size_t place, unsigned& at) {
   return nullptr;
 }
 
-// A free slot for a field that is not there.
+// A free slot for a field that is absent.
 slot& slot_for_new(tav_node& node, uint32_t field, size_t place) {
-  if (guided(node, field) != 0) {  // something stood or stands in its place of the guide
+  if (guided(node, field) != 0) {  // a field of this hash was added, and may have left a slot
     unsigned at = ANYWHERE;
     if (slot* s = find_left(node, place, at)) {
       guide_to(node, field, at);
@@ -173,7 +175,8 @@ void fill_inside(slot& s, uint32_t field, const void* value, size_t size) noexce
   s.tag = field;
 }
 
-// Fills a slot of another body with what `from`, a slot of `body`, holds.
+// Fills `to`, a slot of another body, from `from`, a slot of `body`. An element array or a box is
+// shared, a value that was lent gets a box, any other value is copied.
 void share_slot(tav_node& body, slot& from, slot& to) {
   const uint32_t field = from.field();
   if (from.has_elements()) {
@@ -200,7 +203,7 @@ tav_node* new_node(size_t room) {
 }
 
 tav_node* clone(tav_node& from) {
-  size_t room = sizeof(slot) + PLACE;  // for the field that is likely to come
+  size_t room = sizeof(slot) + PLACE;  // for one more field: bodies are cloned to be written to
   each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
   std::unique_ptr<tav_node, reap_node> made(new_node(room));
   each_slot(from,
@@ -217,7 +220,7 @@ slot* search_slot(tav_node& node, uint32_t field) {
   return nullptr;
 }
 
-// A value that is there, too large, or of a field that shares its place in the guide.
+// The slow path: the field has a value already, its nibble is in use, or the value is too large.
 [[gnu::noinline]] static void set_other(tav_node& node, uint32_t field, const void* value,
                                         size_t size) {
   slot* s = find_slot(node, field);
@@ -253,7 +256,8 @@ tav_node* new_filled_node(const tav_value* values, size_t count) {
   return node.release();
 }
 
-// As much as the first element took and a little more, and more again whenever one outgrew it.
+// The first element gets FIRST_ROOM; the second what the first took and 24 bytes more; later ones
+// the same as the one before, and 64 more whenever that one needed a second segment.
 static uint32_t room_after(const element_array& array) {
   constexpr size_t SPARE = 24;
   constexpr uint32_t MORE = 64;

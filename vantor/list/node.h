@@ -1,11 +1,6 @@
-// The body of a list or an element: its fields. Any number of handles and elements share a body
-// until one of them writes to it or hands out an element of it.
-//
-// A body is one block with its values in it, followed by further segments where it grows: slots
-// from the front, values from the back. Neither ever moves, so a borrowed pointer stays valid as
-// long as the body does. When a list gets a body of its own, values that were lent stay where they
-// are: the new body refers to them by boxes, and a body whose values are boxed is never written to
-// again.
+// The body of a list or an element: its fields, as slots in segments. A drawing of bodies,
+// handles, arrays and boxes, their invariants and what is shared when:
+// docs/architecture.md, "Inside a list".
 #ifndef VANTOR_LIST_NODE_H
 #define VANTOR_LIST_NODE_H
 
@@ -15,23 +10,22 @@
 #include "vantor/list/elements.h"
 #include "vantor/list/value.h"
 
-// What callers hold of a list or of an element that was handed out. Bodies may be shared, handles
-// never are. A handle leads to its parent through the array that it stands in, so that a write can
-// first make sure that the whole way down from the root is its own.
+// The handle: what callers hold of a list, or of an element that was handed out. Never shared.
 struct tav_flist {
-  tav_node* node;
-  vantor::element_array* array;  // where it is an element; null: a list of its own
-  uint32_t seq;                  // its element in there
-  bool is_housed;                // it stands in a body, not necessarily the one that it shows
+  tav_node* node;                // its body
+  vantor::element_array* array;  // that it is an element of; null: a root. Leads to the parent
+  uint32_t seq;                  // its element's sequence number in that array
+  bool is_housed;                // memory: in the `housed` member of some body, not on the heap
 };
 
 namespace vantor {
 
-// A value that a slot refers to: one that another body lent and is kept for, or one that does not
-// fit into the slot's place, which then follows the box.
+// A value outside the slot's place, counted by the slots that refer to it. Either the value stands
+// in another body, which lent it to a caller and is kept for that, or it did not fit into the
+// slot's place and stands in memory right behind the box.
 struct box {
   uint32_t refs;
-  tav_node* body;  // null where the value follows
+  tav_node* body;  // that holds the value; null: the value stands behind the box
   void* value;
 };
 
@@ -40,10 +34,10 @@ struct slot {
   static constexpr uint32_t BOXED = 1u << 30;  // what stands here is a box
   static constexpr uint32_t FIELD = BOXED - 1;
 
-  uint32_t tag;  // the field and marks; 0: free
+  uint32_t tag;  // field identifier and the two marks; 0: free
   union {
-    int32_t number;     // an INT or ENUM that is not boxed
-    uint32_t distance;  // from here to the place of anything else; 0 for a free slot without one
+    int32_t number;     // the value of an INT or ENUM that is not boxed
+    uint32_t distance;  // otherwise: bytes from here to its place; 0: a free slot without a place
   };
 
   bool is_free() const { return tag == 0; }
@@ -60,16 +54,16 @@ static_assert(sizeof(slot) == 8);
 struct segment {
   segment* next;
   uint32_t count;  // slots, free ones included
-  uint32_t low;    // where the values begin, in bytes from the start of the segment
+  uint32_t low;    // bytes from the start of the segment to the lowest place in use
 
   slot* begin() { return reinterpret_cast<slot*>(this + 1); }
   slot* end() { return begin() + count; }
   size_t room() const { return low - sizeof(segment) - count * sizeof(slot); }
 };
 
-// What a value of that size takes beside its slot.
-constexpr size_t PLACE = 8;              // at least: a pointer fits in
-constexpr size_t LARGEST_INSIDE = 1024;  // larger values stand behind a box
+// The place of a value: the bytes that it takes in the segment beside its slot, a multiple of 8.
+constexpr size_t PLACE = 8;              // the smallest place: a pointer fits in
+constexpr size_t LARGEST_INSIDE = 1024;  // values of more bytes stand behind a box
 inline size_t rounded(size_t size) {
   return (size + PLACE - 1) / PLACE * PLACE;
 }
@@ -77,32 +71,35 @@ inline size_t rounded(size_t size) {
 }  // namespace vantor
 
 struct tav_node {
-  uint32_t owners;   // handles and elements; at 0 the fields are gone
-  uint32_t boxes;    // that refer to a value in here
-  uint64_t guide;    // where the fields stand, four bits for each guide_place
-  tav_flist housed;  // the handle that lives here; free while its node is null
+  uint32_t owners;   // root handles and elements that have this body; at 0 its fields are freed
+  uint32_t boxes;    // how many boxes refer to a value in here
+  uint64_t guide;    // 16 nibbles, one per hash of a field: the field's slot (see guided)
+  tav_flist housed;  // memory for one handle, which saves an allocation; unused: its node is null
   vantor::segment first;
 };
 
 namespace vantor {
 
-// Room for a field definition or an entry: with the body's head a block of 192 bytes.
+// Room for slots and values: what a field definition or an entry needs. With the head of the body
+// that makes a block of 192 bytes.
 constexpr size_t FIRST_ROOM = 192 - sizeof(tav_node);
 
 // A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
 tav_node* new_node(size_t room = FIRST_ROOM);
-// The same with these values in it, and room for no more.
+// A new body with these values in it, and room for no more.
 tav_node* new_filled_node(const tav_value* values, size_t count);
-// The same for the next element of an array, whose room follows what those before it came to need.
+// A new, empty body for the next element of an array, with as much room as
+// earlier ones came to need.
 tav_node* new_element_node(element_array& array);
-// A new body with one owner that shares everything below its own level. Throws std::bad_alloc.
+// A copy of the body, with one owner. Copies the values but shares the element arrays, and so all
+// levels below. Throws std::bad_alloc.
 tav_node* clone(tav_node& from);
 
-// How often anything became shared. What was found to be a list's own still is while this stays.
-// Atomic because other threads may use other lists.
+// Counts how often a body or an array became shared, in all lists of the process. While the count
+// stays, what was found unshared still is. Atomic because other threads may use other lists.
 inline std::atomic<uint64_t> sharings{1};
 
-// One more owner of the body, or user of the elements.
+// Adds an owner to the body (a user to the element array).
 inline void share_node(tav_node& node) {
   ++node.owners;
   sharings.fetch_add(1, std::memory_order_relaxed);
@@ -112,7 +109,7 @@ inline void share_elements(element_array& array) {
   sharings.fetch_add(1, std::memory_order_relaxed);
 }
 
-// Whether nobody else sees what is written to the body.
+// Whether the body is unshared: it has one owner, and no box refers to a value in it.
 inline bool is_own(const tav_node& node) {
   return node.owners == 1 && node.boxes == 0;
 }
@@ -127,12 +124,17 @@ void each_slot(tav_node& node, Call do_with) {
   }
 }
 
-// Fields share 16 places of the guide; those of definitions and of entries each have their own.
-// A place holds 0 for "none was ever put here", ANYWHERE, or where the only one is, if it is there:
-// one more than its slot in the first segment, or FURTHER more than its slot in the second.
+// The guide is a hint of 4 bits (a nibble) per hash of a field; 16 hashes. A nibble is
+//   0         no field of this hash was ever added to the body;
+//   1 to 9    a field of this hash, if there is one, is in slot 0 to 8 of the first segment;
+//   10 to 14  the same for slot 0 to 4 of the second segment;
+//   15        anywhere: search all slots.
+// The tag of the slot tells which field is there. All attributes of a field definition have
+// different hashes, and so have those that most entries have: name, type, length, order, the
+// permissions, the table, the entries below.
 constexpr unsigned FURTHER = 10;
 constexpr unsigned ANYWHERE = 15;
-inline unsigned guide_place(uint32_t field) {
+inline unsigned guide_place(uint32_t field) {  // the lowest bit of the field's nibble
   return (field + 3 * (field >> 24)) % 16 * 4;
 }
 inline unsigned guided(const tav_node& node, uint32_t field) {
@@ -142,9 +144,9 @@ inline slot& guided_slot(tav_node& node, unsigned at) {
   return at < FURTHER ? node.first.begin()[at - 1] : node.first.next->begin()[at - FURTHER];
 }
 
-slot* search_slot(tav_node& node, uint32_t field);  // everywhere
+slot* search_slot(tav_node& node, uint32_t field);  // looks at all slots
 
-// What the guide says where it does not say ANYWHERE.
+// The field's slot by a nibble other than ANYWHERE; null where the field is absent.
 inline slot* find_slot_at(tav_node& node, uint32_t field, unsigned at) {
   if (at == 0) return nullptr;
   slot& s = guided_slot(node, at);
@@ -170,20 +172,22 @@ inline void* value_of(slot& s) {
   return value_of(s, holding_of(s.field()));
 }
 
-// Copies the value in, over an earlier one. Throws std::bad_alloc, and nothing has changed.
+// Copies the value in, over an earlier one. When it throws std::bad_alloc nothing has changed.
 void set_value(tav_node& node, uint32_t field, const void* value);
-// The slot of a field that holds elements, free until they are entered. Throws std::bad_alloc.
+// The slot of an ARRAY or SUBSTRUCT field: the one it has, or a free one that enter_elements fills.
+// Throws std::bad_alloc.
 slot& slot_for_elements(tav_node& node, uint32_t field);
 void enter_elements(slot& s, uint32_t field, element_array* elements) noexcept;
-// Frees the slot and what it holds (elements are the caller's).
+// Frees the slot and its box, if any. An element array in it must have been released before.
 void clear_slot(slot& s) noexcept;
 void release_box(box* b) noexcept;
 
-// A handle that shows the body, which does not get another owner: in the body itself where nothing
-// lives there yet. Throws std::bad_alloc otherwise.
+// A handle of the body, whose owners are not counted up. It lies in the body's `housed` member
+// where that is unused, which cannot fail; else on the heap, which may throw std::bad_alloc.
 tav_flist_t* new_handle(tav_node& node);
 void free_handle(tav_flist_t* handle) noexcept;
-// Frees the memory of a body unless an owner, a box or a handle that lives there still needs it.
+// Frees the memory of a body unless it has an owner, or a box refers to it, or its `housed` handle
+// is in use.
 void free_unless_needed(tav_node* node) noexcept;
 
 }  // namespace vantor

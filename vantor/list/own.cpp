@@ -9,8 +9,9 @@ namespace vantor {
 
 namespace {
 
-// Looks upwards until the root or a place from where everything was own a moment ago, and leaves
-// word of that: writing far down costs no more than writing at the top.
+// Whether the list and all above it are unshared. Walks upwards to the root, or to the first array
+// whose owned_at equals `sharings`: nothing became shared since all above that array was found
+// unshared. If so, stamps the arrays that it passed, so that the next call stops at the first.
 bool is_own_way(const tav_flist_t& list) {
   const uint64_t now = sharings.load(std::memory_order_relaxed);
   const tav_flist_t* top = &list;
@@ -23,13 +24,13 @@ bool is_own_way(const tav_flist_t& list) {
   return true;
 }
 
-// The body of a list whose parents are its own already.
+// Unshares the list's body. All above the list must be unshared already.
 void own_node(tav_flist_t& list) {
   if (is_own(*list.node)) return;
   tav_node* shared = list.node;
   list.node = clone(*shared);
   if (list.array != nullptr) at_seq(*list.array, list.seq).node = list.node;
-  disown(shared, nullptr);  // the handles stay with the list
+  disown(shared, nullptr);  // null: the handles of the list's elements stay
 }
 
 void move_handles(element_array& from, element_array& to) noexcept {
@@ -56,7 +57,8 @@ element_array* copy_elements(const element_array& from) {
   return made.release();
 }
 
-// The elements in a slot of the list's own body.
+// Unshares the element array in a slot of the list's body, which is unshared already. Handles that
+// this list has handed out move to the copy.
 element_array& own_slot(tav_flist_t& list, slot& s) {
   element_array* shared = s.elements();
   if (shared->refs == 1) return *shared;
@@ -98,7 +100,7 @@ element_array& own_elements(tav_flist_t& list, uint32_t field) {
 
 element_array& need_elements(tav_flist_t& list, uint32_t field) {
   element_array* there = is_known_own(list) ? find_elements(*list.node, field) : nullptr;
-  if (there != nullptr && there->refs == 1) return *there;  // the short way
+  if (there != nullptr && there->refs == 1) return *there;  // the common case
   slot& s = slot_for_elements(own(list), field);
   if (s.is_free()) enter_elements(s, field, new element_array);
   return own_slot(list, s);

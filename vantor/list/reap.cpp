@@ -4,8 +4,8 @@ namespace vantor {
 
 namespace {
 
-// Arrays that wait to be taken apart, chained through themselves: nothing is allocated, and no
-// nesting is too deep.
+// Arrays that wait to be freed, as a stack linked through the arrays themselves: it needs no
+// memory, and no nesting is too deep.
 struct pile {
   element_array* top = nullptr;
 
@@ -20,6 +20,7 @@ struct pile {
   }
 };
 
+// Puts the arrays whose elements this handle has handed out on the pile.
 void collect_lent(tav_node& node, const tav_flist_t* handle, pile& lent) {
   each_slot(node, [&](slot& s) {
     if (!s.has_elements() || s.elements()->home != handle) return;
@@ -28,7 +29,8 @@ void collect_lent(tav_node& node, const tav_flist_t* handle, pile& lent) {
   });
 }
 
-// Frees all handles below a handle that goes while others keep its body.
+// Frees the handles of all elements in these arrays, and below them. The elements stay: other lists
+// share them.
 void free_handles(pile lent) {
   while (lent.top != nullptr) {
     for (element& e : lent.pop()->places) {

@@ -1,4 +1,4 @@
-// Taking lists apart, however deeply they are nested.
+// Freeing lists, however deeply they are nested: without recursion, without allocating.
 #ifndef VANTOR_LIST_REAP_H
 #define VANTOR_LIST_REAP_H
 
@@ -6,9 +6,9 @@
 
 namespace vantor {
 
-// Gives up one owner of a body, which may have been `handle` (null: an element without a handle).
-// With the last owner the fields go; the handle's own handles go in any case. The handle itself
-// stays.
+// Gives up one owner of a body, which `handle` showed (null: an element that was never handed out).
+// The last owner frees the fields. The handles of elements that `handle` handed out are freed in
+// any case; `handle` itself is not.
 void disown(tav_node* node, const tav_flist_t* handle) noexcept;
 
 struct reap_node {

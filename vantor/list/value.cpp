@@ -23,7 +23,7 @@ size_t further_size(uint32_t field, const void* value) {
 }
 
 void copy_buf(void* place, const tav_buf_t& from) {
-  const tav_buf_t buf = from;  // it may be what is overwritten
+  const tav_buf_t buf = from;  // a copy, because `from` may lie in the place that is overwritten
   auto* to = static_cast<tav_buf_t*>(place);
   auto* bytes = reinterpret_cast<unsigned char*>(to + 1);
   if (buf.size > 0) std::memmove(bytes, buf.data, buf.size);

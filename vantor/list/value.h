@@ -1,4 +1,4 @@
-// The values that a list holds: how they are laid out, in a list and on the heap alike.
+// The values that a list holds. They have the same layout inside a body and on the heap.
 #ifndef VANTOR_LIST_VALUE_H
 #define VANTOR_LIST_VALUE_H
 
@@ -23,10 +23,11 @@ struct tav_decimal_value {
 
 namespace vantor {
 
-// How a list holds a field of a type: INT and ENUM in the slot itself, other values beside it.
+// How a list holds a field of a type: INT in the slot itself, VALUE in the slot's place, ELEMENTS
+// as an element array; NONE cannot be held.
 enum class holding : uint8_t { NONE, INT, VALUE, ELEMENTS };
 
-inline constexpr size_t TYPES = 32;  // type codes, those that no type has included
+inline constexpr size_t TYPES = 32;  // type codes are below this; some have no type
 
 inline constexpr std::array<holding, TYPES> HOLDINGS = [] {
   std::array<holding, TYPES> table{};
@@ -55,7 +56,7 @@ inline bool is_buf(uint32_t field) {
   return type == TAV_FLDT_BUF || type == TAV_FLDT_BINSTR;
 }
 
-// Whether the value is a buffer with a size and no bytes.
+// Whether the value is a buffer that has a size but null as its bytes.
 inline bool is_malformed(uint32_t field, const void* value) {
   if (!is_buf(field)) return false;
   const auto* buf = static_cast<const tav_buf_t*>(value);
@@ -71,13 +72,13 @@ inline size_t value_size(uint32_t field, const void* value) {
 }
 
 void copy_buf(void* place, const tav_buf_t& from);
-// Copies a value of that size to a place (8-aligned), where it may stand already.
+// Copies a value of that size to an 8-aligned place; the two may overlap.
 inline void copy_value(uint32_t field, void* place, const void* value, size_t size) {
   if (is_buf(field)) return copy_buf(place, *static_cast<const tav_buf_t*>(value));
   std::memmove(place, value, size);
 }
 
-// On the heap, owned; freed with free_value. Throw std::bad_alloc.
+// New values on the heap, owned by the caller, freed with free_value. They throw std::bad_alloc.
 tav_poid_t* new_poid(uint64_t database, const char* type, int64_t id);
 tav_decimal_t* new_decimal(const char* text);
 inline void free_value(void* value) {

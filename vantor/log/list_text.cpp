@@ -68,7 +68,7 @@ void append_value(std::string& out, uint32_t field, const void* value) {
   }
 }
 
-// Where the text of one list stands: a field of it, and a place among that field's elements.
+// How far the text of one list has got: the slot, and the position among the slot's elements.
 struct place {
   tav_node* node;
   segment* run;
@@ -76,7 +76,7 @@ struct place {
   uint32_t element = 0;
 };
 
-// Begins a line; below the deepest indentation it tells the depth instead.
+// Begins a line. Below 40 levels it is not indented further but says the level.
 void begin_line(std::string& out, size_t depth, uint32_t field) {
   constexpr size_t DEEPEST = 40;
   out.append(INDENT * (depth < DEEPEST ? depth : DEEPEST), ' ');
@@ -88,7 +88,7 @@ void begin_line(std::string& out, size_t depth, uint32_t field) {
   out += tav_name_of_field(field);
 }
 
-// Begins an element and gives its content, or null when the field has no more.
+// Writes the line of the field's next element and gives that element; null when there is none.
 tav_node* next_element(std::string& out, place& at, uint32_t field, size_t depth) {
   int32_t id = 0;
   const tav_node* node = tav_node_next(at.node, field, &at.element, &id);
@@ -110,7 +110,8 @@ void append_scalar(std::string& out, slot& s, size_t depth) {
   out += '\n';
 }
 
-// Goes on until an element is to be written (given) or the list is at its end (null).
+// Writes fields up to the next element, whose line it writes too, and gives that element; null at
+// the end of the list.
 tav_node* next_below(std::string& out, place& at, size_t depth) {
   for (; at.run != nullptr; at.run = at.run->next, at.index = 0) {
     while (at.index < at.run->count) {

@@ -31,7 +31,7 @@ constexpr int CANNOT_OPEN = -1;
 // The log of this process; the files stay open until it ends.
 struct log_state {
   bool configured = false;
-  bool level_is_set = false;  // by the program, which wins over the configuration
+  bool level_is_set = false;  // by tav_err_set_level, which overrides tav.conf
   int32_t level = LEVEL_ERRORS;
   int files[TAVLOGS] = {NOT_OPENED, NOT_OPENED, NOT_OPENED};
 };
@@ -54,7 +54,7 @@ void report_level(const conf_entry& entry) {
   tav_component_log(tav_component::CM, LEVEL_ERRORS, sentence.c_str(), HERE);
 }
 
-// Marks itself done first: what it reports is a record, too.
+// Sets `configured` first, because report_level writes a record, which calls this again.
 void configure() {
   if (state.configured) return;
   state.configured = true;
@@ -67,7 +67,7 @@ void configure() {
   if (!state.level_is_set) state.level = level;
 }
 
-// A descriptor that is closed at its owner's end; -1 for none.
+// Owns a file descriptor; -1 for none.
 struct descriptor {
   int fd;
   ~descriptor() {
@@ -80,7 +80,7 @@ bool is_roots_alone(const struct stat& folder) {
   return folder.st_uid == 0 && (folder.st_mode & others) == 0;
 }
 
-// Once in a process, and on standard error: the log is not where it could be read.
+// Told on standard error, once in a process, because there is no log to tell it in.
 void tell_refused(const std::string& folder) {
   static bool told = false;
   if (told) return;
@@ -91,9 +91,9 @@ void tell_refused(const std::string& folder) {
       program_invocation_short_name, folder.c_str());
 }
 
-// Opens the log in its folder; -1 for what is no log. Who may write in the folder can put there
-// what they like: a link to somebody else's file is not followed, a pipe not waited for, and root,
-// to whom every file is open, stays out altogether.
+// Opens the log in its folder; CANNOT_OPEN for anything but a regular file. Others may be able to
+// write in the folder, so a symbolic link is not followed and a pipe not waited for. Root, who
+// could be led to any file, writes no log in such a folder at all.
 int open_log_in(const std::string& folder, const char* name) {
   const descriptor at{open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
   struct stat found;
@@ -111,7 +111,8 @@ int open_log(tavlog log) {
   return file;
 }
 
-// One write, so that records of several processes never mix. What cannot be written is lost.
+// Writes a record with one call, so that those of several processes never mix. A record that cannot
+// be written is lost.
 void write_record(tavlog log, const std::string& record) {
   const int file = open_log(log);
   if (file == CANNOT_OPEN) return;

@@ -15,7 +15,7 @@ namespace vantor {
 
 namespace {
 
-// Appends one word of the first line: nothing in it ends the word.
+// Appends one word of the first line, with blanks and characters that are not shown as '_'.
 void append_word(std::string& out, const char* word) {
   if (word == nullptr || *word == '\0') word = "-";
   const size_t start = out.size();
@@ -33,8 +33,8 @@ void append_host(std::string& out) {
   append_word(out, host);
 }
 
-// Texts of the program's own may have lines and tabs; what the administrator is to read of names
-// and descriptions stands among them.
+// Messages may have several lines and tabs, which are kept; further lines are indented. All other
+// control characters are made visible: messages contain names and descriptions.
 void append_message(std::string& out, const char* message) {
   std::string_view rest = message != nullptr ? message : "";
   rest = rest.substr(0, rest.find_last_not_of('\n') + 1);

@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-constexpr size_t INDENT = 2;  // blanks per level of what follows a record's first line
+constexpr size_t INDENT = 2;  // blanks per level in the lines after a record's first
 
 // Appends the time, in UTC with milliseconds.
 void append_time(std::string& out, std::chrono::milliseconds since_1970);

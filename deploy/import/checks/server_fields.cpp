@@ -103,7 +103,7 @@ static void check_field(tav_deploy_import_state& state, int32_t id, tav_flist_t*
 int tav_deploy_import_fields(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   state.working_fields.give(std::move(state.server_fields));
-  state.working_fields.expect(state.fields.count(at(&ebuf, HERE)));
+  state.working_fields.reserve_lent(state.fields.count(at(&ebuf, HERE)));
   dd_walk walk(state.fields.get(), TAV_FLD_FIELD);
   while (tav_flist_t* element = walk.next(at(&ebuf, HERE))) {
     check_field(state, walk.id(), element, &ebuf);

@@ -26,7 +26,7 @@ int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* st
   tav_ebuf ebuf{};
   const tav_deploy_siblings entries = tav_deploy_entries_of(read, storable, &ebuf);
   for (tav_deploy_entry* entry = entries.first; entry != entries.last; ++entry) {
-    working_fields.expect_name(entry->hash);
+    working_fields.prefetch_name(entry->hash);
   }
   for (tav_deploy_entry* entry = entries.first; entry != entries.last; ++entry) {
     check_type(*entry, working_fields, class_name, &ebuf);
