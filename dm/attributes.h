@@ -14,11 +14,10 @@ inline constexpr auto CLASS_ATTRIBUTES = dd_attributes_in<DD_IN_ANY_CLASS>();
 inline constexpr auto ENTRY_ATTRIBUTES = dd_attributes_in<DD_IN_ANY_ENTRY>();
 
 // A field definition is kept in columns.
-static_assert(std::ranges::all_of(dd_attributes_in<DD_IN_DEFINITION>(),
-                                  [](const dd_attribute& row) {
-                                    return row.field == TAV_FLD_FIELD_NUM ||
-                                           row.field == TAV_FLD_DESCR;
-                                  }),
+constexpr bool has_column(const dd_attribute& row) {
+  return row.field == TAV_FLD_FIELD_NUM || row.field == TAV_FLD_DESCR;
+}
+static_assert(std::ranges::all_of(dd_attributes_in<DD_IN_DEFINITION>(), has_column),
               "the attribute of a field definition has no column: see dm/schema.h");
 
 // The row of a field; without one the build fails.

@@ -30,7 +30,7 @@ struct keyword_texts {
 constexpr keyword_texts TEXTS;
 static_assert(std::ranges::none_of(TOKENS_WITHOUT_KEYWORD,
                                    [](int token) {
-                                     return !TEXTS.of[static_cast<size_t>(token)].empty();
+                                     return !TEXTS.by_token[static_cast<size_t>(token)].empty();
                                    }),
               "a keyword has the number of a token that has none");
 static_assert(DPARSE_TOKEN_NUMBERS <= 256, "a token's number no longer fits a byte");

@@ -3,7 +3,7 @@
 #define DM_OPS_FIELD_PLAN_H
 
 #include "dd/owners.h"
-#include "dm/ops/field_request.h"
+#include "dm/field_request.h"
 
 namespace dm {
 

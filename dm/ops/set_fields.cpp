@@ -1,5 +1,5 @@
 // 576: adds fields, or describes known ones anew; all or nothing.
-#include "dm/ops/field_request.h"
+#include "dm/field_request.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/field.h"
 

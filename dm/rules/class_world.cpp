@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "dm/ops/field_request.h"
+#include "dm/field_request.h"
 
 namespace dm {
 

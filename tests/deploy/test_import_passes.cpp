@@ -10,6 +10,7 @@
 #include "deploy/import/checks/hierarchy.h"
 #include "deploy/import/checks/tables.h"
 #include "deploy/import/import.h"
+#include "tests/deploy/memory.h"
 
 static const struct {
   const char* word;
@@ -186,22 +187,6 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     for (const auto& column : tables.columns) found += std::string(column.name) + ')';
     EXPECT_EQ(found, row.tables);
   }
-}
-
-static long until_no_memory = 0;  // allocations up to the one that fails; 0: none does
-static long allocations = 0;
-static size_t allocated = 0;  // bytes
-void* operator new(size_t size) {
-  ++allocations;
-  allocated += size;
-  void* bytes = until_no_memory > 0 && --until_no_memory == 0 ? nullptr : std::malloc(size);
-  return bytes != nullptr ? bytes : throw std::bad_alloc();
-}
-void operator delete(void* bytes) noexcept {
-  std::free(bytes);
-}
-void operator delete(void* bytes, size_t) noexcept {
-  std::free(bytes);
 }
 
 TEST(records, without_memory_are_a_failure_that_is_told) {

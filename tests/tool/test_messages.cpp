@@ -28,7 +28,7 @@ static const std::pair<const char*, std::regex> SHOWN[] = {
     {"dm", std::regex("^[^|]*([a-z]{2}[^|]* | [^|]*[a-z]{2})")}};
 static const std::regex UNSEEN(
     "^TCM_OP|^C=|^\\\\t|^[a-z]+ ?$|[{]\n|STORABLE|"
-    "\\b(SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA|CREATE TABLE)\\b");
+    "\\b(SET LOCAL|SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA|CREATE TABLE)\\b");
 static const std::regex LINE("[^\\s][^\n]*[^\\s]");
 
 TEST(messages, of_the_sources_are_on_the_page) {
@@ -38,6 +38,7 @@ TEST(messages, of_the_sources_are_on_the_page) {
     for (const source_text& each : texts_in(folder)) {
       const std::string subject = each.text + "|" + each.statement;
       if (!std::regex_search(subject, pattern) || std::regex_search(each.text, UNSEEN)) continue;
+      if (each.statement.find("static_assert") != each.statement.npos) continue;  // for builders
       for (const std::string& line : matches_in(each.text, LINE)) shown.insert(line);
     }
   }

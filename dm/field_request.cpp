@@ -1,4 +1,4 @@
-#include "dm/ops/field_request.h"
+#include "dm/field_request.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 // The fields of a 576 beside what the dictionary holds under their names and numbers.
-#ifndef DM_OPS_FIELD_REQUEST_H
-#define DM_OPS_FIELD_REQUEST_H
+#ifndef DM_FIELD_REQUEST_H
+#define DM_FIELD_REQUEST_H
 
 #include <vector>
 
