@@ -1,8 +1,8 @@
 // Sending messages to the server and waiting for its answers.
 //
 // Every wait has a limit. When the server was silent for `answer_seconds`, it is asked over a
-// second connection whether it is at work on the statement. Unless it says yes, the connection is
-// given up for good.
+// second connection whether it is at work on the statement. Unless it says yes, or answers but may
+// not tell, the connection is given up for good.
 #ifndef DM_POSTGRES_LINE_H
 #define DM_POSTGRES_LINE_H
 
