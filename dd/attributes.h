@@ -113,22 +113,41 @@ inline constexpr auto DD_ATTRIBUTES = [] {
   // clang-format on
 }();
 
-// The first row of that field in one of the contexts, or null.
-constexpr const dd_attribute* dd_find_attribute(uint32_t field, unsigned contexts) {
+// The place of the first row of that field in one of the contexts; the number of rows for none.
+constexpr size_t dd_attribute_place(uint32_t field, unsigned contexts) {
+  size_t place = 0;
   for (const dd_attribute& row : DD_ATTRIBUTES) {
-    if (row.field == field && (row.contexts & contexts) != 0) return &row;
+    if (row.field == field && (row.contexts & contexts) != 0) break;
+    ++place;
   }
-  return nullptr;
+  return place;
+}
+
+// The row itself, or null.
+constexpr const dd_attribute* dd_find_attribute(uint32_t field, unsigned contexts) {
+  const size_t place = dd_attribute_place(field, contexts);
+  return place < DD_ATTRIBUTES.size() ? &DD_ATTRIBUTES[place] : nullptr;
+}
+
+// Whether the row is the first of its field in the contexts.
+constexpr bool dd_is_first(size_t place, unsigned contexts) {
+  return dd_attribute_place(DD_ATTRIBUTES[place].field, contexts) == place;
+}
+
+constexpr size_t dd_count_attributes(unsigned contexts) {
+  size_t count = 0;
+  for (size_t i = 0; i < DD_ATTRIBUTES.size(); ++i) count += dd_is_first(i, contexts) ? 1 : 0;
+  return count;
 }
 
 // The rows of these contexts, each field once.
 template <unsigned CONTEXTS>
 constexpr auto dd_attributes_in() {
-  constexpr auto belongs = [](const dd_attribute& row) {
-    return dd_find_attribute(row.field, CONTEXTS) == &row;
-  };
-  std::array<dd_attribute, std::ranges::count_if(DD_ATTRIBUTES, belongs)> rows{};
-  std::ranges::copy_if(DD_ATTRIBUTES, rows.begin(), belongs);
+  std::array<dd_attribute, dd_count_attributes(CONTEXTS)> rows{};
+  size_t count = 0;
+  for (size_t i = 0; i < DD_ATTRIBUTES.size(); ++i) {
+    if (dd_is_first(i, CONTEXTS)) rows[count++] = DD_ATTRIBUTES[i];
+  }
   return rows;
 }
 

@@ -143,11 +143,13 @@ static_assert(std::ranges::all_of(DD_ATTRIBUTES,
                                                field_read(row);
                                   }),
               "a keyword stands for two fields");
+#ifndef __SANITIZE_ADDRESS__  // with which g++ compares no function's address at compile time
 static_assert(std::ranges::all_of(ROWS,
                                   [](const dparse_attribute& row) {
                                     return row.written_in == NEVER || row.form->write != nullptr;
                                   }),
               "a row here is written in a form that cannot be written");
+#endif
 
 constexpr auto ROW_OF_TOKEN = [] {
   std::array<const dparse_attribute*, DPARSE_TOKEN_NUMBERS> rows{};
