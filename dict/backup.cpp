@@ -1,10 +1,10 @@
 // backup and restore: a dictionary file in between, whatever engine keeps the dictionary.
 #include <iostream>
 
-#include "dict/check.h"
+#include "dict/check/check.h"
 #include "dict/commands.h"
-#include "dict/progress.h"
-#include "dict/visible.h"
+#include "dict/terminal/progress.h"
+#include "dict/terminal/visible.h"
 #include "dm/copy.h"
 #include "dm/open.h"
 #include "dm/sqlite/dictionary_file.h"

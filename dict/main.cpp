@@ -11,8 +11,8 @@
 #include "dd/fold.h"
 #include "dd/last_resort.h"
 #include "dict/commands.h"
-#include "dict/output.h"
-#include "dict/visible.h"
+#include "dict/terminal/output.h"
+#include "dict/terminal/visible.h"
 #include "dm/schema.h"
 #include "vantor/binding.h"
 

@@ -3,7 +3,7 @@
 
 #include "dd/database_number.h"
 #include "dict/commands.h"
-#include "dict/visible.h"
+#include "dict/terminal/visible.h"
 #include "dm/open.h"
 
 namespace dict {

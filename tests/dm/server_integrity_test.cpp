@@ -1,7 +1,7 @@
 // What somebody did to the tables of a dictionary on a server, as `tav_dict check` names it.
 #include <sstream>
 
-#include "dict/check.h"
+#include "dict/check/check.h"
 #include "dm/open.h"
 #include "dm/predefined.h"
 #include "server.h"

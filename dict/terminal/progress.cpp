@@ -1,4 +1,4 @@
-#include "dict/progress.h"
+#include "dict/terminal/progress.h"
 
 #include <unistd.h>
 

@@ -3,7 +3,7 @@
 #include <map>
 #include <set>
 
-#include "dict/check.h"
+#include "dict/check/check.h"
 #include "dm/folded.h"
 #include "dm/predefined.h"
 #include "dm/rules/field.h"

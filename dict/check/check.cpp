@@ -1,12 +1,12 @@
 // check: the databases of the dictionary, and what the engine itself finds.
-#include "dict/check.h"
+#include "dict/check/check.h"
 
 #include <iostream>
 #include <vector>
 
 #include "dd/database_number.h"
 #include "dict/commands.h"
-#include "dict/visible.h"
+#include "dict/terminal/visible.h"
 #include "dm/open.h"
 
 namespace dict {

@@ -1,4 +1,4 @@
-#include "dict/messages.h"
+#include "dict/messages/messages.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The differences for people: a line for each thing and value, indented by what it belongs to.
-#include "dict/diff.h"
-#include "dict/visible.h"
+#include "dict/diff/diff.h"
+#include "dict/terminal/visible.h"
 
 namespace dict {
 

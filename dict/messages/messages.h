@@ -2,8 +2,8 @@
 //
 // An entry of the page is one heading or more, each a text in backquotes, then the cause, then a
 // paragraph that begins with "To do: ". In a text %s, %d and %c stand for anything.
-#ifndef DICT_MESSAGES_H
-#define DICT_MESSAGES_H
+#ifndef DICT_MESSAGES_MESSAGES_H
+#define DICT_MESSAGES_MESSAGES_H
 
 #include <string>
 #include <string_view>

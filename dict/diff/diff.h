@@ -3,15 +3,15 @@
 // Fields, classes and field entries are paired by name, whatever their order and letter case. Their
 // attributes are compared as the definition language would write them: what it would write alike,
 // and what it cannot write at all, is no difference.
-#ifndef DICT_DIFF_H
-#define DICT_DIFF_H
+#ifndef DICT_DIFF_DIFF_H
+#define DICT_DIFF_DIFF_H
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "dict/definitions.h"
-#include "dict/progress.h"
+#include "dict/terminal/progress.h"
 
 namespace dict {
 

@@ -1,4 +1,4 @@
-#include "dict/visible.h"
+#include "dict/terminal/visible.h"
 
 #include <unistd.h>
 

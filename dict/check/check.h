@@ -1,10 +1,10 @@
 // Every rule that the operations keep, over what a store holds.
-#ifndef DICT_CHECK_H
-#define DICT_CHECK_H
+#ifndef DICT_CHECK_CHECK_H
+#define DICT_CHECK_CHECK_H
 
 #include <ostream>
 
-#include "dict/progress.h"
+#include "dict/terminal/progress.h"
 #include "dm/store.h"
 
 namespace dict {

@@ -6,8 +6,8 @@
 //
 // Nothing is drawn before the work has taken a second, nor where standard error is no terminal. The
 // line is gone when the record ends; hide() it before anything else is printed in between.
-#ifndef DICT_PROGRESS_H
-#define DICT_PROGRESS_H
+#ifndef DICT_TERMINAL_PROGRESS_H
+#define DICT_TERMINAL_PROGRESS_H
 
 #include <chrono>
 #include <cstdint>

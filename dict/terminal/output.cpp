@@ -1,4 +1,4 @@
-#include "dict/output.h"
+#include "dict/terminal/output.h"
 
 #include <unistd.h>
 

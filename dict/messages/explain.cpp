@@ -6,8 +6,8 @@
 #include <set>
 
 #include "dict/commands.h"
-#include "dict/messages.h"
-#include "dict/visible.h"
+#include "dict/messages/messages.h"
+#include "dict/terminal/visible.h"
 
 namespace dict {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <map>
 
-#include "dict/check.h"
+#include "dict/check/check.h"
 #include "dm/folded.h"
 #include "dm/rules/class_rules.h"
 

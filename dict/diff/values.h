@@ -2,7 +2,7 @@
 #ifndef DICT_DIFF_VALUES_H
 #define DICT_DIFF_VALUES_H
 
-#include "dict/diff.h"
+#include "dict/diff/diff.h"
 
 namespace dict {
 

@@ -1,6 +1,6 @@
 // Standard output that knows why it could not be written.
-#ifndef DICT_OUTPUT_H
-#define DICT_OUTPUT_H
+#ifndef DICT_TERMINAL_OUTPUT_H
+#define DICT_TERMINAL_OUTPUT_H
 
 #include <array>
 #include <streambuf>

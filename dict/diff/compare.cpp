@@ -3,7 +3,7 @@
 
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "dict/diff_values.h"
+#include "dict/diff/values.h"
 
 namespace dict {
 

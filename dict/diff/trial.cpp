@@ -4,7 +4,7 @@
 
 #include "dd/report.h"
 #include "deploy/import/import.h"
-#include "dict/diff.h"
+#include "dict/diff/diff.h"
 #include "dm/data_manager.h"
 
 namespace dict {

@@ -2,7 +2,7 @@
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
-#include "dict/diff.h"
+#include "dict/diff/diff.h"
 #include "dm/json_memory.h"
 
 namespace dict {

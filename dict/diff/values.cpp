@@ -1,4 +1,4 @@
-#include "dict/diff_values.h"
+#include "dict/diff/values.h"
 #include "dd/class_names.h"
 
 #include "dd/fold.h"

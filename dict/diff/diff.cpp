@@ -1,5 +1,5 @@
 // The command: what is compared with what, and how the result is shown.
-#include "dict/diff.h"
+#include "dict/diff/diff.h"
 
 #include <unistd.h>
 
@@ -10,7 +10,7 @@
 
 #include "deploy/modes.h"
 #include "dict/commands.h"
-#include "dict/visible.h"
+#include "dict/terminal/visible.h"
 #include "dm/open.h"
 #include "vantor/binding.h"
 

@@ -2,8 +2,8 @@
 // visible (dd/visible.h), elsewhere as they are.
 //
 //   std::cout << "Wrote backup " << visible{file} << ".\n";
-#ifndef DICT_VISIBLE_H
-#define DICT_VISIBLE_H
+#ifndef DICT_TERMINAL_VISIBLE_H
+#define DICT_TERMINAL_VISIBLE_H
 
 #include <ostream>
 #include <string>
