@@ -1,5 +1,5 @@
 // The attributes of field definitions, of classes and of their field entries: what is true of each
-// wherever it stands. How the language reads and writes them is told in dparse/attributes.cpp.
+// wherever it stands. How the language reads and writes them: dparse/attributes.cpp.
 #ifndef DD_ATTRIBUTES_H
 #define DD_ATTRIBUTES_H
 
@@ -40,18 +40,18 @@ enum : unsigned {
 };
 
 struct dd_attribute {
-  int keyword;  // DD_KEY_NONE: the head of a block says it
-  uint32_t field;
+  int keyword;     // DD_KEY_NONE: the head of a block gives it
+  uint32_t field;  // that holds it in a list
   dd_value_kind kind;
-  std::string_view key;  // in the stored definition (of a field definition: the column)
+  std::string_view key;  // in the stored definition; for a field definition the column
   dd_keeping kept;
   unsigned contexts;
-  uint32_t text = 0;  // TEXTS: the field of the text in an element
+  uint32_t text = 0;  // TEXTS: the field that holds the text of an element
 };
 
 // In the order in which the attributes of a class, and those of an entry, stand in the stored
-// definition: never reorder, a class that is deployed again unchanged would look changed. In one
-// place several keywords may stand for the same field.
+// definition. Never reorder: a class that is deployed again unchanged would look changed. Several
+// keywords in one context may stand for the same field.
 inline constexpr auto DD_ATTRIBUTES = [] {
   using enum dd_value_kind;
   using enum dd_keeping;
@@ -113,7 +113,8 @@ inline constexpr auto DD_ATTRIBUTES = [] {
   // clang-format on
 }();
 
-// The place of the first row of that field in one of the contexts; the number of rows for none.
+// The index of the field's first row in one of the contexts; the number of rows where there is
+// none.
 constexpr size_t dd_attribute_place(uint32_t field, unsigned contexts) {
   size_t place = 0;
   for (const dd_attribute& row : DD_ATTRIBUTES) {
@@ -172,7 +173,8 @@ static_assert(std::ranges::all_of(DD_ATTRIBUTES,
                                   }),
               "the kind of an attribute does not suit the type of its field");
 
-// Whether no two rows that share a context are as the question says.
+// Whether clash(a, b) is false for every two rows that can describe the same field definition,
+// class or entry.
 template <class Clash>
 constexpr bool dd_no_attributes(Clash clash) {
   for (const dd_attribute& a : DD_ATTRIBUTES) {

@@ -8,8 +8,8 @@
 
 std::string dd_database_text(uint64_t number);
 
-// Reads such a text whole: digits only, each group up to 65535. False when it is none, and the
-// number is as it was. (The tool's option -d takes more than that.)
+// Reads such a text: nothing but digits and points, each group at most 65535. False for any other
+// text; the number is then unchanged. (The tool's option -d takes more than that.)
 bool dd_read_database(std::string_view text, uint64_t& number);
 
 #endif

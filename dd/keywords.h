@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
-// X(name, text, number) in stored order; no two texts are alike.
+// X(name, text, number), in the order of the language's table of keywords.
 // The numbers are part of the language (one message shows them): never renumber.
 #define DD_KEYWORDS(X)                            \
   X(POID, "POID", 1)                              \
@@ -100,7 +100,7 @@ struct dd_keyword_row {
 inline constexpr dd_keyword_row DD_KEYWORD_TABLE[] = {DD_KEYWORDS(DD_TABLE_ROW)};
 #undef DD_TABLE_ROW
 
-// All keywords' numbers are below.
+// One more than the highest number of a keyword.
 inline constexpr int DD_KEYWORD_NUMBERS = [] {
   int highest = 0;
   for (const dd_keyword_row& row : DD_KEYWORD_TABLE) highest = std::max(highest, row.number);

@@ -5,7 +5,7 @@
 #include "dd/owners.h"
 
 // Takes the list over and never frees it: the end of the process does that at no cost, while
-// freeing a whole dictionary takes a tenth of a run. Only for lists of which a run has one.
+// freeing a whole dictionary takes a tenth of a run. Only for lists that a run makes once.
 void dd_leave(dd_flist list) noexcept;
 
 #endif

@@ -1,4 +1,4 @@
-// For work on plain records, which throw std::bad_alloc: turns that into the error of a list call.
+// Turns std::bad_alloc, from work on plain records, into the error that a list call would give.
 #ifndef DD_MEMORY_H
 #define DD_MEMORY_H
 

@@ -24,7 +24,7 @@
 enum { DD_TYPES(DD_ENUM_ROW) };
 #undef DD_ENUM_ROW
 
-// The keyword of a type code; null for a code that is none.
+// The keyword of a type code; null for an unknown code.
 static inline const char* dd_type_keyword(int code) {
   switch (code) {
 #define DD_CASE_ROW(name, number, keyword) \

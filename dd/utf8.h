@@ -1,4 +1,4 @@
-// Texts are UTF-8.
+// The length of a UTF-8 character.
 #ifndef DD_UTF8_H
 #define DD_UTF8_H
 

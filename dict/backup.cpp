@@ -1,4 +1,5 @@
-// backup and restore: a dictionary file in between, whatever engine keeps the dictionary.
+// The commands backup and restore. A backup is an SQLite dictionary file, whatever engine keeps the
+// dictionary.
 #include <iostream>
 
 #include "dict/check/check.h"
@@ -11,6 +12,7 @@
 
 namespace dict {
 
+// The path as the calls for dictionary files need it: with a folder.
 static std::string path_of(const std::string& file) {
   return file.find('/') == std::string::npos ? "./" + file : file;
 }
@@ -44,7 +46,7 @@ int restore(const std::string& file) {
   if (store == nullptr && why.code == TAV_ERR_NOT_FOUND) {
     why.sentence = dm::join({"Backup ", dm::quoted(file), " does not exist."});
   }
-  // What is restored is the very snapshot that was found sound.
+  // One transaction for checking and copying, so that exactly what was checked is restored.
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   checker check{*store, std::cout};
   const bool is_checked = check_store(check);

@@ -21,17 +21,18 @@ int check();
 int backup(const std::string& file);
 int restore(const std::string& file);
 
-// Commands with options of their own: each adds itself, and sets the exit status when it has run.
+// Commands with options of their own. Each call adds one to the command line; when it has run,
+// `result` is the exit status.
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);
 
-// Notes on standard error which entries of tav.conf have no effect.
+// Prints a note on standard error for each entry of tav.conf that has no effect.
 void tell_unknown_entries();
 
-// Says on standard error what went wrong; gives FAILED.
+// Prints on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);
 
 }  // namespace dict

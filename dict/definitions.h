@@ -15,16 +15,16 @@ namespace dict {
 struct definitions {
   dd_list fields{DD_FIELDS};
   dd_list classes{DD_CLASSES};
-  tav_deploy_class_entries entries{};  // of classes from files: what merging them read already
+  tav_deploy_class_entries entries{};  // of classes from files: as merging has read them
 };
 
 // Fetches a database of the dictionary that the settings name, in one snapshot; false with the
 // reason.
 bool fetch(const dm::settings& settings, uint64_t database, definitions& result, dm::problem& why);
 
-// Reads and merges definition files (standard input for none) exactly as an import does, which
-// reports to standard error what is wrong. False when they cannot be read, or cannot be deployed as
-// they stand.
+// Reads and merges definition files exactly as an import does; without any, standard input. What is
+// wrong with them is printed to standard error. False when they cannot be read, or cannot be
+// deployed as they stand.
 bool read_files(const std::vector<std::string>& files, definitions& result);
 
 }  // namespace dict

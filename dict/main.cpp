@@ -27,12 +27,12 @@ static constexpr char DESCRIPTION[] =
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
 
-// Before the constants of the library that reads the command line are made.
+// Runs before the static objects of the command-line library are made, which need memory.
 [[gnu::constructor(101)]] static void end_without_memory() {
   dd_end_without_memory(NO_MEMORY, dict::FAILED);
 }
 
-// What is no option may hold anything, a password too: only a word behind dashes is repeated.
+// Repeats an argument only if it looks like an option: any other may be a password.
 static int refuse_extra(const std::vector<std::string>& extra) {
   const auto is_option = [](const std::string& text) {
     return text[0] == '-' && text.find_first_not_of("-abcdefghijklmnopqrstuvwxyz") == text.npos;
@@ -46,8 +46,8 @@ static int refuse_extra(const std::vector<std::string>& extra) {
   return dict::fail(why);
 }
 
-// A server's address in a wrong place, where the command would repeat it as a file's name. What
-// --with names is judged there.
+// Whether the argument is a server's address with a password. The command would take it for a file
+// name and repeat it. What follows --with is tested by diff.
 static bool is_secret(const char* before, const std::string& argument) {
   if (std::strcmp(before, "--with") == 0 || argument.rfind("--with=", 0) == 0) return false;
   const auto has = [&](const char* part) { return argument.find(part) != argument.npos; };
@@ -109,7 +109,7 @@ static int run(int argc, char** argv) {
   return result;
 }
 
-// Needs no memory.
+// Allocates nothing.
 static int fail_without_memory() {
   std::fputs(NO_MEMORY, stderr);
   return dict::FAILED;
@@ -128,7 +128,8 @@ static int run_guarded(int argc, char** argv) try {
 
 int main(int argc, char** argv) {
   if (!dd_fill_descriptors()) return dict::FAILED;
-  // A reader that goes away, and a file beyond its limit, are failed writes, told like any other.
+  // A closed pipe, or a file at its size limit, must not end the process: the write fails, and that
+  // is reported like any other failure.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   const dict::output output;

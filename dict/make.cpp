@@ -1,4 +1,4 @@
-// init and add-database.
+// The commands init and add-database.
 #include <iostream>
 
 #include "dd/database_number.h"

@@ -1,3 +1,4 @@
+// The command status.
 #include <iostream>
 #include <vector>
 

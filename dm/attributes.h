@@ -1,5 +1,5 @@
-// The attributes of a class and of a field entry as they are kept: the rows of dd/attributes.h, in
-// the order of the stored text.
+// The attributes that a stored class definition holds, of the class and of its field entries: rows
+// of dd/attributes.h, in the order in which the stored text has them.
 #ifndef DM_ATTRIBUTES_H
 #define DM_ATTRIBUTES_H
 
@@ -13,14 +13,14 @@ namespace dm {
 inline constexpr auto CLASS_ATTRIBUTES = dd_attributes_in<DD_IN_ANY_CLASS>();
 inline constexpr auto ENTRY_ATTRIBUTES = dd_attributes_in<DD_IN_ANY_ENTRY>();
 
-// A field definition is kept in columns.
+// Whether the table of field definitions has a column for the attribute.
 constexpr bool has_column(const dd_attribute& row) {
   return row.field == TAV_FLD_FIELD_NUM || row.field == TAV_FLD_DESCR;
 }
 static_assert(std::ranges::all_of(dd_attributes_in<DD_IN_DEFINITION>(), has_column),
-              "the attribute of a field definition has no column: see dm/schema.h");
+              "the attribute of a field definition has no column: see tables.cpp of each engine");
 
-// The row of a field; without one the build fails.
+// The index of a field's row. Where there is none the build fails.
 template <size_t N>
 consteval int row_of(const std::array<dd_attribute, N>& rows, uint32_t field) {
   int row = 0;
@@ -28,7 +28,8 @@ consteval int row_of(const std::array<dd_attribute, N>& rows, uint32_t field) {
   return row;
 }
 
-// Rows that rules name; the others are only carried.
+// Indexes of the rows that rules look at. The other attributes are stored and given back as they
+// are.
 enum class_attribute {
   CLASS_NAME = row_of(CLASS_ATTRIBUTES, TAV_FLD_NAME),
   CLASS_TABLE = row_of(CLASS_ATTRIBUTES, TAV_FLD_SQL_TABLE),

@@ -11,7 +11,7 @@ namespace dm {
 
 namespace {
 
-// All numbers of the rows' fields are below.
+// One more than the highest field number of all rows.
 constexpr size_t NUMBERS = [] {
   int32_t highest = 0;
   for (const dd_attribute& row : DD_ATTRIBUTES) {
@@ -20,7 +20,8 @@ constexpr size_t NUMBERS = [] {
   return static_cast<size_t>(highest) + 1;
 }();
 
-// The fields of the rows, and the rows' places by field number, one more than the place.
+// The rows as tav_node_values takes them: for each field number the row's index plus 1 (0: no row),
+// and for each row its field.
 template <size_t N>
 struct row_places {
   std::array<uint8_t, NUMBERS> by_number{};
@@ -63,7 +64,7 @@ const char* text_of(const entry_def& entry, entry_attribute which) {
   return text_or_empty(entry.values[which]);
 }
 
-// An empty storage text is none.
+// An empty text of SQL_TABLE or SQL_STORAGE counts as not given.
 static void forget_empty(const void*& text) {
   if (text != nullptr && *static_cast<const char*>(text) == '\0') text = nullptr;
 }

@@ -1,4 +1,4 @@
-// Class definitions as JSON text, straight from and into lists.
+// Class definitions as JSON text, the form in which stores keep them.
 #ifndef DM_CLASS_JSON_H
 #define DM_CLASS_JSON_H
 
@@ -11,12 +11,12 @@
 
 namespace dm {
 
-// Writes definitions; the text of one is gone with the next.
+// Writes definitions, one at a time.
 class class_writer {
  public:
   class_writer();
   ~class_writer();
-  // Compact JSON, NUL-terminated.
+  // The definition as compact JSON, borrowed until the next call. A NUL byte follows it.
   std::string_view write(const class_def& definition);
 
  private:
@@ -28,9 +28,10 @@ class class_reader {
  public:
   class_reader();
   ~class_reader();
-  // Adds the class that the text defines as an element of TAV_FLD_OBJ_DESC, and gives it
-  // (borrowed). Null for a text that is none of ours, with what is wrong with it, or when the list
-  // cannot be built; a part of the class may then be there.
+  // Adds the class that the text defines as an element of TAV_FLD_OBJ_DESC, and gives it,
+  // borrowed. Null where the text is no class definition or the list cannot be built: `fault` then
+  // says why, as the end of a sentence ("is no JSON text"), and the list may hold a part of the
+  // class. Throws std::bad_alloc.
   tav_flist_t* read(const char* text, tav_flist_t* list, int32_t elem_id, const char*& fault);
 
  private:

@@ -13,7 +13,8 @@
 
 namespace dm {
 
-// A half of a code point that is written as two: the library lets a second one alone pass.
+// Whether the text holds a surrogate, which is no character. The parser refuses all but one case:
+// the escape of a low surrogate that follows no high one.
 static bool holds_surrogate(std::string_view text) {
   for (size_t at = 0; (at = text.find('\xed', at)) != text.npos; ++at) {
     if (at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) >= 0xa0) return true;
@@ -23,8 +24,8 @@ static bool holds_surrogate(std::string_view text) {
 
 namespace {
 
-// Texts are UTF-8 and read in place. What stands for itself is taken at once, not one character
-// after the other.
+// UTF-8, read in place. A run of characters that need no escape is taken at once instead of one by
+// one.
 struct text_encoding : rapidjson::UTF8<> {
   using rapidjson::UTF8<>::Validate;
   template <class Stream>
@@ -38,26 +39,28 @@ struct text_encoding : rapidjson::UTF8<> {
   }
 };
 
-// What was read of a class or of an entry. Its values wait until all are known, or until the
-// element must be there to take elements of its own.
+// What was read so far of a class or an entry. Values are collected, because making an element with
+// all its values is faster than setting each. Before its first array the element must be made.
 struct level {
   static constexpr size_t ROWS = std::max(CLASS_ATTRIBUTES.size(), ENTRY_ATTRIBUTES.size());
-  tav_flist_t* list;  // the element; null until it is there
+  tav_flist_t* list;  // the element; null until it is made
   int32_t elem_id;
   int32_t count;   // entries so far
-  unsigned given;  // a bit for each row that was met
-  size_t waiting;  // how many values are
+  unsigned given;  // a bit for each row whose key was read
+  size_t waiting;  // number of values collected
   std::array<tav_value, ROWS> values;
   std::array<int32_t, ROWS> numbers;
 };
 static_assert(level::ROWS <= std::numeric_limits<unsigned>::digits,
               "level::given has no bit for a row");
 
-// Text of one definition into lists. The levels of a text are: the class, its entries (an array and
-// an object each), and an array of texts; anything else ends the reading.
+// Builds the list of one class from the parser's events. The class is an object; its entries, and
+// theirs, are arrays of objects; the only other arrays are those of texts. Anything else is a
+// fault, which ends the reading.
 class builder {
  public:
-  // A text without escapes holds no character that could not stand there bare.
+  // Without escapes no text needs the test for NUL bytes and surrogates: the parser refuses those
+  // that are not escaped.
   builder(tav_flist_t* list, int32_t elem_id, bool has_escapes, std::vector<dd_decimal>& decimals)
       : list_(list), elem_id_(elem_id), has_escapes_(has_escapes), decimals_(decimals) {}
 
@@ -141,7 +144,8 @@ class builder {
     fault_ = fault;
     return false;
   }
-  // Want of memory is no fault of the text.
+  // Whether the last list call succeeded; its error is the fault. Throws std::bad_alloc where
+  // memory ran out, because that is no fault of the text.
   bool built() {
     if (ebuf_.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
     return ebuf_.err_code == TAV_ERR_NONE || fail(tav_taverr_to_str(ebuf_.err_code));
@@ -171,7 +175,7 @@ class builder {
     return built() && wait(decimals_.back().get());
   }
 
-  // Makes the element with what is known of it, or adds what came after that.
+  // Makes the element with the values collected; if it was made before, sets them in it.
   bool build() {
     level& at = levels_[depth_];
     if (at.list == nullptr) {
@@ -188,7 +192,8 @@ class builder {
     return built();
   }
 
-  // Attributes stand in the order of the rows, so the next one is near.
+  // The row of a key; null where there is none, or the key stands there twice. The search begins
+  // after the row found last, because definitions are written in the order of the rows.
   template <size_t N>
   const dd_attribute* look(const std::array<dd_attribute, N>& rows, std::string_view key) {
     for (size_t tried = 0; tried < N; ++tried) {
@@ -206,12 +211,12 @@ class builder {
   tav_flist_t* list_;
   int32_t elem_id_;
   bool has_escapes_;
-  std::vector<dd_decimal>& decimals_;  // until the text is read
+  std::vector<dd_decimal>& decimals_;  // own the decimals among the values
   level levels_[DEEPEST_READ + 1];
   int depth_ = -1;
   int32_t texts_ = 0;
   size_t next_ = 0;
-  bool at_entries_ = false;  // behind the key of the entries
+  bool at_entries_ = false;  // the last key was that of the entries
   bool in_entries_ = false;
   bool in_texts_ = false;
   const dd_attribute* row_ = nullptr;
@@ -223,7 +228,7 @@ class builder {
 
 struct class_reader::buffers {
   rapidjson::GenericReader<text_encoding, text_encoding, json_memory> json;
-  std::string text;  // what is read in place
+  std::string text;  // a copy of the definition, which the parser overwrites
   std::vector<dd_decimal> decimals;
 };
 
@@ -236,13 +241,13 @@ tav_flist_t* class_reader::read(const char* text, tav_flist_t* list, int32_t ele
   std::string& copy = buffers_->text;
   copy = text;
   const bool has_escapes = copy.find('\\') != copy.npos;
-  // Characters are looked for a word at a time, and whole sequences of bytes are taken, also where
-  // the text ends in one.
+  // plain_run reads up to eight bytes beyond the end, and the decoder a whole UTF-8 sequence even
+  // if the text ends within it.
   copy.append(WORD, '\0');
   buffers_->decimals.clear();
   builder build(list, elem_id, has_escapes, buffers_->decimals);
   rapidjson::GenericInsituStringStream<text_encoding> stream(copy.data());
-  // The reader calls itself for each level; the builder allows few.
+  // The parser recurses at each level; the builder refuses deep nesting.
   const auto result = buffers_->json.Parse<FLAGS>(stream, build);
   fault = build.fault();
   return result.IsError() ? nullptr : build.element();

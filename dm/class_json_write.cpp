@@ -13,7 +13,7 @@ namespace dm {
 
 struct json_text {
   std::vector<char> text;
-  size_t size = 0;  // how much of it is written
+  size_t size = 0;  // bytes written so far; the rest is room
   using buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, json_memory>;
   buffer escaped;
   rapidjson::Writer<buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, json_memory> escaper{escaped};
@@ -31,7 +31,7 @@ static void put(json_text& json, Piece... piece) {
   json.size = size;
 }
 
-// Nearly every text stands for itself; the library writes the others.
+// Nearly every text needs no escape and is copied; the library writes the others.
 static void put_text(std::string_view text, json_text& json) {
   if (plain_run(text.data(), text.size()) == text.size()) return put(json, "\"", text, "\"");
   json.escaped.Clear();
@@ -53,7 +53,7 @@ static void put_decimal(const void* value, json_text& json) {
   put_text(digits, json);
 }
 
-// What stands between the last and the next of an object or an array.
+// The comma before the next part of an object or array; empty before the first.
 static std::string_view comma(const json_text& json) {
   const char last = json.text[json.size - 1];
   return last != '{' && last != '[' ? "," : "";
@@ -73,7 +73,7 @@ static void put_texts(const void* value, const dd_attribute& row, json_text& jso
   put(json, "]");
 }
 
-// Keys are words of ours.
+// Keys need no escapes: they are those of the table of attributes.
 static void put_key(std::string_view key, json_text& json) {
   put(json, comma(json), "\"", key, "\":");
 }
@@ -100,7 +100,7 @@ static void put_values(const std::array<const void*, N>& values,
   }
 }
 
-// Entries stand in the order of the text: a container's own follow it.
+// The entries of a container follow it, in the record as in the text.
 static void put_entries(const class_def& definition, json_text& json) {
   int32_t depth = 0;
   for (const entry_def& entry : definition.entries) {

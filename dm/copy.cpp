@@ -9,7 +9,7 @@ namespace dm {
 
 namespace {
 
-// One database on its way.
+// The copying of one database.
 struct passage {
   store &from, &to;
   int64_t source, target;  // row ids of the database
@@ -37,7 +37,7 @@ static bool copy_fields(passage& p) {
   });
 }
 
-// Each definition is read, because nothing could read the copy's either.
+// Reads each definition too: a copy of one that cannot be read would be useless.
 static bool copy_classes(passage& p, std::unordered_map<int64_t, int64_t>& new_ids) {
   class_reader reader;
   class_def definition;

@@ -1,4 +1,4 @@
-// A dictionary's content from one store into another.
+// Copying a dictionary's content from one store into another.
 #ifndef DM_COPY_H
 #define DM_COPY_H
 
@@ -8,9 +8,9 @@
 
 namespace dm {
 
-// Copies every row with its stamp, and the counters. `from` reads in an open transaction, so all of
-// it is one snapshot; `to` is empty, and what is written there is the caller's to commit or undo.
-// `copied` is called after each row.
+// Copies every row with its stamp, and the counters. Calls `copied` after each row. Both stores
+// have an open transaction, which the caller ends: that of `from` makes the copy one snapshot; `to`
+// is empty. False with the reason; `to` may then hold a part.
 bool copy_dictionary(store& from, store& to, const std::function<void()>& copied, problem& why);
 
 }  // namespace dm

@@ -32,7 +32,7 @@ static void report(int32_t location, const problem& why, tav_ebuf* ebuf) {
   tav_set_error(ebuf, {location, class_of(why.code), why.code, why.field, why.rec_id, why.detail});
 }
 
-// Nothing of it is allocated.
+// Allocates nothing.
 static void report_no_memory(int32_t location, tav_ebuf* ebuf) {
   const auto component = location == TAV_ERRLOC_CM ? tav_component::CM : tav_component::DM;
   tav_component_log(component, 1, "There is not enough memory.", HERE);
@@ -103,7 +103,7 @@ static tav_flist_t* run(tav_dm_session* session, uint32_t opcode, uint32_t flags
   return nullptr;
 }
 
-// Without memory the session is given up: its store, which goes with it, rolls back.
+// Where memory runs out, the session's store is closed without a commit, and rolls back.
 static void close_session(tav_dm_session* session, tav_ebuf* ebuf) try {
   const std::unique_ptr<tav_dm_session> owner(session);
   problem why;

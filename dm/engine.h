@@ -1,5 +1,5 @@
-// The engines that can keep a dictionary: how a text is known as the name of one of theirs, and
-// what opens and makes it. The first one that claims a text has it.
+// The engines that can keep a dictionary. The text that names a dictionary goes to the first engine
+// that claims it (dm/open.cpp).
 #ifndef DM_ENGINE_H
 #define DM_ENGINE_H
 
@@ -9,9 +9,9 @@
 namespace dm {
 
 struct engine {
-  // Whether the text is meant for this engine, by the form that it has.
+  // Whether the text has the form of this engine's names ("sqlite:..."), valid or not.
   bool (*claims)(const std::string& dictionary);
-  // Whether such a text can be the name of a dictionary.
+  // Whether a text that the engine claims is valid; others are refused.
   bool (*takes)(const std::string& dictionary);
   // As open_dictionary and create_dictionary, for a text that the engine takes.
   store_owner (*open)(const settings& settings, const open_options& options, problem& why);

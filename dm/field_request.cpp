@@ -14,7 +14,7 @@ void read_request(const tav_node* input, field_request& request) {
   request.fields.reserve(count);
   request.by_name.reserve(count);
   request.by_number.reserve(count);
-  problem fault;  // told when the field has its turn
+  problem fault;  // not used: the operation tests the field again when it reports the fault
   uint32_t position = 0;
   int32_t id = 0;
   while (const tav_node* node = tav_node_next(input, TAV_FLD_FIELD, &position, &id)) {
@@ -50,9 +50,9 @@ static void note_stored(field_request& request, const field_row& row) {
   }
 }
 
-// Below this many a pass over all costs more, whatever the dictionary's size.
+// Up to this cost fields are looked up one by one, without counting the dictionary's rows.
 static constexpr size_t FEW = 200;
-// So many rows of a pass cost about as much as the two look-ups of one field.
+// In a pass over all fields so many rows cost about as much as the two look-ups of one field.
 static constexpr int64_t ROWS_PER_LOOK_UP = 8;
 
 static bool is_small(store& store, int64_t database, size_t asked, bool& small, problem& why) {

@@ -1,4 +1,4 @@
-// The fields of a 576 beside what the dictionary holds under their names and numbers.
+// The fields that a 576 sends, each with what the dictionary holds under its name and number.
 #ifndef DM_FIELD_REQUEST_H
 #define DM_FIELD_REQUEST_H
 
@@ -13,17 +13,18 @@ namespace dm {
 
 struct asked_field : field_def {
   int32_t elem_id;
-  // Positions of the first field of that name and of that number, where they are given.
+  // Positions in `fields` of the first field with the same name, and of the first with the same
+  // number; 0 where this field gives none.
   int32_t first_named = 0;
   int32_t first_numbered = 0;
 
   int32_t stored_number = 0;
   int32_t stored_type = 0;
-  bool is_stored = false;        // under its name, with this number, type and stamp
-  bool is_described_so = false;  // by the same text
+  bool is_stored = false;        // its name is, with stored_number, stored_type and stamp
+  bool is_described_so = false;  // the stored field has the same description
   bool number_is_taken = false;  // by a stored field of another name
-  bool is_planned = false;       // to be added, or described anew where it is stored
-  bool is_well_formed = false;
+  bool is_planned = false;       // to be added or, where it is stored, to get its new description
+  bool is_well_formed = false;   // keeps the rules of dm/rules/field.h
   int64_t stamp = 0;
 };
 
@@ -40,7 +41,8 @@ inline asked_field& field_at(field_request& request, int32_t position) {
 // Reads the request; its texts are borrowed from the list.
 void read_request(const tav_node* input, field_request& request);
 
-// Finds what the dictionary holds: by its keys for few fields, in one pass over all for many.
+// Looks up what the dictionary holds, and notes it at the first field of each name and of each
+// number: one by one for few fields, in one pass over all stored fields for many.
 bool look_up(store& store, int64_t database, field_request& request, problem& why);
 
 }  // namespace dm

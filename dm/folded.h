@@ -1,4 +1,5 @@
-// The key of a name: its ASCII capitals made small; and containers by such keys and by numbers.
+// The key of a name is the name with its ASCII capitals made small. Also hash tables by such keys
+// and by numbers.
 #ifndef DM_FOLDED_H
 #define DM_FOLDED_H
 
@@ -18,7 +19,7 @@ inline std::string folded(std::string_view name) {
   return key;
 }
 
-// In place of the library's hashes, for which input can be made that collides.
+// Instead of std::hash, for which somebody could write a definition file with colliding names.
 struct hash_of_input {
   size_t operator()(std::string_view key) const { return dd_hash(key.data(), key.size()); }
   size_t operator()(int32_t number) const { return dd_hash_number(number); }

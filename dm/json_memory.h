@@ -1,4 +1,5 @@
-// The JSON library's memory: its own allocators hand null on, and nobody looks at it.
+// An allocator for the JSON library that throws std::bad_alloc. The library's own ones give null
+// when memory runs out, which the library does not test for.
 #ifndef DM_JSON_MEMORY_H
 #define DM_JSON_MEMORY_H
 

@@ -13,7 +13,7 @@ static constexpr bool is_word(const dd_keyword_row& row) {
   return row.text != "{" && row.text != "}" && row.text != "=" && row.text != ";";
 }
 
-// Sorted, for the search. The texts are literals, so that each has a terminator.
+// Sorted, for the search. The texts are literals, so that each ends with a NUL byte.
 static constexpr auto KEYWORDS = [] {
   std::array<const char*, dd_count_keywords(is_word)> words{};
   auto end = words.begin();
@@ -26,7 +26,8 @@ static constexpr auto KEYWORDS = [] {
   return words;
 }();
 
-// How long the keywords of each first letter are, a bit for each: mostly not as long as a name.
+// For each first letter the lengths of its keywords, as a set of bits. For most names this shows
+// already that they are no keywords.
 static constexpr auto LENGTHS = [] {
   std::array<uint32_t, 256> lengths{};
   for (const std::string_view keyword : KEYWORDS) {

@@ -7,7 +7,7 @@ namespace dm {
 
 static constexpr const engine* ENGINES[] = {&SQLITE_ENGINE, &POSTGRES_ENGINE};
 
-// What is not understood may hold a password anywhere.
+// The sentence does not repeat the text: any part of it may be a password.
 static const engine* bad_dictionary(problem& why) {
   why.code = TAV_ERR_BAD_CONF;
   why.sentence = join({"Configuration ", quoted(tav_conf_file()),
@@ -17,7 +17,7 @@ static const engine* bad_dictionary(problem& why) {
   return nullptr;
 }
 
-// None, with the reason, for a text that names no dictionary.
+// The engine for the text; null with the reason where the text names no dictionary.
 static const engine* engine_of(const std::string& dictionary, problem& why) {
   for (const engine* each : ENGINES) {
     if (!each->claims(dictionary)) continue;

@@ -1,4 +1,4 @@
-// Which engine keeps the dictionary that the configuration names.
+// Opening and making the dictionary that the settings name, whichever engine keeps it.
 #ifndef DM_OPEN_H
 #define DM_OPEN_H
 
@@ -7,20 +7,20 @@
 
 namespace dm {
 
-// What is said of a text that names no dictionary, outside of the configuration.
+// The sentence about a text that names no dictionary and is not from tav.conf.
 inline constexpr char NAMES_NO_DICTIONARY[] =
     "the text names no dictionary: expected sqlite:PATH or postgresql://HOST/DATABASE. It is not "
     "repeated here, because it may hold a password.";
 
-// The same dictionary for a text from a command line: a path in it is seen from the working folder,
-// not from tav.conf's.
+// Makes the path of a sqlite: text from a command line absolute, seen from the working folder: the
+// settings would take a relative one from tav.conf's folder. Other texts are given back unchanged.
 std::string seen_from_working_folder(const std::string& dictionary);
 
-// Opens an existing dictionary.
+// Opens an existing dictionary; null with the reason.
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why);
 
-// Makes the dictionary, with what `fill` writes, and says what it is called. Refuses one that is
-// there; a failed or interrupted call leaves nothing behind.
+// Makes the dictionary with what `fill` writes; sets its name for messages. Refuses an existing
+// one. False with the reason; a failed or interrupted call leaves nothing behind.
 bool create_dictionary(const settings& settings, const fill_store& fill, std::string& name,
                        problem& why);
 

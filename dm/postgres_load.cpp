@@ -19,7 +19,8 @@ static std::string program_folder() {
   return program.substr(0, program.rfind('/') + 1);
 }
 
-// Null with the loader's words when it cannot be loaded.
+// Null where the folder has no module, or where it cannot be loaded: then `fault` has the loader's
+// words.
 static void* load_from(const std::string& folder, std::string& path, std::string& fault) {
   path = folder + FILE_NAME;
   if (access(path.c_str(), F_OK) != 0) return nullptr;

@@ -8,10 +8,10 @@
 
 namespace dm {
 
-// They, in no order, with the number, type, description and flags that they are made with.
+// The rows of these fields as a new database holds them, in no particular order; stamp 0, no keys.
 std::span<const field_row> predefined_fields();
 
-// Adds a database with the predefined fields.
+// Adds a database with the predefined fields, in an open write transaction.
 bool make_database(store& store, uint64_t number, problem& why);
 
 }  // namespace dm

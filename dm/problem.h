@@ -17,18 +17,18 @@ struct problem {
   int32_t detail = 0;           // the engine's result code, an errno
   std::string sentence{};       // for the administrator: what was wrong with which field or class
   bool is_unreachable = false;  // the connection to the dictionary is lost
-  bool is_damage = false;       // what is kept is at fault, not the way to it
+  bool is_damage = false;       // what the dictionary holds is at fault, not the access to it
 };
 
 inline bool failed(const problem& why) {
   return why.code != TAV_ERR_NONE;
 }
 
-// The pieces in a row.
+// The pieces as one text.
 std::string join(std::initializer_list<std::string_view> pieces);
 
-// A user's text as part of a sentence: in single quotes, control characters replaced, cut when
-// long.
+// A user's text as part of a sentence: in single quotes, control characters replaced by '?', cut to
+// 200 bytes or a little less (never within a character).
 std::string quoted(std::string_view text);
 
 }  // namespace dm

@@ -1,4 +1,4 @@
-// The questions that every engine is asked, and which one a choice of rows comes to.
+// The SELECT statements, the same for all engines, and which of them gives a choice of rows.
 #ifndef DM_QUERIES_H
 #define DM_QUERIES_H
 
@@ -31,7 +31,7 @@ enum query {
 // The SQL text; parameters are ?1 (the database's row id), ?2 and ?3.
 std::string query_text(query which);
 
-// A query with its parameters behind the database.
+// A query and its parameters after the first, which is the database.
 struct lookup {
   query which;
   int texts = 0;  // how many of the keys are parameters
@@ -40,6 +40,7 @@ struct lookup {
   int32_t number = 0;
 };
 
+// The query that gives this choice of rows.
 lookup field_lookup(const choice& choice);
 lookup class_lookup(const choice& choice);
 lookup table_lookup(const choice& choice);

@@ -1,5 +1,6 @@
-// Rows of the columns that an engine gives: `Columns` has integer(i) and text(i), null for NULL.
-// Each is false for a row that cannot be.
+// Filling a row from the columns of a query of dm/queries.h; their number tells which query it was.
+// `Columns` has count(), integer(i) and text(i), which is borrowed, and null for NULL. False where
+// the columns hold what no dictionary can: NULL as a name, a number beyond 32 bits.
 #ifndef DM_ROWS_H
 #define DM_ROWS_H
 

@@ -1,4 +1,4 @@
-// What the stores have in common beside their rows.
+// The version of the tables, and sentences that all engines use.
 #ifndef DM_SCHEMA_H
 #define DM_SCHEMA_H
 
@@ -8,10 +8,10 @@
 
 namespace dm {
 
-// Raised with every change of the tables, whatever engine keeps them.
+// Raised with every change of the tables of any engine.
 inline constexpr int SCHEMA_VERSION = 1;
 
-// What every engine tells the administrator.
+// Parts of sentences for the administrator.
 inline constexpr char ANOTHER_WRITES[] =
     "another process is writing to it; try again when it has ended";
 inline constexpr char BREAKS_RULES[] =
@@ -22,8 +22,8 @@ inline constexpr char ROWS_SWALLOWED[] =
     "it did not take all changes (a trigger, a rule or row security keeps some away), and nothing "
     "is stored; find what does with 'tav_dict check'";
 
-// A commit that may have been carried out, or not: tells what happened while the changes were
-// committed, and what to do; gives false.
+// The problem of a commit that may or may not have been carried out: `event` is what happened
+// meanwhile, `advice` what to do, `words` the cause as the engine tells it. Gives false.
 inline bool outcome_unknown(std::string_view dictionary, std::string_view event,
                             std::string_view advice, std::string_view words, problem& why) {
   why.is_unreachable = true;

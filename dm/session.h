@@ -1,4 +1,4 @@
-// One session with a dictionary: its transactions, and what it has seen.
+// One session with a dictionary: its transactions, and what it has fetched and written.
 #ifndef DM_SESSION_H
 #define DM_SESSION_H
 
@@ -24,38 +24,41 @@ struct session {
   store_owner store;
   dm::trial trial;
   bool is_writing = false;   // a write transaction is open
-  bool is_reading = false;   // a snapshot is open: of the fetches, or of a trial that cannot write
-  bool has_written = false;  // from then on fetches see the dictionary as it is
+  bool is_reading = false;   // a read transaction is open: of fetches, or of a trial's snapshot
+  bool has_written = false;  // has ended its first snapshot; each fetch begins one of its own
   std::map<uint64_t, seen_database> seen;
 };
 
-// Begins to read: in the session's one snapshot up to its first write, afterwards in one of its
-// own.
+// Begins a read transaction, unless one is open. Up to the session's first write all fetches share
+// one snapshot; afterwards each has its own.
 bool begin_read(session& session, problem& why);
-// Ends what begin_read began, unless it is the session's snapshot.
+// Ends what begin_read began, unless it is the session's shared snapshot.
 void end_read(session& session);
 
-// Leaves the snapshot: what is read from now on is the dictionary as it is.
+// Ends the shared snapshot for good: what is read from now on is the dictionary as it is then.
 void end_snapshot(session& session);
 
-// Begins to write, alone in the dictionary (or goes on, where that has begun).
+// Ends the snapshot and begins a write transaction, which shuts out other writers. Does nothing
+// where one is open.
 bool begin_write(session& session, problem& why);
-// Makes durable what was written since.
+// Commits the write transaction. Where that fails, undo_write must follow.
 bool commit_write(session& session, problem& why);
-// Undoes it.
+// Rolls the write transaction back, if one is open.
 void undo_write(session& session);
 
-// The database that an operation's list names; its counter has room for so many writes.
+// Finds the database that an operation's input names. Refuses an unknown one, and one whose counter
+// has no room for so many writes.
 bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
                    problem& why);
-// The same number without looking: 0 when the list names none.
+// The number of that database, without looking it up; 0 where the input names none.
 uint64_t target_of(const tav_node* input);
 
-// Whether another session has written a row since this one fetched all of its kind.
+// Whether a row with that stamp was written by another session after this one last fetched all rows
+// of its kind. False where it never fetched them.
 bool is_foreign(const session& session, uint64_t database, int64_t seen_database::*fetched,
                 int64_t stamp);
-// Notes that the session has written with that stamp. Without memory for that its write will look
-// like another's, which is refused.
+// Notes a stamp that the session has written. Where there is no memory for the note, its rows look
+// like another session's later, and changing them is refused.
 void note_own(session& session, uint64_t database, int64_t stamp) noexcept;
 
 }  // namespace dm

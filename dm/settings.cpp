@@ -60,7 +60,7 @@ static bool bad_entry(const char* program, const char* key, int32_t code, const 
   return false;
 }
 
-// A file that cannot be used at all is told in the words of its own log.
+// Where tav.conf cannot be used at all, the sentence is the client library's.
 static bool cannot_look_up(const char* key, int32_t code, problem& why) {
   if (*tav_conf_problem() == '\0') return bad_entry(SECTION, key, code, "cannot be read", why);
   why.code = code;
@@ -98,7 +98,8 @@ bool read_settings(settings& settings, problem& why) {
   return read_login(settings, why);
 }
 
-// What may stand above any section, or in the data manager's own: it sees both.
+// The keys that are known where the entry stands. The data manager's own may also stand above any
+// section.
 static std::vector<const char*> known_in(const tav_conf_entry& entry) {
   std::vector<const char*> known;
   if (*entry.section == '\0') known.assign(TAV_COMMON_ENTRIES.begin(), TAV_COMMON_ENTRIES.end());
@@ -106,7 +107,7 @@ static std::vector<const char*> known_in(const tav_conf_entry& entry) {
   return known;
 }
 
-// A line that was meant as something else may hold anything, a password too.
+// Whether a message may repeat the name: a misplaced line may hold anything, even a password.
 static bool is_word(const char* name) {
   return std::all_of(name, name + std::strlen(name),
                      [](char c) { return (dd_fold(c) >= 'a' && dd_fold(c) <= 'z') || c == '_'; });

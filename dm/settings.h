@@ -12,7 +12,8 @@ namespace dm {
 inline constexpr char DEFAULT_DICTIONARY[] = "sqlite:dictionary.db";
 
 struct settings {
-  // sqlite:PATH, with the path as it stands in the file; or another engine's.
+  // Names the dictionary: sqlite:PATH, with the path as it stands in tav.conf, or as another engine
+  // names it.
   std::string dictionary = DEFAULT_DICTIONARY;
   bool fields_writeable = false;
   bool objects_writeable = false;
@@ -21,10 +22,12 @@ struct settings {
   int answer_seconds = 60;  // how long a server may be silent
 };
 
-// False with the reason for an entry that cannot be read; a missing one has its default.
+// Reads the settings from tav.conf; missing entries have their defaults. False with the reason for
+// an entry that cannot be read.
 bool read_settings(settings& settings, problem& why);
 
-// A sentence for each entry that stands where the data manager looks, and that nothing looks for.
+// A sentence for each entry above any section or in section [dm] whose key is unknown: it has no
+// effect.
 std::vector<std::string> unknown_entries();
 
 }  // namespace dm

@@ -39,7 +39,8 @@ static void forget_pending(session& session) {
   session.trial.state = trial_state::OVER;
 }
 
-// A 576 that was refused itself promised nothing.
+// Writes and commits the plan. A user who may not write is refused now, unless the plan is empty:
+// then the 576 itself was refused, and there is nothing to write.
 static bool make_durable(session& session, problem& why) try {
   const bool is_refused =
       session.trial.refusal.code != TAV_ERR_NONE && !session.trial.pending.asked.fields.empty();
@@ -49,7 +50,7 @@ static bool make_durable(session& session, problem& why) try {
                                               commit_write(session, why)));
   forget_pending(session);
   return durable;
-} catch (...) {  // what is written in part must not be taken up again
+} catch (...) {  // a part may be written: roll it back
   forget_pending(session);
   throw;
 }
@@ -73,8 +74,8 @@ static const tav_node* next_unmarked(const tav_node* list, uint32_t& position) {
   return field;
 }
 
-// Whether the second list's fields are the first's without the mark of fields that the dictionary
-// had already: same names, types and numbers in the same order.
+// Whether `unmarked` has the fields of `all` that are not marked as held by the dictionary already:
+// same names, types and numbers in the same order.
 static bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked) {
   uint32_t position = 0;
   uint32_t other_position = 0;
@@ -93,7 +94,7 @@ static bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked) 
 
 // Whether a 585 names exactly the fields that the provisional 576 would have added.
 static bool ends_trial(const session& session, uint32_t opcode, const tav_node* input) {
-  if (session.trial.pending.request == nullptr) return false;  // it could not even be copied
+  if (session.trial.pending.request == nullptr) return false;  // there was no memory to copy it
   if (opcode != TCM_OP_SDK_DEL_FLD_SPECS || target_of(input) != session.trial.pending.target)
     return false;
   return same_unmarked_fields(tav_node_of(session.trial.pending.request.get()), input);

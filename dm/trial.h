@@ -1,9 +1,11 @@
-// The provisional 576 of a session: what it would write, and what decides whether that is real.
+// The provisional 576: the first 576 of a session may be part of a trial, and only the operation
+// after it tells.
 //
-// The first 576 attempted in a session is provisional: what it would write is kept in `pending`,
-// with the dictionary held against other writers, until the next operation tells whether it was
-// a trial (nothing is ever written) or real (it is made durable first). A user who may not write
-// the store tries on a snapshot, which holds nobody; what would make that real is refused.
+// So it writes nothing at first. Its plan is kept in `pending`, with a write transaction open that
+// shuts out other writers. If a 578 with the trial flag follows, or a 585 that deletes the very
+// fields, it was a trial and is never written. If anything else follows, or the session ends, it is
+// real: it is written and committed before that. A user who may not write the store gets a read
+// snapshot in place of the write transaction; making that real is refused.
 #ifndef DM_TRIAL_H
 #define DM_TRIAL_H
 
@@ -15,7 +17,7 @@ struct session;
 
 enum class trial_state {
   NONE_YET,   // no 576 was attempted
-  UNDECIDED,  // the first 576 was, and nothing since
+  UNDECIDED,  // the first 576 was, and no operation since
   TRIED,      // it was a trial: a 578 with the trial flag followed
   OVER        // every operation is an ordinary one
 };
@@ -26,22 +28,23 @@ struct trial {
   problem refusal{};  // why the pending 576 cannot become real; code 0 when it can
 };
 
-// Whether the 576 that is attempted now is the provisional one: the session's first. If so the
-// session is undecided from now on, whatever comes of it.
+// Whether the 576 that begins now is the provisional one: the session's first. If so, the state is
+// UNDECIDED from now on, even if the 576 fails.
 bool opens_trial(session& session);
 
-// As begin_write, for what may turn out to be a trial: where this user may not write the store, one
-// snapshot takes the place of the lock, and the refusal is kept.
+// As begin_write, for what may turn out to be a trial: where this user may not write the store,
+// begins a read snapshot instead and keeps the refusal.
 bool begin_trial(session& session, problem& why);
 
-// Decides what the provisional 576 was, now that this operation follows. False when it was real and
-// cannot be made durable. `done`: the operation was the trial's last and is carried out thereby.
+// Decides, by the operation that follows, whether the provisional 576 was a trial. False where it
+// was real and cannot be committed. `done`: the operation is a 585 that deletes just the fields of
+// the trial; they were never written, so nothing is left to do.
 bool settle_trial(session& session, uint32_t opcode, uint32_t flags, const tav_node* input,
                   bool& done, problem& why);
 // The same for the end of the session.
 bool settle_at_end(session& session, problem& why);
 
-// Ends what an operation left open: nothing may stay so but the provisional 576's transaction.
+// Ends the transaction that an operation left open, unless it is the provisional 576's.
 void clean_up(session& session);
 
 }  // namespace dm

@@ -1,4 +1,4 @@
-// check: the databases of the dictionary, and what the engine itself finds.
+// The command check: the engine's own test, then each database.
 #include "dict/check/check.h"
 
 #include <iostream>
@@ -56,7 +56,7 @@ static bool check_databases(checker& check) {
   return true;
 }
 
-// Whether the store's failure is damage, which a check is there to find.
+// Whether the store failed because of damage; that is then a finding, not a failure of the check.
 static bool is_damage(checker& check) {
   if (!check.why.is_damage) return false;
   tell(check, check.why.sentence);

@@ -1,4 +1,4 @@
-// Every rule that the operations keep, over what a store holds.
+// Tests what a store holds against every rule that the operations keep.
 #ifndef DICT_CHECK_CHECK_H
 #define DICT_CHECK_CHECK_H
 
@@ -15,23 +15,24 @@ struct checker {
   dm::store& store;
   std::ostream& out;     // gets a line for each finding
   int64_t findings = 0;  // so far
-  dm::problem why{};     // why the check itself had to end
+  dm::problem why{};     // why the check could not go on
   progress shown{"checking"};
 };
 
-// Checks all that the store holds, in an open transaction. False when the store fails; a damaged
-// one is a finding.
+// Checks all that the store holds, in an open transaction. False when the store fails; damage is a
+// finding.
 bool check_store(checker& check);
 
-// Its parts, for one database; false when the store fails.
+// Check the fields, and the classes and tables, of one database; false when the store fails.
 bool check_fields(checker& check, const dm::database_row& database);
 bool check_classes(checker& check, const dm::database_row& database);
 
-// Finds a row id after which there may be no other.
+// Reports a row id below 1, or so high that there may be no room for the next. `thing` begins the
+// sentence.
 void check_row_id(checker& check, const dm::database_row& database, std::string_view thing,
                   int64_t id);
 
-// Tells a finding in a database, in a sentence.
+// Prints a finding in a database and counts it.
 void tell(checker& check, const dm::database_row& database, std::string_view sentence);
 
 }  // namespace dict

@@ -11,7 +11,7 @@ namespace dict {
 
 namespace {
 
-// Rows are kept before they are judged: the rules ask the store, too.
+// A copy of a row. All are copied before the first is checked, because the rules need the others.
 struct kept_class {
   int64_t id;
   std::string key, name;
@@ -25,7 +25,7 @@ struct class_check {
   dm::class_world world;
   dm::class_reader reader{};
   std::vector<kept_class> classes{};
-  std::vector<dm::class_row> rows{};             // of the same, borrowed
+  std::vector<dm::class_row> rows{};             // the same; texts are borrowed from `classes`
   std::multimap<int64_t, std::string> tables{};  // folded names by class
 };
 
@@ -54,7 +54,8 @@ static bool keep_rows(class_check& run) {
                              run.check.why);
 }
 
-// Takes the tables that dd_tables gives the class; false where they are others than its own.
+// Removes the tables that dd_tables gives the class from run.tables. Whether they are `own`, those
+// of its definition.
 static bool take_tables(class_check& run, int64_t id, const std::vector<std::string>& own) {
   std::vector<std::string> wanted;
   for (const std::string& table : own) wanted.push_back(dm::folded(table));
@@ -67,7 +68,7 @@ static bool take_tables(class_check& run, int64_t id, const std::vector<std::str
   return wanted == present;
 }
 
-// Whether the class is sound; gives its tables.
+// Whether the definition keeps all rules. Gives the tables that it names.
 static bool check_definition(class_check& run, const dm::class_row& row,
                              std::vector<std::string>& tables) {
   dd_flist list;
@@ -120,7 +121,8 @@ bool check_classes(checker& check, const dm::database_row& database) {
     check_one(run, row, previous);
     step(check.shown);
     previous = &row;
-    // A class above or below that cannot be read is told as itself.
+    // A damaged superclass or subclass (the field is then TAV_FLD_NAME) is reported in its own
+    // turn.
     if (dm::failed(run.world.why) && run.world.why.field != TAV_FLD_NAME) {
       return check.why = run.world.why, false;
     }

@@ -12,12 +12,12 @@ namespace dict {
 
 namespace {
 
-// What was met so far, by which later fields are judged.
+// What is known of the fields read so far.
 struct met_fields {
-  std::map<int32_t, std::string> by_number;     // their names
+  std::map<int32_t, std::string> by_number;     // names
   std::set<std::string> keys;                   // folded names
-  std::map<int32_t, std::string> misplaced;     // names of those with another key
-  std::map<std::string, bool> predefined_rows;  // whether they are as they were made, by key
+  std::map<int32_t, std::string> misplaced;     // names of fields with a wrong key, by number
+  std::map<std::string, bool> predefined_rows;  // by key: whether the field is as it was made
 };
 
 }  // namespace
@@ -48,13 +48,13 @@ static void check_field(checker& check, const dm::database_row& database, const 
   }
 }
 
-// A new description is all that a predefined field can get.
+// Whether a predefined field is as it was made. Only its description may change, and not be empty.
 static bool is_as_made(const dm::field_row& row, const dm::field_row& expected) {
   return row.number == expected.number && row.type == expected.type &&
          row.flags == expected.flags && row.descr != nullptr && *row.descr != '\0';
 }
 
-// Fields are found by their keys: one with another key than its folded name never is.
+// Stores find a field by its key, so one whose key is not its folded name would never be found.
 static void note_key(const dm::field_row& row, met_fields& met) {
   const std::string key = row.key != nullptr ? row.key : "";
   if (key != dm::folded(row.name)) met.misplaced.try_emplace(row.number, row.name);

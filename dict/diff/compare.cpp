@@ -1,4 +1,4 @@
-// Pairs what stands on both sides by name, and compares the pairs.
+// Pairs the elements of both sides by name, and compares the pairs.
 #include <unordered_set>
 
 #include "dd/values.h"
@@ -19,7 +19,7 @@ struct both {
   tav_flist_t* after;
 };
 
-// One name: on both sides, or null on one.
+// Two elements with the same name; null where a side has none.
 struct matched {
   tav_flist_t* before;
   tav_flist_t* after;
@@ -27,7 +27,8 @@ struct matched {
 
 }  // namespace
 
-// Names that stand twice are paired in their order. Gives those of `after` first.
+// Pairs the elements. Of several with the same name the first is paired with the first, and so on.
+// Gives the pairs in the order of `after`, then what only `before` has.
 static std::vector<matched> match(const both& sides, tav_ebuf* ebuf) {
   dd_index<dd_by_name> unmatched;
   std::vector<matched> result;
@@ -57,7 +58,7 @@ static difference one_sided(const element_kind& kind, const matched& pair, tav_e
           type_of(kind, element, at(ebuf, HERE)), dd_text(element, kind.name, at(ebuf, HERE))};
 }
 
-// What a pair's values and entries come to together.
+// CHANGED where any value or entry of the pair changes, else KEPT.
 static change verdict(const difference& pair) {
   for (const value_change& value : pair.values) {
     if (!value.is_kept) return change::CHANGED;
@@ -71,7 +72,7 @@ static change verdict(const difference& pair) {
 static void compare_pair(const element_kind& kind, const matched& pair, bool is_deployment,
                          std::vector<difference>& found, tav_ebuf* ebuf);
 
-// Goes no deeper than the dictionary nests its entries: only pairs are looked into.
+// The recursion is no deeper than the dictionary nests entries, because only pairs are compared.
 static void compare_entries(const matched& parent, bool is_deployment,
                             std::vector<difference>& found, tav_ebuf* ebuf) {
   const both sides{ENTRY, TAV_FLD_OBJ_ELEM, parent.before, parent.after};

@@ -1,4 +1,4 @@
-// The command: what is compared with what, and how the result is shown.
+// The command diff: what is compared with what, and how the result is shown.
 #include "dict/diff/diff.h"
 
 #include <unistd.h>
@@ -32,7 +32,7 @@ constexpr char STANDARD_INPUT[] = "-";
 
 }  // namespace
 
-// Everybody can read the list of processes.
+// Refuses a password in --with: everybody can read the list of processes.
 static bool is_without_password(const request& asked, dm::problem& why) {
   if (!tav_text_holds_password(asked.with)) return true;
   why.sentence =
@@ -57,7 +57,7 @@ static bool choose_files(request& asked, dm::problem& why) {
   return why.sentence.empty();
 }
 
-// The databases of both sides: the login's, where the command line chooses none.
+// The databases of both sides. Where the command line chooses none, that of the login.
 static bool choose_databases(const request& asked, const dm::settings& settings, uint64_t& own,
                              uint64_t& other, dm::problem& why) {
   own = settings.database;
@@ -71,7 +71,8 @@ static bool choose_databases(const request& asked, const dm::settings& settings,
   return asked.with_database.empty() || read_database(asked.with_database, other, why);
 }
 
-// What names no dictionary may hold a password: it is not repeated, nor what others say of it.
+// A text that names no dictionary may hold a password: neither it nor another part's message about
+// it is shown.
 static bool fetch_other(const dm::settings& settings, uint64_t database, definitions& after,
                         dm::problem& why) {
   if (fetch(settings, database, after, why)) return true;
@@ -80,7 +81,7 @@ static bool fetch_other(const dm::settings& settings, uint64_t database, definit
   return false;
 }
 
-// Both sides, or the failure told.
+// Reads both sides. DONE, or FAILED with the failure printed.
 static int gather(const request& asked, definitions& before, definitions& after) {
   dm::settings settings;
   dm::problem why;

@@ -59,7 +59,7 @@ difference_counts count(const std::vector<difference>& found);
 
 // Whether `replace` would take the files.
 enum class answer {
-  UNKNOWN,  // it was not asked, or the dictionary was in the way
+  UNKNOWN,  // it was not tried, or the dictionary could not be reached or written
   TAKEN,
   REFUSED
 };
@@ -68,8 +68,8 @@ struct trial_result {
   std::vector<std::string> messages{};  // why not, a line each
 };
 
-// Lets the import check the files, which are gone then, and the dictionary try them; stores and
-// logs nothing. Database 0 is the login's.
+// Lets the import check the files and the dictionary try them; stores and logs nothing. Takes over
+// what `files` holds. Database 0 is the login's. Throws std::bad_alloc.
 trial_result try_replace(definitions& files, uint64_t database);
 
 // Both give the whole output.

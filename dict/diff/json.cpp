@@ -1,4 +1,5 @@
-// The differences for programs; docs/comparing.md tells the shape, which is part of the interface.
+// The differences as JSON, for programs. Its form, described in docs/comparing.md, is part of the
+// interface.
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
@@ -23,7 +24,8 @@ static bool is_utf8(const std::string& text) {
   return true;
 }
 
-// Files may hold any bytes, JSON may not: those of a text that is not UTF-8 show as "?".
+// JSON must be UTF-8. In a text that is not, which a file may hold, each byte above 127 becomes
+// '?'.
 static void put_text(writer& out, std::string text) {
   if (!is_utf8(text)) {
     for (char& c : text) {
@@ -71,7 +73,7 @@ static void put_count(writer& out, const char* key, size_t number) {
   out.Uint64(number);
 }
 
-// Null where it is not known.
+// The member "refused": null where it is not known.
 static void put_refused(writer& out, const trial_result& tried) {
   out.Key("refused");
   if (tried.given == answer::UNKNOWN) {

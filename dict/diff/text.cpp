@@ -24,7 +24,7 @@ struct page {
 
 }  // namespace
 
-// A text may hold anything; a terminal must not take it for an order.
+// Control characters become '?': a terminal would obey them.
 static std::string printable(std::string_view text) {
   std::string result(text);
   for (char& c : result) {

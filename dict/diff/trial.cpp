@@ -9,14 +9,14 @@
 
 namespace dict {
 
-// Of what the import prints, the errors; warnings stop nothing. A display of numbers points to the
-// log, and what would stand there is told with it.
+// Whether a text that the import prints is an error to be shown: warnings stop nothing, and the
+// display of an error buffer only refers to a log record, whose sentence is shown instead.
 static bool is_error(const std::string& text) {
   const auto begins = [&](const char* start) { return text.rfind(start, 0) == 0; };
   return begins("Error: ") && !begins("Error: [location=");
 }
 
-// What has nothing to do with the files: the way to the dictionary, and the right to write.
+// Whether the problem is in reaching or writing the dictionary, not in the files.
 static bool is_about_the_dictionary(const dm::problem& why) {
   static constexpr int32_t CODES[] = {
       TAV_ERR_BUSY,          TAV_ERR_STORAGE,   TAV_ERR_NO_MEM,   TAV_ERR_NOT_CONNECTED,
@@ -25,8 +25,8 @@ static bool is_about_the_dictionary(const dm::problem& why) {
          std::find(std::begin(CODES), std::end(CODES), why.code) != std::end(CODES);
 }
 
-// Want of memory says nothing of the files, wherever the import or the data manager met it; the
-// import tells it by the buffer that it displays.
+// Whether memory ran out in the import or the data manager, which says nothing about the files. The
+// import shows it only by displaying its error buffer.
 static bool lacks_memory(const std::vector<std::string>& texts,
                          const std::vector<dm::problem>& problems) {
   const std::string sign = tav_taverr_to_str(TAV_ERR_NO_MEM);
@@ -63,7 +63,7 @@ trial_result try_replace(definitions& files, uint64_t database) {
   state.entries = std::move(files.entries);
   std::vector<std::string> texts;
   std::vector<dm::problem> problems;
-  tav_err_set_level(0);  // the logs are about deployments: what is said here is told at once
+  tav_err_set_level(0);  // no log records: logs are about deployments, and this only tries one
   dd_take_errors(&texts);
   dm::note_problems(&problems);
   const bool is_taken = tav_deploy_import_try(state) >= 1;

@@ -18,7 +18,7 @@ namespace {
 // An attribute's value in an element.
 struct written {
   std::string text;       // as the language writes it; empty: it writes none
-  bool is_given = false;  // an empty text is none
+  bool is_given = false;  // false also for an empty text
 };
 
 struct element {
@@ -71,7 +71,7 @@ static dd_keeping keeping_of(const element_kind& kind, uint32_t field) {
   return row != nullptr ? row->kept : dd_keeping::NEVER;
 }
 
-// A decimal without the digits that say nothing.
+// A decimal without plus sign, leading zeros, and zeros at the end of its fraction.
 static std::string plain_decimal(std::string text) {
   const bool is_negative = !text.empty() && text[0] == '-';
   text.erase(0, text.find_first_not_of("+-0"));
@@ -88,7 +88,7 @@ static bool is_same(uint32_t field, const std::string& before, const std::string
   return before == after;
 }
 
-// Whether a deployment passes the new value over in silence.
+// Whether a deployment ignores the new value without a message.
 static bool is_passed_over(const element& holder, uint32_t field, const written& after) {
   if (&holder.kind == &CLASS && field == TAV_FLD_SQL_TABLE && dd_is_subclass(holder.name)) {
     return true;  // a subclass needs no table: its own is not stored

@@ -1,4 +1,4 @@
-// The command: what a printed line means and what to do about it.
+// The command explain: what a printed line means and what to do about it.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -28,7 +28,7 @@ static int explain_text(const message_page& page, const std::string& line) {
   return DONE;
 }
 
-// Each line, and below it what it means; a cause that was told is not told again.
+// Prints each line of standard input, and below it what it means, each explanation only once.
 static int explain_input(const message_page& page) {
   int result = DONE;
   std::set<size_t> told;

@@ -6,7 +6,8 @@ namespace dict {
 
 static constexpr std::string_view HEADING = "### `";
 static constexpr std::string_view REMEDY = "To do: ";
-static constexpr std::string_view BETWEEN = ": ";  // what a line says, and whose words it hands on
+// Separates the words that a program or a log puts first from the message.
+static constexpr std::string_view BETWEEN = ": ";
 
 static std::string_view take_line(std::string_view& text) {
   const std::string_view line = text.substr(0, text.find('\n'));
@@ -48,7 +49,7 @@ message_page read_messages(std::string_view page) {
   return result;
 }
 
-// What stands before the next placeholder; the rest of the text begins behind it.
+// Gives the words before the next placeholder, and removes both from the text.
 static std::string_view take_words(std::string_view& text, bool& is_last) {
   size_t at = text.find('%');
   while (at != text.npos && (at + 1 == text.size() || std::string_view("sdc").find(text[at + 1]) ==
@@ -61,7 +62,8 @@ static std::string_view take_words(std::string_view& text, bool& is_last) {
   return words;
 }
 
-// How many characters of the line the text says itself; 0 where it does not fit.
+// How many characters of the line are the text's own, not values of its placeholders; 0 where the
+// line does not match the text.
 static size_t said(std::string_view text, std::string_view line) {
   bool is_last = false;
   std::string_view words = take_words(text, is_last);
@@ -90,12 +92,14 @@ const message* find_message(const message_page& page, std::string_view line) {
   const message* best = nullptr;
   size_t best_said = 0;
   size_t best_length = 1;
-  // Before a message stand a few words of a log or a program, not thousands.
+  // At how many places of the line a message may begin: a program or a log puts only a few words,
+  // each followed by ": ", before it.
   size_t starts = 32;
   for (line = trimmed(line); !line.empty() && starts > 0; --starts) {
     for (const message& each : page.messages) {
       const size_t words = said(each.text, line);
-      // The share of the line that a text says, not the length, tells how well it fits.
+      // Compares shares of the line, not lengths: a match that leaves little to placeholders is
+      // best.
       if (words * best_length <= best_said * line.size()) continue;
       best = &each;
       best_said = words;

@@ -31,7 +31,8 @@ struct message_page {
 // Borrows the page's text.
 message_page read_messages(std::string_view page);
 
-// The message that says most of the line, or of what follows a ": " in it; null where none fits.
+// The message that matches the line, or what follows a ": " in it, with the largest share of its
+// own words; null where none matches.
 const message* find_message(const message_page& page, std::string_view line);
 
 }  // namespace dict

@@ -1,4 +1,4 @@
-// Long work shows on a terminal that it lives: one line on standard error, redrawn.
+// Shows on a terminal how far long work has come: one line on standard error, redrawn.
 //
 //   progress shown{"checking classes", 10000};
 //   for (...) step(shown);             // "checking classes 3,400 of 10,000"

@@ -16,7 +16,7 @@ struct visible {
 };
 std::ostream& operator<<(std::ostream& out, visible piece);
 
-// What standard output would get.
+// The text as `visible` would write it to standard output.
 std::string visible_in_output(std::string_view text);
 
 // The same for a text whose line ends are the program's own.

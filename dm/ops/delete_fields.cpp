@@ -1,4 +1,5 @@
-// 585: deletes fields; all or nothing. What the dictionary does not hold so is left alone.
+// 585: deletes fields, all or none. Passes over those that the dictionary does not hold with the
+// same name, number and type.
 #include "dd/index.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/class_world.h"
@@ -18,7 +19,7 @@ static bool bad(operation& op, const field_row& row, int32_t elem_id, int32_t co
 }
 
 static bool may_go(operation& op, const field_row& row, int32_t elem_id, uint64_t database) {
-  if (!op.session.settings.fields_writeable) return true;  // refused for that as a whole
+  if (!op.session.settings.fields_writeable) return true;  // delete_fields refuses all of them
   if ((row.flags & DD_FIELD_PREDEFINED) != 0) {
     return bad(op, row, elem_id, TAV_ERR_IN_USE, "is predefined and cannot be deleted.");
   }
@@ -27,7 +28,8 @@ static bool may_go(operation& op, const field_row& row, int32_t elem_id, uint64_
              "was written by another session since this one fetched the fields; run again.");
 }
 
-// The fields of the request that the dictionary holds just so.
+// The fields of the request that the dictionary holds with the same name, number and type. False
+// where one must not be deleted.
 static bool find_doomed(operation& op, const database_row& database,
                         std::vector<doomed_field>& doomed) {
   store* store = op.session.store.get();
@@ -56,7 +58,7 @@ static bool find_doomed(operation& op, const database_row& database,
 
 using doomed_names = dd_index<dd_by_name, int64_t>;
 
-// Looks for the first entry of the class that is one of the fields.
+// False, with the problem, where an entry of the class uses one of the fields.
 static bool uses_none(operation& op, const class_def& definition, const doomed_names& names,
                       const std::vector<doomed_field>& doomed) {
   for (const entry_def& entry : definition.entries) {
@@ -107,13 +109,13 @@ dd_flist delete_fields(operation& op) {
   if (!find_doomed(op, database, doomed)) return nullptr;
   if (doomed.empty()) return nothing_to_give(op);
   if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
-  // Again, alone in the dictionary: it may have changed.
+  // Again in a write transaction: the dictionary may have changed since.
   if (!begin_write(op.session, op.why)) return nullptr;
   if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   if (!find_doomed(op, database, doomed)) return nullptr;
   if (doomed.empty()) return nothing_to_give(op);
   if (!are_unused(op, database.id, doomed)) return nullptr;
-  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  dd_flist output = nothing_to_give(op);  // before the commit: after it nothing may fail
   if (output == nullptr || !delete_all(op, database, doomed)) return nullptr;
   return output;
 }

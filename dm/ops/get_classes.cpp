@@ -20,7 +20,7 @@ struct class_fetch {
   class_reader reader{};
   int32_t count = 0;
   std::unordered_set<int64_t> given{};
-  std::deque<std::string> tops{};  // all below them was given
+  std::deque<std::string> tops{};  // classes whose subclasses were all given
   dd_index<dd_by_name, bool> tops_by_name{};
 };
 
@@ -43,7 +43,8 @@ static bool get(class_fetch& fetch, const choice& which) {
          !failed(fetch.op.why);
 }
 
-// Whether the class was given, if it is there, with one above it or with all below itself.
+// Whether the class or a superclass was asked for with /* before: then the class, if it exists, was
+// given.
 static bool was_given(const class_fetch& fetch, const std::string& name) {
   dd_hash_of_beginnings hashes(name.c_str());
   for (size_t cut = name.find('/');; cut = name.find('/', cut + 1)) {

@@ -1,4 +1,4 @@
-// The operations of the data manager, each on a session whose provisional 576 is settled.
+// The operations of the data manager. Before each of them settle_trial (dm/trial.h) is called.
 #ifndef DM_OPS_OPERATIONS_H
 #define DM_OPS_OPERATIONS_H
 
@@ -6,7 +6,7 @@
 
 namespace dm {
 
-// What one operation works on and says.
+// One operation: its input, and what it reports.
 struct operation {
   dm::session& session;
   const tav_flist_t* list;
@@ -16,18 +16,18 @@ struct operation {
   std::vector<std::string> notes{};  // sentences for the DM's tavlog, once it has succeeded
 };
 
-// Each gives the output list, or none with the problem set.
+// Each gives the output list, or null with the problem set.
 dd_flist get_fields(operation& op);     // 575
 dd_flist set_fields(operation& op);     // 576
 dd_flist get_classes(operation& op);    // 577
 dd_flist set_classes(operation& op);    // 578
 dd_flist delete_fields(operation& op);  // 585
 
-// An empty output list.
+// An empty output list; null with the problem set where memory ran out.
 dd_flist nothing_to_give(operation& op);
-// Sets the problem; gives none.
+// Sets the problem; gives null.
 dd_flist refuse(operation& op, int32_t code, uint32_t field, std::string sentence);
-// The refusal of writes that the configuration does not allow.
+// Refuses a write because `entry` of tav.conf does not allow it; gives null.
 dd_flist refuse_writes(operation& op, const char* entry);
 
 }  // namespace dm

@@ -9,17 +9,18 @@ namespace dm {
 
 namespace {
 
-// A class that is there already.
+// The class that a class of the list replaces.
 struct old_class {
-  int64_t id = 0;  // 0: there is none
+  int64_t id = 0;  // 0: there is none; -1: one that is earlier in the list of a trial
   int64_t stamp = 0;
-  std::string text;  // its definition
-  dd_flist list;     // what the definition borrows
+  std::string text;  // its definition as JSON
+  dd_flist list;     // that the definition borrows its values from
   class_def definition;
 };
 
-// One run of the operation. In earnest each class is written at once, so that the store gives the
-// state that the next one is judged against; a trial keeps what the next ones may ask for.
+// One run of the operation. A real one writes each class at once, so that the next is checked
+// against what the store then holds. A trial writes nothing; it keeps the definitions that a later
+// class of the list replaces.
 struct class_run {
   operation& op;
   const database_row& database;
@@ -27,17 +28,17 @@ struct class_run {
   class_world world;
   class_writer writer{};
   class_reader reader{};
-  key_set repeated{};            // names that the list holds twice
+  key_set repeated{};            // folded names that the list holds twice
   key_map<std::string> tried{};  // their definitions, in a trial
   bool has_written = false;
-  class_def definition{};  // of the class at hand
+  class_def definition{};  // of the class that set_class works on, as are the tables
   std::vector<std::string> tables{};
   std::vector<std::string> notes{};
 };
 
 }  // namespace
 
-// Above so many classes (in a file) all keys are read at once.
+// For more classes than this all keys are read at once (with a local file; sooner on a server).
 static constexpr uint32_t MANY = 200;
 
 static void find_repeated(class_run& run) {
@@ -52,6 +53,7 @@ static void find_repeated(class_run& run) {
   }
 }
 
+// Finds the class that one of that name would replace; false when the store fails.
 static bool find_old(class_run& run, const char* name, old_class& old) {
   const auto tried = run.tried.find(folded(name));
   store* store = run.op.session.store.get();
@@ -219,7 +221,7 @@ dd_flist set_classes(operation& op) {
   if (!(is_trial ? begin_trial : begin_write)(op.session, op.why)) return nullptr;
   if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
-  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  dd_flist output = nothing_to_give(op);  // before the commit: after it nothing may fail
   if (output == nullptr || !set_all(run) || (!is_trial && !finish(run))) return nullptr;
   return output;
 }

@@ -1,4 +1,4 @@
-// 576: adds fields, or describes known ones anew; all or nothing.
+// 576: adds fields and changes descriptions of stored ones, all or nothing.
 #include "dm/field_request.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/field.h"
@@ -12,7 +12,7 @@ static bool bad(problem& why, const asked_field& field, int32_t code, uint32_t w
   return false;
 }
 
-// Against the field that has its name already.
+// Whether the field has the type and number of the field that has its name already.
 static bool is_the_same(const asked_field& field, int32_t type, int32_t number, problem& why) {
   if (*field.type != type) {
     const char* keyword = dd_type_keyword(type);
@@ -33,7 +33,8 @@ static bool number_is_free(field_request& request, const asked_field& field, pro
                              ": another field has it"}));
 }
 
-// Against the dictionary and what stands earlier in the list.
+// Whether the field agrees with the dictionary and with the fields before it in the list. The last
+// description of a name counts.
 static bool is_acceptable(field_request& request, asked_field& field, problem& why) {
   if (!field.is_well_formed) {
     is_well_formed(field, why);
@@ -53,7 +54,7 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
   return true;
 }
 
-// Takes the field into the plan: only a first mention has a part there.
+// Plans to add or describe the field. Only the first field of each name is planned.
 static bool plan_field(const session& session, field_plan& plan, asked_field& field, problem& why) {
   if (&field_at(plan.asked, field.first_named) != &field) return true;
   const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
@@ -80,7 +81,8 @@ static bool plan_fields(session& session, field_plan& plan, problem& why) {
   return true;
 }
 
-// A failed plan writes nothing. Only a provisional one can do without the right to write.
+// Begins the transaction and fills the plan; on failure the plan is empty. Only a provisional plan
+// can be made without the right to write.
 static bool make_plan(operation& op, field_plan& plan) try {
   const bool is_pending = &plan == &op.session.trial.pending;
   if (!(is_pending ? begin_trial : begin_write)(op.session, op.why)) return false;
@@ -102,7 +104,7 @@ dd_flist set_fields(operation& op) {
   if (dd_failed(ebuf)) return refuse(op, ebuf.err_code, 0, "There is not enough memory.");
   if (!op.session.settings.fields_writeable) return refuse_writes(op, "fields_writeable");
   if (!make_plan(op, plan)) return nullptr;
-  dd_flist output = nothing_to_give(op);  // before the commit: behind it nothing may fail
+  dd_flist output = nothing_to_give(op);  // before the commit: after it nothing may fail
   if (is_first || output == nullptr) return output;
   if (!write_fields(op.session, plan, op.why) || !commit_write(op.session, op.why)) return nullptr;
   return output;

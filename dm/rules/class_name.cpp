@@ -1,4 +1,4 @@
-// The name of a class is a path whose upper part is a class.
+// Rule: a class has a valid name, and its immediate superclass exists.
 #include <cstring>
 
 #include "dd/class_names.h"

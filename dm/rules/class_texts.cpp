@@ -1,4 +1,4 @@
-// Texts of a class are such that the definition language can carry them.
+// Rule: all texts are UTF-8, and texts and decimals are short enough for the definition language.
 #include "dm/rules/class_rules.h"
 #include "dm/rules/text.h"
 
@@ -28,7 +28,7 @@ static const char* fault_of(const void* value, const dd_attribute& row) {
   return fault_of_texts(static_cast<const tav_node*>(value), row);
 }
 
-// The rows that can be at fault, ended by the number of rows: all but the numbers.
+// The indexes of all rows but those of numbers, which keep the rule; N ends them.
 template <size_t N>
 static constexpr auto rows_with_texts(const std::array<dd_attribute, N>& rows) {
   std::array<size_t, N + 1> places{};
@@ -43,7 +43,7 @@ static constexpr auto rows_with_texts(const std::array<dd_attribute, N>& rows) {
 static constexpr auto CLASS_TEXTS = rows_with_texts(CLASS_ATTRIBUTES);
 static constexpr auto ENTRY_TEXTS = rows_with_texts(ENTRY_ATTRIBUTES);
 
-// Calls with each row that is at fault, and with the fault.
+// Calls call(row, fault) for each value that breaks the rule.
 template <size_t N, class Call>
 static void each_fault(const std::array<const void*, N>& values,
                        const std::array<dd_attribute, N>& rows,

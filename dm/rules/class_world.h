@@ -19,10 +19,11 @@ namespace dm {
 
 struct field_request;
 
-// A stored definition that cannot be read.
+// The problem of a stored definition that cannot be read.
 problem damaged_class(const char* name, const char* fault);
 
-// Reads a row's definition; `list` holds what the definition borrows.
+// Reads a row's definition; `list` holds what the definition borrows. False with the problem where
+// it is damaged. Throws std::bad_alloc.
 bool load_class(class_reader& reader, const class_row& row, dd_flist& list, class_def& definition,
                 problem& why);
 
@@ -94,7 +95,7 @@ class class_world {
   store& store_;
   int64_t database_;
   const field_request* asked_ = nullptr;
-  std::vector<int32_t> planned_types_;  // by position in there; ABSENT of what is not planned
+  std::vector<int32_t> planned_types_;  // by position in asked_->fields; ABSENT: not planned
   class_reader reader_;
   name_cache fields_;
   name_cache classes_;                // ids
@@ -103,8 +104,8 @@ class class_world {
   std::deque<line_class> lines_;
   dd_index<dd_by_name, line_class*> lines_by_key_;
   std::map<std::string_view, line_class*> accepted_;  // by key
-  key_map<std::string> moved_;                        // table to its class, "" for none
-  std::optional<std::span<const class_row>> known_;
+  key_map<std::string> moved_;  // keys of accepted classes by their tables; "": dropped by one
+  std::optional<std::span<const class_row>> known_;  // all stored classes, where they were given
 };
 
 }  // namespace dm

@@ -1,4 +1,4 @@
-// Every entry's field is defined, with the entry's type.
+// Rule: the field of each entry is defined, and has the entry's type.
 #include "dm/rules/class_rules.h"
 
 namespace dm {

@@ -16,10 +16,10 @@ struct field_def {
   std::optional<int32_t> type;
 };
 
-// The first fault, with the field concerned and a sentence.
+// Whether the definition keeps the rules; else the problem is the first fault.
 bool is_well_formed(const field_def& field, problem& why);
 
-// A problem with a field, in one sentence; gives false.
+// Sets the problem to "Field 'NAME' FAULT."; `which` is the attribute at fault. Gives false.
 bool blame_field(const char* name, int32_t code, uint32_t which, std::string_view fault,
                  problem& why);
 

@@ -1,4 +1,4 @@
-// The name of a top-level array or substruct stands once along a line of classes.
+// Rule: no top-level array or substruct has the name of one in a superclass or a subclass.
 #include <algorithm>
 
 #include "dm/folded.h"
@@ -8,8 +8,8 @@ namespace dm {
 
 using own_container = std::pair<std::string, const entry_def*>;  // by folded name
 
-// The class's containers whose names the other has too, in their order. Both are sorted; what is
-// less is sought in the other.
+// The class's own containers whose names are among the given ones, in the order of the definition.
+// Both inputs are sorted; each name of the shorter one is searched in the longer one.
 static std::vector<const entry_def*> common(const std::vector<own_container>& own,
                                             const std::vector<std::string>& names) {
   std::vector<const entry_def*> entries;

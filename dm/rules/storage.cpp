@@ -1,4 +1,4 @@
-// Every class and field has its table or column, and no two share one.
+// Rule: each base class and each entry names its table or column, and no two share one.
 #include <algorithm>
 
 #include "dd/class_names.h"
@@ -7,7 +7,7 @@
 
 namespace dm {
 
-// Up to the next blank.
+// The text up to its first blank.
 static std::string_view word(std::string_view text) {
   return text.substr(0, text.find(' '));
 }
@@ -17,7 +17,7 @@ static std::string_view word_after(std::string_view text, std::string_view mark)
   return at == std::string_view::npos ? "" : word(text.substr(at + mark.size()));
 }
 
-// The column is looked for in front of the table's end only, as the import does.
+// A column after the table's name does not count, as in the import.
 buf_storage storage_of_buf(std::string_view text) {
   const std::string_view table = word_after(text, "T=");
   if (table.empty()) return {};
@@ -69,7 +69,7 @@ static void check_tables(const class_def& definition, class_world& world,
         join({"has the table ", quoted(*twice), " twice"}), result);
 }
 
-// The columns of the entries that share a parent are those of one table.
+// Entries with the same parent are stored in one table, so their columns must differ.
 static void check_columns(const class_def& definition, findings& result) {
   std::vector<const entry_def*> scalars;
   for (const entry_def& entry : definition.entries) {

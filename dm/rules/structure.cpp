@@ -1,4 +1,4 @@
-// Where entries may stand, and which may have system permission.
+// Rule: where entries may stand, and which may have system permission.
 #include <algorithm>
 
 #include "dd/class_names.h"

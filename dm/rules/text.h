@@ -1,4 +1,4 @@
-// Which texts and names a dictionary takes: those that the definition language can carry.
+// Which texts and names a dictionary takes: those that the definition language can write.
 #ifndef DM_RULES_TEXT_H
 #define DM_RULES_TEXT_H
 

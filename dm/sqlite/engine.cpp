@@ -14,7 +14,7 @@ static bool has_prefix(const std::string& dictionary) {
   return dictionary.compare(0, PREFIX.size(), PREFIX) == 0;
 }
 
-// A path is told to everybody, so a server's address behind the prefix is none.
+// Messages show the path, so a text that may hold a password (a server's address) is not taken.
 static bool names_a_path(const std::string& dictionary) {
   return dictionary.size() > PREFIX.size() && !tav_text_holds_password(dictionary);
 }
@@ -32,7 +32,8 @@ std::string seen_from_working_folder(const std::string& dictionary) {
   return join({PREFIX, path.string()});
 }
 
-// Without a tav.conf there is no entry to correct.
+// Where there is no tav.conf, the default dictionary was looked for: the sentence then asks for a
+// tav.conf, not for a correction of its entry.
 static void name_what_is_missing(const std::string& dictionary, problem& why) {
   const bool is_named = *tav_conf_file() != '\0' || dictionary != DEFAULT_DICTIONARY;
   if (why.code == TAV_ERR_NOT_FOUND && !is_named) why.sentence = tav_conf_problem();

@@ -21,7 +21,8 @@ static bool refuse(problem& why, int32_t code, int detail, std::string sentence)
 
 // --- What is there ----------------------------------------------------------------------------
 
-// Whether the effective user may access the file so; the engine's accesses are judged like that.
+// Whether the effective user may access the file in that mode. The real user does not count: the
+// system tests the engine's accesses by the effective one too.
 static bool is_allowed(const std::string& path, int mode) {
   return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
 }
@@ -63,7 +64,8 @@ static bool cannot_be_found(const std::string& path, int error, problem& why) {
                       "'dictionary' of section [dm], or make it with 'tav_dict init'."}));
 }
 
-// The engine opens what has these names without a look, and would wait for a pipe.
+// False, with the problem, where one of the engine's names beside the dictionary is taken by
+// something that is no file: the engine would open it unseen, and wait for ever for a pipe.
 static bool has_files_beside(const std::string& path, const std::string& file, problem& why) {
   struct stat found {};
   for (const char* ending : {"-wal", "-shm", "-journal"}) {

@@ -13,6 +13,7 @@
 namespace dm {
 
 // A file without a name (O_TMPFILE), or with a temporary one where the file system cannot do that.
+// While it has the temporary name, signals are blocked: one that ends the process would leave it.
 struct nameless_file {
   explicit nameless_file(const std::string& folder) : fd(open_in(folder)) {
     if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT)) return;
@@ -44,7 +45,8 @@ struct nameless_file {
     const bool renamed =
         renameat2(AT_FDCWD, passing_name.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0;
     if (renamed) forget();
-    // Network file systems cannot rename so. If two names are left there, opening refuses the file.
+    // Network file systems refuse RENAME_NOREPLACE. If the process is killed between link and
+    // unlink there, two names are left, and opening refuses the file.
     return renamed || (errno == EINVAL && link(passing_name.c_str(), path.c_str()) == 0);
   }
 

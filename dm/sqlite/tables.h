@@ -9,7 +9,6 @@ inline constexpr int DICTIONARY_MARK = 0x54415644;
 
 // SQL that makes all tables and views. The schema's version (SCHEMA_VERSION in dm/schema.h) is kept
 // in the file as its user version.
-
 extern const char DICTIONARY_SCHEMA[];
 
 }  // namespace dm
