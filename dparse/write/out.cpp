@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "dd/report.h"
-#include "dparse/read/state.h"
+#include "dparse/failures.h"
 #include "dparse/tokens.h"
 #include "dparse/write/writer.h"
 
@@ -177,7 +177,7 @@ int dparse_export_fail(dparse_out& out, dd_site site, const char* text) {
 
 int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf) {
   dparse_flush(out);
-  dd_print_error_text(DPARSE_INTERNAL_ERROR);
+  dd_print_error_text(dparse::INTERNAL_ERROR_TEXT);
   dd_log(site, "flist error", ebuf);
   return -1;
 }

@@ -2,7 +2,7 @@
 #include "dparse/write/storage.h"
 
 #include "dparse/buf_storage.h"
-#include "dparse/read/state.h"
+#include "dparse/failures.h"
 #include "dparse/tokens.h"
 #include "dparse/write/writer.h"
 
@@ -32,7 +32,7 @@ int dparse_put_sql_names(dparse_out& out, int type_code, const char* name_text,
       dparse_put_quoted(out, DPARSE_KEY_SQL_COLUMN, name_text, indent);
       return 1;
   }
-  return dparse_export_fail_as(out, HERE, DPARSE_INTERNAL_ERROR, DPARSE_INVALID_TYPE);
+  return dparse_export_fail_as(out, HERE, dparse::INTERNAL_ERROR_TEXT, dparse::INVALID_TYPE_TEXT);
 }
 
 int dparseExportClassImplFieldAttrs(FILE* stream, int type_code, const char* name_text,
