@@ -5,10 +5,10 @@
 
 #include "dd/fold.h"
 #include "dd/values.h"
+#include "dparse/class_names.h"
 #include "dparse/read/element.h"
 #include "dparse/read/state.h"
 #include "dparse/read/values.h"
-#include "dparse/write/writer.h"
 
 static constexpr char MODULE[] = "dparse";
 

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "dparse/read/reader.h"
-#include "dparse/write/writer.h"
+#include "dparse/class_names.h"
 
 static constexpr char MODULE[] = "dparse_export";
 
