@@ -7,7 +7,8 @@
 
 #include "dd/values.h"
 #include "dparse/attributes.h"
-#include "dparse/read/entry.h"
+#include "dparse/read/element.h"
+#include "dparse/read/lexer.h"
 #include "dparse/read/state.h"
 
 static constexpr char MODULE[] = "dparse";

@@ -1,6 +1,7 @@
-#include "dparse/read/entry.h"
-
+// Field entries: what stands around their blocks.
 #include "dd/values.h"
+#include "dparse/read/element.h"
+#include "dparse/read/lexer.h"
 #include "dparse/read/state.h"
 
 static constexpr char MODULE[] = "dparse";

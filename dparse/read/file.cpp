@@ -42,7 +42,8 @@ static int read_file(FILE* stream, dd_list* field_list, dd_list* class_list, dd_
   return 1;
 }
 
-// What an input error cut short is neither right nor wrong: the error is the result.
+// After an input error the result says only that: the text that was read may be incomplete, so that
+// neither success nor a message about it would be true.
 int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
                      const char* filter) {
   dparse_reset();

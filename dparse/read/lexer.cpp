@@ -58,7 +58,7 @@ int read_word(FILE* stream, int c, char* text, size_t room, size_t& length) {
     text[0] = static_cast<char>(c);
     length = static_cast<size_t>(read_run(stream, DPARSE_ENDS_WORD, text + 1, text + room) - text);
   }
-  // Also when the word ends right there: deliberate.
+  // Deliberate: this also counts a word that fits exactly.
   if (length == room) dparse_note(message::WORD_TOO_LONG);
   return length == 0 ? DPARSE_TOKEN_EMPTY : dparse_keyword(text, length);
 }

@@ -17,7 +17,8 @@ char dparse_emsg_temp[DPARSE_MESSAGE_SIZE];
 
 // The message that dparse_errmsg holds. NONE also for a text that dparseSetErrMsg was given.
 static message standing = message::NONE;
-// A failure ends the file, so that there is about one for each level of nesting.
+// The first failure ends the file and each level around it logs one more, so that this is room
+// enough for a file; what comes after it is not kept.
 static message logged[DPARSE_MAX_DEPTH + 16];
 static size_t logged_count = 0;
 
