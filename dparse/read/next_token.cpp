@@ -103,15 +103,15 @@ static bool expect(FILE* stream, char single) {
 }
 
 int dparse_expect_equals(FILE* stream) {
-  return expect(stream, '=') ? 1 : dparse_fail(HERE, message::EQUALS_EXPECTED);
+  return expect(stream, '=') ? 1 : dparse::fail(HERE, message::EQUALS_EXPECTED);
 }
 
 int dparse_expect_semicolon(FILE* stream) {
-  return expect(stream, ';') ? 1 : dparse_fail(HERE, message::SEMICOLON_EXPECTED);
+  return expect(stream, ';') ? 1 : dparse::fail(HERE, message::SEMICOLON_EXPECTED);
 }
 
 int dparse_no_open() {
-  return dparse_fail(HERE, message::OPENING_BRACE_EXPECTED);
+  return dparse::fail(HERE, message::OPENING_BRACE_EXPECTED);
 }
 
 int dparse_expect_open(FILE* stream) {
