@@ -11,11 +11,12 @@
 #include <cstdio>
 
 #include "dd/list.h"
+#include "dd/longest_text.h"
 #include "dd/vantor.h"
 #include "dparse/tokens.h"
 
 // --- Error state ------------------------------------------------------------------------------
-inline constexpr size_t DPARSE_TEXT_SIZE = 2048;  // of token texts and values, terminator included
+inline constexpr size_t DPARSE_TEXT_SIZE = DD_LONGEST_TEXT + 1;  // of token texts and values
 inline constexpr size_t DPARSE_MESSAGE_SIZE = 4224;
 
 extern char dparse_fname[DPARSE_TEXT_SIZE];         // name of the file being read

@@ -1,7 +1,7 @@
 // How a field entry is stored: which of its SQL attributes are written depends on its type.
 #include "dparse/write/storage.h"
 
-#include "dparse/buf_storage.h"
+#include "dd/buf_storage.h"
 #include "dparse/read/state.h"
 #include "dparse/tokens.h"
 #include "dparse/write/writer.h"
@@ -11,7 +11,7 @@ static constexpr char MODULE[] = "dparse_export";
 static void put_part(dparse_out& out, int keyword, const char* text, std::string_view mark,
                      int indent) {
   if (text == nullptr) return;
-  dparse_put_quoted(out, keyword, std::string(dparse_sql_part(text, mark)).c_str(), indent);
+  dparse_put_quoted(out, keyword, std::string(dd_buf_part(text, mark)).c_str(), indent);
 }
 
 int dparse_put_sql_names(dparse_out& out, int type_code, const char* name_text,
@@ -23,12 +23,12 @@ int dparse_put_sql_names(dparse_out& out, int type_code, const char* name_text,
       dparse_put_quoted(out, DPARSE_KEY_SQL_STORAGE, storage_text, indent);
       return 1;
     case TAV_FLDT_BUF:
-      put_part(out, DPARSE_KEY_SQL_TABLE, name_text, DPARSE_TABLE_MARK, indent);
-      put_part(out, DPARSE_KEY_SQL_COLUMN, name_text, DPARSE_COLUMN_MARK, indent);
+      put_part(out, DPARSE_KEY_SQL_TABLE, name_text, DD_TABLE_MARK, indent);
+      put_part(out, DPARSE_KEY_SQL_COLUMN, name_text, DD_COLUMN_MARK, indent);
       dparse_put_quoted(out, DPARSE_KEY_SQL_STORAGE, storage_text, indent);
       return 1;
     default:
-      if (type_code == TAV_FLDT_UNUSED || dd_type_keyword(type_code) == nullptr) break;
+      if (!dd_is_field_type(type_code)) break;
       dparse_put_quoted(out, DPARSE_KEY_SQL_COLUMN, name_text, indent);
       return 1;
   }
