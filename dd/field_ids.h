@@ -59,9 +59,10 @@
   X(TAV_FLD_WRITE_ACCESS, TAV_FLDT_STRING, 1904, "Who may write objects of a class.")              \
   X(TAV_FLD_CREATE_ACCESS, TAV_FLDT_STRING, 1908, "Who may create objects of a class.")
 
+#define DD_HIGHEST_FIELD_NUMBER 0xffffff
 #define DD_FIELD_ID(type, number) (((uint32_t)(type) << 24) + (uint32_t)(number))
 #define DD_FIELD_ID_TYPE(field) ((int32_t)((field) >> 24))
-#define DD_FIELD_ID_NUMBER(field) ((int32_t)((field)&0xffffffu))
+#define DD_FIELD_ID_NUMBER(field) ((int32_t)((field)&DD_HIGHEST_FIELD_NUMBER))
 
 #define DD_ENUM_ROW(name, type, number, description) name = DD_FIELD_ID(type, number),
 enum { DD_FIELD_IDS(DD_ENUM_ROW) };

@@ -24,6 +24,11 @@
 enum { DD_TYPES(DD_ENUM_ROW) };
 #undef DD_ENUM_ROW
 
+// The types whose fields hold entries.
+static inline int dd_is_container(int code) {
+  return code == TAV_FLDT_ARRAY || code == TAV_FLDT_SUBSTRUCT;
+}
+
 // The keyword of a type code; null for an unknown code.
 static inline const char* dd_type_keyword(int code) {
   switch (code) {
@@ -35,6 +40,10 @@ static inline const char* dd_type_keyword(int code) {
     default:
       return 0;
   }
+}
+
+static inline int dd_is_field_type(int code) {
+  return code != TAV_FLDT_UNUSED && dd_type_keyword(code) != 0;
 }
 
 #endif

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "dd/class_names.h"
 #include "dd/list.h"
 #include "dd/report.h"
 #include "dd/values.h"
@@ -91,14 +92,13 @@ static void ask_for_classes(tav_flist_t* request, const tav_deploy_ctx_t& ctx, t
     ask_for(request, DD_CLASSES, id++, ctx.names[i], ebuf);
     if (ctx.include_subclasses != 1) continue;
     char below[2048];
-    tav_snprintf(below, sizeof below, "%s/*", ctx.names[i]);
+    tav_snprintf(below, sizeof below, "%s%s", ctx.names[i], DD_AND_BELOW.data());
     ask_for(request, DD_CLASSES, id++, below, ebuf);
   }
 }
 
 static bool must_be_found(const char* name) {
-  const size_t length = std::strlen(name);
-  return length > 2 && std::strcmp(name + length - 2, "/*") != 0;
+  return std::strlen(name) > DD_AND_BELOW.size() && !dd_asks_for_below(name);
 }
 
 // 1 when every class asked for is there, 0 when not, -1 when the request cannot be walked.

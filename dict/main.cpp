@@ -8,13 +8,12 @@
 #include <sstream>
 
 #include "dd/descriptors.h"
-#include "dd/fold.h"
 #include "dd/last_resort.h"
 #include "dict/commands.h"
 #include "dict/terminal/output.h"
 #include "dict/terminal/visible.h"
+#include "dm/open.h"
 #include "dm/schema.h"
-#include "vantor/binding.h"
 
 static constexpr char DESCRIPTION[] =
     "Makes and looks after the dictionary that tav.conf names.\n"
@@ -50,11 +49,7 @@ static int refuse_extra(const std::vector<std::string>& extra) {
 // name and repeat it. What follows --with is tested by diff.
 static bool is_secret(const char* before, const std::string& argument) {
   if (std::strcmp(before, "--with") == 0 || argument.rfind("--with=", 0) == 0) return false;
-  const auto has = [&](const char* part) { return argument.find(part) != argument.npos; };
-  const bool is_address = has("://") || has("password=") ||
-                          dd_equal(argument.substr(0, 10).c_str(), "postgresql") ||
-                          dd_equal(argument.substr(0, 9).c_str(), "postgres:");
-  return is_address && tav_text_holds_password(argument);
+  return dm::is_misplaced_secret(argument);
 }
 
 static int refuse_password() {

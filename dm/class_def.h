@@ -39,10 +39,6 @@ void read_class(const tav_node* element, int32_t elem_id, class_def& result);
 const char* text_of(const class_def& definition, class_attribute which);
 const char* text_of(const entry_def& entry, entry_attribute which);
 
-inline bool is_container(int32_t type) {
-  return type == TAV_FLDT_ARRAY || type == TAV_FLDT_SUBSTRUCT;
-}
-
 // The indexes of all entries, sorted by parent, then by folded name, then by index.
 std::vector<int32_t> places_by_name(const class_def& definition);
 

@@ -5,11 +5,11 @@
 #include <limits>
 #include <new>
 
+#include "dd/longest_text.h"
 #include "dd/owners.h"
 #include "dm/class_json.h"
 #include "dm/json_memory.h"
 #include "dm/json_run.h"
-#include "dm/rules/text.h"
 
 namespace dm {
 
@@ -170,7 +170,7 @@ class builder {
   }
 
   bool read_decimal(const char* text, size_t length) {
-    if (length > LONGEST_TEXT) return fail("holds a number that is too long");
+    if (length > DD_LONGEST_TEXT) return fail("holds a number that is too long");
     decimals_.emplace_back(tav_decimal(text, &ebuf_));
     return built() && wait(decimals_.back().get());
   }

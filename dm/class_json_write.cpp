@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <charconv>
 
+#include "dd/longest_text.h"
 #include "dm/class_json.h"
 #include "dm/json_memory.h"
 #include "dm/json_run.h"
-#include "dm/rules/text.h"
 
 namespace dm {
 
@@ -47,7 +47,7 @@ static void put_number(int32_t number, json_text& json) {
 }
 
 static void put_decimal(const void* value, json_text& json) {
-  char digits[LONGEST_TEXT + 1];
+  char digits[DD_LONGEST_TEXT + 1];
   *digits = '\0';
   tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits, nullptr);
   put_text(digits, json);

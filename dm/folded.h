@@ -19,6 +19,15 @@ inline std::string folded(std::string_view name) {
   return key;
 }
 
+// The keys below "/a" are those from "/a/" to before "/a0": '0' is the character after '/'.
+struct key_range {
+  std::string from, to;
+};
+inline key_range keys_below(std::string_view key) {
+  const std::string top(key);
+  return {top + "/", top + "0"};
+}
+
 // Instead of std::hash, for which somebody could write a definition file with colliding names.
 struct hash_of_input {
   size_t operator()(std::string_view key) const { return dd_hash(key.data(), key.size()); }

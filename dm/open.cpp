@@ -1,5 +1,7 @@
 #include "dm/open.h"
 
+#include <algorithm>
+
 #include "dm/engine.h"
 #include "vantor/binding.h"
 
@@ -24,6 +26,12 @@ static const engine* engine_of(const std::string& dictionary, problem& why) {
     return each->takes(dictionary) ? each : bad_dictionary(why);
   }
   return bad_dictionary(why);
+}
+
+bool is_misplaced_secret(const std::string& text) {
+  const auto resembles = [&](const engine* each) { return each->resembles(text); };
+  return std::any_of(std::begin(ENGINES), std::end(ENGINES), resembles) &&
+         tav_text_holds_password(text);
 }
 
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why) {

@@ -16,6 +16,10 @@ inline constexpr char NAMES_NO_DICTIONARY[] =
 // settings would take a relative one from tav.conf's folder. Other texts are given back unchanged.
 std::string seen_from_working_folder(const std::string& dictionary);
 
+// Whether a text that names no dictionary may be one's name in a wrong place, with a password in
+// it.
+bool is_misplaced_secret(const std::string& text);
+
 // Opens an existing dictionary; null with the reason.
 store_owner open_dictionary(const settings& settings, const open_options& options, problem& why);
 

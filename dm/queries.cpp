@@ -47,10 +47,9 @@ static lookup by_name(query which, const char* name) {
   return {which, 1, {folded(name), ""}};
 }
 
-// What lies below "/a" lies between "/a/" and "/a0": '0' is the character after '/'.
 static lookup below(query which, const char* name) {
-  const std::string key = folded(name);
-  return {which, 2, {key + "/", key + "0"}};
+  auto [first, behind] = keys_below(folded(name));
+  return {which, 2, {std::move(first), std::move(behind)}};
 }
 
 lookup field_lookup(const choice& choice) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "dd/keywords.h"
+#include "dd/longest_text.h"
 
 #define DPARSE_ENUM_ROW(name, text, number) DPARSE_KEY_##name = number,
 enum { DD_KEYWORDS(DPARSE_ENUM_ROW) };
@@ -22,8 +23,8 @@ enum {
 };
 enum { DPARSE_TOKEN_NUMBERS = DD_KEYWORD_NUMBERS };  // all token numbers are below
 
-inline constexpr size_t DPARSE_TEXT_SIZE = 2048;   // of token texts and values, terminator included
-inline constexpr size_t DPARSE_KEYWORD_SIZE = 24;  // holds every keyword
+inline constexpr size_t DPARSE_TEXT_SIZE = DD_LONGEST_TEXT + 1;  // of token texts and values
+inline constexpr size_t DPARSE_KEYWORD_SIZE = 24;                // holds every keyword
 
 struct dparse_token_row {
   int number;

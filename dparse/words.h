@@ -2,6 +2,7 @@
 #ifndef DPARSE_WORDS_H
 #define DPARSE_WORDS_H
 
+#include "dd/system_permission.h"
 #include "dparse/tokens.h"
 
 struct dparse_word {
@@ -29,11 +30,11 @@ inline constexpr dparse_word DPARSE_AUDIT_SCHEMES[] = {
 inline constexpr dparse_word DPARSE_CREATE_PERMISSIONS[] = {{DPARSE_KEY_REQUIRED, "Required"},
                                                             {DPARSE_KEY_OPTIONAL, "Optional"},
                                                             {DPARSE_KEY_PROHIBITED, "Prohibited"},
-                                                            {DPARSE_KEY_SYSTEM, "System"},
+                                                            {DPARSE_KEY_SYSTEM, DD_SYSTEM},
                                                             {0, nullptr}};
 
 inline constexpr dparse_word DPARSE_MODIFY_PERMISSIONS[] = {
-    {DPARSE_KEY_SYSTEM, "System"},
+    {DPARSE_KEY_SYSTEM, DD_SYSTEM},
     {DPARSE_KEY_WRITEABLE, "Writeable"},
     {DPARSE_KEY_WRITABLE, "Writeable"},
     {DPARSE_KEY_NOT_WRITEABLE, "Not_Writeable"},

@@ -1,6 +1,7 @@
 #include "deploy/import/entries.h"
 
 #include "dd/memory.h"
+#include "dd/system_permission.h"
 #include "dd/values.h"
 #include "deploy/lookup.h"
 
@@ -27,7 +28,7 @@ static tav_deploy_siblings all_of(std::vector<tav_deploy_entry>& entries) {
 }
 
 static bool is_system(tav_flist_t* element, uint32_t permission, tav_ebuf* ebuf) {
-  return dd_equal(dd_text(element, permission, at(ebuf, HERE)), "System");
+  return dd_is_system(dd_text(element, permission, at(ebuf, HERE)));
 }
 
 tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,

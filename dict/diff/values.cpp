@@ -89,7 +89,7 @@ static void compare_value(const element& before, const element& after, const dpa
 }
 
 static std::string keyword_of(int32_t type) {
-  const char* keyword = type != TAV_FLDT_UNUSED ? dd_type_keyword(type) : nullptr;
+  const char* keyword = dd_is_field_type(type) ? dd_type_keyword(type) : nullptr;
   return keyword != nullptr ? keyword : "";
 }
 

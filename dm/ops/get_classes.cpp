@@ -5,6 +5,7 @@
 #include <deque>
 #include <unordered_set>
 
+#include "dd/class_names.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/class_world.h"
 
@@ -71,9 +72,8 @@ static bool get_named(class_fetch& fetch) {
                       "A class is asked for by no name."};
       return false;
     }
-    const size_t length = std::strlen(name);
-    const bool below = length >= 2 && std::strcmp(name + length - 2, "/*") == 0;
-    const std::string top(name, below ? length - 2 : length);
+    const bool below = dd_asks_for_below(name);
+    const std::string top(name, std::strlen(name) - (below ? DD_AND_BELOW.size() : 0));
     if (was_given(fetch, top)) continue;
     if (!get(fetch, {choice::NAMED, top.c_str()})) return false;
     if (below && !get_below(fetch, top)) return false;

@@ -84,7 +84,7 @@ static std::vector<std::string> tables_of(const class_def& definition) {
   for (const entry_def& entry : definition.entries) {
     const char* name = text_of(entry, ENTRY_SQL_NAME);
     if (entry.type == TAV_FLDT_BUF) tables.emplace_back(storage_of_buf(name).table);
-    if (is_container(entry.type)) tables.emplace_back(name);
+    if (dd_is_container(entry.type)) tables.emplace_back(name);
   }
   return tables;
 }

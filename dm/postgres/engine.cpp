@@ -1,7 +1,8 @@
 // Dictionaries on a server, as the programs see them; all the rest is in the module, which is
 // loaded here.
 #include "dm/engine.h"
-#include "dm/postgres_module.h"
+#include "dd/fold.h"
+#include "dm/postgres/module.h"
 
 namespace dm {
 
@@ -11,6 +12,12 @@ static bool is_address(const std::string& dictionary) {
     if (dictionary.compare(0, scheme.size(), scheme) == 0) return true;
   }
   return dictionary.find('=') != std::string::npos;
+}
+
+static bool resembles_address(const std::string& text) {
+  const auto has = [&](const char* part) { return text.find(part) != text.npos; };
+  return has("://") || has("password=") || dd_equal(text.substr(0, 10).c_str(), "postgresql") ||
+         dd_equal(text.substr(0, 9).c_str(), "postgres:");
 }
 
 // What is wrong with an address only the server's client library can tell.
@@ -44,6 +51,7 @@ static bool make_on_server(const settings& settings, const fill_store& fill, std
 const engine POSTGRES_ENGINE = {
     .claims = is_address,
     .takes = takes_all,
+    .resembles = resembles_address,
     .open = open_on_server,
     .make = make_on_server,
 };

@@ -1,5 +1,5 @@
 // The one name that the module exports.
-#include "dm/postgres_module.h"
+#include "dm/postgres/module.h"
 
 #include "dm/postgres/handle.h"
 

@@ -3,6 +3,7 @@
 #ifndef DM_RULES_CLASS_RULES_H
 #define DM_RULES_CLASS_RULES_H
 
+#include "dd/buf_storage.h"
 #include "dm/rules/class_world.h"
 
 namespace dm {
@@ -31,11 +32,8 @@ const char* needless_table(const class_def& definition);
 void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,
                  findings& result);
 
-// The table and the column in the storage text of a BUF entry; empty where the text names none.
-struct buf_storage {
-  std::string_view table, column;
-};
-buf_storage storage_of_buf(std::string_view text);
+// The table and the column in the storage text of a BUF entry. Without a table both are missing.
+dd_buf_storage storage_of_buf(std::string_view text);
 
 // Adds a finding about the class, or about one of its entries.
 void blame(const class_def& definition, int32_t code, uint32_t field, std::string_view fault,

@@ -16,10 +16,10 @@ static const char* fault_of_texts(const tav_node* node, const dd_attribute& row)
 }
 
 static const char* fault_of_decimal(const void* value) {
-  char digits[LONGEST_TEXT + 1];
+  char digits[DD_LONGEST_TEXT + 1];
   tav_ebuf ebuf{};
   tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits, &ebuf);
-  return ebuf.err_code != TAV_ERR_NONE ? "is longer than 2047 bytes" : nullptr;
+  return ebuf.err_code != TAV_ERR_NONE ? TOO_LONG : nullptr;
 }
 
 static const char* fault_of(const void* value, const dd_attribute& row) {

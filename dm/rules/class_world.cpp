@@ -127,7 +127,7 @@ bool class_world::is_other_table(const char* table, const char* class_name) {
 static std::vector<std::string> containers_in(const class_def& definition) {
   std::vector<std::string> names;
   for (const entry_def& entry : definition.entries) {
-    if (entry.depth == 1 && is_container(entry.type))
+    if (entry.depth == 1 && dd_is_container(entry.type))
       names.push_back(folded(text_of(entry, ENTRY_NAME)));
   }
   std::sort(names.begin(), names.end());
@@ -145,15 +145,15 @@ void class_world::accept(const class_def& definition, const std::vector<std::str
   accepted_.try_emplace(line.key, &line);
 }
 
-// The rows with this key or, for KEYS_BELOW, with keys below it: those from "/a/" to before "/a0"
-// are below "/a", because '0' is the character after '/'.
+// The rows with this key or, for KEYS_BELOW, with keys below it.
 static std::span<const class_row> classes_in(std::span<const class_row> all, const choice& wanted) {
   const auto is_before = [](const class_row& row, const std::string& key) { return row.key < key; };
   const std::string key = folded(wanted.name);
-  const bool is_below = wanted.which == choice::KEYS_BELOW;
-  const auto from = std::lower_bound(all.begin(), all.end(), is_below ? key + "/" : key, is_before);
-  const auto to =
-      std::lower_bound(from, all.end(), key + (is_below ? "0" : std::string(1, '\0')), is_before);
+  const auto [first, end] = wanted.which == choice::KEYS_BELOW
+                                ? keys_below(key)
+                                : key_range{key, key + std::string(1, '\0')};
+  const auto from = std::lower_bound(all.begin(), all.end(), first, is_before);
+  const auto to = std::lower_bound(from, all.end(), end, is_before);
   return {from, to};
 }
 
@@ -201,10 +201,10 @@ void class_world::read_containers(line_class& line) {
   stored_classes(named, visit<class_row>(note));
 }
 
-// Keys below "/a" are those from "/a/" to before "/a0": '0' is the character after '/'.
 void class_world::add_accepted_below(const std::string& key, std::vector<line_class*>& lines) {
-  const auto end = accepted_.lower_bound(key + "0");
-  for (auto at = accepted_.lower_bound(key + "/"); at != end; ++at) lines.push_back(at->second);
+  const auto [first, behind] = keys_below(key);
+  const auto end = accepted_.lower_bound(behind);
+  for (auto at = accepted_.lower_bound(first); at != end; ++at) lines.push_back(at->second);
 }
 
 void class_world::add_stored_below(const std::string& key, std::vector<line_class*>& lines) {
@@ -218,8 +218,9 @@ void class_world::add_stored_below(const std::string& key, std::vector<line_clas
     return;
   }
   const auto is_before = [](const stored_class& c, const std::string& k) { return c.key < k; };
-  const auto end = std::lower_bound(stored_.begin(), stored_.end(), key + "0", is_before);
-  auto at = std::lower_bound(stored_.begin(), stored_.end(), key + "/", is_before);
+  const auto [first, behind] = keys_below(key);
+  const auto end = std::lower_bound(stored_.begin(), stored_.end(), behind, is_before);
+  auto at = std::lower_bound(stored_.begin(), stored_.end(), first, is_before);
   for (; at != end; ++at) {
     if (at->line == nullptr) at->line = &line_of(at->key);
     add(*at->line);

@@ -4,7 +4,7 @@
 
 namespace dm {
 
-static constexpr int32_t HIGHEST_NUMBER = 0xffffff;
+static_assert(DD_HIGHEST_FIELD_NUMBER == 16777215, "the sentence below and the tables say it, too");
 
 bool blame_field(const char* name, int32_t code, uint32_t which, std::string_view fault,
                  problem& why) {
@@ -24,14 +24,14 @@ bool is_well_formed(const field_def& field, problem& why) {
   if (!field.type) {
     return blame_field(name, MISSING, TAV_FLD_FIELD_TYPE, "has no type", why);
   }
-  if (*field.type == TAV_FLDT_UNUSED || dd_type_keyword(*field.type) == nullptr) {
+  if (!dd_is_field_type(*field.type)) {
     return blame_field(name, VALUE, TAV_FLD_FIELD_TYPE,
                        join({"has the unknown type ", std::to_string(*field.type)}), why);
   }
   if (!field.number) {
     return blame_field(name, MISSING, TAV_FLD_FIELD_NUM, "has no number", why);
   }
-  if (*field.number < 1 || *field.number > HIGHEST_NUMBER) {
+  if (*field.number < 1 || *field.number > DD_HIGHEST_FIELD_NUMBER) {
     return blame_field(
         name, VALUE, TAV_FLD_FIELD_NUM,
         join({"has the number ", std::to_string(*field.number), "; numbers go from 1 to 16777215"}),

@@ -30,7 +30,7 @@ static std::vector<const entry_def*> common(const std::vector<own_container>& ow
 void check_hierarchy(const class_def& definition, class_world& world, findings& result) {
   std::vector<own_container> own;
   for (const entry_def& entry : definition.entries) {
-    if (entry.depth != 1 || !is_container(entry.type)) continue;
+    if (entry.depth != 1 || !dd_is_container(entry.type)) continue;
     own.emplace_back(folded(text_of(entry, ENTRY_NAME)), &entry);
   }
   if (own.empty()) return;

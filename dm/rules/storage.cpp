@@ -7,22 +7,9 @@
 
 namespace dm {
 
-// The text up to its first blank.
-static std::string_view word(std::string_view text) {
-  return text.substr(0, text.find(' '));
-}
-
-static std::string_view word_after(std::string_view text, std::string_view mark) {
-  const size_t at = text.find(mark);
-  return at == std::string_view::npos ? "" : word(text.substr(at + mark.size()));
-}
-
-// A column after the table's name does not count, as in the import.
-buf_storage storage_of_buf(std::string_view text) {
-  const std::string_view table = word_after(text, "T=");
-  if (table.empty()) return {};
-  const auto end = static_cast<size_t>(table.data() + table.size() - text.data());
-  return {table, word_after(text.substr(0, end), "C=")};
+dd_buf_storage storage_of_buf(std::string_view text) {
+  const dd_buf_storage storage = dd_split_buf(text);
+  return storage.table.empty() ? dd_buf_storage{} : storage;
 }
 
 static void blame_missing(const class_def& definition, const entry_def& entry,
@@ -40,11 +27,11 @@ static void collect_tables(const class_def& definition, std::vector<std::string>
   for (const entry_def& entry : definition.entries) {
     const char* name = text_of(entry, ENTRY_SQL_NAME);
     if (entry.type == TAV_FLDT_BUF) {
-      const buf_storage storage = storage_of_buf(name);
+      const dd_buf_storage storage = storage_of_buf(name);
       if (!storage.table.empty()) tables.emplace_back(storage.table);
       if (storage.table.empty()) blame_missing(definition, entry, "has no table", result);
       if (storage.column.empty()) blame_missing(definition, entry, "has no column", result);
-    } else if (is_container(entry.type)) {
+    } else if (dd_is_container(entry.type)) {
       if (*name != '\0') tables.emplace_back(name);
       if (*name == '\0') blame_missing(definition, entry, "has no table", result);
     } else if (*name == '\0') {
@@ -73,7 +60,7 @@ static void check_tables(const class_def& definition, class_world& world,
 static void check_columns(const class_def& definition, findings& result) {
   std::vector<const entry_def*> scalars;
   for (const entry_def& entry : definition.entries) {
-    if (is_container(entry.type) || entry.type == TAV_FLDT_BUF) continue;
+    if (dd_is_container(entry.type) || entry.type == TAV_FLDT_BUF) continue;
     if (entry.values[ENTRY_SQL_NAME] != nullptr) scalars.push_back(&entry);
   }
   const auto compare = [](const entry_def* a, const entry_def* b) {

@@ -1,7 +1,6 @@
 // Rule: where entries may stand, and which may have system permission.
-#include <algorithm>
-
 #include "dd/class_names.h"
+#include "dd/system_permission.h"
 #include "dm/rules/class_rules.h"
 
 namespace dm {
@@ -9,22 +8,12 @@ namespace dm {
 static constexpr int32_t BAD = TAV_ERR_BAD_VALUE;
 
 static bool is_system(const entry_def& entry, entry_attribute which) {
-  const char* permission = text_of(entry, which);
-  return dd_fold(*permission) == 's' && dd_equal(permission, "System");
-}
-
-// The fields that a base class may carry with system permission.
-static bool may_be_system(const char* name) {
-  static constexpr const char* NAMES[] = {"TAV_FLD_CREATED_T",     "TAV_FLD_MOD_T",
-                                          "TAV_FLD_READ_ACCESS",   "TAV_FLD_WRITE_ACCESS",
-                                          "TAV_FLD_CREATE_ACCESS", "TAV_FLD_POID"};
-  return std::any_of(std::begin(NAMES), std::end(NAMES),
-                     [name](const char* special) { return dd_equal(special, name); });
+  return dd_is_system(text_of(entry, which));
 }
 
 static void check_top_level(const class_def& definition, const entry_def& entry, findings& result) {
   const bool below = dd_is_subclass(text_of(definition, CLASS_NAME));
-  if (below && !is_container(entry.type)) {
+  if (below && !dd_is_container(entry.type)) {
     blame(definition, entry, BAD, TAV_FLD_FIELD_TYPE,
           "stands outside of an array or substruct, which a subclass does not allow", result);
   }
@@ -33,14 +22,14 @@ static void check_top_level(const class_def& definition, const entry_def& entry,
   }
   for (const entry_attribute which : {ENTRY_CREATE, ENTRY_MODIFY}) {
     if (!is_system(entry, which)) continue;
-    if (!below && may_be_system(text_of(entry, ENTRY_NAME))) return;
+    if (!below && dd_may_be_system(text_of(entry, ENTRY_NAME))) return;
     blame(definition, entry, BAD, ENTRY_ATTRIBUTES[which].field,
           "has system permission, which only special fields of a base class may have", result);
   }
 }
 
 static const char* nesting_fault(const entry_def& entry, const entry_def& parent) {
-  if (!is_container(parent.type)) return "stands in a field that is no array or substruct";
+  if (!dd_is_container(parent.type)) return "stands in a field that is no array or substruct";
   if (entry.type == TAV_FLDT_SUBSTRUCT) return "is a substruct below the top level";
   if (entry.type != TAV_FLDT_ARRAY) return nullptr;
   if (parent.type == TAV_FLDT_SUBSTRUCT) return "is an array in a substruct";

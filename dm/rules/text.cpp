@@ -13,7 +13,7 @@ static bool is_plain(const char* text) {
   constexpr uint64_t HIGH_BITS = 0x8080808080808080u;
   constexpr size_t WORD = sizeof(uint64_t);
   const size_t length = std::strlen(text);
-  if (length > LONGEST_TEXT / 2) return false;
+  if (length > DD_LONGEST_TEXT / 2) return false;
   uint64_t bits = 0;
   const auto take = [&](size_t at) {
     uint64_t bytes;
@@ -37,7 +37,7 @@ const char* text_fault(const char* text) {
     length += *text == '\t' || *text == '\n' ? 2 : bytes;
     text += bytes;
   }
-  return length > LONGEST_TEXT ? "is longer than 2047 bytes" : nullptr;
+  return length > DD_LONGEST_TEXT ? TOO_LONG : nullptr;
 }
 
 static constexpr char WHITE_SPACE[] = " \t\n\v\f\r";

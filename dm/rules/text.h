@@ -2,12 +2,12 @@
 #ifndef DM_RULES_TEXT_H
 #define DM_RULES_TEXT_H
 
-#include <cstddef>
+#include "dd/longest_text.h"
 
 namespace dm {
 
-// The most bytes of a text in the language, where a tab and a newline take two each.
-inline constexpr size_t LONGEST_TEXT = 2047;
+inline constexpr char TOO_LONG[] = "is longer than 2047 bytes";
+static_assert(DD_LONGEST_TEXT == 2047);
 
 // What is wrong with a text ("is not UTF-8", ...), as the end of a sentence; null when nothing is.
 const char* text_fault(const char* text);

@@ -19,6 +19,10 @@ static bool names_a_path(const std::string& dictionary) {
   return dictionary.size() > PREFIX.size() && !tav_text_holds_password(dictionary);
 }
 
+static bool is_no_secret(const std::string&) {
+  return false;
+}
+
 static std::string path_of(const std::string& dictionary) {
   const std::string path = dictionary.substr(PREFIX.size());
   if (path.front() == '/') return path;
@@ -54,6 +58,7 @@ static bool make_file(const settings& settings, const fill_store& fill, std::str
 const engine SQLITE_ENGINE = {
     .claims = has_prefix,
     .takes = names_a_path,
+    .resembles = is_no_secret,
     .open = open_file,
     .make = make_file,
 };

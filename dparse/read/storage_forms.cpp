@@ -1,6 +1,6 @@
 // The values of implementation blocks that are more than a text or a number.
+#include "dd/buf_storage.h"
 #include "dd/values.h"
-#include "dparse/buf_storage.h"
 #include "dparse/read/element.h"
 #include "dparse/read/forms.h"
 #include "dparse/read/state.h"
@@ -22,8 +22,7 @@ static int read_name(FILE* stream, const dparse_attribute& row, dparse_token& na
 static int store_both(dparse_element& element, uint32_t field, std::string_view column,
                       std::string_view table) {
   char text[DPARSE_TEXT_SIZE + 8];
-  tav_snprintf(text, sizeof text, "C=%.*s T=%.*s", static_cast<int>(column.size()), column.data(),
-               static_cast<int>(table.size()), table.data());
+  dd_write_buf_storage(text, sizeof text, column, table);
   return dparse_store_text(element, field, text);
 }
 
@@ -40,7 +39,7 @@ int dparse_read_table(FILE* stream, dparse_element& element, const dparse_attrib
   if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name.text);
   const char* text = held_text(element, row.field);
   if (text == nullptr) return -1;
-  return store_both(element, row.field, dparse_sql_part(text, DPARSE_COLUMN_MARK), name.text);
+  return store_both(element, row.field, dd_buf_part(text, DD_COLUMN_MARK), name.text);
 }
 
 int dparse_read_column(FILE* stream, dparse_element& element, const dparse_attribute& row) {
@@ -49,7 +48,7 @@ int dparse_read_column(FILE* stream, dparse_element& element, const dparse_attri
   if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name.text);
   const char* text = held_text(element, row.field);
   if (text == nullptr) return -1;
-  return store_both(element, row.field, name.text, dparse_sql_part(text, DPARSE_TABLE_MARK));
+  return store_both(element, row.field, name.text, dd_buf_part(text, DD_TABLE_MARK));
 }
 
 int dparse_read_attrval(FILE* stream, dparse_element& element, const dparse_attribute& row) {

@@ -1,7 +1,7 @@
 // How a field entry is stored: which of its SQL attributes are written depends on its type.
 #include <string>
 
-#include "dparse/buf_storage.h"
+#include "dd/buf_storage.h"
 #include "dparse/failures.h"
 #include "dparse/tokens.h"
 #include "dparse/write/forms.h"
@@ -12,7 +12,7 @@ static constexpr char MODULE[] = "dparse_export";
 static void write_part(dparse_writing& writing, int keyword, const char* text,
                        std::string_view mark) {
   if (text == nullptr) return;
-  dparse_write_quoted(writing, keyword, std::string(dparse_sql_part(text, mark)).c_str());
+  dparse_write_quoted(writing, keyword, std::string(dd_buf_part(text, mark)).c_str());
 }
 
 int dparse_write_sql_names(dparse_writing& writing, int type_code, const char* name_text,
@@ -24,12 +24,12 @@ int dparse_write_sql_names(dparse_writing& writing, int type_code, const char* n
       dparse_write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
       return 1;
     case TAV_FLDT_BUF:
-      write_part(writing, DPARSE_KEY_SQL_TABLE, name_text, DPARSE_TABLE_MARK);
-      write_part(writing, DPARSE_KEY_SQL_COLUMN, name_text, DPARSE_COLUMN_MARK);
+      write_part(writing, DPARSE_KEY_SQL_TABLE, name_text, DD_TABLE_MARK);
+      write_part(writing, DPARSE_KEY_SQL_COLUMN, name_text, DD_COLUMN_MARK);
       dparse_write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
       return 1;
     default:
-      if (type_code == TAV_FLDT_UNUSED || dd_type_keyword(type_code) == nullptr) break;
+      if (!dd_is_field_type(type_code)) break;
       dparse_write_quoted(writing, DPARSE_KEY_SQL_COLUMN, name_text);
       return 1;
   }

@@ -181,6 +181,7 @@ std::string client::op(uint32_t opcode, uint32_t flags, const dd_flist& input) {
   tav_ebuf ebuf{};
   output_.reset(tav_bound_data_manager()->op(session_, opcode, flags, input.get(), &ebuf));
   EXPECT_EQ(output_ == nullptr, ebuf.err_code != TAV_ERR_NONE);
+  last = ebuf;
   return result_of(ebuf, TAV_ERRLOC_DM);
 }
 

@@ -50,6 +50,7 @@ class client {
   std::string close();
   // How the connection failed, "ok" when it did not.
   std::string opened;
+  tav_ebuf last{};  // of the last operation
 
  private:
   tav_dm_session* session_ = nullptr;

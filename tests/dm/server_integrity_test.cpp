@@ -43,9 +43,10 @@ TEST_F(on_a_server, what_was_altered_is_named_and_nothing_else) {
   } rows[] = {
       {"", "", ""},
       {"ALTER TABLE dd_tables DROP CONSTRAINT dd_tables_class_fkey;"
-       "INSERT INTO dd_tables VALUES (1, 't', 't', 999)",
+       "INSERT INTO dd_tables VALUES (1, 't', 't', 999), (1, 'u', 'u', 999)",
        "DELETE FROM dd_tables; ALTER TABLE dd_tables ADD FOREIGN KEY (class) REFERENCES dd_classes",
        "The constraint FOREIGN KEY (class) REFERENCES dd_classes(id) of dd_tables is missing.\n"
+       "A row of dd_tables names a row of dd_classes that is not there.\n"
        "A row of dd_tables names a row of dd_classes that is not there.\n"},
       {"ALTER TABLE dd_tables DISABLE TRIGGER ALL", "ALTER TABLE dd_tables ENABLE TRIGGER ALL",
        "The constraint FOREIGN KEY (class) REFERENCES dd_classes(id) of dd_tables is switched off; "

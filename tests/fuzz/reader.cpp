@@ -1,9 +1,9 @@
 // The definition language: any text is read or refused with a message, and what was read, written
 // and read again is the same but for what the language loses.
 #include "dparse/read/reader.h"
+#include "dd/buf_storage.h"
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "dparse/buf_storage.h"
 #include "dparse/write/writer.h"
 #include "tests/dparse/language.h"
 #include "tests/fuzz/target.h"
@@ -44,8 +44,8 @@ static bool define_fields(tav_flist_t* list, dd_list& fields) {
     if (field == nullptr) fields.append(dd_flist(tav_flist_copy(entry, &ebuf)), &ebuf);
     if (field != nullptr) carried = carried && dd_int(field, TAV_FLD_FIELD_TYPE, &ebuf) == type;
     if (type == TAV_FLDT_BUF && !names.empty()) {
-      const std::string column(dparse_sql_part(names, DPARSE_COLUMN_MARK));
-      const std::string table(dparse_sql_part(names, DPARSE_TABLE_MARK));
+      const std::string column(dd_buf_part(names, DD_COLUMN_MARK));
+      const std::string table(dd_buf_part(names, DD_TABLE_MARK));
       carried = carried && names == "C=" + column + " T=" + table && table + column != "";
     } else if (!has_table) {
       carried = carried && *dd_text(entry, TAV_FLD_SQL_STORAGE, &ebuf) == '\0';

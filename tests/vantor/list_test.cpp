@@ -97,45 +97,4 @@ TEST_F(List, CopiesValuesOfEveryType) {
   EXPECT_STREQ(dd_text(list.get(), TAV_FLD_NAME, &ebuf), "/self");
 }
 
-TEST_F(List, SaysWhatIsWrong) {
-  static tav_flist_t *l, *item;
-  static const int32_t one = 1;
-  static constexpr uint32_t NONE = DD_FIELD_ID(TAV_FLDT_OBJ, 1);
-  l = list.get();
-  item = add(0);
-  const struct {
-    int32_t code;
-    uint32_t field;
-    void (*call)(tav_ebuf*);
-  } cases[] = {
-      {TAV_ERR_MISSING_FIELD, COUNT, [](tav_ebuf* e) { tavi_flist_get(l, COUNT, 0, 0, 0, e); }},
-      {TAV_ERR_MISSING_FIELD, ITEMS, [](tav_ebuf* e) { tavi_flist_get(l, ITEMS, 1, 0, 0, e); }},
-      {TAV_ERR_WRONG_TYPE, NONE, [](tav_ebuf* e) { tavi_flist_get(l, NONE, 0, 1, 0, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, [](tav_ebuf* e) { tavi_flist_put(l, COUNT, 0, 0, item, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, [](tav_ebuf* e) { tav_flist_elem_add(l, COUNT, 0, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, [](tav_ebuf* e) { tav_flist_elem_count(l, COUNT, e); }},
-      {TAV_ERR_NOT_FOUND, ITEMS, [](tav_ebuf* e) { tavi_flist_drop(l, ITEMS, 1, e); }},
-      {TAV_ERR_BAD_ARG, COUNT, [](tav_ebuf* e) { tavi_flist_set(nullptr, COUNT, 0, 0, &one, e); }},
-      {TAV_ERR_BAD_ARG, COUNT, [](tav_ebuf* e) { tavi_flist_set(l, COUNT, 0, 0, nullptr, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, [](tav_ebuf* e) { tavi_flist_put(item, ITEMS, 0, 0, l, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, [](tav_ebuf* e) { tavi_flist_put(l, ITEMS, 1, 0, item, e); }},
-      {TAV_ERR_BAD_ARG, 0, [](tav_ebuf* e) { tav_flist_destroy(item, e); }},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    tav_ebuf error{0, 0, 0, 0, 0, 0, 12, "caller"};
-    c.call(&error);
-    EXPECT_EQ(error.err_code, c.code);
-    EXPECT_EQ(error.location, TAV_ERRLOC_LIST);
-    EXPECT_EQ(error.field, c.field);
-    EXPECT_EQ(error.line_no, 12);
-    c.call(nullptr);
-  }
-  tav_ebuf held{0, 0, TAV_ERR_BUSY, 0, 0, 0, 0, nullptr};
-  EXPECT_EQ(tav_flist_elem_add(l, ITEMS, 1, &held), nullptr);
-  tavi_flist_drop(l, ITEMS, 0, &held);
-  EXPECT_EQ(held.err_code, TAV_ERR_BUSY);
-  EXPECT_EQ(tav_flist_elem_count(l, ITEMS, &ebuf), 1);
-}
-
 }  // namespace

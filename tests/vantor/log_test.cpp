@@ -107,7 +107,8 @@ TEST(Log, IsConfigured) {
   const struct {
     const char* conf;
     const char* file;
-    int records;  // of one at level 1 and one at level 3
+    int records;         // of one at level 1 and one at level 3
+    int32_t level = -1;  // what the program sets before the file is read
   } cases[] = {
       {"a = 1", LOG, 1},
       {"log_level = 3", LOG, 2},
@@ -115,6 +116,8 @@ TEST(Log, IsConfigured) {
       {"log_level = 1\nlog_dir =\n[test_vantor]\nlog_level = 3", LOG, 2},
       {"log_level = 2", LOG, 1},
       {"log_level = 2", "cm.tavlog", 1},
+      {"log_level = 1", LOG, 2, 3},
+      {"log_level = 3", LOG, 1, 1},
       {"log_dir = nowhere", LOG, 0},
       {"a =\nlog_dir", LOG, 1},
   };
@@ -122,6 +125,7 @@ TEST(Log, IsConfigured) {
     EXPECT_EQ(in_child([&] {
                 std::filesystem::create_directory("logs");
                 write_file("tav.conf", c.conf);
+                if (c.level >= 0) tav_err_set_level(c.level);
                 tav_err_log_msg(1, "one", "m", 1);
                 tav_err_log_msg(3, "three", "m", 1);
                 const std::string log = read_file(c.file);

@@ -1,6 +1,5 @@
 // Collects the tables and columns that the entries of a class name.
-#include <string_view>
-
+#include "dd/buf_storage.h"
 #include "dd/memory.h"
 #include "deploy/import/checks/tables.h"
 #include "deploy/modes.h"
@@ -72,22 +71,10 @@ static int32_t defined_type(dd_list& fields, tav_deploy_entry& entry) {
   return entry.defined_type.value_or(0);
 }
 
-// What follows the mark, up to the next blank; empty where the mark does not stand.
-static std::string_view after(std::string_view text, std::string_view mark) {
-  const size_t found = text.find(mark);
-  if (found == text.npos) return {};
-  text.remove_prefix(found + mark.size());
-  return text.substr(0, text.find(' '));
-}
-
-// Takes "C=column T=table" apart. The column is sought only in what ends with the table.
-static buf_storage split(tav_deploy_tables& tables, std::string_view text) {
-  const std::string_view table = after(text, "T=");
-  if (table.data() != nullptr) {
-    text = text.substr(0, static_cast<size_t>(table.data() - text.data()) + table.size());
-  }
+static buf_storage split(tav_deploy_tables& tables, const char* text) {
+  const auto [column, table] = dd_split_buf(text);
   const char* kept = tables.names.emplace_back(table).c_str();
-  return {kept, tables.names.emplace_back(after(text, "C=")).c_str()};
+  return {kept, tables.names.emplace_back(column).c_str()};
 }
 
 static int collect_buf(const target& to, const tav_deploy_entry& entry) {

@@ -86,7 +86,7 @@ static void each_related(const std::vector<placed_class>& classes, const std::st
 // Up to the first that has no name.
 static void gather_arrays(checked_class& own, tav_deploy_siblings entries) {
   for (const tav_deploy_entry& entry : entries) {
-    if (entry.type != TAV_FLDT_ARRAY && entry.type != TAV_FLDT_SUBSTRUCT) continue;
+    if (!dd_is_container(entry.type)) continue;
     const size_t place = own.arrays.size();
     own.arrays.push_back(&entry);
     if (*entry.name == '\0') return;

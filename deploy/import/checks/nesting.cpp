@@ -11,7 +11,7 @@ static void check_position(const char* class_name, const char* field_name, int32
                            int32_t parent_type, int depth) {
   const bool array_too_deep =
       type == TAV_FLDT_ARRAY && (parent_type == TAV_FLDT_SUBSTRUCT || depth >= 2);
-  if (array_too_deep || (parent_type != TAV_FLDT_ARRAY && parent_type != TAV_FLDT_SUBSTRUCT)) {
+  if (array_too_deep || !dd_is_container(parent_type)) {
     tav_deploy_report(HERE, ERROR, "Illegally nested field",
                       "Error: Storable class %s, Illegally nested field %s\n", class_name,
                       field_name);

@@ -1,23 +1,12 @@
 // What may stand at the top level of base classes and subclasses, and who has SYSTEM permission.
-#include <algorithm>
-
 #include "dd/class_names.h"
-#include "dd/fold.h"
+#include "dd/system_permission.h"
 #include "deploy/import/import.h"
 #include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum tav_deploy_raises;
-
-// The fields of every object that the system itself keeps.
-static bool may_be_system(const char* field_name) {
-  static constexpr const char* FIELDS[] = {"TAV_FLD_CREATED_T",     "TAV_FLD_MOD_T",
-                                           "TAV_FLD_READ_ACCESS",   "TAV_FLD_WRITE_ACCESS",
-                                           "TAV_FLD_CREATE_ACCESS", "TAV_FLD_POID"};
-  return std::any_of(std::begin(FIELDS), std::end(FIELDS),
-                     [field_name](const char* name) { return dd_equal(name, field_name); });
-}
 
 static void report_system(const char* log_text, const char* class_name, const char* field_name) {
   tav_deploy_report(
@@ -28,7 +17,7 @@ static void report_system(const char* log_text, const char* class_name, const ch
 
 static void check_in_subclass(const char* class_name, const char* field_name, int32_t type,
                               bool system) {
-  if (type != TAV_FLDT_ARRAY && type != TAV_FLDT_SUBSTRUCT) {
+  if (!dd_is_container(type)) {
     tav_deploy_report(HERE, ERROR, "field outside of array in subclass",
                       "Error: Storable class %s, field %s is outside Array or Substruct\n",
                       class_name, field_name);
@@ -43,7 +32,7 @@ static void check_in_base_class(const char* class_name, const char* field_name, 
                       "Error: Storable class %s, substruct %s not allowed in base class\n",
                       class_name, field_name);
   }
-  if (system && !may_be_system(field_name)) {
+  if (system && !dd_may_be_system(field_name)) {
     report_system("system field not allowed in base except for special cases", class_name,
                   field_name);
   }

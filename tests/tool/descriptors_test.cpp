@@ -28,6 +28,8 @@ TEST(descriptors, that_are_closed_are_not_given_to_others) {
       {"tav_deploy verify a.def 2>&-", 0, ""},
       {"tav_deploy verify none.def 2>&-", 1, ""},
       {"tav_deploy create a.def <&- >&- 2>&-", 1, ""},
+      {"prlimit --nofile=1 tav_deploy verify a.def <&- >&-", 1, ""},  // for input alone
+      {"prlimit --nofile=1 tav_dict status <&- >&-", 2, ""},
       {"tav_dict status 2>&-", 0, ""},
       {"tav_dict none 2>&-", 2, ""},
       {"tav_dict diff <&-", 2,

@@ -5,7 +5,7 @@
 #include <climits>
 #include <cstring>
 
-#include "dm/postgres_module.h"
+#include "dm/postgres/module.h"
 
 namespace dm {
 

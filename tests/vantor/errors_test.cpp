@@ -1,0 +1,170 @@
+// What the calls of the interface do with error buffers.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "dd/values.h"
+#include "manager_double.h"
+
+namespace {
+
+constexpr uint32_t COUNT = TAV_FLD_FLAGS;
+constexpr uint32_t ITEMS = TAV_FLD_OBJ_ELEM;
+constexpr uint32_t ABSENT = TAV_FLD_FIELD_NUM;
+constexpr uint32_t NONE = DD_FIELD_ID(TAV_FLDT_OBJ, 1);
+
+// What the rows below call with: a list with COUNT 7 and two elements that were handed out.
+tav_flist_t *list, *item, *null_list;
+tav_poid_t* poid;
+tav_decimal_t* decimal;
+tav_cookie_t* cookie;
+int32_t id;
+const int32_t one = 1;
+char digits[4];
+tcm_context_t *opened, *context;
+uint64_t database;
+tav_flist_t* output;
+
+std::string text_of(const tav_ebuf& e) {
+  std::ostringstream text;
+  text << e.location << ' ' << e.err_class << ' ' << e.err_code << ' ' << e.field << ' ' << e.rec_id
+       << ' ' << e.reserved << ' ' << e.line_no << ' ' << e.filename;
+  return text.str();
+}
+
+class errors : public testing::Test {
+ protected:
+  errors() {
+    list = owned_list.get();
+    poid = owned_poid.get();
+    decimal = owned_decimal.get();
+    dd_set_int(list, COUNT, 7, nullptr);
+    item = tav_flist_elem_add(list, ITEMS, 3, nullptr);
+    tav_flist_elem_add(list, ITEMS, 4, nullptr);
+    tcm_connect(&opened, &database, nullptr);
+    the_manager = {};
+  }
+  ~errors() override { tcm_context_close(opened, 0, nullptr); }
+
+  // The list, and what a call could have written elsewhere.
+  std::string state() const {
+    std::ostringstream text;
+    text << dd_int(list, COUNT, nullptr) << ' ' << tav_flist_elem_count(list, ITEMS, nullptr) << ' '
+         << (tavi_flist_get(list, TAV_FLD_POID, 0, 1, 0, nullptr) != nullptr) << ' ' << id << ' '
+         << cookie << ' ' << digits << ' ' << context << ' ' << output << the_manager.calls;
+    return text.str();
+  }
+
+  dd_flist owned_list{tav_flist_create(nullptr)};
+  dd_poid owned_poid{tav_poid_create(1, "/t", 5, nullptr)};
+  dd_decimal owned_decimal{tav_decimal("-1.50", nullptr)};
+};
+
+}  // namespace
+
+// All calls that take an error buffer but those that free, which do so whatever the buffer holds.
+TEST_F(errors, that_are_held_keep_every_call_from_doing_anything) {
+  const struct {
+    const char* name;
+    bool (*gives_nothing)(tav_ebuf*);
+  } calls[] = {
+      {"create", [](tav_ebuf* e) { return tav_flist_create(e) == nullptr; }},
+      {"copy", [](tav_ebuf* e) { return tav_flist_copy(list, e) == nullptr; }},
+      {"get", [](tav_ebuf* e) { return tavi_flist_get(list, COUNT, 0, 0, 0, e) == nullptr; }},
+      {"get item", [](tav_ebuf* e) { return tavi_flist_get(list, ITEMS, 3, 0, 0, e) == nullptr; }},
+      {"set", [](tav_ebuf* e) { return tavi_flist_set(list, COUNT, 0, 0, &one, e), true; }},
+      {"put", [](tav_ebuf* e) { return tavi_flist_put(list, TAV_FLD_POID, 0, 0, poid, e), true; }},
+      {"drop", [](tav_ebuf* e) { return tavi_flist_drop(list, ITEMS, 3, e), true; }},
+      {"add", [](tav_ebuf* e) { return tav_flist_elem_add(list, ITEMS, 9, e) == nullptr; }},
+      {"next",
+       [](tav_ebuf* e) {
+         return tav_flist_elem_get_next(list, ITEMS, &id, 0, &cookie, 0, e) == nullptr;
+       }},
+      {"take",
+       [](tav_ebuf* e) {
+         return tav_flist_elem_take_next(list, ITEMS, &id, 0, &cookie, 0, e) == nullptr;
+       }},
+      {"count", [](tav_ebuf* e) { return tav_flist_elem_count(list, ITEMS, e) == 0; }},
+      {"poid", [](tav_ebuf* e) { return tav_poid_create(1, "/t", 1, e) == nullptr; }},
+      {"copy poid", [](tav_ebuf* e) { return tav_poid_copy(poid, e) == nullptr; }},
+      {"decimal", [](tav_ebuf* e) { return tav_decimal("1", e) == nullptr; }},
+      {"zero", [](tav_ebuf* e) { return tav_decimal_alloc_result_zero(e) == nullptr; }},
+      {"digits",
+       [](tav_ebuf* e) {
+         const dd_decimal zero(tav_decimal("0", nullptr));
+         return tav_decimal_to_str(zero.get(), 0, digits, sizeof digits, e), true;
+       }},
+      {"connect", [](tav_ebuf* e) { return tcm_connect(&context, &database, e), true; }},
+      {"op", [](tav_ebuf* e) { return tcm_op(opened, 575, 0, list, &output, e), true; }},
+  };
+  const std::string before = state();
+  for (const auto& call : calls) {
+    const tav_ebuf held{1, 2, TAV_ERR_BUSY, COUNT, 5, 6, 12, "caller"};
+    tav_ebuf error = held;
+    EXPECT_TRUE(call.gives_nothing(&error)) << call.name;
+    EXPECT_EQ(text_of(error), text_of(held)) << call.name;
+    EXPECT_EQ(state(), before) << call.name;
+  }
+}
+
+// A failure that leaves all as it is names the place, the field and the element.
+TEST_F(errors, say_what_is_wrong) {
+  const struct {
+    int32_t code;
+    uint32_t field;
+    int32_t rec_id;
+    void (*call)(tav_ebuf*);
+    int32_t location = TAV_ERRLOC_LIST;
+  } rows[] = {
+      {TAV_ERR_MISSING_FIELD, ABSENT, 0,
+       [](tav_ebuf* e) { tavi_flist_get(list, ABSENT, 0, 0, 0, e); }},
+      {TAV_ERR_MISSING_FIELD, ITEMS, 8,
+       [](tav_ebuf* e) { tavi_flist_get(list, ITEMS, 8, 0, 0, e); }},
+      {TAV_ERR_WRONG_TYPE, NONE, 2, [](tav_ebuf* e) { tavi_flist_get(list, NONE, 2, 1, 0, e); }},
+      {TAV_ERR_BAD_ARG, COUNT, 0,
+       [](tav_ebuf* e) { tavi_flist_get(null_list, COUNT, 0, 1, 0, e); }},
+      {TAV_ERR_BAD_ARG, COUNT, 0,
+       [](tav_ebuf* e) { tavi_flist_set(null_list, COUNT, 0, 0, &one, e); }},
+      {TAV_ERR_BAD_ARG, COUNT, 6,
+       [](tav_ebuf* e) { tavi_flist_set(list, COUNT, 6, 0, nullptr, e); }},
+      {TAV_ERR_WRONG_TYPE, COUNT, 0,
+       [](tav_ebuf* e) { tavi_flist_put(list, COUNT, 0, 0, item, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, [](tav_ebuf* e) { tavi_flist_put(item, ITEMS, 0, 0, list, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 5, [](tav_ebuf* e) { tavi_flist_put(list, ITEMS, 5, 0, item, e); }},
+      {TAV_ERR_NOT_FOUND, ITEMS, 8, [](tav_ebuf* e) { tavi_flist_drop(list, ITEMS, 8, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 8, [](tav_ebuf* e) { tavi_flist_drop(null_list, ITEMS, 8, e); }},
+      {TAV_ERR_WRONG_TYPE, COUNT, 2, [](tav_ebuf* e) { tav_flist_elem_add(list, COUNT, 2, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 2, [](tav_ebuf* e) { tav_flist_elem_add(null_list, ITEMS, 2, e); }},
+      {TAV_ERR_WRONG_TYPE, COUNT, 0, [](tav_ebuf* e) { tav_flist_elem_count(list, COUNT, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, [](tav_ebuf* e) { tav_flist_elem_count(null_list, ITEMS, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 0,
+       [](tav_ebuf* e) { tav_flist_elem_get_next(null_list, ITEMS, &id, 0, &cookie, 0, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 0,
+       [](tav_ebuf* e) { tav_flist_elem_get_next(list, ITEMS, &id, 0, nullptr, 0, e); }},
+      {TAV_ERR_WRONG_TYPE, COUNT, 0,
+       [](tav_ebuf* e) { tav_flist_elem_get_next(list, COUNT, &id, 0, &cookie, 0, e); }},
+      {TAV_ERR_BAD_ARG, ITEMS, 0,
+       [](tav_ebuf* e) { tav_flist_elem_take_next(null_list, ITEMS, &id, 0, &cookie, 0, e); }},
+      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_flist_copy(nullptr, e); }},
+      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_flist_destroy(item, e); }},
+      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_decimal(nullptr, e); }},
+      {TAV_ERR_BAD_VALUE, 0, 0, [](tav_ebuf* e) { tav_decimal("1.5x", e); }},
+      {TAV_ERR_BAD_ARG, 0, 0,
+       [](tav_ebuf* e) { tav_decimal_to_str(decimal, 0, digits, sizeof digits, e); }},
+      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tcm_connect(&context, nullptr, e); },
+       TAV_ERRLOC_CM},
+      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tcm_op(opened, 575, 0, nullptr, &output, e); },
+       TAV_ERRLOC_CONNECTION},
+  };
+  const std::string before = state();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    tav_ebuf error{0, 0, 0, 0, 0, 0, 12, "caller"};
+    row.call(&error);
+    EXPECT_EQ(text_of(error), text_of({row.location, TAV_ERRCLASS_REQUEST, row.code, row.field,
+                                       row.rec_id, 0, 12, "caller"}));
+    EXPECT_EQ(state(), before);
+    row.call(nullptr);
+    EXPECT_EQ(state(), before);
+  }
+}
