@@ -6,6 +6,12 @@
 #include "dd/values.h"
 #include "manager_double.h"
 
+// Rows of the tables below: a call with the buffer; whether it gives nothing; one that has no
+// result.
+#define CALL(function, ...) [](tav_ebuf* e) { function(__VA_ARGS__, e); }
+#define NOTHING(function, ...) [](tav_ebuf* e) { return !function(__VA_ARGS__, e); }
+#define DONE(function, ...) [](tav_ebuf* e) { return function(__VA_ARGS__, e), true; }
+
 namespace {
 
 constexpr uint32_t COUNT = TAV_FLD_FLAGS;
@@ -20,7 +26,7 @@ tav_decimal_t* decimal;
 tav_cookie_t* cookie;
 int32_t id;
 const int32_t one = 1;
-char digits[4];
+char digits[8];
 tcm_context_t *opened, *context;
 uint64_t database;
 tav_flist_t* output;
@@ -69,33 +75,23 @@ TEST_F(errors, that_are_held_keep_every_call_from_doing_anything) {
     bool (*gives_nothing)(tav_ebuf*);
   } calls[] = {
       {"create", [](tav_ebuf* e) { return tav_flist_create(e) == nullptr; }},
-      {"copy", [](tav_ebuf* e) { return tav_flist_copy(list, e) == nullptr; }},
-      {"get", [](tav_ebuf* e) { return tavi_flist_get(list, COUNT, 0, 0, 0, e) == nullptr; }},
-      {"get item", [](tav_ebuf* e) { return tavi_flist_get(list, ITEMS, 3, 0, 0, e) == nullptr; }},
-      {"set", [](tav_ebuf* e) { return tavi_flist_set(list, COUNT, 0, 0, &one, e), true; }},
-      {"put", [](tav_ebuf* e) { return tavi_flist_put(list, TAV_FLD_POID, 0, 0, poid, e), true; }},
-      {"drop", [](tav_ebuf* e) { return tavi_flist_drop(list, ITEMS, 3, e), true; }},
-      {"add", [](tav_ebuf* e) { return tav_flist_elem_add(list, ITEMS, 9, e) == nullptr; }},
-      {"next",
-       [](tav_ebuf* e) {
-         return tav_flist_elem_get_next(list, ITEMS, &id, 0, &cookie, 0, e) == nullptr;
-       }},
-      {"take",
-       [](tav_ebuf* e) {
-         return tav_flist_elem_take_next(list, ITEMS, &id, 0, &cookie, 0, e) == nullptr;
-       }},
-      {"count", [](tav_ebuf* e) { return tav_flist_elem_count(list, ITEMS, e) == 0; }},
-      {"poid", [](tav_ebuf* e) { return tav_poid_create(1, "/t", 1, e) == nullptr; }},
-      {"copy poid", [](tav_ebuf* e) { return tav_poid_copy(poid, e) == nullptr; }},
-      {"decimal", [](tav_ebuf* e) { return tav_decimal("1", e) == nullptr; }},
+      {"copy", NOTHING(tav_flist_copy, list)},
+      {"get", NOTHING(tavi_flist_get, list, COUNT, 0, 0, 0)},
+      {"get item", NOTHING(tavi_flist_get, list, ITEMS, 3, 0, 0)},
+      {"set", DONE(tavi_flist_set, list, COUNT, 0, 0, &one)},
+      {"put", DONE(tavi_flist_put, list, TAV_FLD_POID, 0, 0, poid)},
+      {"drop", DONE(tavi_flist_drop, list, ITEMS, 3)},
+      {"add", NOTHING(tav_flist_elem_add, list, ITEMS, 9)},
+      {"next", NOTHING(tav_flist_elem_get_next, list, ITEMS, &id, 0, &cookie, 0)},
+      {"take", NOTHING(tav_flist_elem_take_next, list, ITEMS, &id, 0, &cookie, 0)},
+      {"count", NOTHING(tav_flist_elem_count, list, ITEMS)},
+      {"poid", NOTHING(tav_poid_create, 1, "/t", 1)},
+      {"copy poid", NOTHING(tav_poid_copy, poid)},
+      {"decimal", NOTHING(tav_decimal, "1")},
       {"zero", [](tav_ebuf* e) { return tav_decimal_alloc_result_zero(e) == nullptr; }},
-      {"digits",
-       [](tav_ebuf* e) {
-         const dd_decimal zero(tav_decimal("0", nullptr));
-         return tav_decimal_to_str(zero.get(), 0, digits, sizeof digits, e), true;
-       }},
-      {"connect", [](tav_ebuf* e) { return tcm_connect(&context, &database, e), true; }},
-      {"op", [](tav_ebuf* e) { return tcm_op(opened, 575, 0, list, &output, e), true; }},
+      {"digits", DONE(tav_decimal_to_str, decimal, 0, digits, sizeof digits)},
+      {"connect", DONE(tcm_connect, &context, &database)},
+      {"op", DONE(tcm_op, opened, 575, 0, list, &output)},
   };
   const std::string before = state();
   for (const auto& call : calls) {
@@ -116,44 +112,35 @@ TEST_F(errors, say_what_is_wrong) {
     void (*call)(tav_ebuf*);
     int32_t location = TAV_ERRLOC_LIST;
   } rows[] = {
-      {TAV_ERR_MISSING_FIELD, ABSENT, 0,
-       [](tav_ebuf* e) { tavi_flist_get(list, ABSENT, 0, 0, 0, e); }},
-      {TAV_ERR_MISSING_FIELD, ITEMS, 8,
-       [](tav_ebuf* e) { tavi_flist_get(list, ITEMS, 8, 0, 0, e); }},
-      {TAV_ERR_WRONG_TYPE, NONE, 2, [](tav_ebuf* e) { tavi_flist_get(list, NONE, 2, 1, 0, e); }},
-      {TAV_ERR_BAD_ARG, COUNT, 0,
-       [](tav_ebuf* e) { tavi_flist_get(null_list, COUNT, 0, 1, 0, e); }},
-      {TAV_ERR_BAD_ARG, COUNT, 0,
-       [](tav_ebuf* e) { tavi_flist_set(null_list, COUNT, 0, 0, &one, e); }},
-      {TAV_ERR_BAD_ARG, COUNT, 6,
-       [](tav_ebuf* e) { tavi_flist_set(list, COUNT, 6, 0, nullptr, e); }},
+      {TAV_ERR_MISSING_FIELD, ABSENT, 0, CALL(tavi_flist_get, list, ABSENT, 0, 0, 0)},
+      {TAV_ERR_MISSING_FIELD, ITEMS, 8, CALL(tavi_flist_get, list, ITEMS, 8, 0, 0)},
+      {TAV_ERR_WRONG_TYPE, NONE, 2, CALL(tavi_flist_get, list, NONE, 2, 1, 0)},
+      {TAV_ERR_BAD_ARG, COUNT, 0, CALL(tavi_flist_get, null_list, COUNT, 0, 1, 0)},
+      {TAV_ERR_BAD_ARG, COUNT, 0, CALL(tavi_flist_set, null_list, COUNT, 0, 0, &one)},
+      {TAV_ERR_BAD_ARG, COUNT, 6, CALL(tavi_flist_set, list, COUNT, 6, 0, nullptr)},
+      {TAV_ERR_WRONG_TYPE, COUNT, 0, CALL(tavi_flist_put, list, COUNT, 0, 0, item)},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, CALL(tavi_flist_put, item, ITEMS, 0, 0, list)},
+      {TAV_ERR_BAD_ARG, ITEMS, 5, CALL(tavi_flist_put, list, ITEMS, 5, 0, item)},
+      {TAV_ERR_NOT_FOUND, ITEMS, 8, CALL(tavi_flist_drop, list, ITEMS, 8)},
+      {TAV_ERR_BAD_ARG, ITEMS, 8, CALL(tavi_flist_drop, null_list, ITEMS, 8)},
+      {TAV_ERR_WRONG_TYPE, COUNT, 2, CALL(tav_flist_elem_add, list, COUNT, 2)},
+      {TAV_ERR_BAD_ARG, ITEMS, 2, CALL(tav_flist_elem_add, null_list, ITEMS, 2)},
+      {TAV_ERR_WRONG_TYPE, COUNT, 0, CALL(tav_flist_elem_count, list, COUNT)},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, CALL(tav_flist_elem_count, null_list, ITEMS)},
+      {TAV_ERR_BAD_ARG, ITEMS, 0,
+       CALL(tav_flist_elem_get_next, null_list, ITEMS, &id, 0, &cookie, 0)},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, CALL(tav_flist_elem_get_next, list, ITEMS, &id, 0, nullptr, 0)},
       {TAV_ERR_WRONG_TYPE, COUNT, 0,
-       [](tav_ebuf* e) { tavi_flist_put(list, COUNT, 0, 0, item, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 0, [](tav_ebuf* e) { tavi_flist_put(item, ITEMS, 0, 0, list, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 5, [](tav_ebuf* e) { tavi_flist_put(list, ITEMS, 5, 0, item, e); }},
-      {TAV_ERR_NOT_FOUND, ITEMS, 8, [](tav_ebuf* e) { tavi_flist_drop(list, ITEMS, 8, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 8, [](tav_ebuf* e) { tavi_flist_drop(null_list, ITEMS, 8, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, 2, [](tav_ebuf* e) { tav_flist_elem_add(list, COUNT, 2, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 2, [](tav_ebuf* e) { tav_flist_elem_add(null_list, ITEMS, 2, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, 0, [](tav_ebuf* e) { tav_flist_elem_count(list, COUNT, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 0, [](tav_ebuf* e) { tav_flist_elem_count(null_list, ITEMS, e); }},
+       CALL(tav_flist_elem_get_next, list, COUNT, &id, 0, &cookie, 0)},
       {TAV_ERR_BAD_ARG, ITEMS, 0,
-       [](tav_ebuf* e) { tav_flist_elem_get_next(null_list, ITEMS, &id, 0, &cookie, 0, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 0,
-       [](tav_ebuf* e) { tav_flist_elem_get_next(list, ITEMS, &id, 0, nullptr, 0, e); }},
-      {TAV_ERR_WRONG_TYPE, COUNT, 0,
-       [](tav_ebuf* e) { tav_flist_elem_get_next(list, COUNT, &id, 0, &cookie, 0, e); }},
-      {TAV_ERR_BAD_ARG, ITEMS, 0,
-       [](tav_ebuf* e) { tav_flist_elem_take_next(null_list, ITEMS, &id, 0, &cookie, 0, e); }},
-      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_flist_copy(nullptr, e); }},
-      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_flist_destroy(item, e); }},
-      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tav_decimal(nullptr, e); }},
-      {TAV_ERR_BAD_VALUE, 0, 0, [](tav_ebuf* e) { tav_decimal("1.5x", e); }},
-      {TAV_ERR_BAD_ARG, 0, 0,
-       [](tav_ebuf* e) { tav_decimal_to_str(decimal, 0, digits, sizeof digits, e); }},
-      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tcm_connect(&context, nullptr, e); },
-       TAV_ERRLOC_CM},
-      {TAV_ERR_BAD_ARG, 0, 0, [](tav_ebuf* e) { tcm_op(opened, 575, 0, nullptr, &output, e); },
+       CALL(tav_flist_elem_take_next, null_list, ITEMS, &id, 0, &cookie, 0)},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tav_flist_copy, nullptr)},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tav_flist_destroy, item)},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tav_decimal, nullptr)},
+      {TAV_ERR_BAD_VALUE, 0, 0, CALL(tav_decimal, "1.5x")},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tav_decimal_to_str, decimal, 0, digits, 5)},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tcm_connect, &context, nullptr), TAV_ERRLOC_CM},
+      {TAV_ERR_BAD_ARG, 0, 0, CALL(tcm_op, opened, 575, 0, nullptr, &output),
        TAV_ERRLOC_CONNECTION},
   };
   const std::string before = state();
