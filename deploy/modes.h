@@ -49,6 +49,26 @@ void tav_deploy_raise_conflict();
 extern int32_t tav_deploy_fld_count;
 extern int32_t tav_deploy_class_count;
 
+// A mode, as the command line gives it.
+struct tav_deploy_mode {
+  uint32_t mode;
+  const char* word;   // in capitals
+  const char* usage;  // behind the program's name
+  int (*run)(tav_deploy_ctx_t* ctx);
+};
+
+// In the order in which the usage shows them.
+inline constexpr tav_deploy_mode TAV_DEPLOY_MODES[] = {
+    {TAV_DEPLOY_MODE_CLASS, "CLASS", "class [-smncp] <class1 class2..>", tav_deploy_export_class},
+    {TAV_DEPLOY_MODE_FIELD, "FIELD", "field [-cp] <field1 field2..>", tav_deploy_export_fields},
+    {TAV_DEPLOY_MODE_VERIFY, "VERIFY", "verify [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+    {TAV_DEPLOY_MODE_CREATE, "CREATE", "create [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+    {TAV_DEPLOY_MODE_REPLACE, "REPLACE", "replace [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+};
+
 // A null program prints as tav_deploy.
 void tav_deploy_display_usage(FILE* stream, const char* program);
 

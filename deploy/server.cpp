@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "dd/list.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/lookup.h"
@@ -32,17 +31,13 @@ int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
   tav_conf("-", "userid", TAV_FLDT_POID, &identity, &error);
   // The buffer stays clear: the run goes on, and its first operation reports the missing login.
   if (error != 0) {
-    return tav_deploy_fail(HERE, "Unable to read userid from tav.conf",
-                           "Error: Internal Error reading userid from tav.conf\n");
+    return deploy::report(HERE, "missing-identity");
   }
   session.identity.reset(static_cast<tav_poid_t*>(identity));
-  if (ebuf == nullptr) {
-    dd_print_error("\n*** Error buffer not initialized ***\n");
-    return -1;
-  }
+  if (ebuf == nullptr) return deploy::report(HERE, "missing-error-buffer");
   uint64_t unused_database = 0;
   tcm_connect(&session.connection, &unused_database, at(ebuf, HERE));
-  return dd_failed(*ebuf) ? tav_deploy_call_failed(HERE, *ebuf, "Error during TCM open") : 1;
+  return dd_failed(*ebuf) ? deploy::call_failed(HERE, *ebuf, "connection-failed") : 1;
 }
 
 // The login's identity, or the same type and id in the database that the command line names.
@@ -73,7 +68,7 @@ static int retrieve(const tav_deploy_session& session, uint32_t opcode, tav_flis
   answer.reset(output);
   if (!dd_failed(*ebuf)) return 1;
   answer.reset();
-  return tav_deploy_call_failed(HERE, *ebuf, "TCM error");
+  return deploy::call_failed(HERE, *ebuf, "retrieval-failed");
 }
 
 int tav_deploy_get_dd_fields(const tav_deploy_session& session, dd_flist& fields, uint64_t database,
@@ -110,10 +105,10 @@ static int report_missing(tav_flist_t* request, tav_flist_t* answer) {
   while (tav_flist_t* asked = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(asked, TAV_FLD_NAME, at(&ebuf, HERE));
     if (!must_be_found(name) || tav_deploy_get_class_by_name(found, name) != nullptr) continue;
-    tav_deploy_fail(HERE, "Class not found", "Error: Class not found: %s\n", name);
+    deploy::report(HERE, "class-not-found", {.class_name = name});
     result = 0;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : result;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : result;
 }
 
 int tav_deploy_get_dd_classes(const tav_deploy_session& session, dd_flist& classes,

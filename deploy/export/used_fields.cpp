@@ -1,5 +1,4 @@
 // The definitions of the fields that exported classes use.
-#include "dd/report.h"
 #include "dd/values.h"
 #include "deploy/export/export.h"
 #include "deploy/lookup.h"
@@ -16,20 +15,13 @@ int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* fi
                                   uint32_t hash) {
   tav_ebuf ebuf{};
   const char* name = dd_required_text(field, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-  if (dd_failed(ebuf)) {
-    dd_print_error("Internal error\n");
-    tav_deploy_display_ebuf(&ebuf);
-    dd_log(HERE, "Flist error", ebuf);
-    return -1;
-  }
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf, "unnamed-field");
   const size_t next = included.fields.size();
   const size_t place = included.places.add_first(name, hash, next);
   if (place == next) included.fields.push_back(field);
   tav_flist_t* present = included.fields[place];
   if (present == field || is_same_definition(present, field, at(&ebuf, HERE))) return 1;
-  dd_log(HERE, "Duplicate field definition of different type or ID", ebuf);
-  dd_print_error("Error: Duplicate field definition of different type or id\n");
-  return -1;
+  return deploy::report(HERE, "differing-definitions", {.field = name}, {.ebuf = &ebuf});
 }
 
 static int include_field(dparse_outline_entry& entry, tav_deploy_included& included,
@@ -42,15 +34,12 @@ static int include_field(dparse_outline_entry& entry, tav_deploy_included& inclu
   entry.type = dd_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE), DPARSE_TYPE_NOT_KNOWN);
   if (!tav_deploy_is_selected(field, ctx, at(ebuf, HERE))) return 1;
   if (tav_deploy_add_included_field(included, field, hash) >= 1) return 1;
-  return tav_deploy_fail(HERE, "Unable to include field", "Error: Unable to include field\n");
+  return deploy::report(HERE, "field-not-included", {.field = name});
 }
 
 // The failure at an entry is one of each entry around it.
 static int fail_all(int depth) {
-  for (; depth > 1; --depth) {
-    tav_deploy_fail(HERE, "Unable to include class fields",
-                    "Error: Unable to include class fields\n");
-  }
+  for (; depth > 1; --depth) deploy::report(HERE, "entries-not-included");
   return -1;
 }
 
@@ -67,7 +56,7 @@ int tav_deploy_get_include_class_fields(dparse_outline& classes,
       return fail_all(entry.depth);
     }
     if (dd_failed(ebuf)) {
-      tav_deploy_call_failed(HERE, ebuf);
+      deploy::call_failed(HERE, ebuf);
       return fail_all(entry.depth);
     }
   }

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
@@ -14,7 +13,7 @@ static int count_input(tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   tav_deploy_fld_count = state.fields.count(at(&ebuf, HERE));
   tav_deploy_class_count = state.classes.count(at(&ebuf, HERE));
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 // A login without an identity leaves the buffer clear: the retrieval then tells what is missing.
@@ -53,7 +52,7 @@ static int put_in_order(tav_deploy_import_state& state) {
   state.entries = {};
   state.classes.leave();
   state.classes = std::move(ordered);
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 static int try_commit(tav_deploy_import_state& state) {
@@ -71,21 +70,18 @@ namespace {
 struct outcome {
   uint32_t mode;
   bool conflict;
-  const char* line;
+  deploy::finding told;
   bool commits;
   int result;  // of an outcome that does not commit
 };
 
-constexpr char NO_CONFLICTS[] = "No Conflicts detected\n";
-
 constexpr outcome OUTCOMES[] = {
-    {TAV_DEPLOY_MODE_VERIFY, false, NO_CONFLICTS, false, 1},
-    {TAV_DEPLOY_MODE_VERIFY, true, "Conflicts detected\n", false, -1},
-    {TAV_DEPLOY_MODE_CREATE, false, NO_CONFLICTS, true, 1},
-    {TAV_DEPLOY_MODE_CREATE, true, "Conflicts Detected...nothing committed\n", false, 1},
-    {TAV_DEPLOY_MODE_REPLACE, false, "", true, 1},
-    {TAV_DEPLOY_MODE_REPLACE, true,
-     "\nWarning: Conflicts Detected...attempting to commit/replace\n", true, 1},
+    {TAV_DEPLOY_MODE_VERIFY, false, "no-conflicts", false, 1},
+    {TAV_DEPLOY_MODE_VERIFY, true, "conflicts", false, -1},
+    {TAV_DEPLOY_MODE_CREATE, false, "no-conflicts", true, 1},
+    {TAV_DEPLOY_MODE_CREATE, true, "conflicts-not-committed", false, 1},
+    {TAV_DEPLOY_MODE_REPLACE, false, {}, true, 1},
+    {TAV_DEPLOY_MODE_REPLACE, true, "conflicts-committed", true, 1},
 };
 
 }  // namespace
@@ -94,7 +90,7 @@ static int conclude(tav_deploy_import_state& state) {
   const bool conflict = tav_deploy_get_conflict() < 1;
   for (const outcome& o : OUTCOMES) {
     if (o.mode != state.ctx->mode || o.conflict != conflict) continue;
-    tav_deploy_print_outcome(o.line);
+    if (o.told) deploy::report(HERE, o.told);
     return o.commits ? commit(state, TAV_DEPLOY_COMMIT_REAL) : o.result;
   }
   return -1;
@@ -112,46 +108,33 @@ static bool has_classes() {
 
 namespace {
 
-struct failure_line {
-  const char* text;  // on standard error
-  const char* log_text;
-};
-
 struct step {
   bool (*applies)();
   int (*run)(tav_deploy_import_state& state);
   bool ends_with_errors_detected;
-  const failure_line* lines[2];
+  deploy::finding failures[2];
 };
 
-constexpr failure_line READ{"", "Error reading import files"};
-constexpr failure_line LOGIN{"Error: Unable to login\n", "Unable to login"};
-constexpr failure_line FIELDS{"Error: Unable to retreive fields from Quorvale\n",
-                              "Unable to retreive fields from Quorvale"};
-constexpr failure_line CLASSES{"Error: Unable to retreive classes from Quorvale\n",
-                               "Unable to retreive classes from Quorvale"};
-constexpr failure_line FIELD_CONFLICTS{"Error: while checking for field conflicts\n",
-                                       "Error while checking for field conflicts"};
-constexpr failure_line CONFLICTING_CLASSES{"Error: Unable to check for conflicting classes\n",
-                                           "Unable to check for conflicting classes"};
-constexpr failure_line SUBCLASSES{"Error: Unable to check for parentless subclasses\n",
-                                  "Unable to check for parentless subclasses"};
-constexpr failure_line CLASS_CONFLICTS{"Error: while checking for class conflicts\n",
-                                       "Error while checking for class conflicts"};
-constexpr failure_line STORAGE{"Error: while checking for class field conflicts\n",
-                               "Error while checking for class field conflicts"};
-
 constexpr step STEPS[] = {
-    {always, tav_deploy_import_read, false, {&READ}},
+    {always, tav_deploy_import_read, false, {"files-not-read"}},
     {always, count_input, true, {}},
-    {has_input, log_in, true, {&LOGIN}},
-    {has_input, fetch_fields, true, {&FIELDS}},
-    {has_classes, fetch_classes, true, {&CLASSES}},
-    {always, tav_deploy_import_fields, true, {&FIELD_CONFLICTS}},
-    {has_classes, tav_deploy_import_classes, true, {&CONFLICTING_CLASSES, &CLASS_CONFLICTS}},
-    {has_classes, tav_deploy_import_order, true, {&SUBCLASSES, &CLASS_CONFLICTS}},
-    {has_classes, tav_deploy_import_structure, true, {&SUBCLASSES, &CLASS_CONFLICTS}},
-    {has_classes, tav_deploy_import_storage, true, {&STORAGE}},
+    {has_input, log_in, true, {"login-failed"}},
+    {has_input, fetch_fields, true, {"server-fields-not-retrieved"}},
+    {has_classes, fetch_classes, true, {"server-classes-not-retrieved"}},
+    {always, tav_deploy_import_fields, true, {"fields-not-checked"}},
+    {has_classes,
+     tav_deploy_import_classes,
+     true,
+     {"conflicting-classes-not-checked", "classes-not-checked"}},
+    {has_classes,
+     tav_deploy_import_order,
+     true,
+     {"superclasses-not-checked", "classes-not-checked"}},
+    {has_classes,
+     tav_deploy_import_structure,
+     true,
+     {"superclasses-not-checked", "classes-not-checked"}},
+    {has_classes, tav_deploy_import_storage, true, {"storage-not-checked"}},
     {always, try_commit, true, {}},
     {always, judge, true, {}},
     {always, conclude, false, {}},
@@ -164,7 +147,7 @@ static int take(const step& s, tav_deploy_import_state& state) {
   tav_ebuf ebuf{};
   int result = -1;
   dd_with_memory(at(&ebuf, HERE), [&] { result = s.run(state); });
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : result;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : result;
 }
 
 static const step* first_failing(tav_deploy_import_state& state, std::span<const step> steps) {
@@ -175,18 +158,15 @@ static const step* first_failing(tav_deploy_import_state& state, std::span<const
 }
 
 static int tell_failure(const step& failed) {
-  for (const failure_line* line : failed.lines) {
-    if (line != nullptr) tav_deploy_fail_as(HERE, line->log_text, line->text);
+  for (const deploy::finding failure : failed.failures) {
+    if (failure) deploy::report(HERE, failure);
   }
   return -1;
 }
 
 static int step_failed(const step& failed) {
   tell_failure(failed);
-  if (!failed.ends_with_errors_detected) return -1;
-  tav_deploy_print_outcome("\nErrors Detected...nothing committed\n");
-  dd_log(HERE, "Errors Detected...nothing committed");
-  return -1;
+  return failed.ends_with_errors_detected ? deploy::report(HERE, "errors") : -1;
 }
 
 static int run(tav_deploy_import_state& state) {

@@ -1,6 +1,6 @@
 // The import: what its steps share, and the checks that they carry out.
 //
-// A check reports what it finds through tav_deploy_report and goes on, so that one run lists every
+// A check reports what it finds through deploy::report and goes on, so that one run lists every
 // problem; the flags say afterwards whether there was one. It gives 1, or -1 when it could not be
 // carried out (a list that cannot be walked), which it has then told.
 #ifndef DEPLOY_IMPORT_IMPORT_H
@@ -8,6 +8,7 @@
 
 #include "deploy/import/entries.h"
 #include "deploy/modes.h"
+#include "deploy/report.h"
 #include "deploy/server.h"
 
 // What one run holds. The working lists show the server and the input as one dictionary: they take
@@ -64,10 +65,10 @@ int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* st
 void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name);
 // Whether the entries nested in an entry (at that depth, 1 for top-level) may be so.
 int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
-                                     const char* class_name, int depth);
+                                     const deploy::entry_scope& scope, int depth);
 // The same, and a failure is told once more, with the class.
 int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
-                             const char* class_name, int depth);
+                             const deploy::entry_scope& scope, int depth);
 
 // --- Storage
 // Compares a class's, or a node's entries', storage with what the server has: warnings only.

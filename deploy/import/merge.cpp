@@ -3,7 +3,6 @@
 
 #include "dd/attributes.h"
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/import.h"
@@ -11,7 +10,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
 // Where an interface and its entries are stored.
 static constexpr auto STORAGE = dd_attributes_in<DD_IN_SQL_CLASS | DD_IN_SQL_ENTRY>();
@@ -29,15 +28,12 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
   }
 }
 
-static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry, const char* class_name,
-                        const char* name, tav_ebuf* ebuf) {
+static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry,
+                        const deploy::entry_scope& scope, tav_ebuf* ebuf) {
   const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (entry.type != impl_type) {
-    tav_deploy_report(
-        HERE, ERROR, "field type mismatch between interface/implementation",
-        "Error: field type mismatch between interface/implementation of class %s, field %s\n",
-        class_name, name);
+    deploy::report(HERE, "implementation-type-mismatch", scope.of(entry.name, IMPLEMENTATION));
   }
   tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
   entry.storage = nullptr;
@@ -58,7 +54,6 @@ struct counterparts {
 // One class. An implementation may name a node again and again: its entries are gone through once.
 struct merge {
   tav_deploy_class_entries& read;
-  const char* class_name;
   std::unordered_map<const tav_deploy_entry*, counterparts> nodes{};  // by first entry
 };
 
@@ -91,7 +86,8 @@ static counterparts& counterparts_of(merge& of_class, tav_deploy_siblings interf
   return node->second;
 }
 
-static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_t* impl_node) {
+static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_t* impl_node,
+                      const deploy::entry_scope& scope) {
   tav_ebuf ebuf{};
   counterparts* in = nullptr;
   dd_with_memory(at(&ebuf, HERE), [&] { in = &counterparts_of(of_class, interface); });
@@ -102,25 +98,23 @@ static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_
     dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(*in, name); });
     if (dd_failed(ebuf)) break;
     if (entry == nullptr) {
-      tav_deploy_report(HERE, ERROR, "field interface",
-                        "Error: Missing field interface for %s when implementation was provided\n",
-                        name);
+      deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
     } else {
-      merge_entry(*entry, impl_entry, of_class.class_name, name, &ebuf);
+      merge_entry(*entry, impl_entry, scope, &ebuf);
     }
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
     const tav_deploy_siblings nested =
         entry != nullptr ? tav_deploy_nested(*entry) : tav_deploy_siblings{};
-    if (merge_node(of_class, nested, impl_entry) < 1) {
-      return tav_deploy_fail(HERE, "Unable to merge class fields",
-                             "Error: Unable to merge class fields\n");
+    const deploy::entry_path path{name, scope.around};
+    if (merge_node(of_class, nested, impl_entry, {scope.class_name, &path}) < 1) {
+      return deploy::report(HERE, "entries-not-merged", scope.of(name, IMPLEMENTATION));
     }
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
                                   tav_flist_t* impl_node, const char* class_name) {
-  merge of_class{read, class_name};
-  return merge_node(of_class, interface, impl_node);
+  merge of_class{read};
+  return merge_node(of_class, interface, impl_node, {class_name});
 }

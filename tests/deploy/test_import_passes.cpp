@@ -133,7 +133,9 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
 
 TEST(table_counts, a_shared_serializable_table_counts_once) {
   tav_deploy_tables tables{.keeps_columns = true};
-  for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) tav_deploy_add_table(tables, name);
+  for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) {
+    tav_deploy_add_table(tables, {name});
+  }
   for (const size_t shared : {4u, 5u}) tables.uses[shared].is_serializable = true;
   tav_deploy_table_counts counts{tables};
   for (const auto& [name, count] :
@@ -179,7 +181,7 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     const auto entries = tav_deploy_read_entries(records, container.get(), &ebuf);
     EXPECT_EQ(outcome([&] {
                 return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, fields,
-                                                    nullptr);
+                                                    nullptr, "/c");
               }),
               row.outcome);
     std::string found;
@@ -202,8 +204,8 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
     const auto check = [&] {
       if (tav_deploy_check_field_types(read, storable.get(), fields, "/c") < 1) return -1;
       const auto own = tav_deploy_entries_of(read, storable.get(), &ebuf);
-      if (tav_deploy_check_nesting(read, *own.first, "/c", 1) < 1) return -1;
-      const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t");
+      if (tav_deploy_check_nesting(read, *own.first, {"/c"}, 1) < 1) return -1;
+      const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t", "/c");
       return result < 1 ? -1 : tav_deploy_check_unique_names(tables, tables);
     };
     text = outcome([&] {

@@ -132,23 +132,21 @@ static int report_conflicts(tav_deploy_hierarchy& hierarchy, const checked_class
   for (; found != own.found.end() && found->first == own.names[array]; ++found) {
     tav_flist_t* related = hierarchy.entries[found->second].get();
     const char* related_name = dd_text(related, TAV_FLD_NAME, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
-    tav_deploy_report(HERE, tav_deploy_raises::ERROR,
-                      "Array or Substruct conflict in class hierarchy",
-                      "Error: Array or Substruct conflict in class hierarchy %s, %s, %s\n",
-                      related_name, own.name, own.arrays[array]->name);
+    if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
+    deploy::report(
+        HERE, "array-in-related-class",
+        {.class_name = own.name, .related_class = related_name, .field = own.arrays[array]->name});
   }
   return 1;
 }
 
 static int check_array(tav_deploy_hierarchy& hierarchy, const checked_class& own, size_t array) {
   if (*own.name != '\0' && array < own.names.size()) return report_conflicts(hierarchy, own, array);
-  return tav_deploy_fail(HERE, "Missing class name", "Error: Internal Error\n");
+  return deploy::report(HERE, "missing-class-name");
 }
 
 static int array_failed(const char* field_name) {
-  return tav_deploy_fail(HERE, "Unable to check duplicate array",
-                         "Error: Unable to check duplicate array %s\n", field_name);
+  return deploy::report(HERE, "array-not-checked", {.field = field_name});
 }
 
 int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
@@ -160,7 +158,7 @@ int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_sibli
     if (!own.names.empty() && *class_name != '\0') find_all(hierarchy, own, &ebuf);
   });
   if (dd_failed(ebuf)) {
-    tav_deploy_call_failed(HERE, ebuf);
+    deploy::call_failed(HERE, ebuf);
     return array_failed(own.arrays.empty() ? "" : own.arrays.front()->name);
   }
   for (size_t array = 0; array < own.arrays.size(); ++array) {

@@ -8,8 +8,6 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
 // The fields of every object that the system itself keeps.
 static bool may_be_system(const char* field_name) {
   static constexpr const char* FIELDS[] = {"TAV_FLD_CREATED_T",     "TAV_FLD_MOD_T",
@@ -19,37 +17,21 @@ static bool may_be_system(const char* field_name) {
                      [field_name](const char* name) { return dd_equal(name, field_name); });
 }
 
-static void report_system(const char* log_text, const char* class_name, const char* field_name) {
-  tav_deploy_report(
-      HERE, ERROR, log_text,
-      "Error: Storable class %s, field %s with SYSTEM permission may not be specified\n",
-      class_name, field_name);
-}
-
-static void check_in_subclass(const char* class_name, const char* field_name, int32_t type,
-                              bool system) {
+static void check_in_subclass(const deploy::subject& about, int32_t type, bool system) {
   if (type != TAV_FLDT_ARRAY && type != TAV_FLDT_SUBSTRUCT) {
-    tav_deploy_report(HERE, ERROR, "field outside of array in subclass",
-                      "Error: Storable class %s, field %s is outside Array or Substruct\n",
-                      class_name, field_name);
+    deploy::report(HERE, "field-outside-array", about);
   }
-  if (system) report_system("system field not allowed in subclass", class_name, field_name);
+  if (system) deploy::report(HERE, "system-field-in-subclass", about);
 }
 
-static void check_in_base_class(const char* class_name, const char* field_name, int32_t type,
-                                bool system) {
-  if (type == TAV_FLDT_SUBSTRUCT) {
-    tav_deploy_report(HERE, ERROR, "substruct in base class",
-                      "Error: Storable class %s, substruct %s not allowed in base class\n",
-                      class_name, field_name);
-  }
-  if (system && !may_be_system(field_name)) {
-    report_system("system field not allowed in base except for special cases", class_name,
-                  field_name);
+static void check_in_base_class(const deploy::subject& about, int32_t type, bool system) {
+  if (type == TAV_FLDT_SUBSTRUCT) deploy::report(HERE, "substruct-in-base-class", about);
+  if (system && !may_be_system(about.field)) {
+    deploy::report(HERE, "system-field-in-base-class", about);
   }
 }
 
 void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name) {
   const auto check = dd_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
-  check(class_name, entry.name, entry.type, entry.is_system);
+  check({.class_name = class_name, .field = entry.name}, entry.type, entry.is_system);
 }

@@ -9,8 +9,6 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
 namespace {
 
 struct definition {
@@ -37,9 +35,7 @@ static void add_new(dd_list& working, const definition& field, tav_ebuf* ebuf) {
   if (tav_deploy_get_field_by_id(working, field.number) == nullptr) {
     return working.lend(field.known, {field.name, field.hash, field.number}, at(ebuf, HERE));
   }
-  tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id in use conflict",
-                    "Error: Conflicting field definition %s, id in use by different field\n",
-                    field.name);
+  deploy::report(HERE, "field-number-in-use", {.field = field.name, .attribute = "ID"});
 }
 
 static tav_flist_t* first_of_name(dd_list& fields, const definition& field) {
@@ -57,16 +53,14 @@ static void mark_first(dd_list& fields, const definition& field, tav_ebuf* ebuf)
 // A definition of the input's own keeps its description: each is sent as it stands.
 static void replace_description(dd_list& fields, const definition& field, tav_flist_t* known,
                                 tav_ebuf* ebuf) {
-  tav_deploy_report(HERE, CONFLICT, nullptr,
-                    "Warning: Duplicate field definition %s, replacing description\n", field.name);
+  deploy::report(HERE, "field-description-replaced", {.field = field.name, .attribute = "DESCR"});
   const char* description = dd_text(field.known.element, TAV_FLD_DESCR, at(ebuf, HERE));
   if (*description == '\0' || first_of_name(fields, field) == known) return;
   dd_set_text(known, TAV_FLD_DESCR, description, at(ebuf, HERE));
 }
 
 static void keep_old(dd_list& fields, int32_t id, const definition& field, tav_ebuf* ebuf) {
-  tav_deploy_report(HERE, NOTHING, nullptr, "Warning: Duplicate field definition %s, keeping old\n",
-                    field.name);
+  deploy::report(HERE, "field-kept", {.field = field.name});
   fields.drop(id, field.known.element, at(ebuf, HERE));
 }
 
@@ -76,13 +70,12 @@ static void settle_known(tav_deploy_import_state& state, int32_t id, const defin
   const int32_t number = dd_int(known.element, TAV_FLD_FIELD_NUM, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (field.type() != known.type.value_or(0)) {
-    return tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by type conflict",
-                             "Error: Conflicting field definition %s, different type\n",
-                             field.name);
+    deploy::report(HERE, "field-type-conflict", {.field = field.name});
+    return;
   }
   if (field.number != number) {
-    return tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id conflict",
-                             "Error: Conflicting field definition %s, different id\n", field.name);
+    deploy::report(HERE, "field-number-conflict", {.field = field.name, .attribute = "ID"});
+    return;
   }
   if (state.ctx->mode == TAV_DEPLOY_MODE_REPLACE) {
     return replace_description(state.fields, field, known.element, ebuf);
@@ -109,5 +102,5 @@ int tav_deploy_import_fields(tav_deploy_import_state& state) {
     check_field(state, walk.id(), element, &ebuf);
   }
   state.fields.forget_indexes();
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf, "Flist Error") : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "field-list-failed") : 1;
 }

@@ -11,7 +11,7 @@ static int check_entries(tav_deploy_class_entries& read, tav_deploy_siblings ent
                          const char* class_name) {
   for (tav_deploy_entry& entry : entries) {
     tav_deploy_check_placement(entry, class_name);
-    if (tav_deploy_check_nesting(read, entry, class_name, 1) < 1) return -1;
+    if (tav_deploy_check_nesting(read, entry, {class_name}, 1) < 1) return -1;
   }
   return 1;
 }
@@ -19,19 +19,15 @@ static int check_entries(tav_deploy_class_entries& read, tav_deploy_siblings ent
 static int check_class(tav_deploy_import_state& state, tav_deploy_hierarchy& hierarchy,
                        tav_flist_t* storable, const char* name) {
   if (tav_deploy_check_field_types(state.entries, storable, state.working_fields, name) < 1) {
-    return tav_deploy_fail(HERE, "Unable to verify class field types",
-                           "Error: Unable to verify field types for %s\n", name);
+    return deploy::report(HERE, "class-types-not-checked", {.class_name = name});
   }
   tav_ebuf none{};  // the class has been read
   const tav_deploy_siblings entries = tav_deploy_entries_of(state.entries, storable, &none);
   if (check_entries(state.entries, entries, name) < 1) {
-    return tav_deploy_fail(HERE, "Unable to verify class structure",
-                           "Error: Unable to verify class structure for %s\n", name);
+    return deploy::report(HERE, "class-structure-not-checked", {.class_name = name});
   }
   if (tav_deploy_check_hierarchy(hierarchy, entries, name) < 1) {
-    return tav_deploy_fail(
-        HERE, "Unable to verify class hierarchy array or substruct conflicts",
-        "Error: Unable to verify class hierarchy array or substruct conflicts, %s\n", name);
+    return deploy::report(HERE, "class-hierarchy-not-checked", {.class_name = name});
   }
   return 1;
 }
@@ -45,5 +41,5 @@ int tav_deploy_import_structure(tav_deploy_import_state& state) {
     if (dd_failed(ebuf)) break;
     if (check_class(state, hierarchy, storable, name) < 1) return -1;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }

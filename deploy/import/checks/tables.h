@@ -14,6 +14,9 @@ inline constexpr size_t TAV_DEPLOY_NONE = SIZE_MAX;
 // A use of a table. Its columns are a chain, because those of nested entries come between them.
 struct tav_deploy_table {
   const char* name;
+  const char* class_name = nullptr;  // whose it is
+  const char* field = nullptr;       // of the entry that names it; null for the class's own
+  size_t around = TAV_DEPLOY_NONE;   // the use of the table that the entry stands in
   size_t first_column = TAV_DEPLOY_NONE;
   size_t last_column = TAV_DEPLOY_NONE;
   bool is_serializable = false;  // may be shared; the collection itself finds no such use
@@ -21,7 +24,8 @@ struct tav_deploy_table {
 
 struct tav_deploy_column {
   const char* name;
-  uint32_t hash;  // of the name
+  const char* field;  // of the entry that names it
+  uint32_t hash;      // of the name
   size_t next = TAV_DEPLOY_NONE;
 };
 
@@ -34,23 +38,21 @@ struct tav_deploy_tables {
 };
 
 // Adds a use of a table and gives its place. Throws std::bad_alloc.
-size_t tav_deploy_add_table(tav_deploy_tables& tables, const char* name);
+size_t tav_deploy_add_table(tav_deploy_tables& tables, const tav_deploy_table& use);
 
 // Collects the tables and columns of entries: a class's, or those nested in one. The table's place
 // and name are those of the class or entry, where it has them; the fields are DD_TYPED_FIELDS. 1
 // also when faults were reported, -1 on a failure that stops the check.
 int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
                                  tav_deploy_siblings entries, dd_list& fields,
-                                 const char* table_name);
-
-// A failed call in the storage checks: told, and the error flag raised; gives -1.
-int tav_deploy_storage_failed(dd_site site, const tav_ebuf& ebuf, const char* log_text);
+                                 const char* table_name, const char* class_name);
 
 // How often each name is used; counted once, at the first question.
 struct tav_deploy_table_counts {
   struct uses {
     int32_t all = 0;
     int32_t serializable = 0;
+    size_t last = 0;  // its place
   };
 
   const tav_deploy_tables& tables;  // must not change once counted
