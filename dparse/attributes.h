@@ -12,6 +12,9 @@
 #include "dd/vantor.h"
 #include "dparse/words.h"
 
+namespace dparse {
+enum class message : unsigned char;  // what the reader says: dparse/read/messages.h
+}
 struct dparse_element;  // what a reader fills
 struct dparse_writing;  // where a writer stands
 struct dparse_attribute;
@@ -24,7 +27,8 @@ struct dparse_form {
   // Writes the line, or nothing where the value (null: absent) calls for none; null: never written.
   // A failure stays in the writing's error buffer.
   void (*write)(dparse_writing& writing, const dparse_attribute& row, const void* value);
-  bool required = false;  // the writer takes a missing value for a failure
+  bool required = false;            // the writer takes a missing value for a failure
+  const char* refused_takes = "s";  // the letters of the conversions in the row's `refused`
 };
 
 struct dparse_attribute {
@@ -34,8 +38,8 @@ struct dparse_attribute {
   unsigned read_in;     // sets of contexts
   unsigned written_in;  // the SQL names of an entry depend on its type: see write/storage.cpp
   const dparse_word* words = nullptr;  // of a value from a word list
-  const char* refused = nullptr;       // message for a value that is not allowed
-  const char* expected = nullptr;      // message for one of another kind, where that differs
+  dparse::message refused{};           // for a value that is not allowed; else NONE
+  dparse::message expected{};          // for one of another kind, where that differs; else NONE
 };
 
 // In the order in which they are written.

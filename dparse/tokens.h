@@ -22,6 +22,7 @@ enum {
 };
 enum { DPARSE_TOKEN_NUMBERS = DD_KEYWORD_NUMBERS };  // all token numbers are below
 
+inline constexpr size_t DPARSE_TEXT_SIZE = 2048;   // of token texts and values, terminator included
 inline constexpr size_t DPARSE_KEYWORD_SIZE = 24;  // holds every keyword
 
 struct dparse_token_row {

@@ -5,7 +5,6 @@
 #include "dd/values.h"
 #include "deploy/import/import.h"
 #include "dparse/write/forms.h"
-#include "dparse/write/storage.h"
 
 namespace dict {
 
@@ -36,31 +35,12 @@ static element read_element(const element_kind& kind, tav_flist_t* list, tav_ebu
           has_type ? dd_int(list, TAV_FLD_FIELD_TYPE, ebuf) : 0};
 }
 
-// What the writer's line "KEYWORD = value;" gives as value; empty where there is no such line.
-static std::string value_in(std::string_view lines, std::string_view keyword) {
-  const std::string start = std::string(keyword) + " = ";
-  while (!lines.empty()) {
-    const std::string_view line = lines.substr(0, lines.find('\n'));
-    lines.remove_prefix(std::min(line.size() + 1, lines.size()));
-    if (line.substr(0, start.size()) != start) continue;
-    return std::string(line.substr(start.size(), line.size() - start.size() - 1));
-  }
-  return {};
-}
-
 static written write_value(const element& holder, const dparse_attribute& row, tav_ebuf* ebuf) {
   dd_decimal zero;
   const void* held = tavi_flist_get(holder.list, row.field, 0, 1, 0, ebuf);
   const void* value = dparse_or_zero(held, row.field, zero, ebuf);
-  dparse_out out(nullptr);
-  dparse_writing writing{out, holder.name, 0, ebuf};
-  if (&holder.kind == &ENTRY && row.field == TAV_FLD_SQL_TABLE) {
-    dparse_put_sql_names(out, holder.type, static_cast<const char*>(value), nullptr, 0);
-  } else if (row.form->write != nullptr) {
-    row.form->write(writing, row, value);
-  }
   const bool is_text = DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_STRING;
-  std::string text = value_in(dparse_gathered(out), dparse_keyword_text(row.token));
+  std::string text = dparse_value_text(row, value, holder.name, holder.type, ebuf);
   const bool is_given = is_text ? !text.empty() : value != nullptr;
   return {std::move(text), is_given};
 }

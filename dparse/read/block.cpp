@@ -12,6 +12,8 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 using entries = std::vector<dparse_element>;
 
 static bool opens_entry(const dparse_block& block, int token) {
@@ -27,8 +29,7 @@ static bool ends_block(int token) {
 static int open_entry(FILE* stream, entries& open, dparse_element& parent, int number,
                       const dparse_token& token) {
   if (open.size() == DPARSE_MAX_DEPTH)
-    return dparse_fail(HERE, "Field entries are nested too deep, the limit is %d levels",
-                       DPARSE_MAX_DEPTH);
+    return dparse_fail(HERE, message::ENTRIES_TOO_DEEP, DPARSE_MAX_DEPTH);
   tav_ebuf ebuf{};
   dparse_element entry{.list = tav_flist_elem_add(parent.list, TAV_FLD_OBJ_ELEM,
                                                   parent.entry_count++, at(&ebuf, HERE)),
@@ -78,7 +79,7 @@ int dparse_read_block(FILE* stream, dparse_element& outermost) {
     if (!ends_block(number)) {
       result = read_member(stream, open, element, number, token);
     } else if (number != DPARSE_KEY_CLOSE) {
-      result = dparse_fail(HERE, "} Expected");
+      result = dparse_fail(HERE, message::CLOSING_BRACE_EXPECTED);
     } else if (open.empty()) {
       return 1;
     } else {

@@ -5,6 +5,8 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 namespace {
 
 template <class... Codes>
@@ -21,28 +23,28 @@ constexpr uint32_t LDAP_MEMBERS = LDAP_FIELDS & ~types(TAV_FLDT_ARRAY);
 
 // The message is the bare token, the record says more: deliberate.
 int unknown_in_definition(int, const char* text) {
-  return dparse_fail_as(HERE, text, "Invalid Attribute '%s'", text);
+  return dparse_fail_as(HERE, text, message::UNKNOWN_FIELD_ATTRIBUTE, {text});
 }
 
 int failed_in_definition(int token, const char*) {
-  if (token == DPARSE_KEY_ID) return dparse_fail(HERE, "Error: Unable to parse field id");
-  return dparse_fail(HERE, "Error: while parsing %s", dparse_keyword_text(token).data());
+  if (token == DPARSE_KEY_ID) return dparse_fail(HERE, message::ID_NOT_READ);
+  return dparse_fail(HERE, message::FIELD_ATTRIBUTE_NOT_READ, dparse_keyword_text(token));
 }
 
 int refused_in_class(int, const char* text) {
-  return dparse_fail(HERE, "Invalide Attribute or field type '%s'", text);
+  return dparse_fail(HERE, message::UNKNOWN_CLASS_MEMBER, text);
 }
 
 int unknown_in_entry(int token, const char* text) {
-  return dparse_fail(HERE, "Invalid Attribute or field type (token=%d) '%s'", token, text);
+  return dparse_fail(HERE, message::UNKNOWN_ENTRY_MEMBER, token, text);
 }
 
 int failed_in_interface(int, const char*) {
-  return dparse_fail(HERE, "Error: Unable to parse field");
+  return dparse_fail(HERE, message::MEMBER_NOT_READ);
 }
 
 int refused_in_entry(int, const char* text) {
-  return dparse_fail(HERE, "Invalid Attribute or field type '%s'", text);
+  return dparse_fail(HERE, message::UNKNOWN_STORAGE_MEMBER, text);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 // Finds the earlier definition of that name; it must have the same type.
 static int find_earlier(dd_list& fields, dparse_element& definition, const char* name) {
   tav_ebuf ebuf{};
@@ -17,7 +19,7 @@ static int find_earlier(dd_list& fields, dparse_element& definition, const char*
     type = dd_int(definition.earlier, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   if (type == definition.type) return 1;
-  return dparse_fail(HERE, "Duplicate field %s in input with different types", name);
+  return dparse_fail(HERE, message::DUPLICATE_FIELD_TYPES, name);
 }
 
 // head := type name "{"
@@ -26,14 +28,16 @@ static int read_head(FILE* stream, dd_list& fields, dparse_element& definition) 
   tav_ebuf ebuf{};
   dd_set_int(definition.list, TAV_FLD_FIELD_TYPE, definition.type, at(&ebuf, HERE));
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail(HERE, "Class or field name expected");
+    return dparse_fail(HERE, message::NAME_EXPECTED);
   definition.hash = dd_hash(token.text, token.length);
   if (find_earlier(fields, definition, token.text) < 1)
-    return dparse_fail(HERE, "Duplicate field %s in input, different type", token.text);
+    return dparse_fail(HERE, message::FIELD_TYPE_DIFFERS, token.text);
   dd_set_text(definition.list, TAV_FLD_FIELD_NAME, token.text, at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   // The small "e" of this one is deliberate.
-  return dparse_take(stream, token, DPARSE_KEY_OPEN) ? 1 : dparse_fail(HERE, "{ expected");
+  return dparse_take(stream, token, DPARSE_KEY_OPEN)
+             ? 1
+             : dparse_fail(HERE, message::FIELD_BRACE_EXPECTED);
 }
 
 // field := type name "{" { ID number | DESCR string } "}"

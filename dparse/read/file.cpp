@@ -8,6 +8,8 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 // definition := field | class
 int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
                   const char* filter) {
@@ -19,7 +21,7 @@ int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_lis
     return dparse_read_class(stream, *class_list, *impl_list, filter);
   if (type != TAV_FLDT_UNUSED && type != TAV_FLDT_OBJ)
     return dparse_read_field(stream, *field_list, number);
-  dparse_note("Invalid token '%s'", token.text);
+  dparse_note(message::INVALID_TOKEN, token.text);
   return -1;
 }
 

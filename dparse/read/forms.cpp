@@ -5,12 +5,14 @@
 
 #include "dd/fold.h"
 #include "dd/values.h"
+#include "dparse/class_names.h"
 #include "dparse/read/element.h"
 #include "dparse/read/state.h"
 #include "dparse/read/values.h"
-#include "dparse/write/writer.h"
 
 static constexpr char MODULE[] = "dparse";
+
+using dparse::message;
 
 int dparse_read_text(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   dparse_token value;
@@ -23,14 +25,13 @@ int dparse_read_quoted_number(FILE* stream, dparse_element& element, const dpars
   int32_t number;
   if (dparse_read_string(stream, value) < 1) return -1;
   if (!dparse_to_number(value.text, number))
-    return dparse_fail(HERE, row.refused, value.text, dparse_text_of(element, TAV_FLD_NAME));
+    return dparse_fail_with(HERE, row.refused, {value.text, dparse_text_of(element, TAV_FLD_NAME)});
   return dparse_store_number(element, row.field, number);
 }
 
 int dparse_read_seq_start(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   const char* name = dparse_text_of(element, TAV_FLD_NAME);
-  if (!dparseIsTopLevelClass(name))
-    return dparse_fail(HERE, "seq start found in non-base class %s", name);
+  if (!dparseIsTopLevelClass(name)) return dparse_fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
   return dparse_read_quoted_number(stream, element, row);
 }
 
@@ -51,8 +52,8 @@ static const dparse_word* read_choice(FILE* stream, const dparse_attribute& row,
     return quoted ? fits(known.text, token.text) : known.token == number;
   });
   if (word == nullptr) {
-    const char* message = quoted || row.expected == nullptr ? row.refused : row.expected;
-    dparse_fail(HERE, message, token.text);
+    const bool refused = quoted || row.expected == message::NONE;
+    dparse_fail_with(HERE, refused ? row.refused : row.expected, {token.text});
     return nullptr;
   }
   return dparse_expect_semicolon(stream) < 1 ? nullptr : word;
@@ -116,7 +117,7 @@ static int compare_id(const dparse_element& definition, int32_t id, const char* 
   const int32_t earlier = dd_int(definition.earlier, TAV_FLD_FIELD_NUM, at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   if (earlier == id) return 1;
-  return dparse_fail(HERE, "Duplicate field %s in input with different id", name);
+  return dparse_fail(HERE, message::DUPLICATE_FIELD_IDS, name);
 }
 
 // A duplicate with another number reports two lines and gives 0, so that
@@ -127,7 +128,7 @@ int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attrib
   if (definition.earlier == nullptr) return dparse_store_number(definition, row.field, id);
   const char* name = dparse_text_of(definition, TAV_FLD_FIELD_NAME);
   if (compare_id(definition, id, name) > 0) return 1;
-  dparse_fail(HERE, "Duplicate Field %s, with different id", name);
+  dparse_fail(HERE, message::FIELD_ID_DIFFERS, name);
   return 0;
 }
 
@@ -136,11 +137,11 @@ int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attrib
   dparse_token token;
   if (dparse_expect_equals(stream) < 1) return -1;
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail(HERE, row.expected, token.text);
+    return dparse_fail_with(HERE, row.expected, {token.text});
   tav_ebuf ebuf{};
   dd_decimal order(tav_decimal(token.text, at(&ebuf, HERE)));
   if (ebuf.err_code == TAV_ERR_NO_MEM) return dparse_call_failed(HERE, ebuf);
-  if (dd_failed(ebuf)) return dparse_fail(HERE, row.refused, token.text);
+  if (dd_failed(ebuf)) return dparse_fail_with(HERE, row.refused, {token.text});
   dd_put(element.list, row.field, 0, std::move(order), at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
   return dparse_expect_semicolon(stream);

@@ -6,9 +6,6 @@
 
 #include "dparse/attributes.h"
 
-// Also the message for numbers that may be greater than 1: deliberate.
-inline constexpr char DPARSE_ZERO_OR_ONE_EXPECTED[] = "0 or 1 expected instead of '%s'";
-
 using dparse_reader = int(FILE* stream, dparse_element& element, const dparse_attribute& row);
 
 dparse_reader dparse_read_text;           // "text"

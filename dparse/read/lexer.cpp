@@ -5,6 +5,8 @@
 #include "dparse/characters.h"
 #include "dparse/read/state.h"
 
+using dparse::message;
+
 namespace {
 
 int get(FILE* stream) {
@@ -44,7 +46,7 @@ int read_string(FILE* stream, char* text, size_t room, size_t& length) {
   length = static_cast<size_t>(read_run(stream, DPARSE_ENDS_STRING, text, text + room) - text);
   const int c = get(stream);
   if (c == '"') return DPARSE_TOKEN_STRING;
-  dparse_note("Expecting \"");
+  dparse_note(message::STRING_NOT_CLOSED);
   return DPARSE_TOKEN_BAD_STRING;
 }
 
@@ -57,7 +59,7 @@ int read_word(FILE* stream, int c, char* text, size_t room, size_t& length) {
     length = static_cast<size_t>(read_run(stream, DPARSE_ENDS_WORD, text + 1, text + room) - text);
   }
   // Also when the word ends right there: deliberate.
-  if (length == room) dparse_note("Buffer overflow, tokens are limited to 2048 characters");
+  if (length == room) dparse_note(message::WORD_TOO_LONG);
   return length == 0 ? DPARSE_TOKEN_EMPTY : dparse_keyword(text, length);
 }
 

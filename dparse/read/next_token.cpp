@@ -9,6 +9,8 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 namespace {
 
 // Most words are shorter. So many bytes are copied faster than just those of the word.
@@ -101,15 +103,15 @@ static bool expect(FILE* stream, char single) {
 }
 
 int dparse_expect_equals(FILE* stream) {
-  return expect(stream, '=') ? 1 : dparse_fail(HERE, "= Expected");
+  return expect(stream, '=') ? 1 : dparse_fail(HERE, message::EQUALS_EXPECTED);
 }
 
 int dparse_expect_semicolon(FILE* stream) {
-  return expect(stream, ';') ? 1 : dparse_fail(HERE, "; Expected");
+  return expect(stream, ';') ? 1 : dparse_fail(HERE, message::SEMICOLON_EXPECTED);
 }
 
 int dparse_no_open() {
-  return dparse_fail(HERE, "{ Expected");
+  return dparse_fail(HERE, message::OPENING_BRACE_EXPECTED);
 }
 
 int dparse_expect_open(FILE* stream) {

@@ -9,13 +9,14 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <span>
 
 #include "dd/list.h"
 #include "dd/vantor.h"
+#include "dparse/read/messages.h"
 #include "dparse/tokens.h"
 
 // --- Error state ------------------------------------------------------------------------------
-inline constexpr size_t DPARSE_TEXT_SIZE = 2048;  // of token texts and values, terminator included
 inline constexpr size_t DPARSE_MESSAGE_SIZE = 4224;
 
 extern char dparse_fname[DPARSE_TEXT_SIZE];         // name of the file being read
@@ -31,6 +32,15 @@ void dparseSetErrMsg(const char* message);
 const char* dparseGetErrMsg();
 // The line of the last character consumed, a consumed newline counted.
 int dparseGetErrLine();
+
+namespace dparse {
+// The message in the error state. NONE where there is none, or one that dparseSetErrMsg was given.
+// It is not always that of the failure: a word that is too long is recorded and fails nothing, and
+// stands for the failure that comes later.
+message standing_message();
+// Those logged since the file's start, in order: from what failed outwards.
+std::span<const message> logged_messages();
+}  // namespace dparse
 
 // --- Whole files ------------------------------------------------------------------------------
 // The lists are appended to: definitions of fields (DD_FIELDS), of class interfaces and of class

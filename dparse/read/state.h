@@ -2,28 +2,75 @@
 #ifndef DPARSE_READ_STATE_H
 #define DPARSE_READ_STATE_H
 
-#include "dd/call.h"
+#include <initializer_list>
+#include <string_view>
 
-// What a client-library call that failed is reported as.
-inline constexpr char DPARSE_INTERNAL_ERROR[] = "Error: Internal Error";
-// A type that cannot stand there.
-inline constexpr char DPARSE_INVALID_TYPE[] = "Invalid field type";
+#include "dd/call.h"
+#include "dparse/read/messages.h"
+
+namespace dparse {
+
+// What stands for a conversion of a message's text: a text for %s, a number for %d.
+class argument {
+ public:
+  argument(const char* text) : text_(text) {}
+  argument(std::string_view text) : text_(text) {}
+  argument(int number);
+  argument(const argument&) = delete;
+  argument& operator=(const argument&) = delete;
+
+  std::string_view text() const { return text_; }
+
+ private:
+  char digits_[12];
+  std::string_view text_;
+};
+using arguments = std::initializer_list<argument>;
+
+template <class T>
+inline constexpr char LETTER_OF = std::is_same_v<T, int> ? 'd' : 's';
+
+// A message whose text takes arguments of these types; another does not compile.
+template <class... Types>
+struct message_with {
+  consteval message_with(message one) : which(one) {
+    constexpr char letters[] = {LETTER_OF<Types>..., '\0'};
+    if (!takes(row_of(one).text, letters)) throw "the text takes other arguments";
+  }
+  message which;
+};
+
+}  // namespace dparse
 
 // Line 1, no message: the start of a file.
 void dparse_reset();
 // Forgets the message.
 void dparse_forget_message();
-// Records the message without a log record.
-void dparse_note(const char* format, ...) TAV_PRINTF(1, 2);
-// Records and logs the message; gives -1.
-int dparse_fail(dd_site site, const char* format, ...) TAV_PRINTF(2, 3);
-// Records one text and logs another; gives -1.
-int dparse_fail_as(dd_site site, const char* recorded, const char* format, ...) TAV_PRINTF(3, 4);
-// Records and logs the internal error that the buffer holds; gives -1.
+// Records the internal error that the buffer holds, and logs it with the buffer; gives -1.
 int dparse_call_failed(dd_site site, const tav_ebuf& ebuf);
 // Gives 1, or -1 with that failure when the buffer holds an error.
 inline int dparse_done(dd_site site, const tav_ebuf& ebuf) {
   return dd_failed(ebuf) ? dparse_call_failed(site, ebuf) : 1;
+}
+
+// Records the message without a log record.
+void dparse_note_with(dparse::message which, dparse::arguments arguments);
+// Records and logs the message; gives -1.
+int dparse_fail_with(dd_site site, dparse::message which, dparse::arguments arguments);
+// Records one text and logs another; gives -1.
+int dparse_fail_as(dd_site site, const char* recorded, dparse::message which,
+                   dparse::arguments arguments);
+
+// The same where the message is known when this is compiled.
+template <class... Types>
+void dparse_note(std::type_identity_t<dparse::message_with<Types...>> message,
+                 const Types&... arguments) {
+  dparse_note_with(message.which, {arguments...});
+}
+template <class... Types>
+int dparse_fail(dd_site site, std::type_identity_t<dparse::message_with<Types...>> message,
+                const Types&... arguments) {
+  return dparse_fail_with(site, message.which, {arguments...});
 }
 
 #endif

@@ -8,13 +8,15 @@
 
 static constexpr char MODULE[] = "dparse";
 
+using dparse::message;
+
 static constexpr int SQL_NAME_LENGTH = 30;  // bytes
 
 static int read_name(FILE* stream, const dparse_attribute& row, dparse_token& name) {
   if (dparse_read_string(stream, name) < 1) return -1;
   const int length = static_cast<int>(name.length);
   if (length <= SQL_NAME_LENGTH) return 1;
-  return dparse_fail(HERE, row.refused, name.text, length, SQL_NAME_LENGTH);
+  return dparse_fail_with(HERE, row.refused, {name.text, length, SQL_NAME_LENGTH});
 }
 
 static int store_both(dparse_element& element, uint32_t field, std::string_view column,
@@ -62,6 +64,6 @@ int dparse_read_objectclass(FILE* stream, dparse_element& element, const dparse_
   tav_ebuf ebuf{};
   const int held = tav_flist_elem_count(element.list, TAV_FLD_OBJECTCLASSES, at(&ebuf, HERE));
   if (dparse_done(HERE, ebuf) < 1) return -1;
-  if (held > 0) return dparse_fail(HERE, row.refused, held + 1);
+  if (held > 0) return dparse_fail_with(HERE, row.refused, {held + 1});
   return dparse_store_element(element, TAV_FLD_OBJECTCLASSES, row.field, value.text);
 }

@@ -13,7 +13,7 @@ bool dparse_to_number(const char* text, int32_t& number);
 
 // = 7;  A plain word (else `expected`), whose number, unsigned, is at most `limit` (else
 // `refused`): 1, or -1 with that message. Both messages show the word.
-int dparse_bare_number(FILE* stream, uint32_t limit, const char* expected, const char* refused,
-                       int32_t& number);
+int dparse_bare_number(FILE* stream, uint32_t limit, dparse::message expected,
+                       dparse::message refused, int32_t& number);
 
 #endif

@@ -1,15 +1,10 @@
 // Classes: interfaces and implementations.
-#include "dd/class_names.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "dparse/write/entries.h"
 #include "dparse/write/writer.h"
 
 static constexpr char MODULE[] = "dparse_export";
-
-bool dparseIsTopLevelClass(const char* class_name) {
-  return class_name != nullptr && class_name[0] != '\0' && !dd_is_subclass(class_name);
-}
 
 static int write_class(dparse_exporting& to, dparse_outline& outline,
                        const dparse_outline_class& storable, tav_ebuf* ebuf) {

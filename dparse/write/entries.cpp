@@ -3,7 +3,6 @@
 
 #include "dd/report.h"
 #include "dd/values.h"
-#include "dparse/write/storage.h"
 #include "dparse/write/types.h"
 #include "dparse/write/writer.h"
 
@@ -22,8 +21,7 @@ static void write_implementation_entry(dparse_writing& writing, const dparse_pla
     while (place.rows[i]->field != field) ++i;
     return static_cast<const char*>(values.by_row[i]);
   };
-  dparse_put_sql_names(writing.out, type_code, text(TAV_FLD_SQL_TABLE), text(TAV_FLD_SQL_STORAGE),
-                       writing.indent);
+  dparse_write_sql_names(writing, type_code, text(TAV_FLD_SQL_TABLE), text(TAV_FLD_SQL_STORAGE));
 }
 
 const dparse_side DPARSE_INTERFACE{DD_IN_CLASS, DD_IN_ENTRY, " {\n\n", write_interface_entry,

@@ -2,7 +2,7 @@
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
-#include "dparse/read/state.h"
+#include "dparse/failures.h"
 #include "dparse/write/forms.h"
 #include "dparse/write/types.h"
 #include "dparse/write/writer.h"
@@ -12,7 +12,7 @@ static constexpr char MODULE[] = "dparse_export";
 // This list's failures are worded a little differently from those of classes: deliberate.
 static int list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf, const char* end) {
   dparse_flush(out);
-  dd_print_error_text(DPARSE_INTERNAL_ERROR);
+  dd_print_error_text(dparse::INTERNAL_ERROR_TEXT);
   dd_print_error_text(end);
   dd_log(site, "Flist error", ebuf);
   return -1;

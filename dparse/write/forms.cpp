@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "dparse/read/reader.h"
-#include "dparse/write/writer.h"
+#include "dparse/class_names.h"
 
 static constexpr char MODULE[] = "dparse_export";
 
@@ -15,28 +14,44 @@ static int32_t number(const void* value, int32_t missing = 0) {
   return value != nullptr ? *static_cast<const int32_t*>(value) : missing;
 }
 
+static void begin(const dparse_writing& writing, int keyword) {
+  if (writing.only == 0) dparse_begin_line(writing.out, keyword, writing.indent);
+}
+
+static void end(const dparse_writing& writing) {
+  if (writing.only == 0) dparse_end_line(writing.out);
+}
+
 static void put_bare(dparse_writing& writing, const dparse_attribute& row, std::string_view value) {
-  dparse_begin_line(writing.out, row.token, writing.indent);
+  begin(writing, row.token);
   dparse_put(writing.out, value);
-  dparse_end_line(writing.out);
+  end(writing);
 }
 
 static void put_bare_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
-  dparse_begin_line(writing.out, row.token, writing.indent);
+  begin(writing, row.token);
   dparse_put_number(writing.out, value);
-  dparse_end_line(writing.out);
+  end(writing);
 }
 
 static void put_quoted_number(dparse_writing& writing, const dparse_attribute& row, int32_t value) {
-  dparse_begin_line(writing.out, row.token, writing.indent);
+  begin(writing, row.token);
   dparse_put(writing.out, "\"");
   dparse_put_number(writing.out, value);
   dparse_put(writing.out, "\"");
-  dparse_end_line(writing.out);
+  end(writing);
+}
+
+void dparse_write_quoted(dparse_writing& writing, int keyword, const char* value) {
+  if (value == nullptr || value[0] == '\0') return;
+  if (writing.only != 0 && writing.only != keyword) return;
+  begin(writing, keyword);
+  dparse_put_quoted(writing.out, value);
+  end(writing);
 }
 
 void dparse_write_text(dparse_writing& writing, const dparse_attribute& row, const void* value) {
-  dparse_put_quoted(writing.out, row.token, text(value), writing.indent);
+  dparse_write_quoted(writing, row.token, text(value));
 }
 
 void dparse_write_bare_text(dparse_writing& writing, const dparse_attribute& row,
@@ -117,4 +132,16 @@ void dparse_write_values(dparse_writing& writing, const dparse_values& values,
     if ((row.written_in & place.context) != 0) row.form->write(writing, row, values.by_row[i]);
     if (dd_failed(*writing.ebuf)) return;
   }
+}
+
+std::string dparse_value_text(const dparse_attribute& row, const void* value, const char* name,
+                              int32_t entry_type, tav_ebuf* ebuf) {
+  dparse_out out(nullptr);
+  dparse_writing writing{out, name, 0, ebuf, row.token};
+  if (entry_type != TAV_FLDT_UNUSED && row.field == TAV_FLD_SQL_TABLE) {
+    dparse_write_sql_names(writing, entry_type, text(value), nullptr);
+  } else if (row.form->write != nullptr) {
+    row.form->write(writing, row, value);
+  }
+  return std::string(dparse_gathered(out));
 }

@@ -4,6 +4,7 @@
 #define DPARSE_WRITE_FORMS_H
 
 #include <algorithm>
+#include <string>
 
 #include "dd/owners.h"
 #include "dparse/attributes.h"
@@ -14,6 +15,7 @@ struct dparse_writing {
   const char* name;  // of what the attributes belong to
   int indent;
   tav_ebuf* ebuf;
+  int only = 0;  // the keyword of which the value alone is written; 0: lines, of all keywords
 };
 
 using dparse_writer = void(dparse_writing& writing, const dparse_attribute& row, const void* value);
@@ -58,5 +60,17 @@ void dparse_get_values(dparse_values& values, tav_flist_t* element, const dparse
 // Writes those that are written in that place, up to one that fails.
 void dparse_write_values(dparse_writing& writing, const dparse_values& values,
                          const dparse_place& place);
+
+// The value alone, as the attribute's line shows it; empty where no line is written. `name` is what
+// the attribute belongs to. The SQL names of a field entry depend on its type; for others that is
+// TAV_FLDT_UNUSED.
+std::string dparse_value_text(const dparse_attribute& row, const void* value, const char* name,
+                              int32_t entry_type, tav_ebuf* ebuf);
+
+// KEYWORD = "value";  Nothing for a value that is null or empty.
+void dparse_write_quoted(dparse_writing& writing, int keyword, const char* value);
+// How a field entry of that type is stored: see dparseExportClassImplFieldAttrs.
+int dparse_write_sql_names(dparse_writing& writing, int type_code, const char* name_text,
+                           const char* storage_text);
 
 #endif

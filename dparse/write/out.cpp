@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "dd/report.h"
-#include "dparse/read/state.h"
+#include "dparse/failures.h"
 #include "dparse/tokens.h"
 #include "dparse/write/writer.h"
 
@@ -128,11 +128,10 @@ void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1
   put_rule(out, width, indent);
 }
 
-static void end_quoted(dparse_out& out, const char* value) {
+void dparse_put_quoted(dparse_out& out, const char* text) {
   dparse_put(out, "\"");
-  put_escaped(out, value);
+  put_escaped(out, text);
   dparse_put(out, "\"");
-  dparse_end_line(out);
 }
 
 void dparse_begin_line(dparse_out& out, int keyword, int indent) {
@@ -140,12 +139,6 @@ void dparse_begin_line(dparse_out& out, int keyword, int indent) {
   dparse_put_tabs(out, indent);
   std::memcpy(dparse_room(out, sizeof start.text), start.text, sizeof start.text);
   out.next += start.size;
-}
-
-void dparse_put_quoted(dparse_out& out, int keyword, const char* value, int indent) {
-  if (value == nullptr || value[0] == '\0') return;
-  dparse_begin_line(out, keyword, indent);
-  end_quoted(out, value);
 }
 
 int dparseExportComment(FILE* stream, int width, int indent, const char* text1, const char* text2) {
@@ -160,7 +153,8 @@ int dparseExportString(FILE* stream, const char* keyword, const char* value, int
   dparse_put_tabs(out, indent);
   dparse_put(out, keyword != nullptr ? keyword : "");
   dparse_put(out, " = ");
-  end_quoted(out, value);
+  dparse_put_quoted(out, value);
+  dparse_end_line(out);
   return 1;
 }
 
@@ -177,7 +171,7 @@ int dparse_export_fail(dparse_out& out, dd_site site, const char* text) {
 
 int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf) {
   dparse_flush(out);
-  dd_print_error_text(DPARSE_INTERNAL_ERROR);
+  dd_print_error_text(dparse::INTERNAL_ERROR_TEXT);
   dd_log(site, "flist error", ebuf);
   return -1;
 }

@@ -47,13 +47,13 @@ void dparse_put_tabs(dparse_out& out, int count);
 void dparse_put_number(dparse_out& out, int32_t number);
 void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1,
                        const char* text2);
+// "text", with tabs and newlines as \t and \n.
+void dparse_put_quoted(dparse_out& out, const char* text);
 // A line "KEYWORD = value;": begin_line puts "KEYWORD = ", the caller the value, end_line ";".
 void dparse_begin_line(dparse_out& out, int keyword, int indent);
 inline void dparse_end_line(dparse_out& out) {
   dparse_put(out, ";\n");
 }
-// KEYWORD = "value";  Nothing for a value that is null or empty.
-void dparse_put_quoted(dparse_out& out, int keyword, const char* value, int indent);
 
 // --- Failing: each prints to standard error, logs, and gives -1 ----------------------------------
 // Prints a text that begins with "Error: ", and logs what follows that.

@@ -2,7 +2,7 @@
 
 #include "dd/report.h"
 #include "dd/values.h"
-#include "dparse/read/state.h"
+#include "dparse/failures.h"
 #include "dparse/write/writer.h"
 
 static constexpr char MODULE[] = "dparse_export";
@@ -18,7 +18,7 @@ static int name_failed(dparse_out& out, dd_site site, const char* text, const ch
 
 int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_name) {
   if (field_list == nullptr || field_name == nullptr)
-    return dparse_export_fail_as(out, HERE, DPARSE_INTERNAL_ERROR, "null pointer");
+    return dparse_export_fail_as(out, HERE, dparse::INTERNAL_ERROR_TEXT, "null pointer");
   tav_ebuf ebuf{};
   tav_flist_t* found = field_list->find(field_name, at(&ebuf, HERE));
   if (dd_failed(ebuf)) return dparse_export_list_failed(out, HERE, ebuf);

@@ -10,6 +10,7 @@
 
 #include "dd/list.h"
 #include "dd/vantor.h"
+#include "dparse/class_names.h"
 #include "dparse/outline.h"
 
 // --- Lists ------------------------------------------------------------------------------------
@@ -49,7 +50,4 @@ int dparseEncodeTabsNewlines(char** text);
 
 // The type code of the first field of that name, or -1.
 int dparseGetTypeFromField(dd_list* field_list, const char* field_name);
-// Whether the name holds no "/" after its first character; a null or empty one is no class.
-bool dparseIsTopLevelClass(const char* class_name);
-
 #endif

@@ -9,18 +9,21 @@
 
 using token_reader = int(FILE* stream, char* text, size_t size);
 
-static std::string tokens(const std::string& text, bool buffered,
-                          token_reader* read = dparseGetToken) {
-  const file stream = stream_of(text, buffered);
+static std::string tokens(FILE* stream, token_reader* read) {
   char token[DPARSE_TEXT_SIZE];
   std::string all;
   dparse_lineno = 1;
   dparse_errmsg[0] = '\0';
   for (;;) {
-    const int number = read(stream.get(), token, sizeof token);
+    const int number = read(stream, token, sizeof token);
     all += std::to_string(number) + ":" + token + " ";
     if (number == DPARSE_TOKEN_EOF) return all + reader_error();
   }
+}
+
+static std::string tokens(const std::string& text, bool buffered,
+                          token_reader* read = dparseGetToken) {
+  return tokens(stream_of(text, buffered).get(), read);
 }
 
 static const std::string LONG(2047, 'w');
@@ -76,6 +79,44 @@ TEST(Lexer, TokensAheadAreThoseReadByCharacter) {
   }
 }
 
+static int next(FILE* stream, char* text, size_t size) {
+  dparse_token token;
+  const int number = dparse_next(stream, token);
+  EXPECT_EQ(tav_strlcpy(text, token.text, size), token.length);
+  return number;
+}
+
+// What was read ahead may end anywhere in a token.
+TEST(Lexer, TokensAreWholeOverTheEndOfTheBuffer) {
+  char buffer[4096];
+  for (const size_t size : {1u, 31u, 32u, 33u}) {
+    for (size_t left = 0; left <= 2 * size + 6; ++left) {
+      const std::string word(size, 'w'), string(size, 's');
+      const std::string text =
+          std::string(sizeof buffer - left, ' ') + word + "\n\"" + string + "\";";
+      for (token_reader* read : {&next, &next_string}) {
+        const file stream = stream_of(text);
+        std::setvbuf(stream.get(), buffer, _IOFBF, sizeof buffer);
+        EXPECT_EQ(tokens(stream.get(), read), "26:" + word + " 29:" + string + " 25:; 27: 2: ")
+            << size << ", " << left;
+      }
+    }
+  }
+}
+
+// Of a word that finds no room nothing is taken.
+TEST(Lexer, TextsAreCutToTheBuffer) {
+  const file stream = stream_of("{ab");
+  char small[2] = "x";
+  EXPECT_EQ(dparseGetToken(stream.get(), small, 1), DPARSE_KEY_OPEN);
+  EXPECT_STREQ(small, "");
+  EXPECT_EQ(dparseGetToken(stream.get(), small, 1), DPARSE_TOKEN_EMPTY);
+  EXPECT_STREQ(small, "");
+  EXPECT_EQ(dparseGetToken(stream.get(), small, 2), DPARSE_TOKEN_WORD);
+  EXPECT_STREQ(small, "a");
+  EXPECT_EQ(dparse_fgetc(stream.get()), 'b');
+}
+
 TEST(Lexer, WhatEndsAWordIsPushedBackUncounted) {
   const std::string text = "word\n{x";
   const file stream = stream_of(text);
@@ -117,6 +158,11 @@ TEST(Lexer, KeywordsAreFoundAsByAWalkOfTheTable) {
       EXPECT_EQ(dparse_keyword(text.data(), i), linear(text.substr(0, i).c_str()));
     }
   }
+}
+
+TEST(Lexer, TextsAreEqualInAnyCase) {
+  EXPECT_EQ(dparseIsEqual("/Account", "/aCCOUNT"), 0);
+  EXPECT_NE(dparseIsEqual("/account", "/accounts"), 0);
 }
 
 TEST(State, TheFirstMessageStandsAndLongNamesAreCut) {

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "dd/walk.h"
 #include "dparse/read/reader.h"
 #include "dparse/write/writer.h"
 #include "language.h"
@@ -113,6 +114,27 @@ TEST(Writer, Implementations) {
           "\tARRAY LIST {\n\n\t\tSQL_TABLE = \"l_t\";\n\t\tSQL_STORAGE = \"s\";\n" +
           fields_banner("\t\t") +
           "\t\tBUF COLUMN {\n\n\t\t\tSQL_COLUMN = \"c\";\n\t\t}\n\n\t}\n\n}\n\n");
+}
+
+// The entries of one class or entry, at any depth.
+TEST(Writer, EntriesOnTheirOwn) {
+  lists read;
+  read.read(
+      "ARRAY L { ID = 1; } INT I { ID = 2; } STORABLE CLASS /a { ARRAY L { INT I { } } }"
+      "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { INT I { SQL_COLUMN = \"i\"; } }");
+  tav_ebuf ebuf{};
+  tav_flist_t* interface = read.classes.find("/a", &ebuf);
+  tav_flist_t* array = dd_walk(interface, TAV_FLD_OBJ_ELEM).next(&ebuf);
+  tav_flist_t* implementation = read.impls.find("/a", &ebuf);
+  EXPECT_EQ(
+      write([&](FILE* out) { return dparseExportClassFields(out, &read.fields, array, 3); }).text,
+      fields_banner("\t\t\t") +
+          "\t\t\tINT I {\n\n\t\t\t\tORDER = 0;\n\t\t\t\tAUDITABLE = 0;\n"
+          "\t\t\t\tENCRYPTABLE = 0;\n\t\t\t\tSERIALIZABLE = 0;\n\t\t\t}\n\n");
+  EXPECT_EQ(write([&](FILE* out) {
+              return dparseExportImplClassFields(out, &read.fields, implementation, 1);
+            }).text,
+            fields_banner("\t") + "\tINT I {\n\n\t\tSQL_COLUMN = \"i\";\n\t}\n\n");
 }
 
 TEST(Writer, Pieces) {
