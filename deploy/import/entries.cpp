@@ -6,6 +6,11 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
+void tav_deploy_read_storage(tav_deploy_entry& entry, tav_ebuf* ebuf) {
+  entry.storage = dd_text(entry.element, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
+  entry.storage_hash = dd_hash(entry.storage);
+}
+
 static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* node, tav_ebuf* ebuf) {
   dd_walk walk(node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* element = walk.next(at(ebuf, HERE))) {
@@ -15,6 +20,7 @@ static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* nod
     entry.name = dd_text(element, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
     entry.type = dd_int(element, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
     entry.hash = dd_hash(entry.name);
+    tav_deploy_read_storage(entry, ebuf);
     if (dd_has_any(element, TAV_FLD_OBJ_ELEM, at(ebuf, HERE))) {
       add_entries(entries, element, ebuf);
       entries[place].size = static_cast<uint32_t>(entries.size() - place);
@@ -37,8 +43,8 @@ tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_fl
   if (known != read.classes.end()) return all_of(known->second);
   const tav_deploy_siblings entries = tav_deploy_read_entries(read.reading, storable, ebuf);
   for (tav_deploy_entry& entry : entries) {
-    entry.is_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf) ||
-                      is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
+    entry.creates_as_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf);
+    entry.modifies_as_system = is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
   }
   tav_deploy_siblings kept;
   dd_with_memory(at(ebuf, HERE), [&] {
@@ -66,19 +72,14 @@ void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
   }
 }
 
-bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields) {
-  if (entry.is_defined) return true;
-  const dd_known* found = tav_deploy_get_known_field(fields, entry.name, entry.hash);
-  if (found == nullptr) return false;
-  entry.defined_type = found->type;
-  return entry.is_defined = true;
-}
-
-const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf) {
-  if (entry.storage != nullptr) return entry.storage;
-  const char* storage = dd_text(entry.element, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
-  if (dd_failed(*ebuf)) return storage;
-  entry.storage_hash = dd_hash(storage);
-  entry.has_storage = *storage != '\0';
-  return entry.storage = storage;
+void tav_deploy_find_definitions(tav_deploy_siblings entries, dd_list& fields) {
+  for (const tav_deploy_entry* entry = entries.first; entry != entries.last; ++entry) {
+    fields.prefetch_name(entry->hash);
+  }
+  for (tav_deploy_entry* entry = entries.first; entry != entries.last; ++entry) {
+    const dd_known* found = tav_deploy_get_known_field(fields, entry->name, entry->hash);
+    if (found == nullptr) continue;
+    entry->defined_type = found->type;
+    entry->is_defined = true;
+  }
 }

@@ -1,5 +1,6 @@
 // The field entries of classes as plain records: a class is read once, and the passes ask the
-// records.
+// records. Those of the input are filled by reading, merging and finding definitions; checks change
+// nothing but the marks of siblings.
 #ifndef DEPLOY_IMPORT_ENTRIES_H
 #define DEPLOY_IMPORT_ENTRIES_H
 
@@ -11,18 +12,20 @@
 // An entry; those nested in it follow it. Element and texts are borrowed from the class.
 struct tav_deploy_entry {
   tav_flist_t* element;
-  const char* name;               // "" where it is missing
-  const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until asked for
+  const char* name;          // "" where it is missing
+  const char* storage = "";  // TAV_FLD_SQL_TABLE, "" where it is missing
   uint32_t storage_hash = 0;
   std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   uint32_t hash = 0;                      // of the name
   int32_t type = 0;                       // 0 where it is missing
   uint32_t size = 1;                      // in records: its own and those of what is nested in it
-  bool is_system = false;                 // has SYSTEM permission, at the top level
-  bool is_defined = false;                // the definition was found
-  bool has_storage = false;               // it is not empty
-  bool repeats_earlier = false;           // a sibling before it has its name
-  bool is_repeated = false;               // any other sibling has
+  bool creates_as_system = false;         // has that permission, at the top level
+  bool modifies_as_system = false;
+  bool is_defined = false;       // the definition was found
+  bool repeats_earlier = false;  // a sibling before it has its name
+  bool is_repeated = false;      // any other sibling has
+
+  bool has_storage() const { return *storage != '\0'; }
 };
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
@@ -66,9 +69,9 @@ tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entri
 // Marks the siblings that share a name. Throws std::bad_alloc.
 void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
                               dd_index<dd_by_name, tav_deploy_entry*>& seen);
-// Whether the fields have a definition of the entry's name, which is sought until it was found.
-bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields);
-// What the entry has for TAV_FLD_SQL_TABLE; asked for once.
-const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf);
+// Reads the storage once more, after a change.
+void tav_deploy_read_storage(tav_deploy_entry& entry, tav_ebuf* ebuf);
+// Finds the definitions of entries, at every depth.
+void tav_deploy_find_definitions(tav_deploy_siblings entries, dd_list& fields);
 
 #endif

@@ -57,10 +57,24 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
                              tav_flist_t* storable);
 
 // --- Structure of a class
+struct tav_deploy_hierarchy;
+
+// A class of the input, as the checks of each class see it: its entries' definitions have been
+// sought.
+struct tav_deploy_checked_class {
+  tav_flist_t* element;
+  const char* name;
+  tav_deploy_siblings entries;
+  tav_deploy_class_entries& read;
+  tav_deploy_hierarchy& hierarchy;
+};
+
 // Whether every field that the class uses, at every depth, is defined with the type it is used
-// with. Reads the class.
-int tav_deploy_check_field_types(tav_deploy_class_entries& read, tav_flist_t* storable,
-                                 dd_list& working_fields, const char* class_name);
+// with.
+int tav_deploy_check_field_types(const tav_deploy_checked_class& checked);
+// Reports the class's top-level arrays and substructs whose names a superclass or subclass has at
+// its top level too: 1, or -1 when lists cannot be walked or a name is missing.
+int tav_deploy_check_hierarchy(const tav_deploy_checked_class& checked);
 // What a top-level entry may be in a base class or a subclass, and who may have SYSTEM permission.
 void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name);
 // Whether the entries nested in an entry (at that depth, 1 for top-level) may be so.

@@ -28,16 +28,15 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
   }
 }
 
-static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry,
+static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry, const char* name,
                         const deploy::entry_scope& scope, tav_ebuf* ebuf) {
   const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (entry.type != impl_type) {
-    deploy::report(HERE, "implementation-type-mismatch", scope.of(entry.name, IMPLEMENTATION));
+    deploy::report(HERE, "implementation-type-mismatch", scope.of(name, IMPLEMENTATION));
   }
   tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
-  entry.storage = nullptr;
-  tav_deploy_storage_of(entry, ebuf);  // while the entry is at hand
+  tav_deploy_read_storage(entry, ebuf);
 }
 
 namespace {
@@ -100,7 +99,7 @@ static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_
     if (entry == nullptr) {
       deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
     } else {
-      merge_entry(*entry, impl_entry, scope, &ebuf);
+      merge_entry(*entry, impl_entry, name, scope, &ebuf);
     }
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
     const tav_deploy_siblings nested =

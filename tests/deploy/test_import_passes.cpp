@@ -12,6 +12,8 @@
 #include "deploy/import/import.h"
 #include "tests/deploy/memory.h"
 
+static constexpr char MODULE[] = "test";
+
 static const struct {
   const char* word;
   uint32_t field;
@@ -179,9 +181,10 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     tav_ebuf ebuf{};
     std::vector<tav_deploy_entry> records;
     const auto entries = tav_deploy_read_entries(records, container.get(), &ebuf);
+    tav_deploy_find_definitions(entries, fields);
     EXPECT_EQ(outcome([&] {
-                return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, fields,
-                                                    nullptr, "/c");
+                return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, nullptr,
+                                                    "/c");
               }),
               row.outcome);
     std::string found;
@@ -202,10 +205,12 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
     tav_deploy_class_entries read;
     tav_deploy_tables tables{.keeps_columns = true};
     const auto check = [&] {
-      if (tav_deploy_check_field_types(read, storable.get(), fields, "/c") < 1) return -1;
-      const auto own = tav_deploy_entries_of(read, storable.get(), &ebuf);
+      tav_ebuf unread{};
+      const auto own = tav_deploy_entries_of(read, storable.get(), &unread);
+      if (dd_failed(unread)) return deploy::call_failed(HERE, unread);
+      tav_deploy_find_definitions(own, fields);
       if (tav_deploy_check_nesting(read, *own.first, {"/c"}, 1) < 1) return -1;
-      const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t", "/c");
+      const int result = tav_deploy_get_table_columns(tables, 0, own, "t", "/c");
       return result < 1 ? -1 : tav_deploy_check_unique_names(tables, tables);
     };
     text = outcome([&] {
@@ -216,7 +221,7 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
     });
     last_lines.insert(text.substr(text.rfind('\n', text.size() - 2) + 1));
   }
-  EXPECT_EQ(last_lines.size(), 6u) << text;
+  EXPECT_EQ(last_lines.size(), 5u) << text;
 }
 
 TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
@@ -254,9 +259,12 @@ TEST(names_and_types, that_must_be_there_stop_a_check) {
   EXPECT_EQ(outcome([&] { return tav_deploy_prep_subclass(none, none, none, nameless.get()); }),
             "-1|Error: Internal Error\n");
   tav_deploy_hierarchy hierarchy{none, {}, {}};
+  tav_deploy_class_entries none_read;
   tav_deploy_entry entry{.element = nullptr, .name = "", .type = TAV_FLDT_ARRAY};
   const tav_deploy_siblings one{&entry, &entry + 1};
-  EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, one, "/a"); }),
+  EXPECT_EQ(outcome([&] {
+              return tav_deploy_check_hierarchy({nullptr, "/a", one, none_read, hierarchy});
+            }),
             "-1|Error: Internal Error\nError: Unable to check duplicate array \n");
   const dd_flist server = list_of("entry( name=A type=9 entry( name=S ) )");
   const dd_flist untyped = list_of("entry( name=a type=9 sql=t entry( name=S ) )");
@@ -298,7 +306,7 @@ TEST(deep_lines, take_memory_for_each_class_but_not_for_each_superclass) {
   while (tav_flist_t* storable = walk.next(&ebuf)) {
     const auto entries = tav_deploy_entries_of(state.entries, storable, &ebuf);
     const char* own = dd_text(storable, TAV_FLD_NAME, &ebuf);
-    EXPECT_EQ(tav_deploy_check_hierarchy(hierarchy, entries, own), 1);
+    EXPECT_EQ(tav_deploy_check_hierarchy({storable, own, entries, state.entries, hierarchy}), 1);
   }
   EXPECT_LT(allocations, 30 * (DEEP + MANY));
 }

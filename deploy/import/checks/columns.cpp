@@ -17,7 +17,6 @@ struct target {
   tav_deploy_tables& tables;
   size_t table;            // TAV_DEPLOY_NONE for none
   const char* table_name;  // null for none
-  dd_list& fields;
   deploy::entry_scope scope;
 };
 
@@ -64,8 +63,8 @@ static void add_column(tav_deploy_tables& tables, size_t table, const tav_deploy
 }
 
 // The type of the field's definition; 0 after a report where there is none.
-static int32_t defined_type(const target& to, tav_deploy_entry& entry) {
-  if (!tav_deploy_find_definition(entry, to.fields)) {
+static int32_t defined_type(const target& to, const tav_deploy_entry& entry) {
+  if (!entry.is_defined) {
     deploy::report(HERE, "field-not-defined", to.scope.of(entry.name));
     return 0;
   }
@@ -94,7 +93,7 @@ static buf_storage split(tav_deploy_tables& tables, std::string_view text) {
 }
 
 static int collect_buf(const target& to, const tav_deploy_entry& entry) {
-  if (!entry.has_storage) {
+  if (!entry.has_storage()) {
     deploy::report(HERE, "missing-buf-storage", subject_of(to, entry));
     return 1;
   }
@@ -124,7 +123,7 @@ static int collect_buf(const target& to, const tav_deploy_entry& entry) {
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
 static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& table) {
-  if (!entry.has_storage) {
+  if (!entry.has_storage()) {
     deploy::report(HERE, "missing-table", subject_of(to, entry, "SQL_TABLE"));
     return true;
   }
@@ -142,7 +141,7 @@ static int collect_nested(const target& to, tav_deploy_entry& entry) {
   if (!find_table(to, entry, table)) return -1;
   const char* table_name = table != TAV_DEPLOY_NONE ? entry.storage : nullptr;
   const deploy::entry_path path{entry.name, to.scope.around};
-  const target nested{to.tables, table, table_name, to.fields, {to.scope.class_name, &path}};
+  const target nested{to.tables, table, table_name, {to.scope.class_name, &path}};
   if (collect_entries(nested, tav_deploy_nested(entry)) >= 1) return 1;
   return deploy::report(HERE, "storage-names-not-collected");
 }
@@ -151,7 +150,7 @@ static int collect_column(const target& to, const tav_deploy_entry& entry) {
   if (to.table_name == nullptr || to.table == TAV_DEPLOY_NONE) {
     return deploy::report(HERE, "column-without-table", subject_of(to, entry));
   }
-  if (!entry.has_storage) {
+  if (!entry.has_storage()) {
     deploy::report(HERE, "missing-column", subject_of(to, entry, "SQL_COLUMN"));
     return 1;
   }
@@ -160,17 +159,8 @@ static int collect_column(const target& to, const tav_deploy_entry& entry) {
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "table-not-kept") : 1;
 }
 
-static bool read_storage(tav_deploy_entry& entry) {
-  tav_ebuf ebuf{};
-  tav_deploy_storage_of(entry, &ebuf);
-  if (!dd_failed(ebuf)) return true;
-  deploy::call_failed(HERE, ebuf, "storage-not-read");
-  return false;
-}
-
 // Error buffers stay out of what calls itself: entries may be nested ten thousand levels deep.
 static int collect_entry(const target& to, tav_deploy_entry& entry) {
-  if (!read_storage(entry)) return -1;
   switch (defined_type(to, entry)) {
     case TAV_FLDT_BUF:
       return collect_buf(to, entry);
@@ -190,7 +180,7 @@ static int collect_entries(const target& to, tav_deploy_siblings entries) {
 }
 
 int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
-                                 tav_deploy_siblings entries, dd_list& fields,
-                                 const char* table_name, const char* class_name) {
-  return collect_entries({tables, table, table_name, fields, {class_name}}, entries);
+                                 tav_deploy_siblings entries, const char* table_name,
+                                 const char* class_name) {
+  return collect_entries({tables, table, table_name, {class_name}}, entries);
 }

@@ -7,6 +7,7 @@
 #include "dd/memory.h"
 #include "dd/values.h"
 #include "dd/walk.h"
+#include "deploy/import/import.h"
 #include "deploy/lookup.h"
 #include "deploy/report.h"
 
@@ -149,13 +150,13 @@ static int array_failed(const char* field_name) {
   return deploy::report(HERE, "array-not-checked", {.field = field_name});
 }
 
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
-                               const char* class_name) {
+int tav_deploy_check_hierarchy(const tav_deploy_checked_class& checked) {
   tav_ebuf ebuf{};
-  checked_class own{class_name};
+  tav_deploy_hierarchy& hierarchy = checked.hierarchy;
+  checked_class own{checked.name};
   dd_with_memory(at(&ebuf, HERE), [&] {
-    gather_arrays(own, entries);
-    if (!own.names.empty() && *class_name != '\0') find_all(hierarchy, own, &ebuf);
+    gather_arrays(own, checked.entries);
+    if (!own.names.empty() && *own.name != '\0') find_all(hierarchy, own, &ebuf);
   });
   if (dd_failed(ebuf)) {
     deploy::call_failed(HERE, ebuf);

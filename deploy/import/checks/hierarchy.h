@@ -22,9 +22,4 @@ struct tav_deploy_hierarchy {
   std::vector<tav_deploy_placed_class> classes;  // ascending, byte by byte
 };
 
-// Reports the class's top-level arrays and substructs whose names a superclass or subclass has at
-// its top level too: 1, or -1 when lists cannot be walked or a name is missing.
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
-                               const char* class_name);
-
 #endif

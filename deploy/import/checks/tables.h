@@ -40,12 +40,12 @@ struct tav_deploy_tables {
 // Adds a use of a table and gives its place. Throws std::bad_alloc.
 size_t tav_deploy_add_table(tav_deploy_tables& tables, const tav_deploy_table& use);
 
-// Collects the tables and columns of entries: a class's, or those nested in one. The table's place
-// and name are those of the class or entry, where it has them; the fields are DD_TYPED_FIELDS. 1
-// also when faults were reported, -1 on a failure that stops the check.
+// Collects the tables and columns of a class's entries, whose definitions have been sought. The
+// table's place and name are those of the class, where it has them. 1 also when faults were
+// reported, -1 on a failure that stops the check.
 int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
-                                 tav_deploy_siblings entries, dd_list& fields,
-                                 const char* table_name, const char* class_name);
+                                 tav_deploy_siblings entries, const char* table_name,
+                                 const char* class_name);
 
 // How often each name is used; counted once, at the first question.
 struct tav_deploy_table_counts {
