@@ -11,6 +11,12 @@ void tav_deploy_read_storage(tav_deploy_entry& entry, tav_ebuf* ebuf) {
   entry.storage_hash = dd_hash(entry.storage);
 }
 
+void tav_deploy_read_all_storage(tav_deploy_siblings entries, tav_ebuf* ebuf) {
+  for (tav_deploy_entry* entry = entries.first; entry != entries.last; ++entry) {
+    if (entry->storage == nullptr) tav_deploy_read_storage(*entry, ebuf);
+  }
+}
+
 static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* node, tav_ebuf* ebuf) {
   dd_walk walk(node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* element = walk.next(at(ebuf, HERE))) {
@@ -20,7 +26,6 @@ static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* nod
     entry.name = dd_text(element, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
     entry.type = dd_int(element, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
     entry.hash = dd_hash(entry.name);
-    tav_deploy_read_storage(entry, ebuf);
     if (dd_has_any(element, TAV_FLD_OBJ_ELEM, at(ebuf, HERE))) {
       add_entries(entries, element, ebuf);
       entries[place].size = static_cast<uint32_t>(entries.size() - place);

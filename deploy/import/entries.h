@@ -12,8 +12,8 @@
 // An entry; those nested in it follow it. Element and texts are borrowed from the class.
 struct tav_deploy_entry {
   tav_flist_t* element;
-  const char* name;          // "" where it is missing
-  const char* storage = "";  // TAV_FLD_SQL_TABLE, "" where it is missing
+  const char* name;               // "" where it is missing
+  const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until read
   uint32_t storage_hash = 0;
   std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   uint32_t hash = 0;                      // of the name
@@ -25,7 +25,7 @@ struct tav_deploy_entry {
   bool repeats_earlier = false;  // a sibling before it has its name
   bool is_repeated = false;      // any other sibling has
 
-  bool has_storage() const { return *storage != '\0'; }
+  bool has_storage() const { return storage != nullptr && *storage != '\0'; }
 };
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
@@ -69,8 +69,9 @@ tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entri
 // Marks the siblings that share a name. Throws std::bad_alloc.
 void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
                               dd_index<dd_by_name, tav_deploy_entry*>& seen);
-// Reads the storage once more, after a change.
+// Reads an entry's storage; and that of all entries, at every depth, that was not read yet.
 void tav_deploy_read_storage(tav_deploy_entry& entry, tav_ebuf* ebuf);
+void tav_deploy_read_all_storage(tav_deploy_siblings entries, tav_ebuf* ebuf);
 // Finds the definitions of entries, at every depth.
 void tav_deploy_find_definitions(tav_deploy_siblings entries, dd_list& fields);
 

@@ -36,7 +36,7 @@ static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry, const 
     deploy::report(HERE, "implementation-type-mismatch", scope.of(name, IMPLEMENTATION));
   }
   tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
-  tav_deploy_read_storage(entry, ebuf);
+  tav_deploy_read_storage(entry, ebuf);  // while the entry is at hand
 }
 
 namespace {

@@ -97,11 +97,12 @@ static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
-static int read_entries(dd_list& interfaces, tav_deploy_class_entries& entries) {
+// The classes without implementation have not been read yet, nor entries that it does not name.
+static int fill_entries(dd_list& interfaces, tav_deploy_class_entries& entries) {
   tav_ebuf ebuf{};
   dd_walk walk(interfaces.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* interface = walk.next(at(&ebuf, HERE))) {
-    tav_deploy_entries_of(entries, interface, &ebuf);
+    tav_deploy_read_all_storage(tav_deploy_entries_of(entries, interface, &ebuf), &ebuf);
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
@@ -118,8 +119,8 @@ int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
                                  tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx) {
   definitions read;
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (read_entries(read.interfaces, entries) < 1) return -1;
   if (merge_all(read, entries) < 1) return deploy::report(HERE, "classes-not-merged");
+  if (fill_entries(read.interfaces, entries) < 1) return -1;
   read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);

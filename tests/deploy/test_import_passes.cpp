@@ -181,6 +181,7 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     tav_ebuf ebuf{};
     std::vector<tav_deploy_entry> records;
     const auto entries = tav_deploy_read_entries(records, container.get(), &ebuf);
+    tav_deploy_read_all_storage(entries, &ebuf);
     tav_deploy_find_definitions(entries, fields);
     EXPECT_EQ(outcome([&] {
                 return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, nullptr,
@@ -208,6 +209,7 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
       tav_ebuf unread{};
       const auto own = tav_deploy_entries_of(read, storable.get(), &unread);
       if (dd_failed(unread)) return deploy::call_failed(HERE, unread);
+      tav_deploy_read_all_storage(own, &unread);
       tav_deploy_find_definitions(own, fields);
       if (tav_deploy_check_nesting(read, *own.first, {"/c"}, 1) < 1) return -1;
       const int result = tav_deploy_get_table_columns(tables, 0, own, "t", "/c");

@@ -75,6 +75,7 @@ static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool 
   const tav_deploy_siblings entries =
       is_new ? tav_deploy_entries_of(known.input, storable, &entries_ebuf)
              : tav_deploy_read_entries(known.server_entries, storable, &entries_ebuf);
+  if (!is_new) tav_deploy_read_all_storage(entries, &entries_ebuf);
   if (dd_failed(entries_ebuf)) return deploy::call_failed(HERE, entries_ebuf, "storage-not-read");
   if (!is_new) tav_deploy_find_definitions(entries, known.fields);
   return tav_deploy_get_table_columns(tables, table, entries, read.table, read.class_name);
