@@ -7,7 +7,8 @@
 
 #include "dd/values.h"
 #include "dparse/attributes.h"
-#include "dparse/read/entry.h"
+#include "dparse/read/element.h"
+#include "dparse/read/lexer.h"
 #include "dparse/read/state.h"
 
 static constexpr char MODULE[] = "dparse";
@@ -29,7 +30,7 @@ static bool ends_block(int token) {
 static int open_entry(FILE* stream, entries& open, dparse_element& parent, int number,
                       const dparse_token& token) {
   if (open.size() == DPARSE_MAX_DEPTH)
-    return dparse_fail(HERE, message::ENTRIES_TOO_DEEP, DPARSE_MAX_DEPTH);
+    return dparse::fail(HERE, message::ENTRIES_TOO_DEEP, DPARSE_MAX_DEPTH);
   tav_ebuf ebuf{};
   dparse_element entry{.list = tav_flist_elem_add(parent.list, TAV_FLD_OBJ_ELEM,
                                                   parent.entry_count++, at(&ebuf, HERE)),
@@ -38,7 +39,7 @@ static int open_entry(FILE* stream, entries& open, dparse_element& parent, int n
                        .token = number};
   std::memcpy(entry.keyword, token.text, sizeof entry.keyword);
   open.push_back(entry);  // the parent may move
-  return dparse_done(HERE, ebuf) < 1 ? -1 : dparse_entry_head(stream, open.back());
+  return dparse::done(HERE, ebuf) < 1 ? -1 : dparse_entry_head(stream, open.back());
 }
 
 static int read_attribute(FILE* stream, dparse_element& element, const dparse_attribute& row,
@@ -79,7 +80,7 @@ int dparse_read_block(FILE* stream, dparse_element& outermost) {
     if (!ends_block(number)) {
       result = read_member(stream, open, element, number, token);
     } else if (number != DPARSE_KEY_CLOSE) {
-      result = dparse_fail(HERE, message::CLOSING_BRACE_EXPECTED);
+      result = dparse::fail(HERE, message::CLOSING_BRACE_EXPECTED);
     } else if (open.empty()) {
       return 1;
     } else {

@@ -29,5 +29,7 @@ extern const dparse_block DPARSE_LDAP_ENTRY;
 
 // Reads what follows "{", the "}" included, into the element: 1, or -1 with a message.
 int dparse_read_block(FILE* stream, dparse_element& element);
+// Reads the name and "{" of a field entry, whose list is empty: 1, or -1 with a message.
+int dparse_entry_head(FILE* stream, dparse_element& entry);
 
 #endif

@@ -23,28 +23,28 @@ constexpr uint32_t LDAP_MEMBERS = LDAP_FIELDS & ~types(TAV_FLDT_ARRAY);
 
 // The message is the bare token, the record says more: deliberate.
 int unknown_in_definition(int, const char* text) {
-  return dparse_fail_as(HERE, text, message::UNKNOWN_FIELD_ATTRIBUTE, {text});
+  return dparse::fail_as(HERE, text, message::UNKNOWN_FIELD_ATTRIBUTE, {text});
 }
 
 int failed_in_definition(int token, const char*) {
-  if (token == DPARSE_KEY_ID) return dparse_fail(HERE, message::ID_NOT_READ);
-  return dparse_fail(HERE, message::FIELD_ATTRIBUTE_NOT_READ, dparse_keyword_text(token));
+  if (token == DPARSE_KEY_ID) return dparse::fail(HERE, message::ID_NOT_READ);
+  return dparse::fail(HERE, message::FIELD_ATTRIBUTE_NOT_READ, dparse_keyword_text(token));
 }
 
 int refused_in_class(int, const char* text) {
-  return dparse_fail(HERE, message::UNKNOWN_CLASS_MEMBER, text);
+  return dparse::fail(HERE, message::UNKNOWN_CLASS_MEMBER, text);
 }
 
 int unknown_in_entry(int token, const char* text) {
-  return dparse_fail(HERE, message::UNKNOWN_ENTRY_MEMBER, token, text);
+  return dparse::fail(HERE, message::UNKNOWN_ENTRY_MEMBER, token, text);
 }
 
 int failed_in_interface(int, const char*) {
-  return dparse_fail(HERE, message::MEMBER_NOT_READ);
+  return dparse::fail(HERE, message::MEMBER_NOT_READ);
 }
 
 int refused_in_entry(int, const char* text) {
-  return dparse_fail(HERE, message::UNKNOWN_STORAGE_MEMBER, text);
+  return dparse::fail(HERE, message::UNKNOWN_STORAGE_MEMBER, text);
 }
 
 }  // namespace

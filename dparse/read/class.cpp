@@ -15,8 +15,8 @@ using dparse::message;
 int dparseIsDuplicateClass(dd_list* list, const char* name) {
   tav_ebuf ebuf{};
   const tav_flist_t* found = list->find(name, at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
-  return found == nullptr ? 0 : dparse_fail(HERE, message::DUPLICATE_CLASS, name);
+  if (dparse::done(HERE, ebuf) < 1) return -1;
+  return found == nullptr ? 0 : dparse::fail(HERE, message::DUPLICATE_CLASS, name);
 }
 
 // A class of that name, or null with a message.
@@ -24,19 +24,19 @@ static dd_flist start(const char* name) {
   tav_ebuf ebuf{};
   dd_flist list(tav_flist_create(at(&ebuf, HERE)));
   dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
-  return dparse_done(HERE, ebuf) < 1 ? nullptr : std::move(list);
+  return dparse::done(HERE, ebuf) < 1 ? nullptr : std::move(list);
 }
 
 static int append(dd_list& classes, dd_flist list) {
   tav_ebuf ebuf{};
   classes.append(std::move(list), at(&ebuf, HERE));
-  return dparse_done(HERE, ebuf);
+  return dparse::done(HERE, ebuf);
 }
 
 // interface := STORABLE CLASS name "{" block; all but the block has been read.
 static int read_interface(FILE* stream, dd_list& classes, const char* name) {
   if (dparseIsDuplicateClass(&classes, name) < 0)
-    return dparse_fail(HERE, message::DUPLICATE_INTERFACE, name);
+    return dparse::fail(HERE, message::DUPLICATE_INTERFACE, name);
   dd_flist list = start(name);
   if (list == nullptr) return -1;
   dparse_element element{.list = list.get(), .block = &DPARSE_CLASS};
@@ -63,15 +63,15 @@ static const dparse_block* block_of(const char* name) {
 // IMPLEMENTATION.
 static int read_implementation(FILE* stream, dd_list& impls, const char* name, const char* filter) {
   if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
-    return dparse_fail(HERE, message::DUPLICATE_IMPLEMENTATION);
+    return dparse::fail(HERE, message::DUPLICATE_IMPLEMENTATION);
   dparse_token token;
   dd_flist list = start(name);
   if (list == nullptr) return -1;
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
+    return dparse::fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
   dparse_element element{.list = list.get(), .block = block_of(token.text)};
   if (element.block == nullptr)
-    return dparse_fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
+    return dparse::fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
   if (dparse_expect_open(stream) < 1) return -1;
   if (dparse_read_block(stream, element) < 1) return -1;
   if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
@@ -83,16 +83,16 @@ int dparse_read_class(FILE* stream, dd_list& classes, dd_list& impls, const char
   dparse_token name;
   dparse_token kind;
   if (!dparse_take(stream, name, DPARSE_KEY_CLASS))
-    return dparse_fail(HERE, message::CLASS_EXPECTED);
+    return dparse::fail(HERE, message::CLASS_EXPECTED);
   if (!dparse_take(stream, name, DPARSE_TOKEN_WORD))
-    return dparse_fail(HERE, message::CLASS_NAME_EXPECTED);
+    return dparse::fail(HERE, message::CLASS_NAME_EXPECTED);
   switch (dparse_next(stream, kind)) {
     case DPARSE_KEY_OPEN:
       if (read_interface(stream, classes, name.text) > 0) return 1;
-      return dparse_fail(HERE, message::INTERFACE_NOT_READ);
+      return dparse::fail(HERE, message::INTERFACE_NOT_READ);
     case DPARSE_KEY_IMPLEMENTATION:
       if (read_implementation(stream, impls, name.text, filter) > 0) return 1;
-      return dparse_fail(HERE, message::IMPLEMENTATION_NOT_READ);
+      return dparse::fail(HERE, message::IMPLEMENTATION_NOT_READ);
     default:
       return dparse_no_open();
   }

@@ -17,9 +17,9 @@ static int find_earlier(dd_list& fields, dparse_element& definition, const char*
   int32_t type = definition.type;
   if (definition.earlier != nullptr)
     type = dd_int(definition.earlier, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (dparse::done(HERE, ebuf) < 1) return -1;
   if (type == definition.type) return 1;
-  return dparse_fail(HERE, message::DUPLICATE_FIELD_TYPES, name);
+  return dparse::fail(HERE, message::DUPLICATE_FIELD_TYPES, name);
 }
 
 // head := type name "{"
@@ -28,16 +28,16 @@ static int read_head(FILE* stream, dd_list& fields, dparse_element& definition) 
   tav_ebuf ebuf{};
   dd_set_int(definition.list, TAV_FLD_FIELD_TYPE, definition.type, at(&ebuf, HERE));
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail(HERE, message::NAME_EXPECTED);
+    return dparse::fail(HERE, message::NAME_EXPECTED);
   definition.hash = dd_hash(token.text, token.length);
   if (find_earlier(fields, definition, token.text) < 1)
-    return dparse_fail(HERE, message::FIELD_TYPE_DIFFERS, token.text);
+    return dparse::fail(HERE, message::FIELD_TYPE_DIFFERS, token.text);
   dd_set_text(definition.list, TAV_FLD_FIELD_NAME, token.text, at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (dparse::done(HERE, ebuf) < 1) return -1;
   // The small "e" of this one is deliberate.
   return dparse_take(stream, token, DPARSE_KEY_OPEN)
              ? 1
-             : dparse_fail(HERE, message::FIELD_BRACE_EXPECTED);
+             : dparse::fail(HERE, message::FIELD_BRACE_EXPECTED);
 }
 
 // field := type name "{" { ID number | DESCR string } "}"
@@ -46,10 +46,10 @@ int dparse_read_field(FILE* stream, dd_list& fields, int type_token) {
   dd_flist list(tav_flist_create(at(&ebuf, HERE)));
   dparse_element definition{
       .list = list.get(), .block = &DPARSE_DEFINITION, .type = dparse_type_code(type_token)};
-  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (dparse::done(HERE, ebuf) < 1) return -1;
   if (read_head(stream, fields, definition) < 1) return -1;
   if (dparse_read_block(stream, definition) < 1) return -1;
   if (definition.earlier != nullptr) return 1;  // a repeat is dropped
   fields.append(std::move(list), at(&ebuf, HERE), definition.hash);
-  return dparse_done(HERE, ebuf);
+  return dparse::done(HERE, ebuf);
 }

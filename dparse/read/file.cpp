@@ -21,7 +21,7 @@ int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_lis
     return dparse_read_class(stream, *class_list, *impl_list, filter);
   if (type != TAV_FLDT_UNUSED && type != TAV_FLDT_OBJ)
     return dparse_read_field(stream, *field_list, number);
-  dparse_note(message::INVALID_TOKEN, token.text);
+  dparse::note(message::INVALID_TOKEN, token.text);
   return -1;
 }
 
@@ -42,17 +42,18 @@ static int read_file(FILE* stream, dd_list* field_list, dd_list* class_list, dd_
   return 1;
 }
 
-// What an input error cut short is neither right nor wrong: the error is the result.
+// After an input error the result says only that: the text that was read may be incomplete, so that
+// neither success nor a message about it would be true.
 int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
                      const char* filter) {
-  dparse_reset();
+  dparse::reset();
   tav_ebuf ebuf{};
   int result = -1;
   dd_with_memory(at(&ebuf, HERE),
                  [&] { result = read_file(stream, field_list, class_list, impl_list, filter); });
-  if (dd_failed(ebuf)) result = dparse_call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) result = dparse::call_failed(HERE, ebuf);
   if (std::ferror(stream) == 0) return result;
-  dparse_forget_message();
+  dparse::forget_message();
   return DPARSE_UNREADABLE;
 }
 

@@ -25,13 +25,14 @@ int dparse_read_quoted_number(FILE* stream, dparse_element& element, const dpars
   int32_t number;
   if (dparse_read_string(stream, value) < 1) return -1;
   if (!dparse_to_number(value.text, number))
-    return dparse_fail_with(HERE, row.refused, {value.text, dparse_text_of(element, TAV_FLD_NAME)});
+    return dparse::fail_with(HERE, row.refused,
+                             {value.text, dparse_text_of(element, TAV_FLD_NAME)});
   return dparse_store_number(element, row.field, number);
 }
 
 int dparse_read_seq_start(FILE* stream, dparse_element& element, const dparse_attribute& row) {
   const char* name = dparse_text_of(element, TAV_FLD_NAME);
-  if (!dparseIsTopLevelClass(name)) return dparse_fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
+  if (!dparseIsTopLevelClass(name)) return dparse::fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
   return dparse_read_quoted_number(stream, element, row);
 }
 
@@ -53,7 +54,7 @@ static const dparse_word* read_choice(FILE* stream, const dparse_attribute& row,
   });
   if (word == nullptr) {
     const bool refused = quoted || row.expected == message::NONE;
-    dparse_fail_with(HERE, refused ? row.refused : row.expected, {token.text});
+    dparse::fail_with(HERE, refused ? row.refused : row.expected, {token.text});
     return nullptr;
   }
   return dparse_expect_semicolon(stream) < 1 ? nullptr : word;
@@ -115,9 +116,9 @@ int dparse_read_length(FILE* stream, dparse_element& element, const dparse_attri
 static int compare_id(const dparse_element& definition, int32_t id, const char* name) {
   tav_ebuf ebuf{};
   const int32_t earlier = dd_int(definition.earlier, TAV_FLD_FIELD_NUM, at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (dparse::done(HERE, ebuf) < 1) return -1;
   if (earlier == id) return 1;
-  return dparse_fail(HERE, message::DUPLICATE_FIELD_IDS, name);
+  return dparse::fail(HERE, message::DUPLICATE_FIELD_IDS, name);
 }
 
 // A duplicate with another number reports two lines and gives 0, so that
@@ -128,7 +129,7 @@ int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attrib
   if (definition.earlier == nullptr) return dparse_store_number(definition, row.field, id);
   const char* name = dparse_text_of(definition, TAV_FLD_FIELD_NAME);
   if (compare_id(definition, id, name) > 0) return 1;
-  dparse_fail(HERE, message::FIELD_ID_DIFFERS, name);
+  dparse::fail(HERE, message::FIELD_ID_DIFFERS, name);
   return 0;
 }
 
@@ -137,12 +138,12 @@ int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attrib
   dparse_token token;
   if (dparse_expect_equals(stream) < 1) return -1;
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail_with(HERE, row.expected, {token.text});
+    return dparse::fail_with(HERE, row.expected, {token.text});
   tav_ebuf ebuf{};
   dd_decimal order(tav_decimal(token.text, at(&ebuf, HERE)));
-  if (ebuf.err_code == TAV_ERR_NO_MEM) return dparse_call_failed(HERE, ebuf);
-  if (dd_failed(ebuf)) return dparse_fail_with(HERE, row.refused, {token.text});
+  if (ebuf.err_code == TAV_ERR_NO_MEM) return dparse::call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) return dparse::fail_with(HERE, row.refused, {token.text});
   dd_put(element.list, row.field, 0, std::move(order), at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
+  if (dparse::done(HERE, ebuf) < 1) return -1;
   return dparse_expect_semicolon(stream);
 }

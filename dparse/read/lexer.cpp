@@ -46,7 +46,7 @@ int read_string(FILE* stream, char* text, size_t room, size_t& length) {
   length = static_cast<size_t>(read_run(stream, DPARSE_ENDS_STRING, text, text + room) - text);
   const int c = get(stream);
   if (c == '"') return DPARSE_TOKEN_STRING;
-  dparse_note(message::STRING_NOT_CLOSED);
+  dparse::note(message::STRING_NOT_CLOSED);
   return DPARSE_TOKEN_BAD_STRING;
 }
 
@@ -58,8 +58,8 @@ int read_word(FILE* stream, int c, char* text, size_t room, size_t& length) {
     text[0] = static_cast<char>(c);
     length = static_cast<size_t>(read_run(stream, DPARSE_ENDS_WORD, text + 1, text + room) - text);
   }
-  // Also when the word ends right there: deliberate.
-  if (length == room) dparse_note(message::WORD_TOO_LONG);
+  // Deliberate: this also counts a word that fits exactly.
+  if (length == room) dparse::note(message::WORD_TOO_LONG);
   return length == 0 ? DPARSE_TOKEN_EMPTY : dparse_keyword(text, length);
 }
 

@@ -1,5 +1,5 @@
-// The next token, taken whole from what the stream has read ahead. What does not stand there whole,
-// or needs a message, is left to dparse_next_by_character, and nothing of it is taken before.
+// The next token, taken whole from what the stream has read ahead. A token that reaches beyond
+// that, or needs a message, is read by dparse_next_by_character, from its first character on.
 #include <cstring>
 
 #include "dparse/characters.h"
@@ -13,7 +13,7 @@ using dparse::message;
 
 namespace {
 
-// Most words are shorter. So many bytes are copied faster than just those of the word.
+// Most words are shorter. Copying a fixed number of bytes is faster than copying just the word.
 constexpr size_t AT_ONCE = 32;
 static_assert(AT_ONCE >= DPARSE_KEYWORD_SIZE);
 
@@ -91,7 +91,7 @@ bool dparse_take_semicolon_ahead(FILE* stream) {
   return take_if_ahead(stream, ';');
 }
 
-// A function of its own, so that the other has no token to make room for.
+// A function of its own, so that `expect` needs no 2 KB of stack for a token in the usual case.
 static bool take_any(FILE* stream, int number) {
   dparse_token token;
   return dparse_take(stream, token, number);
@@ -103,15 +103,15 @@ static bool expect(FILE* stream, char single) {
 }
 
 int dparse_expect_equals(FILE* stream) {
-  return expect(stream, '=') ? 1 : dparse_fail(HERE, message::EQUALS_EXPECTED);
+  return expect(stream, '=') ? 1 : dparse::fail(HERE, message::EQUALS_EXPECTED);
 }
 
 int dparse_expect_semicolon(FILE* stream) {
-  return expect(stream, ';') ? 1 : dparse_fail(HERE, message::SEMICOLON_EXPECTED);
+  return expect(stream, ';') ? 1 : dparse::fail(HERE, message::SEMICOLON_EXPECTED);
 }
 
 int dparse_no_open() {
-  return dparse_fail(HERE, message::OPENING_BRACE_EXPECTED);
+  return dparse::fail(HERE, message::OPENING_BRACE_EXPECTED);
 }
 
 int dparse_expect_open(FILE* stream) {

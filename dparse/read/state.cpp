@@ -17,7 +17,8 @@ char dparse_emsg_temp[DPARSE_MESSAGE_SIZE];
 
 // The message that dparse_errmsg holds. NONE also for a text that dparseSetErrMsg was given.
 static message standing = message::NONE;
-// A failure ends the file, so that there is about one for each level of nesting.
+// The first failure ends the file and each level around it logs one more, so that this is room
+// enough for a file; what comes after it is not kept.
 static message logged[DPARSE_MAX_DEPTH + 16];
 static size_t logged_count = 0;
 
@@ -59,13 +60,13 @@ int dparseGetErrLine() {
   return dparse_lineno;
 }
 
-void dparse_reset() {
+void dparse::reset() {
   logged_count = 0;
   dparse_lineno = 1;
-  dparse_forget_message();
+  dparse::forget_message();
 }
 
-void dparse_forget_message() {
+void dparse::forget_message() {
   dparse_errmsg[0] = '\0';
 }
 
@@ -74,7 +75,7 @@ dparse::argument::argument(int number)
             static_cast<size_t>(std::to_chars(digits_, std::end(digits_), number).ptr - digits_)) {}
 
 // Formats the message in dparse_emsg_temp, cut to its size.
-static void format_message(message which, dparse::arguments arguments) {
+static void format_message(message which, dparse::argument_list arguments) {
   char* to = dparse_emsg_temp;
   const auto put = [&to](std::string_view piece) {
     to += piece.copy(to, static_cast<size_t>(std::end(dparse_emsg_temp) - 1 - to));
@@ -100,16 +101,17 @@ static void keep_logged(message which) {
   if (logged_count < std::size(logged)) logged[logged_count++] = which;
 }
 
-void dparse_note_with(message which, dparse::arguments arguments) {
+void dparse::note_with(message which, dparse::argument_list arguments) {
   format_message(which, arguments);
   record(which, dparse_emsg_temp);
 }
 
-int dparse_fail_with(dd_site site, message which, dparse::arguments arguments) {
-  return dparse_fail_as(site, dparse_emsg_temp, which, arguments);
+int dparse::fail_with(dd_site site, message which, dparse::argument_list arguments) {
+  return dparse::fail_as(site, dparse_emsg_temp, which, arguments);
 }
 
-int dparse_fail_as(dd_site site, const char* recorded, message which, dparse::arguments arguments) {
+int dparse::fail_as(dd_site site, const char* recorded, message which,
+                    dparse::argument_list arguments) {
   format_message(which, arguments);
   record(which, recorded);
   keep_logged(which);
@@ -117,8 +119,8 @@ int dparse_fail_as(dd_site site, const char* recorded, message which, dparse::ar
   return -1;
 }
 
-int dparse_call_failed(dd_site site, const tav_ebuf& ebuf) {
-  dparse_note(message::INTERNAL_ERROR);
+int dparse::call_failed(dd_site site, const tav_ebuf& ebuf) {
+  dparse::note(message::INTERNAL_ERROR);
   keep_logged(message::INTERNAL_ERROR);
   dd_log(site, dparse_emsg_temp, ebuf);
   return -1;

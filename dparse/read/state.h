@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 #include <string_view>
+#include <type_traits>
 
 #include "dd/call.h"
 #include "dparse/read/messages.h"
@@ -25,7 +26,7 @@ class argument {
   char digits_[12];
   std::string_view text_;
 };
-using arguments = std::initializer_list<argument>;
+using argument_list = std::initializer_list<argument>;
 
 template <class T>
 inline constexpr char LETTER_OF = std::is_same_v<T, int> ? 'd' : 's';
@@ -40,37 +41,35 @@ struct message_with {
   message which;
 };
 
-}  // namespace dparse
-
 // Line 1, no message: the start of a file.
-void dparse_reset();
+void reset();
 // Forgets the message.
-void dparse_forget_message();
+void forget_message();
 // Records the internal error that the buffer holds, and logs it with the buffer; gives -1.
-int dparse_call_failed(dd_site site, const tav_ebuf& ebuf);
+int call_failed(dd_site site, const tav_ebuf& ebuf);
 // Gives 1, or -1 with that failure when the buffer holds an error.
-inline int dparse_done(dd_site site, const tav_ebuf& ebuf) {
-  return dd_failed(ebuf) ? dparse_call_failed(site, ebuf) : 1;
+inline int done(dd_site site, const tav_ebuf& ebuf) {
+  return dd_failed(ebuf) ? call_failed(site, ebuf) : 1;
 }
 
 // Records the message without a log record.
-void dparse_note_with(dparse::message which, dparse::arguments arguments);
+void note_with(message which, argument_list arguments);
 // Records and logs the message; gives -1.
-int dparse_fail_with(dd_site site, dparse::message which, dparse::arguments arguments);
+int fail_with(dd_site site, message which, argument_list arguments);
 // Records one text and logs another; gives -1.
-int dparse_fail_as(dd_site site, const char* recorded, dparse::message which,
-                   dparse::arguments arguments);
+int fail_as(dd_site site, const char* recorded, message which, argument_list arguments);
 
 // The same where the message is known when this is compiled.
 template <class... Types>
-void dparse_note(std::type_identity_t<dparse::message_with<Types...>> message,
-                 const Types&... arguments) {
-  dparse_note_with(message.which, {arguments...});
+void note(std::type_identity_t<message_with<Types...>> message, const Types&... arguments) {
+  note_with(message.which, {arguments...});
 }
 template <class... Types>
-int dparse_fail(dd_site site, std::type_identity_t<dparse::message_with<Types...>> message,
-                const Types&... arguments) {
-  return dparse_fail_with(site, message.which, {arguments...});
+int fail(dd_site site, std::type_identity_t<message_with<Types...>> message,
+         const Types&... arguments) {
+  return fail_with(site, message.which, {arguments...});
 }
+
+}  // namespace dparse
 
 #endif

@@ -16,7 +16,7 @@ static int read_name(FILE* stream, const dparse_attribute& row, dparse_token& na
   if (dparse_read_string(stream, name) < 1) return -1;
   const int length = static_cast<int>(name.length);
   if (length <= SQL_NAME_LENGTH) return 1;
-  return dparse_fail_with(HERE, row.refused, {name.text, length, SQL_NAME_LENGTH});
+  return dparse::fail_with(HERE, row.refused, {name.text, length, SQL_NAME_LENGTH});
 }
 
 static int store_both(dparse_element& element, uint32_t field, std::string_view column,
@@ -31,7 +31,7 @@ static int store_both(dparse_element& element, uint32_t field, std::string_view 
 static const char* held_text(dparse_element& element, uint32_t field) {
   tav_ebuf ebuf{};
   const char* text = dd_text(element.list, field, at(&ebuf, HERE));
-  return dparse_done(HERE, ebuf) < 1 ? nullptr : text;
+  return dparse::done(HERE, ebuf) < 1 ? nullptr : text;
 }
 
 int dparse_read_table(FILE* stream, dparse_element& element, const dparse_attribute& row) {
@@ -63,7 +63,7 @@ int dparse_read_objectclass(FILE* stream, dparse_element& element, const dparse_
   if (dparse_read_string(stream, value) < 1) return -1;
   tav_ebuf ebuf{};
   const int held = tav_flist_elem_count(element.list, TAV_FLD_OBJECTCLASSES, at(&ebuf, HERE));
-  if (dparse_done(HERE, ebuf) < 1) return -1;
-  if (held > 0) return dparse_fail_with(HERE, row.refused, {held + 1});
+  if (dparse::done(HERE, ebuf) < 1) return -1;
+  if (held > 0) return dparse::fail_with(HERE, row.refused, {held + 1});
   return dparse_store_element(element, TAV_FLD_OBJECTCLASSES, row.field, value.text);
 }

@@ -12,7 +12,7 @@ static constexpr char MODULE[] = "dparse";
 using dparse::message;
 
 static int too_long(const char* value) {
-  return dparse_fail(HERE, message::STRING_TOO_LONG, value);
+  return dparse::fail(HERE, message::STRING_TOO_LONG, value);
 }
 
 namespace {
@@ -63,7 +63,7 @@ static void unescape(gathered& value) {
 static int read_string(FILE* stream, dparse_token& first, gathered& value) {
   if (dparse_expect_equals(stream) < 1) return -1;
   if (dparse_next_string(stream, first) != DPARSE_TOKEN_STRING)
-    return dparse_fail(HERE, message::QUOTED_STRING_EXPECTED, first.text);
+    return dparse::fail(HERE, message::QUOTED_STRING_EXPECTED, first.text);
   if (value.size <= first.length) return too_long("");
   value.length = first.length;
   if (value.text != first.text) std::memcpy(value.text, first.text, first.length + 1);
@@ -72,7 +72,7 @@ static int read_string(FILE* stream, dparse_token& first, gathered& value) {
   if (next < 0) return -1;
   unescape(value);
   if (next == DPARSE_KEY_SEMICOLON) return 1;
-  return dparse_fail(HERE, message::SEMICOLON_EXPECTED_AFTER_STRING, value.text);
+  return dparse::fail(HERE, message::SEMICOLON_EXPECTED_AFTER_STRING, value.text);
 }
 
 int dparse_read_string(FILE* stream, dparse_token& token) {
@@ -113,9 +113,9 @@ int dparse_bare_number(FILE* stream, uint32_t limit, message expected, message r
   dparse_token token;
   if (dparse_expect_equals(stream) < 1) return -1;
   if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse_fail_with(HERE, expected, {token.text});
+    return dparse::fail_with(HERE, expected, {token.text});
   dparse_to_number(token.text, number);
-  if (static_cast<uint32_t>(number) > limit) return dparse_fail_with(HERE, refused, {token.text});
+  if (static_cast<uint32_t>(number) > limit) return dparse::fail_with(HERE, refused, {token.text});
   return dparse_expect_semicolon(stream);
 }
 
@@ -156,7 +156,7 @@ int dparseReadWriteAccessLevel(FILE* stream, char* output, size_t) {
   if (word == nullptr) {
     if (quoted && level == DPARSE_KEY_ANY)
       std::strcpy(output, dparse_word_of_token(DPARSE_CREATE_LEVELS, level)->text);
-    return dparse_fail(HERE, message::INVALID_ACCESS_LEVEL, token.text);
+    return dparse::fail(HERE, message::INVALID_ACCESS_LEVEL, token.text);
   }
   std::strcpy(output, word->text);
   return dparse_expect_semicolon(stream) < 1 ? -1 : level;

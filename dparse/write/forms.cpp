@@ -82,7 +82,7 @@ void dparse_write_yes(dparse_writing& writing, const dparse_attribute& row, cons
   if (number(value) != 0) put_bare(writing, row, dparse_keyword_text(DPARSE_KEY_YES));
 }
 
-// An order as long as the reader takes fits.
+// The buffer holds every order that the reader accepts.
 void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, const void* value) {
   char digits[DPARSE_TEXT_SIZE];
   tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits,
@@ -90,7 +90,7 @@ void dparse_write_order(dparse_writing& writing, const dparse_attribute& row, co
   if (!dd_failed(*writing.ebuf)) put_bare(writing, row, digits);
 }
 
-// Of rows that share a field only the first is ever written, and the field is asked for once.
+// Of rows that share a field only the first is written, and the value is fetched once.
 static bool has_field(const dparse_place& place, uint32_t field) {
   return std::any_of(place.rows, place.rows + place.count,
                      [field](const dparse_attribute* row) { return row->field == field; });

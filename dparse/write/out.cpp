@@ -12,7 +12,7 @@
 #include "dparse/write/writer.h"
 
 static constexpr size_t PIECE = 1 << 16;  // bytes of the buffer at first
-static constexpr size_t BLOCK = 1 << 12;  // a stream passes on whole blocks without copying them
+static constexpr size_t BLOCK = 1 << 12;  // bytes; a stream writes whole blocks without copying
 
 // Writes the first `size` bytes to the stream and moves the others to the front.
 static void hand_over(dparse_out& out, size_t size) {
