@@ -27,8 +27,8 @@ struct finding_row {
   const char* id;  // stable: configurations and annotations name it
   finding_kind kind;
   raising raises;
-  const char* log_text;  // null: not logged; "{message}": what the place hands on
-  const char* text;      // null: only logged
+  const char* log_text;  // "": not logged; "{message}": what the place hands on
+  const char* text;      // "": only logged
   telling order = telling::PRINT_LOG;
 };
 
@@ -54,14 +54,14 @@ inline constexpr auto FINDINGS = [] {
   // clang-format off
   return std::to_array<finding_row>({
     // --- Command line
-    {"usage", FAILURE, NOTHING, nullptr, "Usage: \n"},
-    {"invalid-arguments", FAILURE, NOTHING, "Invalid command line args", nullptr},
-    {"unknown-mode", FAILURE, NOTHING, "Invalid Command line args", nullptr},
-    {"usage-asked-for", FAILURE, NOTHING, "Invalid cmd line args", nullptr},
-    {"invalid-switch", FAILURE, NOTHING, nullptr, "Invalid command line switch '{word}'\n"},
-    {"switch-refused", CHAIN, NOTHING, "Invalid commandline switch", nullptr},
-    {"invalid-database", FAILURE, NOTHING, nullptr, "Error: invalid db format: \"{word}\" \n"},
-    {"invalid-mode", FAILURE, NOTHING, nullptr, "Error: Invalid mode\n"},
+    {"usage", FAILURE, NOTHING, "", "Usage: \n"},
+    {"invalid-arguments", FAILURE, NOTHING, "Invalid command line args", ""},
+    {"unknown-mode", FAILURE, NOTHING, "Invalid Command line args", ""},
+    {"usage-asked-for", FAILURE, NOTHING, "Invalid cmd line args", ""},
+    {"invalid-switch", FAILURE, NOTHING, "", "Invalid command line switch '{word}'\n"},
+    {"switch-refused", CHAIN, NOTHING, "Invalid commandline switch", ""},
+    {"invalid-database", FAILURE, NOTHING, "", "Error: invalid db format: \"{word}\" \n"},
+    {"invalid-mode", FAILURE, NOTHING, "", "Error: Invalid mode\n"},
 
     // --- Calls of the client library
     {"list-failed", FAILURE, NOTHING, LIST_ERROR, INTERNAL_ERROR, PRINT_SHOW_LOG},
@@ -71,20 +71,20 @@ inline constexpr auto FINDINGS = [] {
      "Error: Internal Error - parsing Flist in tav_deploy_get_field_by_id()\n", PRINT_SHOW_LOG},
     {"not-enough-memory", FAILURE, NOTHING, "There is not enough memory",
      "Error: There is not enough memory\n"},
-    {"error-buffer", DETAIL, NOTHING, nullptr,
+    {"error-buffer", DETAIL, NOTHING, "",
      "Error: [location=<%s:%d>\nclass=<%s:%d>\nerrno=<%s:%d>\nfield num=<%s:%d,%d>\n"
      "recid=<%d>\nreserved=<%d>]"},
-    {"see-dm-log", DETAIL, NOTHING, nullptr,
+    {"see-dm-log", DETAIL, NOTHING, "",
      "\n\nPlease check the DM tavlog file for more information.\n\n"},
-    {"see-cm-log", DETAIL, NOTHING, nullptr,
+    {"see-cm-log", DETAIL, NOTHING, "",
      "\n\nPlease check the CM tavlog file for more information.\n\n"},
-    {"see-application-log", DETAIL, NOTHING, nullptr,
+    {"see-application-log", DETAIL, NOTHING, "",
      "\n\nPlease check the application tavlog file for more information.\n\n"},
 
     // --- Login and the server
     {"missing-identity", FAILURE, NOTHING, "Unable to read userid from tav.conf",
      "Error: Internal Error reading userid from tav.conf\n"},
-    {"missing-error-buffer", FAILURE, NOTHING, nullptr,
+    {"missing-error-buffer", FAILURE, NOTHING, "",
      "\n*** Error buffer not initialized ***\n"},
     {"connection-failed", FAILURE, NOTHING, "Error during TCM open", INTERNAL_ERROR,
      PRINT_SHOW_LOG},
@@ -108,7 +108,7 @@ inline constexpr auto FINDINGS = [] {
     {"entries-not-merged", CHAIN, NOTHING, "Unable to merge class fields",
      "Error: Unable to merge class fields\n"},
     {"merge-failed", CHAIN, NOTHING, "Unable to merge class implementation fields into interface",
-     nullptr},
+     ""},
     {"class-not-merged", CHAIN, NOTHING,
      "Unable to merge storable class implementation with interface",
      "Error: Unable to merge storable class implementation with interface\n"},
@@ -123,25 +123,25 @@ inline constexpr auto FINDINGS = [] {
      "Error: Conflicting field definition {field}, different type\n"},
     {"field-number-conflict", FINDING, CONFLICT_AND_ERROR, "Duplicate field def by id conflict",
      "Error: Conflicting field definition {field}, different id\n"},
-    {"field-kept", FINDING, NOTHING, nullptr,
+    {"field-kept", FINDING, NOTHING, "",
      "Warning: Duplicate field definition {field}, keeping old\n"},
-    {"field-description-replaced", FINDING, CONFLICT, nullptr,
+    {"field-description-replaced", FINDING, CONFLICT, "",
      "Warning: Duplicate field definition {field}, replacing description\n"},
 
     // --- Comparing classes with the server's
-    {"class-exists", FINDING, CONFLICT, nullptr, "Warning: Class Name {class} already exists.\n"},
-    {"class-table-kept", FINDING, NOTHING, nullptr,
+    {"class-exists", FINDING, CONFLICT, "", "Warning: Class Name {class} already exists.\n"},
+    {"class-table-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_TABLE for class: {class}, keeping old\n"},
-    {"class-storage-kept", FINDING, NOTHING, nullptr,
+    {"class-storage-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_STORAGE for class: {class}, keeping old\n"},
-    {"buf-table-or-column-kept", FINDING, NOTHING, nullptr,
+    {"buf-table-or-column-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_TABLE or SQL_COLUMN for class: {class} field: {field}, "
      "keeping old\n"},
-    {"table-kept", FINDING, NOTHING, nullptr,
+    {"table-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_TABLE for class: {class} field: {field}, keeping old\n"},
-    {"column-kept", FINDING, NOTHING, nullptr,
+    {"column-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_COLUMN for class: {class} field: {field}, keeping old\n"},
-    {"storage-kept", FINDING, NOTHING, nullptr,
+    {"storage-kept", FINDING, NOTHING, "",
      "Warning: Not allowed to change SQL_STORAGE for class: {class} field: {field}, keeping old\n"},
     {"storage-changes-not-checked", CHAIN, NOTHING, "Unable to check for changing storage",
      "Error: Unable to check for changing storage specs\n"},
@@ -240,7 +240,7 @@ inline constexpr auto FINDINGS = [] {
      "Error:  while checking for unique storage names\n"},
 
     // --- Steps of the import that failed
-    {"files-not-read", CHAIN, NOTHING, "Error reading import files", nullptr},
+    {"files-not-read", CHAIN, NOTHING, "Error reading import files", ""},
     {"server-fields-not-retrieved", CHAIN, NOTHING, "Unable to retreive fields from Quorvale",
      "Error: Unable to retreive fields from Quorvale\n"},
     {"server-classes-not-retrieved", CHAIN, NOTHING, "Unable to retreive classes from Quorvale",
@@ -264,20 +264,20 @@ inline constexpr auto FINDINGS = [] {
      "TCM Error while trying to set class specs, tav.conf writeable flag not set", NOT_WRITEABLE,
      LOG_PRINT_SHOW},
     // Of classes too: administrators search the log for this text.
-    {"definitions-refused", FAILURE, NOTHING, "TCM Error while trying to set fld specs", nullptr,
+    {"definitions-refused", FAILURE, NOTHING, "TCM Error while trying to set fld specs", "",
      LOG_PRINT_SHOW},
     {"trial-not-rolled-back", FAILURE, NOTHING, "TCM Error while trying to delete fld specs",
      INTERNAL_ERROR, PRINT_SHOW_LOG},
-    {"no-conflicts", OUTCOME, NOTHING, nullptr, "No Conflicts detected\n"},
-    {"conflicts", OUTCOME, NOTHING, nullptr, "Conflicts detected\n"},
-    {"conflicts-not-committed", OUTCOME, NOTHING, nullptr,
+    {"no-conflicts", OUTCOME, NOTHING, "", "No Conflicts detected\n"},
+    {"conflicts", OUTCOME, NOTHING, "", "Conflicts detected\n"},
+    {"conflicts-not-committed", OUTCOME, NOTHING, "",
      "Conflicts Detected...nothing committed\n"},
-    {"conflicts-committed", OUTCOME, NOTHING, nullptr,
+    {"conflicts-committed", OUTCOME, NOTHING, "",
      "\nWarning: Conflicts Detected...attempting to commit/replace\n"},
     {"errors", OUTCOME, NOTHING, "Errors Detected...nothing committed",
      "\nErrors Detected...nothing committed\n"},
-    {"fields-committed", OUTCOME, NOTHING, nullptr, "Fields committed successfully!\n"},
-    {"classes-committed", OUTCOME, NOTHING, nullptr, "Classes committed successfully!\n"},
+    {"fields-committed", OUTCOME, NOTHING, "", "Fields committed successfully!\n"},
+    {"classes-committed", OUTCOME, NOTHING, "", "Classes committed successfully!\n"},
     {"outcome-not-written", FAILURE, NOTHING, "Unable to write the outcome to stdout",
      "Error: Unable to write the outcome to stdout\n"},
 
@@ -288,7 +288,7 @@ inline constexpr auto FINDINGS = [] {
      "Error: attempting to retrieve selected fields from Quorvale Server\n"},
     {"classes-not-retrieved", CHAIN, NOTHING, "ERROR attempting to read classes from DD",
      "Error: attempting to retrieve storable classes from Quorvale Server\n"},
-    {"unknown-field", FAILURE, NOTHING, nullptr, "Error: Unknown field: {field}\n"},
+    {"unknown-field", FAILURE, NOTHING, "", "Error: Unknown field: {field}\n"},
     {"fields-not-selected", CHAIN, NOTHING, "ERROR attempting to filter field list",
      INTERNAL_ERROR},
     {"fields-not-written", FAILURE, NOTHING, "ERROR attempting to export fields to stdout",

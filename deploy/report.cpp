@@ -46,7 +46,8 @@ static constexpr wording word(std::string_view text) {
       text.remove_prefix(1);
       continue;
     }
-    const size_t end = text.find('}');
+    size_t end = 1;
+    while (text[end] != '}') ++end;
     result.parts[parts++] = part_named(text.substr(1, end - 1));
     result.format[length++] = '%';
     result.format[length++] = 's';
@@ -60,7 +61,7 @@ static constexpr auto WORDINGS = [] {
   std::array<wording, FINDINGS.size()> result;
   for (size_t place = 0; place < result.size(); ++place) {
     const finding_row& row = FINDINGS[place];
-    if (row.kind == finding_kind::DETAIL || row.text == nullptr) continue;
+    if (row.kind == finding_kind::DETAIL || *row.text == '\0') continue;
     result[place] = word(row.text);
   }
   return result;
@@ -104,14 +105,14 @@ static const char* value_of(part wanted, const subject& about, const finding_arg
 }
 
 static void print(const finding_row& row, const char* format, const values& with) {
-  if (row.text == nullptr) return;
+  if (*row.text == '\0') return;
   if (row.kind != finding_kind::OUTCOME) return dd_print_error(format, with[0], with[1], with[2]);
   std::fputs(row.text, stdout);
   std::fflush(stdout);
 }
 
 static void log(dd_site site, const finding_row& row, const finding_arguments& arguments) {
-  if (row.log_text == nullptr) return;
+  if (*row.log_text == '\0') return;
   const bool hands_on = std::string_view(row.log_text) == "{message}";
   const char* text = hands_on ? arguments.message : row.log_text;
   if (arguments.ebuf == nullptr) return dd_log(site, text);

@@ -1,8 +1,8 @@
 // The page of messages (docs/messages.md), and the entry that a printed line is about.
 //
 // An entry of the page is one heading or more, each a text in backquotes and, for tav_deploy's, its
-// ids in brackets; then the cause, then a paragraph that begins with "To do: ". In a text %s, %d and
-// %c stand for anything.
+// ids in brackets; then the cause, then a paragraph that begins with "To do: ". In a text %s, %d
+// and %c stand for anything.
 #ifndef DICT_MESSAGES_MESSAGES_H
 #define DICT_MESSAGES_MESSAGES_H
 
@@ -17,7 +17,7 @@ extern const char MESSAGES_PAGE[];
 struct message {
   std::string_view text;
   std::string_view ids;  // "a, b", or empty
-  size_t entry;  // the same for texts with the same cause
+  size_t entry;          // the same for texts with the same cause
 };
 
 struct message_entry {

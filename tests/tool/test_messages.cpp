@@ -38,7 +38,7 @@ static void add(ids_by_text& messages, const char* text, const std::string& id) 
 static ids_by_text messages_in_tables() {
   ids_by_text found;
   for (const deploy::finding_row& row : deploy::FINDINGS) {
-    if (row.text != nullptr) add(found, row.text, row.id);
+    add(found, row.text, row.id);
   }
   for (const source_text& each : texts_in("deploy", "modes")) {
     if (each.text.find('<') != each.text.npos) add(found, ("%s " + each.text).c_str(), "usage");
