@@ -12,7 +12,7 @@ void tav_deploy_display_usage(FILE* stream, const char* program) {
   const char* name = program != nullptr ? program : "tav_deploy";
   std::fflush(stdout);
   std::fputs(deploy::finding("usage").row().text, stream);
-  for (const tav_deploy_mode& row : TAV_DEPLOY_MODES) {
+  for (const deploy::mode_row& row : deploy::MODES) {
     dd_print(stream, "\t%s %s\n", name, row.usage);
   }
 }
@@ -24,7 +24,7 @@ static int refuse(dd_site site, char** argv, deploy::finding why) {
 }
 
 static uint32_t mode_of(const char* word) {
-  for (const tav_deploy_mode& row : TAV_DEPLOY_MODES) {
+  for (const deploy::mode_row& row : deploy::MODES) {
     if (dd_equal(row.word, word)) return row.mode;
   }
   return 0;
@@ -48,7 +48,7 @@ static int read_option(char letter, char** argv, tav_deploy_ctx_t* ctx) {
   if (int32_t* flag = switch_of(ctx, letter)) {
     *flag = 1;
   } else if (letter == 'd') {
-    ctx->database = TAV_DEPLOY_DATABASE_AWAITED;
+    ctx->database = deploy::DATABASE_AWAITED;
   } else if (letter == 'e') {
     tav_err_set_level(3);
   } else if (letter == '?') {
@@ -75,10 +75,10 @@ static int read_database(const char* word, tav_deploy_ctx_t* ctx) {
 }
 
 static int read_word(const char* word, char** argv, tav_deploy_ctx_t* ctx) {
-  if (ctx->database == TAV_DEPLOY_DATABASE_AWAITED && ctx->name_count == 0) {
+  if (ctx->database == deploy::DATABASE_AWAITED && ctx->name_count == 0) {
     return read_database(word, ctx);
   }
-  if (ctx->name_count == TAV_DEPLOY_MAX_NAMES) return refuse(HERE, argv, "invalid-arguments");
+  if (ctx->name_count == deploy::MAX_NAMES) return refuse(HERE, argv, "invalid-arguments");
   ctx->names[ctx->name_count++] = word;
   return 1;
 }
@@ -91,7 +91,7 @@ static int read_argument(const char* argument, char** argv, tav_deploy_ctx_t* ct
   return 1;
 }
 
-int tav_deploy_read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx) {
+int deploy::read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx) {
   if (argc < 2) return refuse(HERE, argv, "invalid-arguments");
   ctx->mode = mode_of(argv[1]);
   if (ctx->mode == 0) return refuse(HERE, argv, "unknown-mode");

@@ -26,7 +26,7 @@ tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name) {
   return by_name(list, name, dd_hash(name), HERE);
 }
 
-const dd_known* tav_deploy_get_known_field(dd_list& list, const char* name, uint32_t hash) {
+const dd_known* deploy::known_field(dd_list& list, const char* name, uint32_t hash) {
   return known_by_name(list, name, hash, HERE);
 }
 

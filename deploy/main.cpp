@@ -10,7 +10,7 @@
 static constexpr char MODULE[] = "tav_deploy";
 
 static int dispatch(tav_deploy_ctx_t* ctx, const char* program) {
-  for (const tav_deploy_mode& row : TAV_DEPLOY_MODES) {
+  for (const deploy::mode_row& row : deploy::MODES) {
     if (row.mode == ctx->mode) return row.run(ctx);
   }
   deploy::report(HERE, "invalid-mode");
@@ -22,13 +22,13 @@ static int dispatch(tav_deploy_ctx_t* ctx, const char* program) {
 // done, and decides about no commit. An export tells its own failing.
 static int outcome_is_written(const tav_deploy_ctx_t& ctx) {
   const bool is_export = ctx.mode == TAV_DEPLOY_MODE_FIELD || ctx.mode == TAV_DEPLOY_MODE_CLASS;
-  if (is_export || tav_deploy_is_written()) return 1;
+  if (is_export || deploy::is_written()) return 1;
   return deploy::report(HERE, "outcome-not-written");
 }
 
 static int run(int argc, char** argv) {
   static tav_deploy_ctx_t ctx;  // all zero
-  if (tav_deploy_read_arguments(argc, argv, &ctx) < 1) return 1;
+  if (deploy::read_arguments(argc, argv, &ctx) < 1) return 1;
   const int result = dispatch(&ctx, argv[0]);
   const int told = outcome_is_written(ctx);
   return result < 1 || told < 1 || tav_deploy_get_error() < 1 ? 1 : 0;

@@ -11,18 +11,18 @@
 
 static constexpr char MODULE[] = "tav_deploy_tcm";
 
-tav_deploy_session::~tav_deploy_session() {
+deploy::server_session::~server_session() {
   if (connection != nullptr) tcm_context_close(connection, 0, nullptr);
 }
 
-void tav_deploy_logout(tav_deploy_session& session) {
+void deploy::log_out(deploy::server_session& session) {
   if (session.connection == nullptr) return;
   tav_ebuf ebuf{};
   tcm_context_close(session.connection, 0, at(&ebuf, HERE));
   session.connection = nullptr;
 }
 
-int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
+int tav_deploy_login(deploy::server_session& session, tav_ebuf* ebuf) {
   session.connection = nullptr;
   session.identity.reset();
 
@@ -41,14 +41,15 @@ int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
 }
 
 // The login's identity, or the same type and id in the database that the command line names.
-static dd_poid target(const tav_deploy_session& session, uint64_t database, tav_ebuf* ebuf) {
+static dd_poid target(const deploy::server_session& session, uint64_t database, tav_ebuf* ebuf) {
   const tav_poid_t* identity = session.identity.get();
   if (database == 0) return dd_poid(tav_poid_copy(identity, ebuf));
   return dd_poid(
       tav_poid_create(database, tav_poid_get_type(identity), tav_poid_get_id(identity), ebuf));
 }
 
-static dd_flist new_request(const tav_deploy_session& session, uint64_t database, tav_ebuf* ebuf) {
+static dd_flist new_request(const deploy::server_session& session, uint64_t database,
+                            tav_ebuf* ebuf) {
   dd_flist request(tav_flist_create(at(ebuf, HERE)));
   dd_put(request.get(), TAV_FLD_POID, 0, target(session, database, at(ebuf, HERE)), at(ebuf, HERE));
   return request;
@@ -61,7 +62,7 @@ static void ask_for(tav_flist_t* request, const dd_shape& shape, int32_t id, con
 }
 
 // Runs the retrieval; 1, or -1 after the full report (also of a failure to build the request).
-static int retrieve(const tav_deploy_session& session, uint32_t opcode, tav_flist_t* request,
+static int retrieve(const deploy::server_session& session, uint32_t opcode, tav_flist_t* request,
                     dd_flist& answer, tav_ebuf* ebuf) {
   tav_flist_t* output = nullptr;
   tcm_op(session.connection, opcode, 0, request, &output, at(ebuf, HERE));
@@ -71,8 +72,8 @@ static int retrieve(const tav_deploy_session& session, uint32_t opcode, tav_flis
   return deploy::call_failed(HERE, *ebuf, "retrieval-failed");
 }
 
-int tav_deploy_get_dd_fields(const tav_deploy_session& session, dd_flist& fields, uint64_t database,
-                             const tav_deploy_ctx_t* ctx) {
+int tav_deploy_get_dd_fields(const deploy::server_session& session, dd_flist& fields,
+                             uint64_t database, const tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
   dd_flist request = new_request(session, database, &ebuf);
   const int32_t count = ctx != nullptr ? ctx->name_count : 0;
@@ -111,7 +112,7 @@ static int report_missing(tav_flist_t* request, tav_flist_t* answer) {
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : result;
 }
 
-int tav_deploy_get_dd_classes(const tav_deploy_session& session, dd_flist& classes,
+int tav_deploy_get_dd_classes(const deploy::server_session& session, dd_flist& classes,
                               uint64_t database, const tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
   dd_flist request = new_request(session, database, &ebuf);

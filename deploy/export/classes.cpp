@@ -8,7 +8,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-static int gather(dparse_outline& classes, tav_deploy_included& included, dd_list& fields,
+static int gather(dparse_outline& classes, deploy::included_fields& included, dd_list& fields,
                   const tav_deploy_ctx_t& ctx) {
   for (const dparse_outline_class& storable : classes.classes) {
     if (storable.element == nullptr) return deploy::call_failed(HERE, classes.failure);
@@ -21,7 +21,7 @@ static int gather(dparse_outline& classes, tav_deploy_included& included, dd_lis
 
 static int write_used_fields(dparse_outline& classes, dd_list& fields,
                              const tav_deploy_ctx_t& ctx) {
-  tav_deploy_included included;
+  deploy::included_fields included;
   included.fields.reserve(classes.entries.size());
   included.places.reserve(classes.entries.size());
   if (gather(classes, included, fields, ctx) < 1) return -1;
@@ -40,8 +40,8 @@ static int write_classes(dparse_outline& classes, dd_list& fields, const tav_dep
   if (interfaces && dparseExportInterfaceClasses(stdout, &fields, classes, &ebuf) < 1) {
     return interfaces_failed(ebuf);
   }
-  if (ctx.export_impl == 0) return tav_deploy_is_written() ? 1 : interfaces_failed(ebuf);
-  if (dparseExportImplClasses(stdout, &fields, classes, &ebuf) < 1 || !tav_deploy_is_written()) {
+  if (ctx.export_impl == 0) return deploy::is_written() ? 1 : interfaces_failed(ebuf);
+  if (dparseExportImplClasses(stdout, &fields, classes, &ebuf) < 1 || !deploy::is_written()) {
     return deploy::call_failed(HERE, ebuf, "implementations-not-written");
   }
   return 1;
@@ -70,7 +70,7 @@ static int write_outline(tav_flist_t* classes, dd_list& fields, const tav_deploy
 
 int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
-  tav_deploy_session session;
+  deploy::server_session session;
   tav_deploy_login(session, &ebuf);
   if (dd_failed(ebuf)) return deploy::report(HERE, "login-failed");
 

@@ -12,14 +12,14 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-bool tav_deploy_is_selected(tav_flist_t* field, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
+bool deploy::is_selected(tav_flist_t* field, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
   if (ctx.select_custom == ctx.select_predefined) return true;
   const int32_t flags = dd_int(field, TAV_FLD_FIELD_FLAGS, ebuf);
   const bool predefined = (flags & DD_FIELD_PREDEFINED) != 0;
   return predefined == (ctx.select_predefined != 0);
 }
 
-bool tav_deploy_is_written() {
+bool deploy::is_written() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
@@ -29,7 +29,7 @@ static int filter(tav_flist_t* fields, std::vector<tav_flist_t*>& selected,
   tav_ebuf ebuf{};
   dd_walk walk(fields, TAV_FLD_FIELD);
   while (tav_flist_t* field = walk.next(at(&ebuf, HERE))) {
-    if (tav_deploy_is_selected(field, ctx, at(&ebuf, HERE))) selected.push_back(field);
+    if (deploy::is_selected(field, ctx, at(&ebuf, HERE))) selected.push_back(field);
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
@@ -56,7 +56,7 @@ static int write_failed() {
 template <class Fields>
 static int write_fields(const Fields& fields) {
   tav_ebuf ebuf{};
-  if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && tav_deploy_is_written()) return 1;
+  if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && deploy::is_written()) return 1;
   return write_failed();
 }
 
@@ -81,7 +81,7 @@ static int without_memory(const tav_ebuf& ebuf) {
 
 int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
-  tav_deploy_session session;
+  deploy::server_session session;
   tav_deploy_login(session, &ebuf);
   if (dd_failed(ebuf)) return deploy::report(HERE, "login-failed");
 

@@ -9,8 +9,10 @@
 
 #include "dd/list.h"
 
+namespace deploy {
+
 // An entry; those nested in it follow it. Element and texts are borrowed from the class.
-struct tav_deploy_entry {
+struct class_entry {
   tav_flist_t* element;
   const char* name;               // "" where it is missing
   const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until read
@@ -29,10 +31,10 @@ struct tav_deploy_entry {
 };
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
-struct tav_deploy_siblings {
+struct siblings {
   struct place {
-    tav_deploy_entry* entry;
-    tav_deploy_entry& operator*() const { return *entry; }
+    class_entry* entry;
+    class_entry& operator*() const { return *entry; }
     place& operator++() {
       entry += entry->size;
       return *this;
@@ -40,39 +42,38 @@ struct tav_deploy_siblings {
     bool operator==(const place&) const = default;
   };
 
-  tav_deploy_entry* first = nullptr;
-  tav_deploy_entry* last = nullptr;  // behind the last record
+  class_entry* first = nullptr;
+  class_entry* last = nullptr;  // behind the last record
 
   place begin() const { return {first}; }
   place end() const { return {last}; }
 };
 
-inline tav_deploy_siblings tav_deploy_nested(tav_deploy_entry& entry) {
+inline siblings nested_in(class_entry& entry) {
   return {&entry + 1, &entry + entry.size};
 }
 
 // The classes that have been read.
-struct tav_deploy_class_entries {
-  std::unordered_map<const tav_flist_t*, std::vector<tav_deploy_entry>> classes;
-  std::vector<tav_deploy_entry> reading;  // the class being read, whose size is not known yet
-  dd_index<dd_by_name, tav_deploy_entry*> seen;  // scratch of tav_deploy_mark_repeated
+struct class_entries {
+  std::unordered_map<const tav_flist_t*, std::vector<class_entry>> classes;
+  std::vector<class_entry> reading;         // the class being read, whose size is not known yet
+  dd_index<dd_by_name, class_entry*> seen;  // scratch of mark_repeated
 };
 
 // The class's top-level entries, read unless they have been; valid as long as these live. None
 // when that fails.
-tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
-                                          tav_ebuf* ebuf);
+siblings entries_of(class_entries& read, tav_flist_t* storable, tav_ebuf* ebuf);
 // Reads a class whose entries are asked for once only, over what was read before; not who has
 // SYSTEM permission.
-tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
-                                            tav_flist_t* storable, tav_ebuf* ebuf);
+siblings read_entries(std::vector<class_entry>& entries, tav_flist_t* storable, tav_ebuf* ebuf);
 // Marks the siblings that share a name. Throws std::bad_alloc.
-void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
-                              dd_index<dd_by_name, tav_deploy_entry*>& seen);
+void mark_repeated(siblings siblings, dd_index<dd_by_name, class_entry*>& seen);
 // Reads an entry's storage; and that of all entries, at every depth, that was not read yet.
-void tav_deploy_read_storage(tav_deploy_entry& entry, tav_ebuf* ebuf);
-void tav_deploy_read_all_storage(tav_deploy_siblings entries, tav_ebuf* ebuf);
+void read_storage(class_entry& entry, tav_ebuf* ebuf);
+void read_all_storage(siblings entries, tav_ebuf* ebuf);
 // Finds the definitions of entries, at every depth.
-void tav_deploy_find_definitions(tav_deploy_siblings entries, dd_list& fields);
+void find_definitions(siblings entries, dd_list& fields);
+
+}  // namespace deploy
 
 #endif

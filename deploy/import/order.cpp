@@ -94,7 +94,7 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
   return place_class(lists, storable);
 }
 
-int tav_deploy_import_order(tav_deploy_import_state& state) {
+int deploy::import_order(deploy::import_state& state) {
   tav_ebuf ebuf{};
   class_lists lists{state.ordered_classes, state.working_classes, state.classes};
   dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);

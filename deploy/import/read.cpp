@@ -72,7 +72,7 @@ static int read_all(definitions& read, const tav_deploy_ctx_t& ctx) {
 }
 
 static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
-                       tav_deploy_class_entries& entries, tav_ebuf* ebuf) {
+                       deploy::class_entries& entries, tav_ebuf* ebuf) {
   const char* name = dd_text(implementation, TAV_FLD_NAME, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return 1;
   tav_flist_t* interface = tav_deploy_get_class_by_name(interfaces, name);
@@ -80,15 +80,15 @@ static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
     deploy::report(HERE, "missing-interface", {.class_name = name, .side = IMPLEMENTATION});
     return 1;
   }
-  tav_deploy_merge_storage(interface, implementation, ebuf);
-  const tav_deploy_siblings own = tav_deploy_entries_of(entries, interface, ebuf);
+  deploy::merge_storage(interface, implementation, ebuf);
+  const deploy::siblings own = deploy::entries_of(entries, interface, ebuf);
   if (dd_failed(*ebuf)) return 1;
   if (tav_deploy_merge_class_fields(entries, own, implementation, name) >= 1) return 1;
   deploy::report(HERE, "merge-failed", {.class_name = name});
   return deploy::report(HERE, "class-not-merged", {.class_name = name});
 }
 
-static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
+static int merge_all(definitions& read, deploy::class_entries& entries) {
   tav_ebuf ebuf{};
   dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
@@ -98,11 +98,11 @@ static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
 }
 
 // The classes without implementation have not been read yet, nor entries that it does not name.
-static int fill_entries(dd_list& interfaces, tav_deploy_class_entries& entries) {
+static int fill_entries(dd_list& interfaces, deploy::class_entries& entries) {
   tav_ebuf ebuf{};
   dd_walk walk(interfaces.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* interface = walk.next(at(&ebuf, HERE))) {
-    tav_deploy_read_all_storage(tav_deploy_entries_of(entries, interface, &ebuf), &ebuf);
+    deploy::read_all_storage(deploy::entries_of(entries, interface, &ebuf), &ebuf);
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
@@ -115,8 +115,8 @@ static int create_lists(definitions& read) {
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
-int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
-                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx) {
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, deploy::class_entries& entries,
+                                 const tav_deploy_ctx_t& ctx) {
   definitions read;
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
   if (merge_all(read, entries) < 1) return deploy::report(HERE, "classes-not-merged");
@@ -127,6 +127,6 @@ int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
   return 1;
 }
 
-int tav_deploy_import_read(tav_deploy_import_state& state) {
+int deploy::import_read(deploy::import_state& state) {
   return tav_deploy_read_import_files(state.fields, state.classes, state.entries, *state.ctx);
 }

@@ -40,12 +40,11 @@ static void import(const std::string& text) {
   tav_deploy_ctx_t ctx{};
   ctx.mode = TAV_DEPLOY_MODE_VERIFY;
   ctx.names[ctx.name_count++] = file.c_str();
-  tav_deploy_import_state state{.ctx = &ctx};
+  deploy::import_state state{.ctx = &ctx};
   state.server_fields.reset(tav_flist_create(nullptr));
   state.server_classes.reset(tav_flist_create(nullptr));
-  for (const auto step :
-       {tav_deploy_import_read, tav_deploy_import_fields, tav_deploy_import_classes,
-        tav_deploy_import_order, tav_deploy_import_structure, tav_deploy_import_storage}) {
+  for (const auto step : {deploy::import_read, deploy::import_fields, deploy::import_classes,
+                          deploy::import_order, deploy::import_structure, deploy::import_storage}) {
     if (step(state) < 1) return;
   }
 }

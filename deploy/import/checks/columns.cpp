@@ -14,8 +14,8 @@ namespace {
 
 // Where entries are collected.
 struct target {
-  tav_deploy_tables& tables;
-  size_t table;            // TAV_DEPLOY_NONE for none
+  deploy::table_uses& tables;
+  size_t table;            // deploy::NO_PLACE for none
   const char* table_name;  // null for none
   deploy::entry_scope scope;
 };
@@ -28,7 +28,7 @@ struct buf_storage {
 
 }  // namespace
 
-static deploy::subject subject_of(const target& to, const tav_deploy_entry& entry,
+static deploy::subject subject_of(const target& to, const deploy::class_entry& entry,
                                   const char* attribute = nullptr) {
   deploy::subject about = to.scope.of(entry.name, IMPLEMENTATION);
   about.table = to.table_name;
@@ -36,34 +36,34 @@ static deploy::subject subject_of(const target& to, const tav_deploy_entry& entr
   return about;
 }
 
-size_t tav_deploy_add_table(tav_deploy_tables& tables, const tav_deploy_table& use) {
+size_t deploy::add_table(deploy::table_uses& tables, const deploy::table_use& use) {
   tables.uses.push_back(use);
   return tables.uses.size() - 1;
 }
 
 // The place of a new use of the table; none, and a failure in the buffer, without memory for it.
-static size_t add_table(const target& to, const tav_deploy_entry& entry, const char* name,
+static size_t add_table(const target& to, const deploy::class_entry& entry, const char* name,
                         tav_ebuf* ebuf) {
-  size_t place = TAV_DEPLOY_NONE;
-  const tav_deploy_table use{name, to.scope.class_name, entry.name, to.table};
-  dd_with_memory(ebuf, [&] { place = tav_deploy_add_table(to.tables, use); });
+  size_t place = deploy::NO_PLACE;
+  const deploy::table_use use{name, to.scope.class_name, entry.name, to.table};
+  dd_with_memory(ebuf, [&] { place = deploy::add_table(to.tables, use); });
   return place;
 }
 
-static void add_column(tav_deploy_tables& tables, size_t table, const tav_deploy_column& added,
+static void add_column(deploy::table_uses& tables, size_t table, const deploy::column_use& added,
                        tav_ebuf* ebuf) {
   if (!tables.keeps_columns) return;
   dd_with_memory(ebuf, [&] { tables.columns.push_back(added); });
   if (dd_failed(*ebuf)) return;
-  tav_deploy_table& use = tables.uses[table];
+  deploy::table_use& use = tables.uses[table];
   const size_t column = tables.columns.size() - 1;
-  const bool is_first = use.last_column == TAV_DEPLOY_NONE;
+  const bool is_first = use.last_column == deploy::NO_PLACE;
   (is_first ? use.first_column : tables.columns[use.last_column].next) = column;
   use.last_column = column;
 }
 
 // The type of the field's definition; 0 after a report where there is none.
-static int32_t defined_type(const target& to, const tav_deploy_entry& entry) {
+static int32_t defined_type(const target& to, const deploy::class_entry& entry) {
   if (!entry.is_defined) {
     deploy::report(HERE, "field-not-defined", to.scope.of(entry.name));
     return 0;
@@ -83,7 +83,7 @@ static std::string_view after(std::string_view text, std::string_view mark) {
 }
 
 // Takes "C=column T=table" apart. The column is sought only in what ends with the table.
-static buf_storage split(tav_deploy_tables& tables, std::string_view text) {
+static buf_storage split(deploy::table_uses& tables, std::string_view text) {
   const std::string_view table = after(text, "T=");
   if (table.data() != nullptr) {
     text = text.substr(0, static_cast<size_t>(table.data() - text.data()) + table.size());
@@ -92,14 +92,14 @@ static buf_storage split(tav_deploy_tables& tables, std::string_view text) {
   return {kept, tables.names.emplace_back(after(text, "C=")).c_str()};
 }
 
-static int collect_buf(const target& to, const tav_deploy_entry& entry) {
+static int collect_buf(const target& to, const deploy::class_entry& entry) {
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-buf-storage", subject_of(to, entry));
     return 1;
   }
   tav_ebuf ebuf{};
   buf_storage names;
-  size_t table = TAV_DEPLOY_NONE;
+  size_t table = deploy::NO_PLACE;
   dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, entry.storage); });
   if (*names.table != '\0') {
     table = add_table(to, entry, names.table, at(&ebuf, HERE));
@@ -113,7 +113,7 @@ static int collect_buf(const target& to, const tav_deploy_entry& entry) {
     deploy::report(HERE, "missing-buf-column", about);
     return 1;
   }
-  if (table != TAV_DEPLOY_NONE) {
+  if (table != deploy::NO_PLACE) {
     add_column(to.tables, table, {names.column, entry.name, dd_hash(names.column)},
                at(&ebuf, HERE));
   }
@@ -122,7 +122,7 @@ static int collect_buf(const target& to, const tav_deploy_entry& entry) {
 }
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
-static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& table) {
+static bool find_table(const target& to, const deploy::class_entry& entry, size_t& table) {
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-table", subject_of(to, entry, "SQL_TABLE"));
     return true;
@@ -134,20 +134,20 @@ static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& 
   return false;
 }
 
-static int collect_entries(const target& to, tav_deploy_siblings entries);
+static int collect_entries(const target& to, deploy::siblings entries);
 
-static int collect_nested(const target& to, tav_deploy_entry& entry) {
-  size_t table = TAV_DEPLOY_NONE;
+static int collect_nested(const target& to, deploy::class_entry& entry) {
+  size_t table = deploy::NO_PLACE;
   if (!find_table(to, entry, table)) return -1;
-  const char* table_name = table != TAV_DEPLOY_NONE ? entry.storage : nullptr;
+  const char* table_name = table != deploy::NO_PLACE ? entry.storage : nullptr;
   const deploy::entry_path path{entry.name, to.scope.around};
   const target nested{to.tables, table, table_name, {to.scope.class_name, &path}};
-  if (collect_entries(nested, tav_deploy_nested(entry)) >= 1) return 1;
+  if (collect_entries(nested, deploy::nested_in(entry)) >= 1) return 1;
   return deploy::report(HERE, "storage-names-not-collected");
 }
 
-static int collect_column(const target& to, const tav_deploy_entry& entry) {
-  if (to.table_name == nullptr || to.table == TAV_DEPLOY_NONE) {
+static int collect_column(const target& to, const deploy::class_entry& entry) {
+  if (to.table_name == nullptr || to.table == deploy::NO_PLACE) {
     return deploy::report(HERE, "column-without-table", subject_of(to, entry));
   }
   if (!entry.has_storage()) {
@@ -160,7 +160,7 @@ static int collect_column(const target& to, const tav_deploy_entry& entry) {
 }
 
 // Error buffers stay out of what calls itself: entries may be nested ten thousand levels deep.
-static int collect_entry(const target& to, tav_deploy_entry& entry) {
+static int collect_entry(const target& to, deploy::class_entry& entry) {
   switch (defined_type(to, entry)) {
     case TAV_FLDT_BUF:
       return collect_buf(to, entry);
@@ -172,15 +172,14 @@ static int collect_entry(const target& to, tav_deploy_entry& entry) {
   }
 }
 
-static int collect_entries(const target& to, tav_deploy_siblings entries) {
-  for (tav_deploy_entry& entry : entries) {
+static int collect_entries(const target& to, deploy::siblings entries) {
+  for (deploy::class_entry& entry : entries) {
     if (collect_entry(to, entry) < 1) return -1;
   }
   return 1;
 }
 
-int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
-                                 tav_deploy_siblings entries, const char* table_name,
-                                 const char* class_name) {
+int tav_deploy_get_table_columns(deploy::table_uses& tables, size_t table, deploy::siblings entries,
+                                 const char* table_name, const char* class_name) {
   return collect_entries({tables, table, table_name, {class_name}}, entries);
 }

@@ -5,7 +5,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static void check_position(const deploy::entry_scope& scope, const tav_deploy_entry& child,
+static void check_position(const deploy::entry_scope& scope, const deploy::class_entry& child,
                            int32_t parent_type, int depth) {
   const int32_t type = child.type;
   const bool array_too_deep =
@@ -18,30 +18,30 @@ static void check_position(const deploy::entry_scope& scope, const tav_deploy_en
   }
 }
 
-int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
+int tav_deploy_check_field_positions(deploy::class_entries& read, deploy::class_entry& entry,
                                      const deploy::entry_scope& scope, int depth) {
-  const tav_deploy_siblings nested = tav_deploy_nested(entry);
+  const deploy::siblings nested = deploy::nested_in(entry);
   tav_ebuf ebuf{};
-  dd_with_memory(at(&ebuf, HERE), [&] { tav_deploy_mark_repeated(nested, read.seen); });
+  dd_with_memory(at(&ebuf, HERE), [&] { deploy::mark_repeated(nested, read.seen); });
   if (dd_failed(ebuf)) {
     deploy::call_failed(HERE, ebuf);
     return deploy::report(HERE, "nesting-not-checked", {.class_name = scope.class_name});
   }
   const deploy::entry_path path{entry.name, scope.around};
   const deploy::entry_scope inside{scope.class_name, &path};
-  for (tav_deploy_entry& child : nested) {
+  for (deploy::class_entry& child : nested) {
     check_position(inside, child, entry.type, depth);
     if (child.is_repeated) {
       deploy::report(HERE, "repeated-field", inside.of(child.name));
-    } else if (tav_deploy_check_nesting(read, child, inside, depth + 1) < 1) {
+    } else if (deploy::check_nesting(read, child, inside, depth + 1) < 1) {
       return -1;
     }
   }
   return 1;
 }
 
-int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
-                             const deploy::entry_scope& scope, int depth) {
+int deploy::check_nesting(deploy::class_entries& read, deploy::class_entry& entry,
+                          const deploy::entry_scope& scope, int depth) {
   if (tav_deploy_check_field_positions(read, entry, scope, depth) >= 1) return 1;
   return deploy::report(HERE, "positions-not-checked", {.class_name = scope.class_name});
 }

@@ -12,13 +12,13 @@ static constexpr char MODULE[] = "tav_deploy_import";
 static int compare_with_known(tav_flist_t* known, tav_flist_t* storable, const char* name,
                               tav_ebuf* ebuf) {
   deploy::report(HERE, "class-exists", {.class_name = name});
-  tav_deploy_check_class_storage_change(known, storable, name, ebuf);
+  deploy::check_class_storage_change(known, storable, name, ebuf);
   if (dd_failed(*ebuf)) return 1;
   if (tav_deploy_check_field_storage_change(known, storable, name) >= 1) return 1;
   return deploy::report(HERE, "storage-names-not-compared", {.class_name = name});
 }
 
-int tav_deploy_import_classes(tav_deploy_import_state& state) {
+int deploy::import_classes(deploy::import_state& state) {
   tav_ebuf ebuf{};
   dd_list& working = state.working_classes;
   working.give(std::move(state.server_classes));

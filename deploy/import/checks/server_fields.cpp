@@ -39,7 +39,7 @@ static void add_new(dd_list& working, const definition& field, tav_ebuf* ebuf) {
 }
 
 static tav_flist_t* first_of_name(dd_list& fields, const definition& field) {
-  const dd_known* first = tav_deploy_get_known_field(fields, field.name, field.hash);
+  const dd_known* first = deploy::known_field(fields, field.name, field.hash);
   return first != nullptr ? first->element : nullptr;
 }
 
@@ -65,7 +65,7 @@ static void keep_old(dd_list& fields, int32_t id, const definition& field, tav_e
 }
 
 // The type was found with the name; the number is asked for only here.
-static void settle_known(tav_deploy_import_state& state, int32_t id, const definition& field,
+static void settle_known(deploy::import_state& state, int32_t id, const definition& field,
                          const dd_known& known, tav_ebuf* ebuf) {
   const int32_t number = dd_int(known.element, TAV_FLD_FIELD_NUM, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
@@ -83,17 +83,17 @@ static void settle_known(tav_deploy_import_state& state, int32_t id, const defin
   keep_old(state.fields, id, field, ebuf);
 }
 
-static void check_field(tav_deploy_import_state& state, int32_t id, tav_flist_t* element,
+static void check_field(deploy::import_state& state, int32_t id, tav_flist_t* element,
                         tav_ebuf* ebuf) {
   const definition field = read_definition(element, ebuf);
   if (dd_failed(*ebuf)) return;
-  const dd_known* known = tav_deploy_get_known_field(state.working_fields, field.name, field.hash);
+  const dd_known* known = deploy::known_field(state.working_fields, field.name, field.hash);
   if (known == nullptr) return add_new(state.working_fields, field, ebuf);
   mark_first(state.fields, field, ebuf);
   settle_known(state, id, field, *known, ebuf);
 }
 
-int tav_deploy_import_fields(tav_deploy_import_state& state) {
+int deploy::import_fields(deploy::import_state& state) {
   tav_ebuf ebuf{};
   state.working_fields.give(std::move(state.server_fields));
   state.working_fields.reserve_lent(state.fields.count(at(&ebuf, HERE)));

@@ -22,15 +22,15 @@ struct class_table {
 // One collection: over which classes, into which tables, and what a failure is called.
 struct collection {
   dd_list& classes;  // those that are lent to it are new
-  tav_deploy_tables& tables;
+  deploy::table_uses& tables;
   deploy::finding failure;
 };
 
 // What both ask.
 struct dictionary {
   dd_list& fields;
-  tav_deploy_class_entries& input;
-  std::vector<tav_deploy_entry> server_entries{};  // of the class at hand
+  deploy::class_entries& input;
+  std::vector<deploy::class_entry> server_entries{};  // of the class at hand
 };
 
 }  // namespace
@@ -59,25 +59,25 @@ static void check_class_table(const class_table& read) {
   }
 }
 
-static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool is_new,
+static int collect_class(deploy::table_uses& tables, tav_flist_t* storable, bool is_new,
                          dictionary& known, tav_ebuf* ebuf) {
   const class_table read = read_class(storable, is_new, ebuf);
   if (dd_failed(*ebuf)) return 1;
   check_class_table(read);
-  size_t table = TAV_DEPLOY_NONE;
+  size_t table = deploy::NO_PLACE;
   if (read.table != nullptr && read.may_name_table) {
     dd_with_memory(at(ebuf, HERE), [&] {
-      table = tav_deploy_add_table(tables, {read.table, read.class_name});
+      table = deploy::add_table(tables, {read.table, read.class_name});
     });
     if (dd_failed(*ebuf)) return 1;
   }
   tav_ebuf entries_ebuf{};
-  const tav_deploy_siblings entries =
-      is_new ? tav_deploy_entries_of(known.input, storable, &entries_ebuf)
-             : tav_deploy_read_entries(known.server_entries, storable, &entries_ebuf);
-  if (!is_new) tav_deploy_read_all_storage(entries, &entries_ebuf);
+  const deploy::siblings entries =
+      is_new ? deploy::entries_of(known.input, storable, &entries_ebuf)
+             : deploy::read_entries(known.server_entries, storable, &entries_ebuf);
+  if (!is_new) deploy::read_all_storage(entries, &entries_ebuf);
   if (dd_failed(entries_ebuf)) return deploy::call_failed(HERE, entries_ebuf, "storage-not-read");
-  if (!is_new) tav_deploy_find_definitions(entries, known.fields);
+  if (!is_new) deploy::find_definitions(entries, known.fields);
   return tav_deploy_get_table_columns(tables, table, entries, read.table, read.class_name);
 }
 
@@ -93,9 +93,9 @@ static int collect(const collection& from, dictionary& known) {
 
 // The working classes include the run's own: a table of a new class is found there once, and a
 // second time only if another class has it too.
-int tav_deploy_import_storage(tav_deploy_import_state& state) {
-  tav_deploy_tables all_tables{.keeps_columns = false};
-  tav_deploy_tables tables{.keeps_columns = true};
+int deploy::import_storage(deploy::import_state& state) {
+  deploy::table_uses all_tables{.keeps_columns = false};
+  deploy::table_uses tables{.keeps_columns = true};
   dictionary known{state.working_fields, state.entries};
   const collection collections[] = {
       {state.working_classes, all_tables, "server-storage-not-collected"},
@@ -104,5 +104,5 @@ int tav_deploy_import_storage(tav_deploy_import_state& state) {
   for (const collection& from : collections) {
     if (collect(from, known) < 1) return -1;
   }
-  return tav_deploy_check_unique_names(tables, all_tables);
+  return deploy::check_unique_names(tables, all_tables);
 }

@@ -19,8 +19,8 @@ static bool differs(tav_flist_t* known, tav_flist_t* changed, uint32_t field, ta
   return !dd_failed(*ebuf) && !dd_equal(old_text, new_text);
 }
 
-void tav_deploy_check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
-                                           const char* class_name, tav_ebuf* ebuf) {
+void deploy::check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
+                                        const char* class_name, tav_ebuf* ebuf) {
   if (differs(server_class, new_class, TAV_FLD_SQL_TABLE, ebuf)) {
     deploy::report(HERE, "class-table-kept",
                    {.class_name = class_name, .side = IMPLEMENTATION, .attribute = "SQL_TABLE"});

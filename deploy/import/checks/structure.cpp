@@ -8,10 +8,10 @@
 static constexpr char MODULE[] = "tav_deploy_import";
 
 // Of an entry the findings about its place come before those about what is nested in it.
-static int check_entries(const tav_deploy_checked_class& checked) {
-  for (tav_deploy_entry& entry : checked.entries) {
-    tav_deploy_check_placement(entry, checked.name);
-    if (tav_deploy_check_nesting(checked.read, entry, {checked.name}, 1) < 1) return -1;
+static int check_entries(const deploy::checked_class& checked) {
+  for (deploy::class_entry& entry : checked.entries) {
+    deploy::check_placement(entry, checked.name);
+    if (deploy::check_nesting(checked.read, entry, {checked.name}, 1) < 1) return -1;
   }
   return 1;
 }
@@ -19,19 +19,19 @@ static int check_entries(const tav_deploy_checked_class& checked) {
 namespace {
 
 struct class_check {
-  int (*run)(const tav_deploy_checked_class& checked);
+  int (*run)(const deploy::checked_class& checked);
   deploy::finding failure;
 };
 
 constexpr class_check CLASS_CHECKS[] = {
     {tav_deploy_check_field_types, "class-types-not-checked"},
     {check_entries, "class-structure-not-checked"},
-    {tav_deploy_check_hierarchy, "class-hierarchy-not-checked"},
+    {deploy::check_hierarchy, "class-hierarchy-not-checked"},
 };
 
 }  // namespace
 
-static int check_class(const tav_deploy_checked_class& checked) {
+static int check_class(const deploy::checked_class& checked) {
   for (const class_check& check : CLASS_CHECKS) {
     if (check.run(checked) >= 1) continue;
     return deploy::report(HERE, check.failure, {.class_name = checked.name});
@@ -45,16 +45,16 @@ static int entries_failed(const tav_ebuf& ebuf, const char* class_name) {
   return deploy::report(HERE, "class-types-not-checked", {.class_name = class_name});
 }
 
-int tav_deploy_import_structure(tav_deploy_import_state& state) {
+int deploy::import_structure(deploy::import_state& state) {
   tav_ebuf ebuf{};
-  tav_deploy_hierarchy hierarchy{state.working_classes, {}, {}};
+  deploy::class_hierarchy hierarchy{state.working_classes, {}, {}};
   dd_list_walk walk(state.ordered_classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;
-    const auto entries = tav_deploy_entries_of(state.entries, storable, &ebuf);
+    const auto entries = deploy::entries_of(state.entries, storable, &ebuf);
     if (dd_failed(ebuf)) return entries_failed(ebuf, name);
-    tav_deploy_find_definitions(entries, state.working_fields);
+    deploy::find_definitions(entries, state.working_fields);
     if (check_class({storable, name, entries, state.entries, hierarchy}) < 1) return -1;
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;

@@ -4,7 +4,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static void check_type(const tav_deploy_entry& entry, const deploy::entry_scope& scope) {
+static void check_type(const deploy::class_entry& entry, const deploy::entry_scope& scope) {
   if (!entry.is_defined) {
     deploy::report(HERE, "missing-field-definition", scope.of(entry.name));
   } else if (entry.defined_type.value_or(0) != entry.type) {
@@ -12,16 +12,16 @@ static void check_type(const tav_deploy_entry& entry, const deploy::entry_scope&
   }
 }
 
-static void check_types(tav_deploy_siblings entries, const deploy::entry_scope& scope) {
-  for (tav_deploy_entry& entry : entries) {
+static void check_types(deploy::siblings entries, const deploy::entry_scope& scope) {
+  for (deploy::class_entry& entry : entries) {
     check_type(entry, scope);
     if (entry.size == 1) continue;
     const deploy::entry_path path{entry.name, scope.around};
-    check_types(tav_deploy_nested(entry), {scope.class_name, &path});
+    check_types(deploy::nested_in(entry), {scope.class_name, &path});
   }
 }
 
-int tav_deploy_check_field_types(const tav_deploy_checked_class& checked) {
+int tav_deploy_check_field_types(const deploy::checked_class& checked) {
   check_types(checked.entries, {checked.name});
   return 1;
 }

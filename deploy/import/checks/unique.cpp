@@ -7,11 +7,11 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 using enum deploy::definition_side;
 
-static void count_all(tav_deploy_table_counts& counts) {
+static void count_all(deploy::table_counts& counts) {
   counts.by_place.assign(counts.tables.uses.size(), {});
   counts.first_place.clear();
   for (size_t place = 0; place < counts.tables.uses.size(); ++place) {
-    const tav_deploy_table& table = counts.tables.uses[place];
+    const deploy::table_use& table = counts.tables.uses[place];
     const size_t first = counts.first_place.add_first(table.name, place);
     ++counts.by_place[first].all;
     counts.by_place[first].last = place;
@@ -20,23 +20,23 @@ static void count_all(tav_deploy_table_counts& counts) {
   counts.counted = true;
 }
 
-int tav_deploy_count_table_by_name(tav_deploy_table_counts& counts, const char* name) {
+int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* name) {
   tav_ebuf ebuf{};
   if (!counts.counted) dd_with_memory(at(&ebuf, HERE), [&] { count_all(counts); });
   if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
   const size_t* place = counts.first_place.find(name);
   if (place == nullptr) return 0;
-  const tav_deploy_table_counts::uses& uses = counts.by_place[*place];
+  const deploy::table_counts::uses& uses = counts.by_place[*place];
   return uses.all >= 2 && uses.serializable >= 1 ? 1 : uses.all;
 }
 
-using column_index = dd_index<dd_by_name, const tav_deploy_column*>;
+using column_index = dd_index<dd_by_name, const deploy::column_use*>;
 
 // The entries from a use's outwards; told to a sink only.
-static std::vector<deploy::entry_path> path_from(const tav_deploy_tables& tables, size_t use) {
+static std::vector<deploy::entry_path> path_from(const deploy::table_uses& tables, size_t use) {
   std::vector<deploy::entry_path> path;
   if (!deploy::has_sink()) return path;
-  for (; use != TAV_DEPLOY_NONE; use = tables.uses[use].around) {
+  for (; use != deploy::NO_PLACE; use = tables.uses[use].around) {
     if (tables.uses[use].field != nullptr) path.push_back({tables.uses[use].field});
   }
   for (size_t i = 1; i < path.size(); ++i) path[i - 1].around = &path[i];
@@ -44,9 +44,9 @@ static std::vector<deploy::entry_path> path_from(const tav_deploy_tables& tables
 }
 
 // A BUF names table and column; any other column stands in the entry that names the table.
-static void report_column(const tav_deploy_tables& tables, size_t use,
-                          const tav_deploy_column& column) {
-  const tav_deploy_table& table = tables.uses[use];
+static void report_column(const deploy::table_uses& tables, size_t use,
+                          const deploy::column_use& column) {
+  const deploy::table_use& table = tables.uses[use];
   const bool is_buf = column.field == table.field;
   const auto path = path_from(tables, is_buf ? table.around : use);
   deploy::report(HERE, "repeated-column",
@@ -60,17 +60,17 @@ static void report_column(const tav_deploy_tables& tables, size_t use,
 }
 
 // The first use of the table's name, or the last one where this is the first.
-static const tav_deploy_table& other_use(const tav_deploy_table_counts& counts,
-                                         const tav_deploy_table& table) {
+static const deploy::table_use& other_use(const deploy::table_counts& counts,
+                                          const deploy::table_use& table) {
   const size_t place = *counts.first_place.find(table.name);
-  const tav_deploy_table& first = counts.tables.uses[place];
+  const deploy::table_use& first = counts.tables.uses[place];
   const bool is_first = first.class_name == table.class_name && first.field == table.field;
   return is_first ? counts.tables.uses[counts.by_place[place].last] : first;
 }
 
-static void report_table(const tav_deploy_tables& tables, size_t use,
-                         const tav_deploy_table_counts& counts) {
-  const tav_deploy_table& table = tables.uses[use];
+static void report_table(const deploy::table_uses& tables, size_t use,
+                         const deploy::table_counts& counts) {
+  const deploy::table_use& table = tables.uses[use];
   const auto path = path_from(tables, table.around);
   deploy::report(HERE, "repeated-table",
                  {.class_name = table.class_name,
@@ -82,18 +82,18 @@ static void report_table(const tav_deploy_tables& tables, size_t use,
                   .attribute = "SQL_TABLE"});
 }
 
-static void report_repeated(const tav_deploy_tables& tables, size_t use, column_index& seen) {
+static void report_repeated(const deploy::table_uses& tables, size_t use, column_index& seen) {
   seen.clear();
-  for (size_t place = tables.uses[use].first_column; place != TAV_DEPLOY_NONE;
+  for (size_t place = tables.uses[use].first_column; place != deploy::NO_PLACE;
        place = tables.columns[place].next) {
-    const tav_deploy_column& column = tables.columns[place];
+    const deploy::column_use& column = tables.columns[place];
     if (seen.add_first(column.name, column.hash, &column) == &column) continue;
     report_column(tables, use, column);
   }
 }
 
 // The index is the caller's, to be filled anew for each table.
-static int check_columns(const tav_deploy_tables& tables, size_t use, column_index& seen) {
+static int check_columns(const deploy::table_uses& tables, size_t use, column_index& seen) {
   tav_ebuf ebuf{};
   dd_with_memory(at(&ebuf, HERE), [&] { report_repeated(tables, use, seen); });
   if (!dd_failed(ebuf)) return 1;
@@ -101,7 +101,7 @@ static int check_columns(const tav_deploy_tables& tables, size_t use, column_ind
   return deploy::report(HERE, "columns-not-compared");
 }
 
-static int check_tables(const tav_deploy_tables& tables, tav_deploy_table_counts& counts) {
+static int check_tables(const deploy::table_uses& tables, deploy::table_counts& counts) {
   column_index columns;
   for (size_t use = 0; use < tables.uses.size(); ++use) {
     const int count = tav_deploy_count_table_by_name(counts, tables.uses[use].name);
@@ -112,9 +112,9 @@ static int check_tables(const tav_deploy_tables& tables, tav_deploy_table_counts
   return 1;
 }
 
-int tav_deploy_check_unique_names(const tav_deploy_tables& tables,
-                                  const tav_deploy_tables& all_tables) {
-  tav_deploy_table_counts counts{all_tables};
+int deploy::check_unique_names(const deploy::table_uses& tables,
+                               const deploy::table_uses& all_tables) {
+  deploy::table_counts counts{all_tables};
   if (check_tables(tables, counts) >= 1) return 1;
   return deploy::report(HERE, "storage-not-compared");
 }
