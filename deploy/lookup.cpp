@@ -1,27 +1,19 @@
 #include "deploy/lookup.h"
 
-#include <cstddef>
-
-#include "dd/report.h"
-#include "deploy/modes.h"
 #include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
 // A failing list looks like one without the element, so that every other finding is still told; but
-// what was judged by it is neither deployed nor a success.
-static std::nullptr_t not_looked_up() {
-  tav_deploy_raise_error();
-  return nullptr;
-}
+// what was judged by it is neither deployed nor a success: the error flag is raised.
 
 template <class Name>
 static const dd_known* known_by_name(dd_list& list, Name name, uint32_t hash, dd_site site) {
   tav_ebuf ebuf{};
   const dd_known* found = list.find_known(name, hash, at(&ebuf, site));
   if (!dd_failed(ebuf)) return found;
-  tav_deploy_call_failed(site, ebuf);
-  return not_looked_up();
+  deploy::call_failed(site, ebuf, "name-not-looked-up");
+  return nullptr;
 }
 
 template <class Name>
@@ -34,7 +26,7 @@ tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name) {
   return by_name(list, name, dd_hash(name), HERE);
 }
 
-const dd_known* tav_deploy_get_known_field(dd_list& list, const char* name, uint32_t hash) {
+const dd_known* deploy::known_field(dd_list& list, const char* name, uint32_t hash) {
   return known_by_name(list, name, hash, HERE);
 }
 
@@ -42,10 +34,8 @@ tav_flist_t* tav_deploy_get_field_by_id(dd_list& list, int32_t number) {
   tav_ebuf ebuf{};
   tav_flist_t* found = list.find_number(number, at(&ebuf, HERE));
   if (!dd_failed(ebuf)) return found;
-  dd_print_error("Error: Internal Error - parsing Flist in tav_deploy_get_field_by_id()\n");
-  tav_deploy_display_ebuf(&ebuf);
-  dd_log(HERE, "Flist error", ebuf);
-  return not_looked_up();
+  deploy::call_failed(HERE, ebuf, "number-not-looked-up");
+  return nullptr;
 }
 
 tav_flist_t* tav_deploy_get_class_by_name(dd_list& list, const char* name) {

@@ -8,8 +8,14 @@
 
 // Field definitions (DD_FIELDS).
 tav_flist_t* tav_deploy_get_field_by_name(dd_list& list, const char* name);
+
+namespace deploy {
+
 // The same with the type, where the list keeps it, for a name of that hash.
-const dd_known* tav_deploy_get_known_field(dd_list& list, const char* name, uint32_t hash);
+const dd_known* known_field(dd_list& list, const char* name, uint32_t hash);
+
+}  // namespace deploy
+
 tav_flist_t* tav_deploy_get_field_by_id(dd_list& list, int32_t number);
 // Classes (DD_CLASSES).
 tav_flist_t* tav_deploy_get_class_by_name(dd_list& list, const char* name);

@@ -14,9 +14,13 @@ enum {
   TAV_DEPLOY_MODE_REPLACE = 5,
 };
 
-inline constexpr int TAV_DEPLOY_MAX_NAMES = 2048;
+namespace deploy {
+
+inline constexpr int MAX_NAMES = 2048;
 // The database number while "-d" waits for its word; passed on as it is when none comes.
-inline constexpr uint64_t TAV_DEPLOY_DATABASE_AWAITED = UINT64_MAX;
+inline constexpr uint64_t DATABASE_AWAITED = UINT64_MAX;
+
+}  // namespace deploy
 
 // One run's order. The names are the process's own argument texts.
 struct tav_deploy_ctx_t {
@@ -27,7 +31,7 @@ struct tav_deploy_ctx_t {
   int32_t select_custom;       // -c
   int32_t select_predefined;   // -p
   uint64_t database;           // -d: four groups of 16 bits; 0 stands for the login's database
-  const char* names[TAV_DEPLOY_MAX_NAMES];
+  const char* names[deploy::MAX_NAMES];
   int32_t name_count;
 };
 
@@ -49,10 +53,38 @@ void tav_deploy_raise_conflict();
 extern int32_t tav_deploy_fld_count;
 extern int32_t tav_deploy_class_count;
 
+namespace deploy {
+
+// A mode, as the command line gives it.
+struct mode_row {
+  uint32_t mode;
+  const char* word;   // in capitals
+  const char* usage;  // behind the program's name
+  int (*run)(tav_deploy_ctx_t* ctx);
+};
+
+// In the order in which the usage shows them.
+inline constexpr mode_row MODES[] = {
+    {TAV_DEPLOY_MODE_CLASS, "CLASS", "class [-smncp] <class1 class2..>", tav_deploy_export_class},
+    {TAV_DEPLOY_MODE_FIELD, "FIELD", "field [-cp] <field1 field2..>", tav_deploy_export_fields},
+    {TAV_DEPLOY_MODE_VERIFY, "VERIFY", "verify [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+    {TAV_DEPLOY_MODE_CREATE, "CREATE", "create [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+    {TAV_DEPLOY_MODE_REPLACE, "REPLACE", "replace [-d <target_db> ] <file1 file2..>",
+     tav_deploy_import},
+};
+
+}  // namespace deploy
+
 // A null program prints as tav_deploy.
 void tav_deploy_display_usage(FILE* stream, const char* program);
 
+namespace deploy {
+
 // Reads a command line into a context; 1, or -1 when it was refused (and the operator told why).
-int tav_deploy_read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx);
+int read_arguments(int argc, char** argv, tav_deploy_ctx_t* ctx);
+
+}  // namespace deploy
 
 #endif

@@ -1,33 +1,87 @@
 // Reporting of the tool's own modules: findings, failures and error buffers.
 //
-// A finding is one line on standard error, one record in the log (where it has a log text) and a
-// flag raised. Nothing else prints, logs and raises.
+// What is reported is a row of the table of findings, what it is about, and the arguments of its
+// text. Nothing else prints, logs and raises flags.
 #ifndef DEPLOY_REPORT_H
 #define DEPLOY_REPORT_H
 
+#include <string>
+#include <vector>
+
 #include "dd/call.h"
+#include "deploy/findings.h"
 
-enum class tav_deploy_raises { NOTHING, ERROR, CONFLICT, CONFLICT_AND_ERROR };
+namespace deploy {
 
-// Reports a finding; `log_text` may be null for none.
-void tav_deploy_report(dd_site site, tav_deploy_raises raises, const char* log_text,
-                       const char* format, ...) TAV_PRINTF(4, 5);
+enum class definition_side { INTERFACE, IMPLEMENTATION };
 
-// A line and its log record that raise no flag; gives -1.
-//   return tav_deploy_fail(HERE, "Unable to login", "Error: Unable to login\n");
-int tav_deploy_fail(dd_site site, const char* log_text, const char* format, ...) TAV_PRINTF(3, 4);
-// The same with a text that stands in a table.
-int tav_deploy_fail_as(dd_site site, const char* log_text, const char* text);
+// The entries that an entry stands in, the innermost first.
+struct entry_path {
+  const char* name;
+  const entry_path* around = nullptr;
+};
+
+// What a finding is about; null where it is about none. All is borrowed.
+struct subject {
+  const char* class_name = nullptr;
+  const char* related_class = nullptr;
+  const char* field = nullptr;         // a field definition, or a field entry of the class
+  const entry_path* around = nullptr;  // the entry
+  definition_side side = definition_side::INTERFACE;  // of the class
+  const char* table = nullptr;
+  const char* column = nullptr;
+  const char* attribute = nullptr;  // its keyword
+};
+
+// The entries of a node: what a pass over them hands down instead of a subject for each.
+struct entry_scope {
+  const char* class_name;
+  const entry_path* around = nullptr;
+
+  subject of(const char* field, definition_side side = definition_side::INTERFACE) const {
+    return {.class_name = class_name, .field = field, .around = around, .side = side};
+  }
+};
+
+// What else a text says.
+struct finding_arguments {
+  const tav_ebuf* ebuf = nullptr;  // of the call that failed; logged too
+  const char* file = nullptr;
+  int line = 0;
+  const char* message = nullptr;
+  const char* word = nullptr;
+};
+
+// Prints and logs what the row says, and raises its flags; gives -1, for a place that ends with it.
+//   return report(HERE, "class-not-found", {.class_name = name});
+int report(dd_site site, finding found, const subject& about = {},
+           const finding_arguments& arguments = {});
+
+// A failed call, without a subject.
+int call_failed(dd_site site, const tav_ebuf& ebuf);
+int call_failed(dd_site site, const tav_ebuf& ebuf, finding failure);
+
+// What a sink receives: valid during the call.
+struct finding_record {
+  const finding_row& row;
+  const subject& about;
+  const finding_arguments& arguments;
+  dd_site site;
+  const char* sentence;  // the printed text without the newlines around it; "" for none
+};
+using finding_sink = void (*)(void* context, const finding_record& record);
+
+// From now on the sink receives each record that is reported, after it was told; null ends that.
+// Only with a sink is a record made.
+void set_sink(finding_sink sink, void* context);
+bool has_sink();
+
+// The names of the entries down to the subject's, itself included; none without a field.
+std::vector<std::string> path_of(const subject& about);
+
+}  // namespace deploy
 
 // Shows an error buffer and where to look further.
 void tav_deploy_display_ebuf(const tav_ebuf* ebuf);
-
-// A failed client-library call: "Error: Internal Error\n", the buffer shown, and logged under the
-// text; gives -1.
-int tav_deploy_call_failed(dd_site site, const tav_ebuf& ebuf,
-                           const char* log_text = "Flist error");
-
-// An outcome line on standard output, which is then flushed.
-void tav_deploy_print_outcome(const char* line);
 
 #endif

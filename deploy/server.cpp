@@ -5,7 +5,6 @@
 
 #include "dd/class_names.h"
 #include "dd/list.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/lookup.h"
@@ -13,18 +12,18 @@
 
 static constexpr char MODULE[] = "tav_deploy_tcm";
 
-tav_deploy_session::~tav_deploy_session() {
+deploy::server_session::~server_session() {
   if (connection != nullptr) tcm_context_close(connection, 0, nullptr);
 }
 
-void tav_deploy_logout(tav_deploy_session& session) {
+void deploy::log_out(deploy::server_session& session) {
   if (session.connection == nullptr) return;
   tav_ebuf ebuf{};
   tcm_context_close(session.connection, 0, at(&ebuf, HERE));
   session.connection = nullptr;
 }
 
-int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
+int tav_deploy_login(deploy::server_session& session, tav_ebuf* ebuf) {
   session.connection = nullptr;
   session.identity.reset();
 
@@ -33,28 +32,25 @@ int tav_deploy_login(tav_deploy_session& session, tav_ebuf* ebuf) {
   tav_conf("-", "userid", TAV_FLDT_POID, &identity, &error);
   // The buffer stays clear: the run goes on, and its first operation reports the missing login.
   if (error != 0) {
-    return tav_deploy_fail(HERE, "Unable to read userid from tav.conf",
-                           "Error: Internal Error reading userid from tav.conf\n");
+    return deploy::report(HERE, "missing-identity");
   }
   session.identity.reset(static_cast<tav_poid_t*>(identity));
-  if (ebuf == nullptr) {
-    dd_print_error("\n*** Error buffer not initialized ***\n");
-    return -1;
-  }
+  if (ebuf == nullptr) return deploy::report(HERE, "missing-error-buffer");
   uint64_t unused_database = 0;
   tcm_connect(&session.connection, &unused_database, at(ebuf, HERE));
-  return dd_failed(*ebuf) ? tav_deploy_call_failed(HERE, *ebuf, "Error during TCM open") : 1;
+  return dd_failed(*ebuf) ? deploy::call_failed(HERE, *ebuf, "connection-failed") : 1;
 }
 
 // The login's identity, or the same type and id in the database that the command line names.
-static dd_poid target(const tav_deploy_session& session, uint64_t database, tav_ebuf* ebuf) {
+static dd_poid target(const deploy::server_session& session, uint64_t database, tav_ebuf* ebuf) {
   const tav_poid_t* identity = session.identity.get();
   if (database == 0) return dd_poid(tav_poid_copy(identity, ebuf));
   return dd_poid(
       tav_poid_create(database, tav_poid_get_type(identity), tav_poid_get_id(identity), ebuf));
 }
 
-static dd_flist new_request(const tav_deploy_session& session, uint64_t database, tav_ebuf* ebuf) {
+static dd_flist new_request(const deploy::server_session& session, uint64_t database,
+                            tav_ebuf* ebuf) {
   dd_flist request(tav_flist_create(at(ebuf, HERE)));
   dd_put(request.get(), TAV_FLD_POID, 0, target(session, database, at(ebuf, HERE)), at(ebuf, HERE));
   return request;
@@ -67,18 +63,18 @@ static void ask_for(tav_flist_t* request, const dd_shape& shape, int32_t id, con
 }
 
 // Runs the retrieval; 1, or -1 after the full report (also of a failure to build the request).
-static int retrieve(const tav_deploy_session& session, uint32_t opcode, tav_flist_t* request,
+static int retrieve(const deploy::server_session& session, uint32_t opcode, tav_flist_t* request,
                     dd_flist& answer, tav_ebuf* ebuf) {
   tav_flist_t* output = nullptr;
   tcm_op(session.connection, opcode, 0, request, &output, at(ebuf, HERE));
   answer.reset(output);
   if (!dd_failed(*ebuf)) return 1;
   answer.reset();
-  return tav_deploy_call_failed(HERE, *ebuf, "TCM error");
+  return deploy::call_failed(HERE, *ebuf, "retrieval-failed");
 }
 
-int tav_deploy_get_dd_fields(const tav_deploy_session& session, dd_flist& fields, uint64_t database,
-                             const tav_deploy_ctx_t* ctx) {
+int tav_deploy_get_dd_fields(const deploy::server_session& session, dd_flist& fields,
+                             uint64_t database, const tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
   dd_flist request = new_request(session, database, &ebuf);
   const int32_t count = ctx != nullptr ? ctx->name_count : 0;
@@ -110,13 +106,13 @@ static int report_missing(tav_flist_t* request, tav_flist_t* answer) {
   while (tav_flist_t* asked = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(asked, TAV_FLD_NAME, at(&ebuf, HERE));
     if (!must_be_found(name) || tav_deploy_get_class_by_name(found, name) != nullptr) continue;
-    tav_deploy_fail(HERE, "Class not found", "Error: Class not found: %s\n", name);
+    deploy::report(HERE, "class-not-found", {.class_name = name});
     result = 0;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : result;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : result;
 }
 
-int tav_deploy_get_dd_classes(const tav_deploy_session& session, dd_flist& classes,
+int tav_deploy_get_dd_classes(const deploy::server_session& session, dd_flist& classes,
                               uint64_t database, const tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
   dd_flist request = new_request(session, database, &ebuf);

@@ -15,7 +15,7 @@ namespace dict {
 struct definitions {
   dd_list fields{DD_FIELDS};
   dd_list classes{DD_CLASSES};
-  tav_deploy_class_entries entries{};  // of classes from files: as merging has read them
+  deploy::class_entries entries{};  // of classes from files: as merging has read them
 };
 
 // Fetches a database of the dictionary that the settings name, in one snapshot; false with the

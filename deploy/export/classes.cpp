@@ -1,6 +1,5 @@
 // The mode `class`.
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "deploy/export/export.h"
 #include "deploy/report.h"
@@ -9,13 +8,12 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-static int gather(dparse_outline& classes, tav_deploy_included& included, dd_list& fields,
+static int gather(dparse_outline& classes, deploy::included_fields& included, dd_list& fields,
                   const tav_deploy_ctx_t& ctx) {
   for (const dparse_outline_class& storable : classes.classes) {
-    if (storable.element == nullptr) return tav_deploy_call_failed(HERE, classes.failure);
+    if (storable.element == nullptr) return deploy::call_failed(HERE, classes.failure);
     if (tav_deploy_get_include_class_fields(classes, storable, included, fields, ctx) < 1) {
-      return tav_deploy_fail(HERE, "Unable to include fields in class during export",
-                             "Error: Unable to include fields in class during export\n");
+      return deploy::report(HERE, "class-not-included");
     }
   }
   return 1;
@@ -23,27 +21,17 @@ static int gather(dparse_outline& classes, tav_deploy_included& included, dd_lis
 
 static int write_used_fields(dparse_outline& classes, dd_list& fields,
                              const tav_deploy_ctx_t& ctx) {
-  tav_deploy_included included;
+  deploy::included_fields included;
   included.fields.reserve(classes.entries.size());
   included.places.reserve(classes.entries.size());
   if (gather(classes, included, fields, ctx) < 1) return -1;
   tav_ebuf ebuf{};
   if (dparseExportInterfaceFields(stdout, included.fields, &ebuf) >= 1) return 1;
-  return tav_deploy_fail(HERE, "Unable to export Interface fields",
-                         "Error: Unable to export interface fields\n");
+  return deploy::report(HERE, "interface-fields-not-written");
 }
 
 static int interfaces_failed(const tav_ebuf& ebuf) {
-  dd_print_error("Error: attempting to export class definitions to stdout\n");
-  dd_log(HERE, "ERROR attempting to export classes to stdout", ebuf);
-  return -1;
-}
-
-// The screen names fields here, the log class definitions.
-static int implementations_failed(const tav_ebuf& ebuf) {
-  dd_print_error("Error: attempting to export fields to stdout\n");
-  dd_log(HERE, "ERROR attempting to export class definitions to stdout", ebuf);
-  return -1;
+  return deploy::call_failed(HERE, ebuf, "interfaces-not-written");
 }
 
 static int write_classes(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
@@ -52,9 +40,9 @@ static int write_classes(dparse_outline& classes, dd_list& fields, const tav_dep
   if (interfaces && dparseExportInterfaceClasses(stdout, &fields, classes, &ebuf) < 1) {
     return interfaces_failed(ebuf);
   }
-  if (ctx.export_impl == 0) return tav_deploy_is_written() ? 1 : interfaces_failed(ebuf);
-  if (dparseExportImplClasses(stdout, &fields, classes, &ebuf) < 1 || !tav_deploy_is_written()) {
-    return implementations_failed(ebuf);
+  if (ctx.export_impl == 0) return deploy::is_written() ? 1 : interfaces_failed(ebuf);
+  if (dparseExportImplClasses(stdout, &fields, classes, &ebuf) < 1 || !deploy::is_written()) {
+    return deploy::call_failed(HERE, ebuf, "implementations-not-written");
   }
   return 1;
 }
@@ -62,8 +50,7 @@ static int write_classes(dparse_outline& classes, dd_list& fields, const tav_dep
 static int write_all(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
   const bool with_fields = ctx.select_custom != 0 || ctx.select_predefined != 0;
   if (with_fields && write_used_fields(classes, fields, ctx) < 1) {
-    return tav_deploy_fail(HERE, "ERROR attempting to export class fields",
-                           "Error: attempting to export class fields\n");
+    return deploy::report(HERE, "used-fields-not-written");
   }
   return write_classes(classes, fields, ctx);
 }
@@ -77,27 +64,23 @@ static int write_outline(tav_flist_t* classes, dd_list& fields, const tav_deploy
     result = write_all(outline, fields, ctx);
   });
   if (!dd_failed(ebuf)) return result;
-  tav_deploy_call_failed(HERE, ebuf);
+  deploy::call_failed(HERE, ebuf);
   return interfaces_failed(ebuf);
 }
 
 int tav_deploy_export_class(tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
-  tav_deploy_session session;
+  deploy::server_session session;
   tav_deploy_login(session, &ebuf);
-  if (dd_failed(ebuf)) return tav_deploy_fail(HERE, "Unable to login", "Error: Unable to login\n");
+  if (dd_failed(ebuf)) return deploy::report(HERE, "login-failed");
 
   dd_flist fields;
   if (tav_deploy_get_dd_fields(session, fields, ctx->database, nullptr) < 1) {
-    return tav_deploy_fail(HERE, "ERROR attempting to read fields from DD",
-                           "Error: attempting to retrieve all fields from Quorvale Server\n");
+    return deploy::report(HERE, "fields-not-retrieved");
   }
   dd_flist classes;
   const int found = tav_deploy_get_dd_classes(session, classes, ctx->database, ctx);
-  if (found < 0) {
-    return tav_deploy_fail(HERE, "ERROR attempting to read classes from DD",
-                           "Error: attempting to retrieve storable classes from Quorvale Server\n");
-  }
+  if (found < 0) return deploy::report(HERE, "classes-not-retrieved");
   dd_list dictionary(DD_FIELDS, std::move(fields));
   const int result = write_outline(classes.get(), dictionary, *ctx) < 1 ? -1 : found;
   dd_leave(std::move(classes));

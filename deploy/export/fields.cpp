@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/export/export.h"
@@ -13,14 +12,14 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-bool tav_deploy_is_selected(tav_flist_t* field, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
+bool deploy::is_selected(tav_flist_t* field, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
   if (ctx.select_custom == ctx.select_predefined) return true;
   const int32_t flags = dd_int(field, TAV_FLD_FIELD_FLAGS, ebuf);
   const bool predefined = (flags & DD_FIELD_PREDEFINED) != 0;
   return predefined == (ctx.select_predefined != 0);
 }
 
-bool tav_deploy_is_written() {
+bool deploy::is_written() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
@@ -30,35 +29,34 @@ static int filter(tav_flist_t* fields, std::vector<tav_flist_t*>& selected,
   tav_ebuf ebuf{};
   dd_walk walk(fields, TAV_FLD_FIELD);
   while (tav_flist_t* field = walk.next(at(&ebuf, HERE))) {
-    if (tav_deploy_is_selected(field, ctx, at(&ebuf, HERE))) selected.push_back(field);
+    if (deploy::is_selected(field, ctx, at(&ebuf, HERE))) selected.push_back(field);
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 // 1 when every field asked for was fetched, else 0; -1 when they cannot be counted.
 static int report_unknown(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
   const int32_t count = fetched.count(at(&ebuf, HERE));
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
   if (count == ctx.name_count) return 1;
   int result = 1;
   for (int32_t i = 0; i < ctx.name_count; ++i) {
     if (tav_deploy_get_field_by_name(fetched, ctx.names[i]) != nullptr) continue;
-    dd_print_error("Error: Unknown field: %s\n", ctx.names[i]);
+    deploy::report(HERE, "unknown-field", {.field = ctx.names[i]});
     result = 0;
   }
   return result;
 }
 
 static int write_failed() {
-  return tav_deploy_fail(HERE, "ERROR attempting to export fields to stdout",
-                         "Error: attempting to export fields to stdout\n");
+  return deploy::report(HERE, "fields-not-written");
 }
 
 template <class Fields>
 static int write_fields(const Fields& fields) {
   tav_ebuf ebuf{};
-  if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && tav_deploy_is_written()) return 1;
+  if (dparseExportInterfaceFields(stdout, fields, &ebuf) >= 1 && deploy::is_written()) return 1;
   return write_failed();
 }
 
@@ -67,8 +65,7 @@ static int write_fetched(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
   std::vector<tav_flist_t*> selected;
   const bool selects = !named && ctx.select_custom != ctx.select_predefined;
   if (selects && filter(fetched.get(), selected, ctx) < 1) {
-    return tav_deploy_fail(HERE, "ERROR attempting to filter field list",
-                           "Error: Internal Error\n");
+    return deploy::report(HERE, "fields-not-selected");
   }
   const int result = named ? report_unknown(fetched, ctx) : 1;
   if (result < 0) return -1;
@@ -78,22 +75,21 @@ static int write_fetched(dd_list& fetched, const tav_deploy_ctx_t& ctx) {
 
 // What was written before the memory ran out stays.
 static int without_memory(const tav_ebuf& ebuf) {
-  tav_deploy_call_failed(HERE, ebuf);
+  deploy::call_failed(HERE, ebuf);
   return write_failed();
 }
 
 int tav_deploy_export_fields(tav_deploy_ctx_t* ctx) {
   tav_ebuf ebuf{};
-  tav_deploy_session session;
+  deploy::server_session session;
   tav_deploy_login(session, &ebuf);
-  if (dd_failed(ebuf)) return tav_deploy_fail(HERE, "Unable to login", "Error: Unable to login\n");
+  if (dd_failed(ebuf)) return deploy::report(HERE, "login-failed");
 
   const bool named = ctx->name_count > 0;
   dd_flist fields;
   if (tav_deploy_get_dd_fields(session, fields, ctx->database, named ? ctx : nullptr) < 1) {
-    return tav_deploy_fail(HERE, "ERROR attempting to read fields from DD",
-                           "Error: attempting to retrieve %s fields from Quorvale Server\n",
-                           named ? "selected" : "all");
+    return named ? deploy::report(HERE, "selected-fields-not-retrieved")
+                 : deploy::report(HERE, "fields-not-retrieved");
   }
   dd_list fetched(DD_FIELDS, std::move(fields));
   int result = -1;

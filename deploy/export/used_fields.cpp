@@ -1,5 +1,4 @@
 // The definitions of the fields that exported classes use.
-#include "dd/report.h"
 #include "dd/values.h"
 #include "deploy/export/export.h"
 #include "deploy/lookup.h"
@@ -12,51 +11,41 @@ static bool is_same_definition(tav_flist_t* a, tav_flist_t* b, tav_ebuf* ebuf) {
          dd_int(a, TAV_FLD_FIELD_NUM, ebuf) == dd_int(b, TAV_FLD_FIELD_NUM, ebuf);
 }
 
-int tav_deploy_add_included_field(tav_deploy_included& included, tav_flist_t* field,
+int tav_deploy_add_included_field(deploy::included_fields& included, tav_flist_t* field,
                                   uint32_t hash) {
   tav_ebuf ebuf{};
   const char* name = dd_required_text(field, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-  if (dd_failed(ebuf)) {
-    dd_print_error("Internal error\n");
-    tav_deploy_display_ebuf(&ebuf);
-    dd_log(HERE, "Flist error", ebuf);
-    return -1;
-  }
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf, "unnamed-field");
   const size_t next = included.fields.size();
   const size_t place = included.places.add_first(name, hash, next);
   if (place == next) included.fields.push_back(field);
   tav_flist_t* present = included.fields[place];
   if (present == field || is_same_definition(present, field, at(&ebuf, HERE))) return 1;
-  dd_log(HERE, "Duplicate field definition of different type or ID", ebuf);
-  dd_print_error("Error: Duplicate field definition of different type or id\n");
-  return -1;
+  return deploy::report(HERE, "differing-definitions", {.field = name}, {.ebuf = &ebuf});
 }
 
-static int include_field(dparse_outline_entry& entry, tav_deploy_included& included,
+static int include_field(dparse_outline_entry& entry, deploy::included_fields& included,
                          dd_list& fields, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
   const char* name = entry.name != nullptr ? entry.name : "";
   const uint32_t hash = dd_hash(name);
-  const dd_known* known = tav_deploy_get_known_field(fields, name, hash);
+  const dd_known* known = deploy::known_field(fields, name, hash);
   if (known == nullptr) return 1;
   tav_flist_t* field = known->element;
   entry.type = dd_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE), DPARSE_TYPE_NOT_KNOWN);
-  if (!tav_deploy_is_selected(field, ctx, at(ebuf, HERE))) return 1;
+  if (!deploy::is_selected(field, ctx, at(ebuf, HERE))) return 1;
   if (tav_deploy_add_included_field(included, field, hash) >= 1) return 1;
-  return tav_deploy_fail(HERE, "Unable to include field", "Error: Unable to include field\n");
+  return deploy::report(HERE, "field-not-included", {.field = name});
 }
 
 // The failure at an entry is one of each entry around it.
 static int fail_all(int depth) {
-  for (; depth > 1; --depth) {
-    tav_deploy_fail(HERE, "Unable to include class fields",
-                    "Error: Unable to include class fields\n");
-  }
+  for (; depth > 1; --depth) deploy::report(HERE, "entries-not-included");
   return -1;
 }
 
 int tav_deploy_get_include_class_fields(dparse_outline& classes,
                                         const dparse_outline_class& storable,
-                                        tav_deploy_included& included, dd_list& fields,
+                                        deploy::included_fields& included, dd_list& fields,
                                         const tav_deploy_ctx_t& ctx) {
   if (ctx.select_custom == 0 && ctx.select_predefined == 0) return 1;
   tav_ebuf ebuf{};
@@ -67,7 +56,7 @@ int tav_deploy_get_include_class_fields(dparse_outline& classes,
       return fail_all(entry.depth);
     }
     if (dd_failed(ebuf)) {
-      tav_deploy_call_failed(HERE, ebuf);
+      deploy::call_failed(HERE, ebuf);
       return fail_all(entry.depth);
     }
   }

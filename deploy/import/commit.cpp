@@ -1,7 +1,6 @@
 // Sends the definitions to the server: as a trial, or for good.
 #include <utility>
 
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/import.h"
@@ -29,29 +28,27 @@ struct set_operation {
   uint32_t array;
   const dictionary_object& object;
   const char* list_note;
-  const char* refused_log;
-  const char* success_line;
+  deploy::finding not_writeable;
+  deploy::finding committed;
 };
 
 constexpr dictionary_object FIELDS{"/dd/fields", "db_flag set: /dd/fields"};
 constexpr dictionary_object OBJECTS{"/dd/objects", "db_flag set: /dd/objects"};
 
-constexpr set_operation SET_FIELDS{
-    TCM_OP_SDK_SET_FLD_SPECS,
-    0,
-    TAV_FLD_FIELD,
-    FIELDS,
-    "TCM_OP_SDK_SET_FLD_SPECS\ninput flist\n",
-    "TCM Error while trying to set fld specs, tav.conf writeable flag not set",
-    "Fields committed successfully!\n"};
-constexpr set_operation SET_CLASSES{
-    TCM_OP_SDK_SET_OBJ_SPECS,
-    ~0u,
-    TAV_FLD_OBJ_DESC,
-    OBJECTS,
-    "TCM_OP_SDK_SET_OBJ_SPECS\ninput flist\n",
-    "TCM Error while trying to set class specs, tav.conf writeable flag not set",
-    "Classes committed successfully!\n"};
+constexpr set_operation SET_FIELDS{TCM_OP_SDK_SET_FLD_SPECS,
+                                   0,
+                                   TAV_FLD_FIELD,
+                                   FIELDS,
+                                   "TCM_OP_SDK_SET_FLD_SPECS\ninput flist\n",
+                                   "fields-not-writeable",
+                                   "fields-committed"};
+constexpr set_operation SET_CLASSES{TCM_OP_SDK_SET_OBJ_SPECS,
+                                    ~0u,
+                                    TAV_FLD_OBJ_DESC,
+                                    OBJECTS,
+                                    "TCM_OP_SDK_SET_OBJ_SPECS\ninput flist\n",
+                                    "classes-not-writeable",
+                                    "classes-committed"};
 
 }  // namespace
 
@@ -76,15 +73,9 @@ static void run(const target& to, uint32_t opcode, uint32_t flags, tav_flist_t* 
 
 static int set_failed(const set_operation& operation, const tav_ebuf& ebuf) {
   if (ebuf.err_code == TAV_ERR_WRITE_REFUSED) {
-    dd_log(HERE, operation.refused_log, ebuf);
-    dd_print_error(
-        "Error: TCM OP Error, likely cause is tav.conf write flags not set.  Check DM tavlog\n");
-  } else {
-    // Classes too: administrators search the log for this text.
-    dd_log(HERE, "TCM Error while trying to set fld specs", ebuf);
+    return deploy::call_failed(HERE, ebuf, operation.not_writeable);
   }
-  tav_deploy_display_ebuf(&ebuf);
-  return -1;
+  return deploy::call_failed(HERE, ebuf, "definitions-refused");
 }
 
 static int set_definitions(const set_operation& operation, uint32_t flags, const target& to,
@@ -106,7 +97,7 @@ static bool commit_step(const set_operation& operation, uint32_t flags, const ta
     if (flags == TAV_DEPLOY_COMMIT_TRIAL) tav_deploy_raise_error();
     return flags == TAV_DEPLOY_COMMIT_TRIAL;
   }
-  if (flags == TAV_DEPLOY_COMMIT_REAL) tav_deploy_print_outcome(operation.success_line);
+  if (flags == TAV_DEPLOY_COMMIT_REAL) deploy::report(HERE, operation.committed);
   return true;
 }
 
@@ -126,12 +117,12 @@ static int roll_back(const target& to, tav_flist_t* fields) {
   const dd_flist created(tav_flist_create(at(&ebuf, HERE)));
   address(created.get(), FIELDS, to, &ebuf);
   const int32_t count = copy_created(fields, created.get(), &ebuf);
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
   if (count == 0) return 1;
   run(to, TCM_OP_SDK_DEL_FLD_SPECS, 0, created.get(), "TCM_OP_SDK_DEL_FLD_SPECS\ninput flist\n",
       &ebuf);
   if (!dd_failed(ebuf)) return 1;
-  return tav_deploy_call_failed(HERE, ebuf, "TCM Error while trying to delete fld specs");
+  return deploy::call_failed(HERE, ebuf, "trial-not-rolled-back");
 }
 
 int tav_deploy_import_commit(tcm_context_t* connection, uint32_t flags, const tav_poid_t* identity,

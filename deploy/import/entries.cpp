@@ -7,11 +7,23 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* node, tav_ebuf* ebuf) {
+void deploy::read_storage(deploy::class_entry& entry, tav_ebuf* ebuf) {
+  entry.storage = dd_text(entry.element, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
+  entry.storage_hash = dd_hash(entry.storage);
+}
+
+void deploy::read_all_storage(deploy::siblings entries, tav_ebuf* ebuf) {
+  for (deploy::class_entry* entry = entries.first; entry != entries.last; ++entry) {
+    if (entry->storage == nullptr) deploy::read_storage(*entry, ebuf);
+  }
+}
+
+static void add_entries(std::vector<deploy::class_entry>& entries, tav_flist_t* node,
+                        tav_ebuf* ebuf) {
   dd_walk walk(node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* element = walk.next(at(ebuf, HERE))) {
     const size_t place = entries.size();
-    tav_deploy_entry& entry = entries.emplace_back();
+    deploy::class_entry& entry = entries.emplace_back();
     entry.element = element;
     entry.name = dd_text(element, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
     entry.type = dd_int(element, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
@@ -23,7 +35,7 @@ static void add_entries(std::vector<tav_deploy_entry>& entries, tav_flist_t* nod
   }
 }
 
-static tav_deploy_siblings all_of(std::vector<tav_deploy_entry>& entries) {
+static deploy::siblings all_of(std::vector<deploy::class_entry>& entries) {
   return {entries.data(), entries.data() + entries.size()};
 }
 
@@ -31,55 +43,50 @@ static bool is_system(tav_flist_t* element, uint32_t permission, tav_ebuf* ebuf)
   return dd_is_system(dd_text(element, permission, at(ebuf, HERE)));
 }
 
-tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
-                                          tav_ebuf* ebuf) {
+deploy::siblings deploy::entries_of(deploy::class_entries& read, tav_flist_t* storable,
+                                    tav_ebuf* ebuf) {
   if (dd_failed(*ebuf)) return {};
   const auto known = read.classes.find(storable);
   if (known != read.classes.end()) return all_of(known->second);
-  const tav_deploy_siblings entries = tav_deploy_read_entries(read.reading, storable, ebuf);
-  for (tav_deploy_entry& entry : entries) {
-    entry.is_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf) ||
-                      is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
+  const deploy::siblings entries = deploy::read_entries(read.reading, storable, ebuf);
+  for (deploy::class_entry& entry : entries) {
+    entry.creates_as_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf);
+    entry.modifies_as_system = is_system(entry.element, TAV_FLD_MODIFY_PERMISSION, ebuf);
   }
-  tav_deploy_siblings kept;
+  deploy::siblings kept;
   dd_with_memory(at(ebuf, HERE), [&] {
     kept = all_of(read.classes.try_emplace(storable, entries.first, entries.last).first->second);
   });
   return kept;
 }
 
-tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
-                                            tav_flist_t* storable, tav_ebuf* ebuf) {
+deploy::siblings deploy::read_entries(std::vector<deploy::class_entry>& entries,
+                                      tav_flist_t* storable, tav_ebuf* ebuf) {
   entries.clear();
   dd_with_memory(at(ebuf, HERE), [&] { add_entries(entries, storable, ebuf); });
   if (dd_failed(*ebuf)) return {};
   return all_of(entries);
 }
 
-void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
-                              dd_index<dd_by_name, tav_deploy_entry*>& seen) {
+void deploy::mark_repeated(deploy::siblings siblings,
+                           dd_index<dd_by_name, deploy::class_entry*>& seen) {
   if (siblings.first == siblings.last) return;
   seen.clear();
-  for (tav_deploy_entry& entry : siblings) {
-    tav_deploy_entry* first = seen.add_first(entry.name, entry.hash, &entry);
+  for (deploy::class_entry& entry : siblings) {
+    deploy::class_entry* first = seen.add_first(entry.name, entry.hash, &entry);
     if (first == &entry) continue;
     first->is_repeated = entry.is_repeated = entry.repeats_earlier = true;
   }
 }
 
-bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields) {
-  if (entry.is_defined) return true;
-  const dd_known* found = tav_deploy_get_known_field(fields, entry.name, entry.hash);
-  if (found == nullptr) return false;
-  entry.defined_type = found->type;
-  return entry.is_defined = true;
-}
-
-const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf) {
-  if (entry.storage != nullptr) return entry.storage;
-  const char* storage = dd_text(entry.element, TAV_FLD_SQL_TABLE, at(ebuf, HERE));
-  if (dd_failed(*ebuf)) return storage;
-  entry.storage_hash = dd_hash(storage);
-  entry.has_storage = *storage != '\0';
-  return entry.storage = storage;
+void deploy::find_definitions(deploy::siblings entries, dd_list& fields) {
+  for (const deploy::class_entry* entry = entries.first; entry != entries.last; ++entry) {
+    fields.prefetch_name(entry->hash);
+  }
+  for (deploy::class_entry* entry = entries.first; entry != entries.last; ++entry) {
+    const dd_known* found = deploy::known_field(fields, entry->name, entry->hash);
+    if (found == nullptr) continue;
+    entry->defined_type = found->type;
+    entry->is_defined = true;
+  }
 }

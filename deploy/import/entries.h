@@ -1,5 +1,6 @@
 // The field entries of classes as plain records: a class is read once, and the passes ask the
-// records.
+// records. Those of the input are filled by reading, merging and finding definitions; checks change
+// nothing but the marks of siblings.
 #ifndef DEPLOY_IMPORT_ENTRIES_H
 #define DEPLOY_IMPORT_ENTRIES_H
 
@@ -8,28 +9,32 @@
 
 #include "dd/list.h"
 
+namespace deploy {
+
 // An entry; those nested in it follow it. Element and texts are borrowed from the class.
-struct tav_deploy_entry {
+struct class_entry {
   tav_flist_t* element;
   const char* name;               // "" where it is missing
-  const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until asked for
+  const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until read
   uint32_t storage_hash = 0;
   std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   uint32_t hash = 0;                      // of the name
   int32_t type = 0;                       // 0 where it is missing
   uint32_t size = 1;                      // in records: its own and those of what is nested in it
-  bool is_system = false;                 // has SYSTEM permission, at the top level
-  bool is_defined = false;                // the definition was found
-  bool has_storage = false;               // it is not empty
-  bool repeats_earlier = false;           // a sibling before it has its name
-  bool is_repeated = false;               // any other sibling has
+  bool creates_as_system = false;         // has that permission, at the top level
+  bool modifies_as_system = false;
+  bool is_defined = false;       // the definition was found
+  bool repeats_earlier = false;  // a sibling before it has its name
+  bool is_repeated = false;      // any other sibling has
+
+  bool has_storage() const { return storage != nullptr && *storage != '\0'; }
 };
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
-struct tav_deploy_siblings {
+struct siblings {
   struct place {
-    tav_deploy_entry* entry;
-    tav_deploy_entry& operator*() const { return *entry; }
+    class_entry* entry;
+    class_entry& operator*() const { return *entry; }
     place& operator++() {
       entry += entry->size;
       return *this;
@@ -37,38 +42,38 @@ struct tav_deploy_siblings {
     bool operator==(const place&) const = default;
   };
 
-  tav_deploy_entry* first = nullptr;
-  tav_deploy_entry* last = nullptr;  // behind the last record
+  class_entry* first = nullptr;
+  class_entry* last = nullptr;  // behind the last record
 
   place begin() const { return {first}; }
   place end() const { return {last}; }
 };
 
-inline tav_deploy_siblings tav_deploy_nested(tav_deploy_entry& entry) {
+inline siblings nested_in(class_entry& entry) {
   return {&entry + 1, &entry + entry.size};
 }
 
 // The classes that have been read.
-struct tav_deploy_class_entries {
-  std::unordered_map<const tav_flist_t*, std::vector<tav_deploy_entry>> classes;
-  std::vector<tav_deploy_entry> reading;  // the class being read, whose size is not known yet
-  dd_index<dd_by_name, tav_deploy_entry*> seen;  // scratch of tav_deploy_mark_repeated
+struct class_entries {
+  std::unordered_map<const tav_flist_t*, std::vector<class_entry>> classes;
+  std::vector<class_entry> reading;         // the class being read, whose size is not known yet
+  dd_index<dd_by_name, class_entry*> seen;  // scratch of mark_repeated
 };
 
 // The class's top-level entries, read unless they have been; valid as long as these live. None
 // when that fails.
-tav_deploy_siblings tav_deploy_entries_of(tav_deploy_class_entries& read, tav_flist_t* storable,
-                                          tav_ebuf* ebuf);
+siblings entries_of(class_entries& read, tav_flist_t* storable, tav_ebuf* ebuf);
 // Reads a class whose entries are asked for once only, over what was read before; not who has
 // SYSTEM permission.
-tav_deploy_siblings tav_deploy_read_entries(std::vector<tav_deploy_entry>& entries,
-                                            tav_flist_t* storable, tav_ebuf* ebuf);
+siblings read_entries(std::vector<class_entry>& entries, tav_flist_t* storable, tav_ebuf* ebuf);
 // Marks the siblings that share a name. Throws std::bad_alloc.
-void tav_deploy_mark_repeated(tav_deploy_siblings siblings,
-                              dd_index<dd_by_name, tav_deploy_entry*>& seen);
-// Whether the fields have a definition of the entry's name, which is sought until it was found.
-bool tav_deploy_find_definition(tav_deploy_entry& entry, dd_list& fields);
-// What the entry has for TAV_FLD_SQL_TABLE; asked for once.
-const char* tav_deploy_storage_of(tav_deploy_entry& entry, tav_ebuf* ebuf);
+void mark_repeated(siblings siblings, dd_index<dd_by_name, class_entry*>& seen);
+// Reads an entry's storage; and that of all entries, at every depth, that was not read yet.
+void read_storage(class_entry& entry, tav_ebuf* ebuf);
+void read_all_storage(siblings entries, tav_ebuf* ebuf);
+// Finds the definitions of entries, at every depth.
+void find_definitions(siblings entries, dd_list& fields);
+
+}  // namespace deploy
 
 #endif

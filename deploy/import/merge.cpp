@@ -3,7 +3,6 @@
 
 #include "dd/attributes.h"
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/import.h"
@@ -11,7 +10,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
 // Where an interface and its entries are stored.
 static constexpr auto STORAGE = dd_attributes_in<DD_IN_SQL_CLASS | DD_IN_SQL_ENTRY>();
@@ -21,7 +20,7 @@ static_assert(std::ranges::all_of(STORAGE,
                                   }),
               "the merge carries texts alone");
 
-void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf) {
+void deploy::merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf) {
   // Nothing else of an implementation is kept, neither its kind nor directory attributes.
   for (const dd_attribute& row : STORAGE) {
     const char* text = dd_text_or_null(impl_node, row.field, at(ebuf, HERE));
@@ -29,19 +28,15 @@ void tav_deploy_merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_nod
   }
 }
 
-static void merge_entry(tav_deploy_entry& entry, tav_flist_t* impl_entry, const char* class_name,
-                        const char* name, tav_ebuf* ebuf) {
+static void merge_entry(deploy::class_entry& entry, tav_flist_t* impl_entry, const char* name,
+                        const deploy::entry_scope& scope, tav_ebuf* ebuf) {
   const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (entry.type != impl_type) {
-    tav_deploy_report(
-        HERE, ERROR, "field type mismatch between interface/implementation",
-        "Error: field type mismatch between interface/implementation of class %s, field %s\n",
-        class_name, name);
+    deploy::report(HERE, "implementation-type-mismatch", scope.of(name, IMPLEMENTATION));
   }
-  tav_deploy_merge_storage(entry.element, impl_entry, ebuf);
-  entry.storage = nullptr;
-  tav_deploy_storage_of(entry, ebuf);  // while the entry is at hand
+  deploy::merge_storage(entry.element, impl_entry, ebuf);
+  deploy::read_storage(entry, ebuf);  // while the entry is at hand
 }
 
 namespace {
@@ -49,33 +44,32 @@ namespace {
 // The interface's entries of a node. An implementation mostly has them in the same order, so that
 // the one behind the last is tried before any look-up.
 struct counterparts {
-  tav_deploy_siblings entries;
-  tav_deploy_entry* next = entries.first;
+  deploy::siblings entries;
+  deploy::class_entry* next = entries.first;
   bool is_indexed = false;
-  dd_index<dd_by_name, tav_deploy_entry*> by_name{};
+  dd_index<dd_by_name, deploy::class_entry*> by_name{};
 };
 
 // One class. An implementation may name a node again and again: its entries are gone through once.
 struct merge {
-  tav_deploy_class_entries& read;
-  const char* class_name;
-  std::unordered_map<const tav_deploy_entry*, counterparts> nodes{};  // by first entry
+  deploy::class_entries& read;
+  std::unordered_map<const deploy::class_entry*, counterparts> nodes{};  // by first entry
 };
 
 }  // namespace
 
-static tav_deploy_entry* look_up(counterparts& in, const char* name) {
+static deploy::class_entry* look_up(counterparts& in, const char* name) {
   if (!in.is_indexed) {
-    for (tav_deploy_entry& entry : in.entries) in.by_name.add(entry.name, entry.hash, &entry);
+    for (deploy::class_entry& entry : in.entries) in.by_name.add(entry.name, entry.hash, &entry);
     in.is_indexed = true;
   }
-  tav_deploy_entry* const* found = in.by_name.find(name);
+  deploy::class_entry* const* found = in.by_name.find(name);
   return found != nullptr ? *found : nullptr;
 }
 
 // The first entry of that name, or null.
-static tav_deploy_entry* counterpart(counterparts& in, const char* name) {
-  tav_deploy_entry* found = in.next;
+static deploy::class_entry* counterpart(counterparts& in, const char* name) {
+  deploy::class_entry* found = in.next;
   if (found == in.entries.last || found->repeats_earlier || !dd_equal(found->name, name)) {
     found = look_up(in, name);
   }
@@ -84,43 +78,42 @@ static tav_deploy_entry* counterpart(counterparts& in, const char* name) {
 }
 
 // Throws std::bad_alloc.
-static counterparts& counterparts_of(merge& of_class, tav_deploy_siblings interface) {
+static counterparts& counterparts_of(merge& of_class, deploy::siblings interface) {
   const auto [node, is_new] = of_class.nodes.try_emplace(interface.first, counterparts{interface});
-  if (is_new) tav_deploy_mark_repeated(interface, of_class.read.seen);
+  if (is_new) deploy::mark_repeated(interface, of_class.read.seen);
   node->second.next = interface.first;
   return node->second;
 }
 
-static int merge_node(merge& of_class, tav_deploy_siblings interface, tav_flist_t* impl_node) {
+static int merge_node(merge& of_class, deploy::siblings interface, tav_flist_t* impl_node,
+                      const deploy::entry_scope& scope) {
   tav_ebuf ebuf{};
   counterparts* in = nullptr;
   dd_with_memory(at(&ebuf, HERE), [&] { in = &counterparts_of(of_class, interface); });
   dd_walk walk(impl_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-    tav_deploy_entry* entry = nullptr;
+    deploy::class_entry* entry = nullptr;
     dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(*in, name); });
     if (dd_failed(ebuf)) break;
     if (entry == nullptr) {
-      tav_deploy_report(HERE, ERROR, "field interface",
-                        "Error: Missing field interface for %s when implementation was provided\n",
-                        name);
+      deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
     } else {
-      merge_entry(*entry, impl_entry, of_class.class_name, name, &ebuf);
+      merge_entry(*entry, impl_entry, name, scope, &ebuf);
     }
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
-    const tav_deploy_siblings nested =
-        entry != nullptr ? tav_deploy_nested(*entry) : tav_deploy_siblings{};
-    if (merge_node(of_class, nested, impl_entry) < 1) {
-      return tav_deploy_fail(HERE, "Unable to merge class fields",
-                             "Error: Unable to merge class fields\n");
+    const deploy::siblings nested =
+        entry != nullptr ? deploy::nested_in(*entry) : deploy::siblings{};
+    const deploy::entry_path path{name, scope.around};
+    if (merge_node(of_class, nested, impl_entry, {scope.class_name, &path}) < 1) {
+      return deploy::report(HERE, "entries-not-merged", scope.of(name, IMPLEMENTATION));
     }
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
-int tav_deploy_merge_class_fields(tav_deploy_class_entries& read, tav_deploy_siblings interface,
+int tav_deploy_merge_class_fields(deploy::class_entries& read, deploy::siblings interface,
                                   tav_flist_t* impl_node, const char* class_name) {
-  merge of_class{read, class_name};
-  return merge_node(of_class, interface, impl_node);
+  merge of_class{read};
+  return merge_node(of_class, interface, impl_node, {class_name});
 }

@@ -11,8 +11,6 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
 namespace {
 
 // The beginning of a class's name that names a superclass.
@@ -28,7 +26,8 @@ struct class_lists {
   // Names of classes that are in their places with all above them: nothing is left to do for those
   // above a class that stands below such a one.
   dd_index<dd_by_name, tav_flist_t*> settled{};
-  std::vector<superclass> above{};  // the class at hand, from the top
+  const char* name = nullptr;       // of the class at hand
+  std::vector<superclass> above{};  // it, from the top
 };
 
 }  // namespace
@@ -47,8 +46,9 @@ static void read_superclasses(const char* name, std::vector<superclass>& above) 
 static tav_flist_t* place_superclass(class_lists& lists, const superclass& upper, tav_ebuf* ebuf) {
   tav_flist_t* known = tav_deploy_get_class_by_name(lists.working, upper.name, upper.hash);
   if (known == nullptr) {
-    tav_deploy_report(HERE, ERROR, "Missing parent superclass",
-                      "Error: Missing parent superclass %s\n", std::string(upper.name).c_str());
+    const std::string upper_name(upper.name);
+    deploy::report(HERE, "missing-superclass",
+                   {.class_name = lists.name, .related_class = upper_name.c_str()});
     return nullptr;
   }
   if (tav_deploy_get_class_by_name(lists.ordering, upper.name, upper.hash) != nullptr) return known;
@@ -74,18 +74,18 @@ static void place_superclasses(class_lists& lists, tav_ebuf* ebuf) {
 static int place_class(class_lists& lists, tav_flist_t* storable) {
   tav_ebuf ebuf{};
   const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
-  if (*name == '\0') return tav_deploy_fail(HERE, "Missing class name", "Error: Internal Error\n");
+  if (*name == '\0') return deploy::report(HERE, "missing-class-name");
   if (*name != '/') {
-    tav_deploy_report(HERE, ERROR, "class name does not begin with a '/'",
-                      "Error: storable class names must begin with '/': %s\n", name);
+    deploy::report(HERE, "class-name-without-slash", {.class_name = name});
     return 1;
   }
   dd_with_memory(at(&ebuf, HERE), [&] {
+    lists.name = name;
     read_superclasses(name, lists.above);
     place_superclasses(lists, &ebuf);
   });
   lists.ordering.lend(storable, at(&ebuf, HERE));
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_list& input_classes,
@@ -94,14 +94,13 @@ int tav_deploy_prep_subclass(dd_list& ordering, dd_list& working_classes, dd_lis
   return place_class(lists, storable);
 }
 
-int tav_deploy_import_order(tav_deploy_import_state& state) {
+int deploy::import_order(deploy::import_state& state) {
   tav_ebuf ebuf{};
   class_lists lists{state.ordered_classes, state.working_classes, state.classes};
   dd_walk walk(state.classes.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     if (place_class(lists, storable) >= 1) continue;
-    return tav_deploy_fail(HERE, "Unable to prepare subclass",
-                           "Error: Unable to prepare subclass\n");
+    return deploy::report(HERE, "subclass-not-prepared");
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }

@@ -3,7 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/import.h"
@@ -12,6 +11,8 @@
 #include "dparse/read/reader.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
+
+using enum deploy::definition_side;
 
 namespace {
 
@@ -33,8 +34,8 @@ struct definitions {
 }  // namespace
 
 static int cannot_open(const char* name, bool is_first) {
-  return tav_deploy_fail(HERE, is_first ? "Error, unable to open file" : "Unable to open file",
-                         "Error: Unable to open file: %s\n", name);
+  return is_first ? deploy::report(HERE, "first-file-not-opened", {}, {.file = name})
+                  : deploy::report(HERE, "file-not-opened", {}, {.file = name});
 }
 
 static int parse(FILE* stream, const char* name, bool is_first, definitions& read) {
@@ -42,9 +43,9 @@ static int parse(FILE* stream, const char* name, bool is_first, definitions& rea
   const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
   if (result >= 1) return 1;
   if (result == DPARSE_UNREADABLE) return cannot_open(name, is_first);
-  const char* message = dparseGetErrMsg();
-  return tav_deploy_fail(HERE, message, "Error: in %s at line %d: %s\n", dparseGetFname(),
-                         dparseGetErrLine(), message);
+  return deploy::report(
+      HERE, "syntax-error", {},
+      {.file = dparseGetFname(), .line = dparseGetErrLine(), .message = dparseGetErrMsg()});
 }
 
 static int read_file(const char* name, bool is_first, definitions& read) {
@@ -71,32 +72,39 @@ static int read_all(definitions& read, const tav_deploy_ctx_t& ctx) {
 }
 
 static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
-                       tav_deploy_class_entries& entries, tav_ebuf* ebuf) {
+                       deploy::class_entries& entries, tav_ebuf* ebuf) {
   const char* name = dd_text(implementation, TAV_FLD_NAME, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return 1;
   tav_flist_t* interface = tav_deploy_get_class_by_name(interfaces, name);
   if (interface == nullptr) {
-    tav_deploy_report(
-        HERE, tav_deploy_raises::ERROR, "storable class implementation with no interface",
-        "Error: Storable class implementation %s specified without interface\n", name);
+    deploy::report(HERE, "missing-interface", {.class_name = name, .side = IMPLEMENTATION});
     return 1;
   }
-  tav_deploy_merge_storage(interface, implementation, ebuf);
-  const tav_deploy_siblings own = tav_deploy_entries_of(entries, interface, ebuf);
+  deploy::merge_storage(interface, implementation, ebuf);
+  const deploy::siblings own = deploy::entries_of(entries, interface, ebuf);
   if (dd_failed(*ebuf)) return 1;
   if (tav_deploy_merge_class_fields(entries, own, implementation, name) >= 1) return 1;
-  dd_log(HERE, "Unable to merge class implementation fields into interface");
-  return tav_deploy_fail(HERE, "Unable to merge storable class implementation with interface",
-                         "Error: Unable to merge storable class implementation with interface\n");
+  deploy::report(HERE, "merge-failed", {.class_name = name});
+  return deploy::report(HERE, "class-not-merged", {.class_name = name});
 }
 
-static int merge_all(definitions& read, tav_deploy_class_entries& entries) {
+static int merge_all(definitions& read, deploy::class_entries& entries) {
   tav_ebuf ebuf{};
   dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
     if (merge_class(implementation, read.interfaces, entries, &ebuf) < 1) return -1;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
+}
+
+// The classes without implementation have not been read yet, nor entries that it does not name.
+static int fill_entries(dd_list& interfaces, deploy::class_entries& entries) {
+  tav_ebuf ebuf{};
+  dd_walk walk(interfaces.get(), TAV_FLD_OBJ_DESC);
+  while (tav_flist_t* interface = walk.next(at(&ebuf, HERE))) {
+    deploy::read_all_storage(deploy::entries_of(entries, interface, &ebuf), &ebuf);
+  }
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 static int create_lists(definitions& read) {
@@ -104,23 +112,21 @@ static int create_lists(definitions& read) {
   for (dd_list* list : {&read.fields, &read.interfaces, &read.implementations}) {
     list->give(dd_flist(tav_flist_create(at(&ebuf, HERE))));
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
-int tav_deploy_read_import_files(dd_list& fields, dd_list& classes,
-                                 tav_deploy_class_entries& entries, const tav_deploy_ctx_t& ctx) {
+int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, deploy::class_entries& entries,
+                                 const tav_deploy_ctx_t& ctx) {
   definitions read;
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (merge_all(read, entries) < 1) {
-    return tav_deploy_fail(HERE, "Unable to merge class interface with implementation",
-                           "Error: Unable to merge class interface with implementation\n");
-  }
+  if (merge_all(read, entries) < 1) return deploy::report(HERE, "classes-not-merged");
+  if (fill_entries(read.interfaces, entries) < 1) return -1;
   read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);
   return 1;
 }
 
-int tav_deploy_import_read(tav_deploy_import_state& state) {
+int deploy::import_read(deploy::import_state& state) {
   return tav_deploy_read_import_files(state.fields, state.classes, state.entries, *state.ctx);
 }

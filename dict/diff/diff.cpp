@@ -50,9 +50,9 @@ static bool choose_files(request& asked, dm::problem& why) {
     why.sentence = "Either standard input (-) or files can be compared, not both.";
   } else if (!asked.with.empty() && (reads_input || !asked.files.empty())) {
     why.sentence = "Either files or another dictionary (--with) can be compared, not both.";
-  } else if (asked.files.size() > TAV_DEPLOY_MAX_NAMES) {
+  } else if (asked.files.size() > deploy::MAX_NAMES) {
     why.sentence =
-        dm::join({"At most ", std::to_string(TAV_DEPLOY_MAX_NAMES), " files can be compared."});
+        dm::join({"At most ", std::to_string(deploy::MAX_NAMES), " files can be compared."});
   }
   return why.sentence.empty();
 }

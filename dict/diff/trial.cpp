@@ -57,7 +57,7 @@ trial_result try_replace(definitions& files, uint64_t database) {
   static tav_deploy_ctx_t ctx;
   ctx.mode = TAV_DEPLOY_MODE_REPLACE;
   ctx.database = database;
-  tav_deploy_import_state state{.ctx = &ctx};
+  deploy::import_state state{.ctx = &ctx};
   state.fields = std::move(files.fields);
   state.classes = std::move(files.classes);
   state.entries = std::move(files.entries);
@@ -66,7 +66,7 @@ trial_result try_replace(definitions& files, uint64_t database) {
   tav_err_set_level(0);  // no log records: logs are about deployments, and this only tries one
   dd_take_errors(&texts);
   dm::note_problems(&problems);
-  const bool is_taken = tav_deploy_import_try(state) >= 1;
+  const bool is_taken = deploy::import_try(state) >= 1;
   dm::note_problems(nullptr);
   dd_take_errors(nullptr);
   if (is_taken) return {answer::TAKEN};

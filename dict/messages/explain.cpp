@@ -11,7 +11,8 @@
 
 namespace dict {
 
-static void print(const message_entry& entry) {
+static void print(const message& found, const message_entry& entry) {
+  if (!found.ids.empty()) std::cout << "    Id: " << found.ids << '\n';
   std::cout << "    Cause: " << entry.cause << "\n    To do: " << entry.remedy << '\n';
 }
 
@@ -24,7 +25,7 @@ static int explain_text(const message_page& page, const std::string& line) {
     return FOUND;
   }
   std::cout << found->text << '\n';
-  print(page.entries[found->entry]);
+  print(*found, page.entries[found->entry]);
   return DONE;
 }
 
@@ -40,7 +41,7 @@ static int explain_input(const message_page& page) {
       std::cout << "    No message of tav_deploy or tav_dict.\n";
       result = FOUND;
     } else if (told.insert(found->entry).second) {
-      print(page.entries[found->entry]);
+      print(*found, page.entries[found->entry]);
     }
   }
   if (!std::cin.bad() && std::ferror(stdin) == 0) return result;
@@ -52,8 +53,9 @@ static int explain_input(const message_page& page) {
 void add_explain(CLI::App& app, int& result) {
   const auto line = std::make_shared<std::string>();
   auto* command = app.add_subcommand(
-      "explain", "Tell what a printed message means and what to do: the text, or standard input's");
-  command->add_option("text", *line, "A line as it was printed");
+      "explain",
+      "Tell what a printed message means and what to do: the text or id, or standard input's");
+  command->add_option("text", *line, "A line as it was printed, or a message's id");
   command->callback([line, command, &result] {
     const message_page page = read_messages(MESSAGES_PAGE);
     result = command->count("text") != 0 ? explain_text(page, *line) : explain_input(page);

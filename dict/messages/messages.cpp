@@ -25,6 +25,18 @@ static void append_line(std::string& paragraph, std::string_view line) {
   paragraph += line;
 }
 
+// Behind the text in backquotes; empty where there are none.
+static std::string_view ids_in(std::string_view heading) {
+  if (heading.empty() || heading.back() != ']') return {};
+  heading.remove_suffix(1);
+  return heading.substr(heading.rfind('[') + 1);
+}
+
+static message read_heading(std::string_view heading, size_t entry) {
+  const size_t end = heading.rfind('`');
+  return {heading.substr(0, end), ids_in(heading.substr(end + 1)), entry};
+}
+
 message_page read_messages(std::string_view page) {
   message_page result;
   bool in_heading = false;
@@ -36,7 +48,7 @@ message_page read_messages(std::string_view page) {
       in_heading = true;
       in_remedy = false;
       line.remove_prefix(HEADING.size());
-      result.messages.push_back({line.substr(0, line.rfind('`')), result.entries.size() - 1});
+      result.messages.push_back(read_heading(line, result.entries.size() - 1));
     } else if (begins(line, "#")) {
       in_remedy = false;
     } else if (!result.entries.empty()) {
@@ -88,14 +100,27 @@ static std::string_view trimmed(std::string_view line) {
   return line.substr(first, line.find_last_not_of(BLANK) - first + 1);
 }
 
+static bool has_id(std::string_view ids, std::string_view wanted) {
+  while (!ids.empty()) {
+    const std::string_view id = ids.substr(0, ids.find(", "));
+    if (id == wanted) return true;
+    ids.remove_prefix(std::min(id.size() + 2, ids.size()));
+  }
+  return false;
+}
+
 const message* find_message(const message_page& page, std::string_view line) {
+  line = trimmed(line);
+  for (const message& each : page.messages) {
+    if (has_id(each.ids, line)) return &each;
+  }
   const message* best = nullptr;
   size_t best_said = 0;
   size_t best_length = 1;
   // At how many places of the line a message may begin: a program or a log puts only a few words,
   // each followed by ": ", before it.
   size_t starts = 32;
-  for (line = trimmed(line); !line.empty() && starts > 0; --starts) {
+  for (; !line.empty() && starts > 0; --starts) {
     for (const message& each : page.messages) {
       const size_t words = said(each.text, line);
       // Compares shares of the line, not lengths: a match that leaves little to placeholders is

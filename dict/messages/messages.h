@@ -1,7 +1,8 @@
 // The page of messages (docs/messages.md), and the entry that a printed line is about.
 //
-// An entry of the page is one heading or more, each a text in backquotes, then the cause, then a
-// paragraph that begins with "To do: ". In a text %s, %d and %c stand for anything.
+// An entry of the page is one heading or more, each a text in backquotes and, for tav_deploy's, its
+// ids in brackets; then the cause, then a paragraph that begins with "To do: ". In a text %s, %d
+// and %c stand for anything.
 #ifndef DICT_MESSAGES_MESSAGES_H
 #define DICT_MESSAGES_MESSAGES_H
 
@@ -15,7 +16,8 @@ extern const char MESSAGES_PAGE[];
 
 struct message {
   std::string_view text;
-  size_t entry;  // the same for texts with the same cause
+  std::string_view ids;  // "a, b", or empty
+  size_t entry;          // the same for texts with the same cause
 };
 
 struct message_entry {
@@ -31,8 +33,8 @@ struct message_page {
 // Borrows the page's text.
 message_page read_messages(std::string_view page);
 
-// The message that matches the line, or what follows a ": " in it, with the largest share of its
-// own words; null where none matches.
+// The message whose id the line is, or the one that matches the line, or what follows a ": " in
+// it, with the largest share of its own words; null where none does.
 const message* find_message(const message_page& page, std::string_view line);
 
 }  // namespace dict

@@ -12,6 +12,8 @@
 #include "deploy/import/import.h"
 #include "tests/deploy/memory.h"
 
+static constexpr char MODULE[] = "test";
+
 static const struct {
   const char* word;
   uint32_t field;
@@ -122,20 +124,22 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
     SCOPED_TRACE(row.input);
     tav_deploy_ctx_t ctx{};
     ctx.mode = row.mode;
-    tav_deploy_import_state state{.ctx = &ctx};
+    deploy::import_state state{.ctx = &ctx};
     state.fields.give(list_of(row.input));
     state.server_fields = list_of(row.server);
-    EXPECT_EQ(outcome([&] { return tav_deploy_import_fields(state); }), row.outcome);
+    EXPECT_EQ(outcome([&] { return deploy::import_fields(state); }), row.outcome);
     EXPECT_EQ(text_of(state.fields.get()), row.input_after);
     EXPECT_EQ(text_of(state.working_fields.get()), row.working);
   }
 }
 
 TEST(table_counts, a_shared_serializable_table_counts_once) {
-  tav_deploy_tables tables{.keeps_columns = true};
-  for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) tav_deploy_add_table(tables, name);
+  deploy::table_uses tables{.keeps_columns = true};
+  for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) {
+    deploy::add_table(tables, {name});
+  }
   for (const size_t shared : {4u, 5u}) tables.uses[shared].is_serializable = true;
-  tav_deploy_table_counts counts{tables};
+  deploy::table_counts counts{tables};
   for (const auto& [name, count] :
        {std::pair{"A", 3}, {"B", 1}, {"s", 1}, {"T", 1}, {"none", 0}, {"", 0}}) {
     EXPECT_EQ(tav_deploy_count_table_by_name(counts, name), count) << name;
@@ -173,13 +177,15 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     dd_list fields(DD_TYPED_FIELDS, list_of("field( name=A type=9 ) field( name=B type=6 ) "
                                             "field( name=S type=5 ) field( name=N )"));
     const dd_flist container = list_of(row.entries);
-    tav_deploy_tables tables{.keeps_columns = true};
+    deploy::table_uses tables{.keeps_columns = true};
     tav_ebuf ebuf{};
-    std::vector<tav_deploy_entry> records;
-    const auto entries = tav_deploy_read_entries(records, container.get(), &ebuf);
+    std::vector<deploy::class_entry> records;
+    const auto entries = deploy::read_entries(records, container.get(), &ebuf);
+    deploy::read_all_storage(entries, &ebuf);
+    deploy::find_definitions(entries, fields);
     EXPECT_EQ(outcome([&] {
-                return tav_deploy_get_table_columns(tables, TAV_DEPLOY_NONE, entries, fields,
-                                                    nullptr);
+                return tav_deploy_get_table_columns(tables, deploy::NO_PLACE, entries, nullptr,
+                                                    "/c");
               }),
               row.outcome);
     std::string found;
@@ -197,14 +203,17 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
   std::set<std::string> last_lines;
   std::string text;
   for (long n = 1; text.substr(0, 2) != "1|" && n < 100; ++n) {
-    tav_deploy_class_entries read;
-    tav_deploy_tables tables{.keeps_columns = true};
+    deploy::class_entries read;
+    deploy::table_uses tables{.keeps_columns = true};
     const auto check = [&] {
-      if (tav_deploy_check_field_types(read, storable.get(), fields, "/c") < 1) return -1;
-      const auto own = tav_deploy_entries_of(read, storable.get(), &ebuf);
-      if (tav_deploy_check_nesting(read, *own.first, "/c", 1) < 1) return -1;
-      const int result = tav_deploy_get_table_columns(tables, 0, own, fields, "t");
-      return result < 1 ? -1 : tav_deploy_check_unique_names(tables, tables);
+      tav_ebuf unread{};
+      const auto own = deploy::entries_of(read, storable.get(), &unread);
+      if (dd_failed(unread)) return deploy::call_failed(HERE, unread);
+      deploy::read_all_storage(own, &unread);
+      deploy::find_definitions(own, fields);
+      if (deploy::check_nesting(read, *own.first, {"/c"}, 1) < 1) return -1;
+      const int result = tav_deploy_get_table_columns(tables, 0, own, "t", "/c");
+      return result < 1 ? -1 : deploy::check_unique_names(tables, tables);
     };
     text = outcome([&] {
       until_no_memory = n;
@@ -214,7 +223,7 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
     });
     last_lines.insert(text.substr(text.rfind('\n', text.size() - 2) + 1));
   }
-  EXPECT_EQ(last_lines.size(), 6u) << text;
+  EXPECT_EQ(last_lines.size(), 5u) << text;
 }
 
 TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
@@ -235,14 +244,14 @@ TEST(storage, of_the_servers_classes_follows_the_stricter_rule) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.classes);
-    tav_deploy_import_state state{};
+    deploy::import_state state{};
     state.working_fields.give(list_of("field( name=S type=5 )"));
     state.working_classes.give(list_of(row.is_new ? "" : row.classes));
     const dd_flist input = list_of(row.is_new ? row.classes : "");
     tav_ebuf ebuf{};
     dd_walk walk(input.get(), TAV_FLD_OBJ_DESC);
     while (tav_flist_t* storable = walk.next(&ebuf)) state.working_classes.lend(storable, &ebuf);
-    EXPECT_EQ(outcome([&] { return tav_deploy_import_storage(state); }), row.outcome);
+    EXPECT_EQ(outcome([&] { return deploy::import_storage(state); }), row.outcome);
   }
 }
 
@@ -251,10 +260,13 @@ TEST(names_and_types, that_must_be_there_stop_a_check) {
   dd_list none(DD_CLASSES, list_of(""));
   EXPECT_EQ(outcome([&] { return tav_deploy_prep_subclass(none, none, none, nameless.get()); }),
             "-1|Error: Internal Error\n");
-  tav_deploy_hierarchy hierarchy{none, {}, {}};
-  tav_deploy_entry entry{.element = nullptr, .name = "", .type = TAV_FLDT_ARRAY};
-  const tav_deploy_siblings one{&entry, &entry + 1};
-  EXPECT_EQ(outcome([&] { return tav_deploy_check_hierarchy(hierarchy, one, "/a"); }),
+  deploy::class_hierarchy hierarchy{none, {}, {}};
+  deploy::class_entries none_read;
+  deploy::class_entry entry{.element = nullptr, .name = "", .type = TAV_FLDT_ARRAY};
+  const deploy::siblings one{&entry, &entry + 1};
+  EXPECT_EQ(outcome([&] {
+              return deploy::check_hierarchy({nullptr, "/a", one, none_read, hierarchy});
+            }),
             "-1|Error: Internal Error\nError: Unable to check duplicate array \n");
   const dd_flist server = list_of("entry( name=A type=9 entry( name=S ) )");
   const dd_flist untyped = list_of("entry( name=a type=9 sql=t entry( name=S ) )");
@@ -282,21 +294,21 @@ TEST(deep_lines, take_memory_for_each_class_but_not_for_each_superclass) {
   for (int i = 0; i < DEEP; ++i) add(name += "/c", i);
   for (int i = 0; i < MANY; ++i) add(name + "/leaf" + std::to_string(i), DEEP + i);
   tav_deploy_ctx_t ctx{};
-  tav_deploy_import_state state{.ctx = &ctx};
+  deploy::import_state state{.ctx = &ctx};
   state.classes.give(list_of(text.c_str()));
   state.server_classes = list_of("");
-  ASSERT_EQ(outcome([&] { return tav_deploy_import_classes(state); }), "1|");
+  ASSERT_EQ(outcome([&] { return deploy::import_classes(state); }), "1|");
   allocations = 0;
-  EXPECT_EQ(outcome([&] { return tav_deploy_import_order(state); }), "1|");
+  EXPECT_EQ(outcome([&] { return deploy::import_order(state); }), "1|");
   EXPECT_LT(allocations, 10 * (DEEP + MANY));
-  tav_deploy_hierarchy hierarchy{state.working_classes, {}, {}};
+  deploy::class_hierarchy hierarchy{state.working_classes, {}, {}};
   allocations = 0;
   tav_ebuf ebuf{};
   dd_list_walk walk(state.ordered_classes);
   while (tav_flist_t* storable = walk.next(&ebuf)) {
-    const auto entries = tav_deploy_entries_of(state.entries, storable, &ebuf);
+    const auto entries = deploy::entries_of(state.entries, storable, &ebuf);
     const char* own = dd_text(storable, TAV_FLD_NAME, &ebuf);
-    EXPECT_EQ(tav_deploy_check_hierarchy(hierarchy, entries, own), 1);
+    EXPECT_EQ(deploy::check_hierarchy({storable, own, entries, state.entries, hierarchy}), 1);
   }
   EXPECT_LT(allocations, 30 * (DEEP + MANY));
 }
@@ -313,8 +325,8 @@ TEST(repeated_nodes, are_indexed_once) {
   const dd_flist known = list_of((array + ")").c_str());
   const dd_flist input = list_of(repeated.c_str());
   tav_ebuf ebuf{};
-  tav_deploy_class_entries read;
-  const auto entries = tav_deploy_entries_of(read, known.get(), &ebuf);
+  deploy::class_entries read;
+  const auto entries = deploy::entries_of(read, known.get(), &ebuf);
   allocated = 0;
   EXPECT_EQ(tav_deploy_merge_class_fields(read, entries, input.get(), "/c"), 1);
   EXPECT_EQ(tav_deploy_check_field_storage_change(known.get(), input.get(), "/c"), 1);

@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "deploy/findings.h"
 #include "tests/tool/sources.h"
 #include "tests/tool/workshop.h"
 
@@ -189,13 +190,18 @@ class case_test : public testing::Test {
 
 // --- Every finding is expected by some case ------------------------------------------------------
 
-// The "Error: ..." and "Warning: ..." texts in the sources of the import, with their %s.
+// The "Error: ..." and "Warning: ..." texts of the findings that the import reports, with %s.
 static std::set<std::string> findings_in_sources() {
-  static const std::regex finding("\n?((?:Error|Warning): [^\"\n]*)\\s*");
+  static const std::regex sentence("\n?((?:Error|Warning): [^\"\n]*)\\s*");
+  static const std::regex placeholder("\\{[a-z]+\\}");
   std::set<std::string> found;
   for (const source_text& each : texts_in("deploy/import")) {
-    std::smatch match;
-    if (std::regex_match(each.text, match, finding)) found.insert(match[1]);
+    for (const deploy::finding_row& row : deploy::FINDINGS) {
+      if (each.text != row.id) continue;
+      std::smatch match;
+      const std::string text = std::regex_replace(row.text, placeholder, "%s");
+      if (std::regex_match(text, match, sentence)) found.insert(match[1]);
+    }
   }
   return found;
 }

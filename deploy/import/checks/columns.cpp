@@ -6,18 +6,17 @@
 #include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
-static constexpr char MISSING_TABLE[] = "missing tablename for array/substruct";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
 namespace {
 
 // Where entries are collected.
 struct target {
-  tav_deploy_tables& tables;
-  size_t table;            // TAV_DEPLOY_NONE for none
+  deploy::table_uses& tables;
+  size_t table;            // deploy::NO_PLACE for none
   const char* table_name;  // null for none
-  dd_list& fields;
+  deploy::entry_scope scope;
 };
 
 // What a BUF's storage names, in the tables' keeping.
@@ -28,140 +27,128 @@ struct buf_storage {
 
 }  // namespace
 
-int tav_deploy_storage_failed(dd_site site, const tav_ebuf& ebuf, const char* log_text) {
-  tav_deploy_raise_error();
-  return tav_deploy_call_failed(site, ebuf, log_text);
+static deploy::subject subject_of(const target& to, const deploy::class_entry& entry,
+                                  const char* attribute = nullptr) {
+  deploy::subject about = to.scope.of(entry.name, IMPLEMENTATION);
+  about.table = to.table_name;
+  about.attribute = attribute;
+  return about;
 }
 
-size_t tav_deploy_add_table(tav_deploy_tables& tables, const char* name) {
-  tables.uses.push_back({name});
+size_t deploy::add_table(deploy::table_uses& tables, const deploy::table_use& use) {
+  tables.uses.push_back(use);
   return tables.uses.size() - 1;
 }
 
 // The place of a new use of the table; none, and a failure in the buffer, without memory for it.
-static size_t add_table(tav_deploy_tables& tables, const char* name, tav_ebuf* ebuf) {
-  size_t place = TAV_DEPLOY_NONE;
-  dd_with_memory(ebuf, [&] { place = tav_deploy_add_table(tables, name); });
+static size_t add_table(const target& to, const deploy::class_entry& entry, const char* name,
+                        tav_ebuf* ebuf) {
+  size_t place = deploy::NO_PLACE;
+  const deploy::table_use use{name, to.scope.class_name, entry.name, to.table};
+  dd_with_memory(ebuf, [&] { place = deploy::add_table(to.tables, use); });
   return place;
 }
 
-static void add_column(tav_deploy_tables& tables, size_t table, const char* name, uint32_t hash,
+static void add_column(deploy::table_uses& tables, size_t table, const deploy::column_use& added,
                        tav_ebuf* ebuf) {
   if (!tables.keeps_columns) return;
-  dd_with_memory(ebuf, [&] { tables.columns.push_back({name, hash}); });
+  dd_with_memory(ebuf, [&] { tables.columns.push_back(added); });
   if (dd_failed(*ebuf)) return;
-  tav_deploy_table& use = tables.uses[table];
+  deploy::table_use& use = tables.uses[table];
   const size_t column = tables.columns.size() - 1;
-  const bool is_first = use.last_column == TAV_DEPLOY_NONE;
+  const bool is_first = use.last_column == deploy::NO_PLACE;
   (is_first ? use.first_column : tables.columns[use.last_column].next) = column;
   use.last_column = column;
 }
 
 // The type of the field's definition; 0 after a report where there is none.
-static int32_t defined_type(dd_list& fields, tav_deploy_entry& entry) {
-  if (!tav_deploy_find_definition(entry, fields)) {
-    tav_deploy_report(HERE, ERROR, "missing field definition", "Error: Field %s not defined\n",
-                      entry.name);
+static int32_t defined_type(const target& to, const deploy::class_entry& entry) {
+  if (!entry.is_defined) {
+    deploy::report(HERE, "field-not-defined", to.scope.of(entry.name));
     return 0;
   }
   if (!entry.defined_type) {
-    tav_deploy_report(HERE, ERROR, "missing field type definition",
-                      "Error: Field %s has no type definition\n", entry.name);
+    deploy::report(HERE, "field-without-type", to.scope.of(entry.name));
   }
   return entry.defined_type.value_or(0);
 }
 
-static buf_storage split(tav_deploy_tables& tables, const char* text) {
+static buf_storage split(deploy::table_uses& tables, const char* text) {
   const auto [column, table] = dd_split_buf(text);
   const char* kept = tables.names.emplace_back(table).c_str();
   return {kept, tables.names.emplace_back(column).c_str()};
 }
 
-static int collect_buf(const target& to, const tav_deploy_entry& entry) {
-  if (!entry.has_storage) {
-    tav_deploy_report(HERE, ERROR, "missing tablename/column for BUF",
-                      "Error: missing table name and column name for BUF: %s\n", entry.name);
+static int collect_buf(const target& to, const deploy::class_entry& entry) {
+  if (!entry.has_storage()) {
+    deploy::report(HERE, "missing-buf-storage", subject_of(to, entry));
     return 1;
   }
   tav_ebuf ebuf{};
   buf_storage names;
-  size_t table = TAV_DEPLOY_NONE;
+  size_t table = deploy::NO_PLACE;
   dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, entry.storage); });
   if (*names.table != '\0') {
-    table = add_table(to.tables, names.table, at(&ebuf, HERE));
+    table = add_table(to, entry, names.table, at(&ebuf, HERE));
   } else if (!dd_failed(ebuf)) {
-    tav_deploy_report(HERE, ERROR, "missing table name for BUF field",
-                      "Error: missing table name for BUF field %s\n", entry.name);
+    deploy::report(HERE, "missing-buf-table", subject_of(to, entry, "SQL_TABLE"));
   }
-  if (dd_failed(ebuf)) return tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE);
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf, "table-not-kept");
   if (*names.column == '\0') {
-    tav_deploy_report(HERE, ERROR, "missing column name for BUF field",
-                      "Error: missing column name for BUF field %s in table: %s\n", entry.name,
-                      names.table);
+    deploy::subject about = subject_of(to, entry, "SQL_COLUMN");
+    about.table = names.table;
+    deploy::report(HERE, "missing-buf-column", about);
     return 1;
   }
-  if (table != TAV_DEPLOY_NONE) {
-    add_column(to.tables, table, names.column, dd_hash(names.column), at(&ebuf, HERE));
+  if (table != deploy::NO_PLACE) {
+    add_column(to.tables, table, {names.column, entry.name, dd_hash(names.column)},
+               at(&ebuf, HERE));
   }
   if (!dd_failed(ebuf)) return 1;
-  return tav_deploy_storage_failed(HERE, ebuf, "Error while handling BUF column");
+  return deploy::call_failed(HERE, ebuf, "buf-column-not-kept");
 }
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
-static bool find_table(const target& to, const tav_deploy_entry& entry, size_t& table) {
-  if (!entry.has_storage) {
-    tav_deploy_report(HERE, ERROR, MISSING_TABLE,
-                      "Error: missing tablename for array/substruct: %s\n", entry.name);
+static bool find_table(const target& to, const deploy::class_entry& entry, size_t& table) {
+  if (!entry.has_storage()) {
+    deploy::report(HERE, "missing-table", subject_of(to, entry, "SQL_TABLE"));
     return true;
   }
   tav_ebuf ebuf{};
-  table = add_table(to.tables, entry.storage, at(&ebuf, HERE));
+  table = add_table(to, entry, entry.storage, at(&ebuf, HERE));
   if (!dd_failed(ebuf)) return true;
-  tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE);
+  deploy::call_failed(HERE, ebuf, "table-not-kept");
   return false;
 }
 
-static int collect_nested(const target& to, tav_deploy_entry& entry) {
-  size_t table = TAV_DEPLOY_NONE;
+static int collect_entries(const target& to, deploy::siblings entries);
+
+static int collect_nested(const target& to, deploy::class_entry& entry) {
+  size_t table = deploy::NO_PLACE;
   if (!find_table(to, entry, table)) return -1;
-  const char* table_name = table != TAV_DEPLOY_NONE ? entry.storage : nullptr;
-  if (tav_deploy_get_table_columns(to.tables, table, tav_deploy_nested(entry), to.fields,
-                                   table_name) >= 1) {
-    return 1;
-  }
-  return tav_deploy_fail(HERE, "Error: while determining table/column names",
-                         "Error: while determining table/column names\n");
+  const char* table_name = table != deploy::NO_PLACE ? entry.storage : nullptr;
+  const deploy::entry_path path{entry.name, to.scope.around};
+  const target nested{to.tables, table, table_name, {to.scope.class_name, &path}};
+  if (collect_entries(nested, deploy::nested_in(entry)) >= 1) return 1;
+  return deploy::report(HERE, "storage-names-not-collected");
 }
 
-static int collect_column(const target& to, const tav_deploy_entry& entry) {
-  if (to.table_name == nullptr || to.table == TAV_DEPLOY_NONE) {
-    tav_deploy_report(HERE, ERROR, "column without table", "Error: Column without Table\n");
-    return -1;
+static int collect_column(const target& to, const deploy::class_entry& entry) {
+  if (to.table_name == nullptr || to.table == deploy::NO_PLACE) {
+    return deploy::report(HERE, "column-without-table", subject_of(to, entry));
   }
-  if (!entry.has_storage) {
-    // The log text lacks its first letter: administrators search for it as it is.
-    tav_deploy_report(HERE, ERROR, "issing column name for field",
-                      "Error: missing column name for field %s in table: %s\n", entry.name,
-                      to.table_name);
+  if (!entry.has_storage()) {
+    deploy::report(HERE, "missing-column", subject_of(to, entry, "SQL_COLUMN"));
     return 1;
   }
   tav_ebuf ebuf{};
-  add_column(to.tables, to.table, entry.storage, entry.storage_hash, at(&ebuf, HERE));
-  return dd_failed(ebuf) ? tav_deploy_storage_failed(HERE, ebuf, MISSING_TABLE) : 1;
-}
-
-static bool read_storage(tav_deploy_entry& entry) {
-  tav_ebuf ebuf{};
-  tav_deploy_storage_of(entry, &ebuf);
-  if (!dd_failed(ebuf)) return true;
-  tav_deploy_storage_failed(HERE, ebuf, "Flist error");
-  return false;
+  add_column(to.tables, to.table, {entry.storage, entry.name, entry.storage_hash}, at(&ebuf, HERE));
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "table-not-kept") : 1;
 }
 
 // Error buffers stay out of what calls itself: entries may be nested ten thousand levels deep.
-static int collect_entry(const target& to, tav_deploy_entry& entry) {
-  if (!read_storage(entry)) return -1;
-  switch (defined_type(to.fields, entry)) {
+static int collect_entry(const target& to, deploy::class_entry& entry) {
+  switch (defined_type(to, entry)) {
     case TAV_FLDT_BUF:
       return collect_buf(to, entry);
     case TAV_FLDT_ARRAY:
@@ -172,12 +159,14 @@ static int collect_entry(const target& to, tav_deploy_entry& entry) {
   }
 }
 
-int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
-                                 tav_deploy_siblings entries, dd_list& fields,
-                                 const char* table_name) {
-  const target to{tables, table, table_name, fields};
-  for (tav_deploy_entry& entry : entries) {
+static int collect_entries(const target& to, deploy::siblings entries) {
+  for (deploy::class_entry& entry : entries) {
     if (collect_entry(to, entry) < 1) return -1;
   }
   return 1;
+}
+
+int tav_deploy_get_table_columns(deploy::table_uses& tables, size_t table, deploy::siblings entries,
+                                 const char* table_name, const char* class_name) {
+  return collect_entries({tables, table, table_name, {class_name}}, entries);
 }

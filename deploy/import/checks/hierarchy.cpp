@@ -7,6 +7,7 @@
 #include "dd/memory.h"
 #include "dd/values.h"
 #include "dd/walk.h"
+#include "deploy/import/import.h"
 #include "deploy/lookup.h"
 #include "deploy/report.h"
 
@@ -14,14 +15,14 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 namespace {
 
-using placed_class = tav_deploy_placed_class;
+using placed_class = deploy::placed_class;
 
 constexpr size_t NONE = SIZE_MAX;
 
 // The arrays and substructs of the class at hand.
-struct checked_class {
+struct own_arrays {
   const char* name;
-  std::vector<const tav_deploy_entry*> arrays{};
+  std::vector<const deploy::class_entry*> arrays{};
   std::vector<size_t> names{};                     // of each array, the first of its name
   dd_index<dd_by_name, size_t> by_name{};          // the first of each
   std::vector<std::pair<size_t, size_t>> found{};  // first of a name, and position of a class
@@ -54,7 +55,7 @@ static void link_classes(std::vector<placed_class>& classes) {
   }
 }
 
-static void build(tav_deploy_hierarchy& hierarchy, tav_ebuf* ebuf) {
+static void build(deploy::class_hierarchy& hierarchy, tav_ebuf* ebuf) {
   if (!hierarchy.entries.empty()) return;
   dd_list_walk walk(hierarchy.working_classes);
   while (tav_flist_t* storable = walk.next(at(ebuf, HERE))) {
@@ -84,8 +85,8 @@ static void each_related(const std::vector<placed_class>& classes, const std::st
 }
 
 // Up to the first that has no name.
-static void gather_arrays(checked_class& own, tav_deploy_siblings entries) {
-  for (const tav_deploy_entry& entry : entries) {
+static void gather_arrays(own_arrays& own, deploy::siblings entries) {
+  for (const deploy::class_entry& entry : entries) {
     if (!dd_is_container(entry.type)) continue;
     const size_t place = own.arrays.size();
     own.arrays.push_back(&entry);
@@ -96,12 +97,12 @@ static void gather_arrays(checked_class& own, tav_deploy_siblings entries) {
 
 // Looks for the class's arrays among the entries of another, or the other way round: whichever is
 // less work.
-static void find_common(checked_class& own, dd_list& other, size_t position, tav_ebuf* ebuf) {
+static void find_common(own_arrays& own, dd_list& other, size_t position, tav_ebuf* ebuf) {
   constexpr size_t FEW = 8;
   const size_t count = own.names.size();
   if (count <= FEW || count <= static_cast<size_t>(other.count(at(ebuf, HERE)))) {
     for (size_t i = 0; i < count; ++i) {
-      const tav_deploy_entry& array = *own.arrays[i];
+      const deploy::class_entry& array = *own.arrays[i];
       if (own.names[i] != i) continue;
       if (tav_deploy_get_class_field_by_name(other, array.name, array.hash) == nullptr) continue;
       own.found.emplace_back(i, position);
@@ -115,7 +116,7 @@ static void find_common(checked_class& own, dd_list& other, size_t position, tav
   }
 }
 
-static void find_all(tav_deploy_hierarchy& hierarchy, checked_class& own, tav_ebuf* ebuf) {
+static void find_all(deploy::class_hierarchy& hierarchy, own_arrays& own, tav_ebuf* ebuf) {
   build(hierarchy, ebuf);
   each_related(hierarchy.classes, key_of(own.name), [&](size_t position) {
     find_common(own, hierarchy.entries[position], position, ebuf);
@@ -124,7 +125,7 @@ static void find_all(tav_deploy_hierarchy& hierarchy, checked_class& own, tav_eb
   own.found.erase(std::unique(own.found.begin(), own.found.end()), own.found.end());
 }
 
-static int report_conflicts(tav_deploy_hierarchy& hierarchy, const checked_class& own,
+static int report_conflicts(deploy::class_hierarchy& hierarchy, const own_arrays& own,
                             size_t array) {
   tav_ebuf ebuf{};
   auto found =
@@ -132,35 +133,33 @@ static int report_conflicts(tav_deploy_hierarchy& hierarchy, const checked_class
   for (; found != own.found.end() && found->first == own.names[array]; ++found) {
     tav_flist_t* related = hierarchy.entries[found->second].get();
     const char* related_name = dd_text(related, TAV_FLD_NAME, at(&ebuf, HERE));
-    if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
-    tav_deploy_report(HERE, tav_deploy_raises::ERROR,
-                      "Array or Substruct conflict in class hierarchy",
-                      "Error: Array or Substruct conflict in class hierarchy %s, %s, %s\n",
-                      related_name, own.name, own.arrays[array]->name);
+    if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
+    deploy::report(
+        HERE, "array-in-related-class",
+        {.class_name = own.name, .related_class = related_name, .field = own.arrays[array]->name});
   }
   return 1;
 }
 
-static int check_array(tav_deploy_hierarchy& hierarchy, const checked_class& own, size_t array) {
+static int check_array(deploy::class_hierarchy& hierarchy, const own_arrays& own, size_t array) {
   if (*own.name != '\0' && array < own.names.size()) return report_conflicts(hierarchy, own, array);
-  return tav_deploy_fail(HERE, "Missing class name", "Error: Internal Error\n");
+  return deploy::report(HERE, "missing-class-name");
 }
 
 static int array_failed(const char* field_name) {
-  return tav_deploy_fail(HERE, "Unable to check duplicate array",
-                         "Error: Unable to check duplicate array %s\n", field_name);
+  return deploy::report(HERE, "array-not-checked", {.field = field_name});
 }
 
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
-                               const char* class_name) {
+int deploy::check_hierarchy(const deploy::checked_class& checked) {
   tav_ebuf ebuf{};
-  checked_class own{class_name};
+  deploy::class_hierarchy& hierarchy = checked.hierarchy;
+  own_arrays own{checked.name};
   dd_with_memory(at(&ebuf, HERE), [&] {
-    gather_arrays(own, entries);
-    if (!own.names.empty() && *class_name != '\0') find_all(hierarchy, own, &ebuf);
+    gather_arrays(own, checked.entries);
+    if (!own.names.empty() && *own.name != '\0') find_all(hierarchy, own, &ebuf);
   });
   if (dd_failed(ebuf)) {
-    tav_deploy_call_failed(HERE, ebuf);
+    deploy::call_failed(HERE, ebuf);
     return array_failed(own.arrays.empty() ? "" : own.arrays.front()->name);
   }
   for (size_t array = 0; array < own.arrays.size(); ++array) {

@@ -9,22 +9,21 @@
 
 #include "deploy/import/entries.h"
 
-struct tav_deploy_placed_class {
+namespace deploy {
+
+struct placed_class {
   std::string key;  // the name with '\0' for '/', so that all below a class stand behind it
   size_t position;  // in the working list
   size_t above;     // the place of the class right above it, or of one of the same name; or none
 };
 
 // Borrows the classes. Built at the first class that has an array or substruct.
-struct tav_deploy_hierarchy {
+struct class_hierarchy {
   dd_list& working_classes;
-  std::deque<dd_list> entries;                   // each class's, in the working list's order
-  std::vector<tav_deploy_placed_class> classes;  // ascending, byte by byte
+  std::deque<dd_list> entries;        // each class's, in the working list's order
+  std::vector<placed_class> classes;  // ascending, byte by byte
 };
 
-// Reports the class's top-level arrays and substructs whose names a superclass or subclass has at
-// its top level too: 1, or -1 when lists cannot be walked or a name is missing.
-int tav_deploy_check_hierarchy(tav_deploy_hierarchy& hierarchy, tav_deploy_siblings entries,
-                               const char* class_name);
+}  // namespace deploy
 
 #endif

@@ -5,49 +5,43 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
-static void check_position(const char* class_name, const char* field_name, int32_t type,
+static void check_position(const deploy::entry_scope& scope, const deploy::class_entry& child,
                            int32_t parent_type, int depth) {
+  const int32_t type = child.type;
   const bool array_too_deep =
       type == TAV_FLDT_ARRAY && (parent_type == TAV_FLDT_SUBSTRUCT || depth >= 2);
   if (array_too_deep || !dd_is_container(parent_type)) {
-    tav_deploy_report(HERE, ERROR, "Illegally nested field",
-                      "Error: Storable class %s, Illegally nested field %s\n", class_name,
-                      field_name);
+    deploy::report(HERE, "illegal-nesting", scope.of(child.name));
   }
   if (type == TAV_FLDT_SUBSTRUCT) {
-    tav_deploy_report(HERE, ERROR, "Illegally nested substruct",
-                      "Error: Storable class %s, Illegally nested substruct %s\n", class_name,
-                      field_name);
+    deploy::report(HERE, "nested-substruct", scope.of(child.name));
   }
 }
 
-int tav_deploy_check_field_positions(tav_deploy_class_entries& read, tav_deploy_entry& entry,
-                                     const char* class_name, int depth) {
-  const tav_deploy_siblings nested = tav_deploy_nested(entry);
+int tav_deploy_check_field_positions(deploy::class_entries& read, deploy::class_entry& entry,
+                                     const deploy::entry_scope& scope, int depth) {
+  const deploy::siblings nested = deploy::nested_in(entry);
   tav_ebuf ebuf{};
-  dd_with_memory(at(&ebuf, HERE), [&] { tav_deploy_mark_repeated(nested, read.seen); });
+  dd_with_memory(at(&ebuf, HERE), [&] { deploy::mark_repeated(nested, read.seen); });
   if (dd_failed(ebuf)) {
-    tav_deploy_call_failed(HERE, ebuf);
-    return tav_deploy_fail(HERE, "Error: Internal Error", "Error: Internal Error\n");
+    deploy::call_failed(HERE, ebuf);
+    return deploy::report(HERE, "nesting-not-checked", {.class_name = scope.class_name});
   }
-  for (tav_deploy_entry& child : nested) {
-    check_position(class_name, child.name, child.type, entry.type, depth);
+  const deploy::entry_path path{entry.name, scope.around};
+  const deploy::entry_scope inside{scope.class_name, &path};
+  for (deploy::class_entry& child : nested) {
+    check_position(inside, child, entry.type, depth);
     if (child.is_repeated) {
-      tav_deploy_report(HERE, ERROR, "Duplicate class field",
-                        "Error: Storable class %s, Multiple use of field %s\n", class_name,
-                        child.name);
-    } else if (tav_deploy_check_nesting(read, child, class_name, depth + 1) < 1) {
+      deploy::report(HERE, "repeated-field", inside.of(child.name));
+    } else if (deploy::check_nesting(read, child, inside, depth + 1) < 1) {
       return -1;
     }
   }
   return 1;
 }
 
-int tav_deploy_check_nesting(tav_deploy_class_entries& read, tav_deploy_entry& entry,
-                             const char* class_name, int depth) {
-  if (tav_deploy_check_field_positions(read, entry, class_name, depth) >= 1) return 1;
-  return tav_deploy_fail(HERE, "Unable to check field positions",
-                         "Error: Unable to check field positions for %s\n", class_name);
+int deploy::check_nesting(deploy::class_entries& read, deploy::class_entry& entry,
+                          const deploy::entry_scope& scope, int depth) {
+  if (tav_deploy_check_field_positions(read, entry, scope, depth) >= 1) return 1;
+  return deploy::report(HERE, "positions-not-checked", {.class_name = scope.class_name});
 }

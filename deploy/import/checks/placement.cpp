@@ -6,39 +6,38 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
-static void report_system(const char* log_text, const char* class_name, const char* field_name) {
-  tav_deploy_report(
-      HERE, ERROR, log_text,
-      "Error: Storable class %s, field %s with SYSTEM permission may not be specified\n",
-      class_name, field_name);
+static bool is_system(const deploy::class_entry& entry) {
+  return entry.creates_as_system || entry.modifies_as_system;
 }
 
-static void check_in_subclass(const char* class_name, const char* field_name, int32_t type,
-                              bool system) {
-  if (!dd_is_container(type)) {
-    tav_deploy_report(HERE, ERROR, "field outside of array in subclass",
-                      "Error: Storable class %s, field %s is outside Array or Substruct\n",
-                      class_name, field_name);
-  }
-  if (system) report_system("system field not allowed in subclass", class_name, field_name);
+static void report_entry(dd_site site, deploy::finding found, const char* class_name,
+                         const deploy::class_entry& entry, const char* attribute = nullptr) {
+  deploy::report(site, found,
+                 {.class_name = class_name, .field = entry.name, .attribute = attribute});
 }
 
-static void check_in_base_class(const char* class_name, const char* field_name, int32_t type,
-                                bool system) {
-  if (type == TAV_FLDT_SUBSTRUCT) {
-    tav_deploy_report(HERE, ERROR, "substruct in base class",
-                      "Error: Storable class %s, substruct %s not allowed in base class\n",
-                      class_name, field_name);
+static void report_system(dd_site site, deploy::finding found, const char* class_name,
+                          const deploy::class_entry& entry) {
+  report_entry(site, found, class_name, entry, entry.creates_as_system ? "CREATE" : "MODIFY");
+}
+
+static void check_in_subclass(const char* class_name, const deploy::class_entry& entry) {
+  if (!dd_is_container(entry.type)) {
+    report_entry(HERE, "field-outside-array", class_name, entry);
   }
-  if (system && !dd_may_be_system(field_name)) {
-    report_system("system field not allowed in base except for special cases", class_name,
-                  field_name);
+  if (is_system(entry)) report_system(HERE, "system-field-in-subclass", class_name, entry);
+}
+
+static void check_in_base_class(const char* class_name, const deploy::class_entry& entry) {
+  if (entry.type == TAV_FLDT_SUBSTRUCT) {
+    report_entry(HERE, "substruct-in-base-class", class_name, entry);
+  }
+  if (is_system(entry) && !dd_may_be_system(entry.name)) {
+    report_system(HERE, "system-field-in-base-class", class_name, entry);
   }
 }
 
-void tav_deploy_check_placement(const tav_deploy_entry& entry, const char* class_name) {
+void deploy::check_placement(const deploy::class_entry& entry, const char* class_name) {
   const auto check = dd_is_subclass(class_name) ? check_in_subclass : check_in_base_class;
-  check(class_name, entry.name, entry.type, entry.is_system);
+  check(class_name, entry);
 }

@@ -11,16 +11,14 @@ static constexpr char MODULE[] = "tav_deploy_import";
 
 static int compare_with_known(tav_flist_t* known, tav_flist_t* storable, const char* name,
                               tav_ebuf* ebuf) {
-  tav_deploy_report(HERE, tav_deploy_raises::CONFLICT, nullptr,
-                    "Warning: Class Name %s already exists.\n", name);
-  tav_deploy_check_class_storage_change(known, storable, name, ebuf);
+  deploy::report(HERE, "class-exists", {.class_name = name});
+  deploy::check_class_storage_change(known, storable, name, ebuf);
   if (dd_failed(*ebuf)) return 1;
   if (tav_deploy_check_field_storage_change(known, storable, name) >= 1) return 1;
-  return tav_deploy_fail(HERE, "Unable to check for changing table and column names",
-                         "Error: Unable to check for changing table and column names\n");
+  return deploy::report(HERE, "storage-names-not-compared", {.class_name = name});
 }
 
-int tav_deploy_import_classes(tav_deploy_import_state& state) {
+int deploy::import_classes(deploy::import_state& state) {
   tav_ebuf ebuf{};
   dd_list& working = state.working_classes;
   working.give(std::move(state.server_classes));
@@ -35,5 +33,5 @@ int tav_deploy_import_classes(tav_deploy_import_state& state) {
       return -1;
     }
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }

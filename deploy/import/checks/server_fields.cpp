@@ -9,8 +9,6 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
-
 namespace {
 
 struct definition {
@@ -37,13 +35,11 @@ static void add_new(dd_list& working, const definition& field, tav_ebuf* ebuf) {
   if (tav_deploy_get_field_by_id(working, field.number) == nullptr) {
     return working.lend(field.known, {field.name, field.hash, field.number}, at(ebuf, HERE));
   }
-  tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id in use conflict",
-                    "Error: Conflicting field definition %s, id in use by different field\n",
-                    field.name);
+  deploy::report(HERE, "field-number-in-use", {.field = field.name, .attribute = "ID"});
 }
 
 static tav_flist_t* first_of_name(dd_list& fields, const definition& field) {
-  const dd_known* first = tav_deploy_get_known_field(fields, field.name, field.hash);
+  const dd_known* first = deploy::known_field(fields, field.name, field.hash);
   return first != nullptr ? first->element : nullptr;
 }
 
@@ -57,32 +53,29 @@ static void mark_first(dd_list& fields, const definition& field, tav_ebuf* ebuf)
 // A definition of the input's own keeps its description: each is sent as it stands.
 static void replace_description(dd_list& fields, const definition& field, tav_flist_t* known,
                                 tav_ebuf* ebuf) {
-  tav_deploy_report(HERE, CONFLICT, nullptr,
-                    "Warning: Duplicate field definition %s, replacing description\n", field.name);
+  deploy::report(HERE, "field-description-replaced", {.field = field.name, .attribute = "DESCR"});
   const char* description = dd_text(field.known.element, TAV_FLD_DESCR, at(ebuf, HERE));
   if (*description == '\0' || first_of_name(fields, field) == known) return;
   dd_set_text(known, TAV_FLD_DESCR, description, at(ebuf, HERE));
 }
 
 static void keep_old(dd_list& fields, int32_t id, const definition& field, tav_ebuf* ebuf) {
-  tav_deploy_report(HERE, NOTHING, nullptr, "Warning: Duplicate field definition %s, keeping old\n",
-                    field.name);
+  deploy::report(HERE, "field-kept", {.field = field.name});
   fields.drop(id, field.known.element, at(ebuf, HERE));
 }
 
 // The type was found with the name; the number is asked for only here.
-static void settle_known(tav_deploy_import_state& state, int32_t id, const definition& field,
+static void settle_known(deploy::import_state& state, int32_t id, const definition& field,
                          const dd_known& known, tav_ebuf* ebuf) {
   const int32_t number = dd_int(known.element, TAV_FLD_FIELD_NUM, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return;
   if (field.type() != known.type.value_or(0)) {
-    return tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by type conflict",
-                             "Error: Conflicting field definition %s, different type\n",
-                             field.name);
+    deploy::report(HERE, "field-type-conflict", {.field = field.name});
+    return;
   }
   if (field.number != number) {
-    return tav_deploy_report(HERE, CONFLICT_AND_ERROR, "Duplicate field def by id conflict",
-                             "Error: Conflicting field definition %s, different id\n", field.name);
+    deploy::report(HERE, "field-number-conflict", {.field = field.name, .attribute = "ID"});
+    return;
   }
   if (state.ctx->mode == TAV_DEPLOY_MODE_REPLACE) {
     return replace_description(state.fields, field, known.element, ebuf);
@@ -90,17 +83,17 @@ static void settle_known(tav_deploy_import_state& state, int32_t id, const defin
   keep_old(state.fields, id, field, ebuf);
 }
 
-static void check_field(tav_deploy_import_state& state, int32_t id, tav_flist_t* element,
+static void check_field(deploy::import_state& state, int32_t id, tav_flist_t* element,
                         tav_ebuf* ebuf) {
   const definition field = read_definition(element, ebuf);
   if (dd_failed(*ebuf)) return;
-  const dd_known* known = tav_deploy_get_known_field(state.working_fields, field.name, field.hash);
+  const dd_known* known = deploy::known_field(state.working_fields, field.name, field.hash);
   if (known == nullptr) return add_new(state.working_fields, field, ebuf);
   mark_first(state.fields, field, ebuf);
   settle_known(state, id, field, *known, ebuf);
 }
 
-int tav_deploy_import_fields(tav_deploy_import_state& state) {
+int deploy::import_fields(deploy::import_state& state) {
   tav_ebuf ebuf{};
   state.working_fields.give(std::move(state.server_fields));
   state.working_fields.reserve_lent(state.fields.count(at(&ebuf, HERE)));
@@ -109,5 +102,5 @@ int tav_deploy_import_fields(tav_deploy_import_state& state) {
     check_field(state, walk.id(), element, &ebuf);
   }
   state.fields.forget_indexes();
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf, "Flist Error") : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "field-list-failed") : 1;
 }

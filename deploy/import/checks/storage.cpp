@@ -1,16 +1,14 @@
 // The storage names of all classes: every one is there, and stands once.
 #include "dd/class_names.h"
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "deploy/import/checks/tables.h"
 #include "deploy/import/import.h"
 #include "deploy/report.h"
 
 static constexpr char MODULE[] = "tav_deploy_import";
-static constexpr char MISSING_CLASS_TABLE[] = "Missing table name for class";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
 namespace {
 
@@ -24,16 +22,15 @@ struct class_table {
 // One collection: over which classes, into which tables, and what a failure is called.
 struct collection {
   dd_list& classes;  // those that are lent to it are new
-  tav_deploy_tables& tables;
-  const char* failed_line;
-  const char* failed_log;
+  deploy::table_uses& tables;
+  deploy::finding failure;
 };
 
 // What both ask.
 struct dictionary {
   dd_list& fields;
-  tav_deploy_class_entries& input;
-  std::vector<tav_deploy_entry> server_entries{};  // of the class at hand
+  deploy::class_entries& input;
+  std::vector<deploy::class_entry> server_entries{};  // of the class at hand
 };
 
 }  // namespace
@@ -49,39 +46,39 @@ static class_table read_class(tav_flist_t* storable, bool is_new, tav_ebuf* ebuf
 
 static void check_class_table(const class_table& read) {
   if (read.table == nullptr && !dd_is_subclass(read.class_name)) {
-    tav_deploy_report(HERE, ERROR, MISSING_CLASS_TABLE, "Error:  Missing table name for %s\n",
-                      read.class_name);
+    deploy::report(
+        HERE, "missing-class-table",
+        {.class_name = read.class_name, .side = IMPLEMENTATION, .attribute = "SQL_TABLE"});
   }
   if (read.table != nullptr && !read.may_name_table) {
-    tav_deploy_report(HERE, ERROR, "Invalid table in subclass, not needed",
-                      "Error:  No table needed for subclass %s\n", read.class_name);
+    deploy::report(HERE, "table-in-subclass",
+                   {.class_name = read.class_name,
+                    .side = IMPLEMENTATION,
+                    .table = read.table,
+                    .attribute = "SQL_TABLE"});
   }
 }
 
-static int collect_class(tav_deploy_tables& tables, tav_flist_t* storable, bool is_new,
+static int collect_class(deploy::table_uses& tables, tav_flist_t* storable, bool is_new,
                          dictionary& known, tav_ebuf* ebuf) {
   const class_table read = read_class(storable, is_new, ebuf);
   if (dd_failed(*ebuf)) return 1;
   check_class_table(read);
-  size_t table = TAV_DEPLOY_NONE;
+  size_t table = deploy::NO_PLACE;
   if (read.table != nullptr && read.may_name_table) {
-    dd_with_memory(at(ebuf, HERE), [&] { table = tav_deploy_add_table(tables, read.table); });
+    dd_with_memory(at(ebuf, HERE), [&] {
+      table = deploy::add_table(tables, {read.table, read.class_name});
+    });
     if (dd_failed(*ebuf)) return 1;
   }
   tav_ebuf entries_ebuf{};
-  const tav_deploy_siblings entries =
-      is_new ? tav_deploy_entries_of(known.input, storable, &entries_ebuf)
-             : tav_deploy_read_entries(known.server_entries, storable, &entries_ebuf);
-  if (dd_failed(entries_ebuf)) return tav_deploy_storage_failed(HERE, entries_ebuf, "Flist error");
-  return tav_deploy_get_table_columns(tables, table, entries, known.fields, read.table);
-}
-
-static int reading_failed(const tav_ebuf& ebuf) {
-  dd_print_error("Error:  Internal Error");
-  tav_deploy_display_ebuf(&ebuf);
-  dd_log(HERE, MISSING_CLASS_TABLE, ebuf);
-  tav_deploy_raise_error();
-  return -1;
+  const deploy::siblings entries =
+      is_new ? deploy::entries_of(known.input, storable, &entries_ebuf)
+             : deploy::read_entries(known.server_entries, storable, &entries_ebuf);
+  if (!is_new) deploy::read_all_storage(entries, &entries_ebuf);
+  if (dd_failed(entries_ebuf)) return deploy::call_failed(HERE, entries_ebuf, "storage-not-read");
+  if (!is_new) deploy::find_definitions(entries, known.fields);
+  return tav_deploy_get_table_columns(tables, table, entries, read.table, read.class_name);
 }
 
 static int collect(const collection& from, dictionary& known) {
@@ -89,27 +86,23 @@ static int collect(const collection& from, dictionary& known) {
   dd_list_walk walk(from.classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     if (collect_class(from.tables, storable, walk.is_lent(), known, &ebuf) >= 1) continue;
-    return tav_deploy_fail_as(HERE, from.failed_log, from.failed_line);
+    return deploy::report(HERE, from.failure);
   }
-  return dd_failed(ebuf) ? reading_failed(ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "class-table-not-read") : 1;
 }
 
 // The working classes include the run's own: a table of a new class is found there once, and a
 // second time only if another class has it too.
-int tav_deploy_import_storage(tav_deploy_import_state& state) {
-  tav_deploy_tables all_tables{.keeps_columns = false};
-  tav_deploy_tables tables{.keeps_columns = true};
+int deploy::import_storage(deploy::import_state& state) {
+  deploy::table_uses all_tables{.keeps_columns = false};
+  deploy::table_uses tables{.keeps_columns = true};
   dictionary known{state.working_fields, state.entries};
   const collection collections[] = {
-      {state.working_classes, all_tables,
-       "Error:  Unable to obtain table/column names from Server classes\n",
-       "Unable to obtain table/column names from Server classes"},
-      {state.ordered_classes, tables,
-       "Error:  Unable to obtain table/column names from new classes\n",
-       "Unable to obtain table/column names from new classes"},
+      {state.working_classes, all_tables, "server-storage-not-collected"},
+      {state.ordered_classes, tables, "new-storage-not-collected"},
   };
   for (const collection& from : collections) {
     if (collect(from, known) < 1) return -1;
   }
-  return tav_deploy_check_unique_names(tables, all_tables);
+  return deploy::check_unique_names(tables, all_tables);
 }

@@ -3,7 +3,6 @@
 
 #include "dd/fold.h"
 #include "dd/memory.h"
-#include "dd/report.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/import.h"
@@ -12,7 +11,7 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
 static bool differs(tav_flist_t* known, tav_flist_t* changed, uint32_t field, tav_ebuf* ebuf) {
   const char* old_text = dd_text(known, field, at(ebuf, HERE));
@@ -20,50 +19,39 @@ static bool differs(tav_flist_t* known, tav_flist_t* changed, uint32_t field, ta
   return !dd_failed(*ebuf) && !dd_equal(old_text, new_text);
 }
 
-void tav_deploy_check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
-                                           const char* class_name, tav_ebuf* ebuf) {
+void deploy::check_class_storage_change(tav_flist_t* server_class, tav_flist_t* new_class,
+                                        const char* class_name, tav_ebuf* ebuf) {
   if (differs(server_class, new_class, TAV_FLD_SQL_TABLE, ebuf)) {
-    tav_deploy_report(HERE, NOTHING, nullptr,
-                      "Warning: Not allowed to change SQL_TABLE for class: %s, keeping old\n",
-                      class_name);
+    deploy::report(HERE, "class-table-kept",
+                   {.class_name = class_name, .side = IMPLEMENTATION, .attribute = "SQL_TABLE"});
   }
   if (differs(server_class, new_class, TAV_FLD_SQL_STORAGE, ebuf)) {
-    tav_deploy_report(HERE, NOTHING, nullptr,
-                      "Warning: Not allowed to change SQL_STORAGE for class: %s, keeping old\n",
-                      class_name);
+    deploy::report(HERE, "class-storage-kept",
+                   {.class_name = class_name, .side = IMPLEMENTATION, .attribute = "SQL_STORAGE"});
   }
 }
 
-static void warn_of_names(int32_t type, const char* class_name, const char* field_name) {
-  switch (type) {
-    case TAV_FLDT_BUF:
-      return tav_deploy_report(HERE, NOTHING, nullptr,
-                               "Warning: Not allowed to change SQL_TABLE or SQL_COLUMN for class: "
-                               "%s field: %s, keeping old\n",
-                               class_name, field_name);
-    case TAV_FLDT_ARRAY:
-    case TAV_FLDT_SUBSTRUCT:
-      return tav_deploy_report(
-          HERE, NOTHING, nullptr,
-          "Warning: Not allowed to change SQL_TABLE for class: %s field: %s, keeping old\n",
-          class_name, field_name);
-    default:
-      return tav_deploy_report(
-          HERE, NOTHING, nullptr,
-          "Warning: Not allowed to change SQL_COLUMN for class: %s field: %s, keeping old\n",
-          class_name, field_name);
+static void warn_of_names(int32_t type, deploy::subject about) {
+  const bool is_container = type == TAV_FLDT_ARRAY || type == TAV_FLDT_SUBSTRUCT;
+  about.attribute = is_container || type == TAV_FLDT_BUF ? "SQL_TABLE" : "SQL_COLUMN";
+  if (type == TAV_FLDT_BUF) {
+    deploy::report(HERE, "buf-table-or-column-kept", about);
+  } else if (is_container) {
+    deploy::report(HERE, "table-kept", about);
+  } else {
+    deploy::report(HERE, "column-kept", about);
   }
 }
 
-static void compare_entry(tav_flist_t* known, tav_flist_t* entry, int32_t type,
-                          const char* class_name, const char* field_name, tav_ebuf* ebuf) {
-  if (differs(known, entry, TAV_FLD_SQL_TABLE, ebuf)) warn_of_names(type, class_name, field_name);
-  if (differs(known, entry, TAV_FLD_SQL_STORAGE, ebuf)) {
-    tav_deploy_report(
-        HERE, NOTHING, nullptr,
-        "Warning: Not allowed to change SQL_STORAGE for class: %s field: %s, keeping old\n",
-        class_name, field_name);
+static void compare_entry(tav_flist_t* known, tav_flist_t* entry, int32_t type, const char* name,
+                          const deploy::entry_scope& scope, tav_ebuf* ebuf) {
+  if (differs(known, entry, TAV_FLD_SQL_TABLE, ebuf)) {
+    warn_of_names(type, scope.of(name, IMPLEMENTATION));
   }
+  if (!differs(known, entry, TAV_FLD_SQL_STORAGE, ebuf)) return;
+  deploy::subject about = scope.of(name, IMPLEMENTATION);
+  about.attribute = "SQL_STORAGE";
+  deploy::report(HERE, "storage-kept", about);
 }
 
 namespace {
@@ -71,13 +59,13 @@ namespace {
 // One class. The input may name a node again and again: the server's entries of it are indexed
 // once.
 struct comparison {
-  const char* class_name;
   std::unordered_map<tav_flist_t*, dd_list> server_nodes{};
 };
 
 }  // namespace
 
-static int compare_node(comparison& of_class, tav_flist_t* server_node, tav_flist_t* new_node) {
+static int compare_node(comparison& of_class, tav_flist_t* server_node, tav_flist_t* new_node,
+                        const deploy::entry_scope& scope) {
   tav_ebuf ebuf{};
   dd_list* server_entries = nullptr;
   dd_with_memory(at(&ebuf, HERE), [&] {
@@ -91,19 +79,18 @@ static int compare_node(comparison& of_class, tav_flist_t* server_node, tav_flis
     if (dd_failed(ebuf)) break;
     tav_flist_t* known = tav_deploy_get_class_field_by_name(*server_entries, name);
     if (known == nullptr) continue;
-    compare_entry(known, entry, type, of_class.class_name, name, &ebuf);
+    compare_entry(known, entry, type, name, scope, &ebuf);
     if (dd_failed(ebuf)) break;
     if (!dd_has_any(entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
-    if (compare_node(of_class, known, entry) >= 1) continue;
-    dd_print_error("Error: Unable to check for changing storage specs\n");
-    dd_log(HERE, "Unable to check for changing storage", ebuf);
-    return -1;
+    const deploy::entry_path path{name, scope.around};
+    if (compare_node(of_class, known, entry, {scope.class_name, &path}) >= 1) continue;
+    return deploy::call_failed(HERE, ebuf, "storage-changes-not-checked");
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
 int tav_deploy_check_field_storage_change(tav_flist_t* server_node, tav_flist_t* new_node,
                                           const char* class_name) {
-  comparison of_class{class_name};
-  return compare_node(of_class, server_node, new_node);
+  comparison of_class;
+  return compare_node(of_class, server_node, new_node, {class_name});
 }

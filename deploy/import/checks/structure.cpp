@@ -1,4 +1,4 @@
-// The structure of each class of the input: field types, placement, nesting, hierarchy.
+// The structure of each class of the input: a table of checks, and the loop that takes them.
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "deploy/import/checks/hierarchy.h"
@@ -7,43 +7,55 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static int check_entries(tav_deploy_class_entries& read, tav_deploy_siblings entries,
-                         const char* class_name) {
-  for (tav_deploy_entry& entry : entries) {
-    tav_deploy_check_placement(entry, class_name);
-    if (tav_deploy_check_nesting(read, entry, class_name, 1) < 1) return -1;
+// Of an entry the findings about its place come before those about what is nested in it.
+static int check_entries(const deploy::checked_class& checked) {
+  for (deploy::class_entry& entry : checked.entries) {
+    deploy::check_placement(entry, checked.name);
+    if (deploy::check_nesting(checked.read, entry, {checked.name}, 1) < 1) return -1;
   }
   return 1;
 }
 
-static int check_class(tav_deploy_import_state& state, tav_deploy_hierarchy& hierarchy,
-                       tav_flist_t* storable, const char* name) {
-  if (tav_deploy_check_field_types(state.entries, storable, state.working_fields, name) < 1) {
-    return tav_deploy_fail(HERE, "Unable to verify class field types",
-                           "Error: Unable to verify field types for %s\n", name);
-  }
-  tav_ebuf none{};  // the class has been read
-  const tav_deploy_siblings entries = tav_deploy_entries_of(state.entries, storable, &none);
-  if (check_entries(state.entries, entries, name) < 1) {
-    return tav_deploy_fail(HERE, "Unable to verify class structure",
-                           "Error: Unable to verify class structure for %s\n", name);
-  }
-  if (tav_deploy_check_hierarchy(hierarchy, entries, name) < 1) {
-    return tav_deploy_fail(
-        HERE, "Unable to verify class hierarchy array or substruct conflicts",
-        "Error: Unable to verify class hierarchy array or substruct conflicts, %s\n", name);
+namespace {
+
+struct class_check {
+  int (*run)(const deploy::checked_class& checked);
+  deploy::finding failure;
+};
+
+constexpr class_check CLASS_CHECKS[] = {
+    {tav_deploy_check_field_types, "class-types-not-checked"},
+    {check_entries, "class-structure-not-checked"},
+    {deploy::check_hierarchy, "class-hierarchy-not-checked"},
+};
+
+}  // namespace
+
+static int check_class(const deploy::checked_class& checked) {
+  for (const class_check& check : CLASS_CHECKS) {
+    if (check.run(checked) >= 1) continue;
+    return deploy::report(HERE, check.failure, {.class_name = checked.name});
   }
   return 1;
 }
 
-int tav_deploy_import_structure(tav_deploy_import_state& state) {
+static int entries_failed(const tav_ebuf& ebuf, const char* class_name) {
+  deploy::call_failed(HERE, ebuf);
+  deploy::report(HERE, "field-types-not-checked", {.class_name = class_name});
+  return deploy::report(HERE, "class-types-not-checked", {.class_name = class_name});
+}
+
+int deploy::import_structure(deploy::import_state& state) {
   tav_ebuf ebuf{};
-  tav_deploy_hierarchy hierarchy{state.working_classes, {}, {}};
+  deploy::class_hierarchy hierarchy{state.working_classes, {}, {}};
   dd_list_walk walk(state.ordered_classes);
   while (tav_flist_t* storable = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(storable, TAV_FLD_NAME, at(&ebuf, HERE));
     if (dd_failed(ebuf)) break;
-    if (check_class(state, hierarchy, storable, name) < 1) return -1;
+    const auto entries = deploy::entries_of(state.entries, storable, &ebuf);
+    if (dd_failed(ebuf)) return entries_failed(ebuf, name);
+    deploy::find_definitions(entries, state.working_fields);
+    if (check_class({storable, name, entries, state.entries, hierarchy}) < 1) return -1;
   }
-  return dd_failed(ebuf) ? tav_deploy_call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }

@@ -8,64 +8,76 @@
 
 #include "deploy/import/entries.h"
 
+namespace deploy {
+
 // Of a table or column: there is none.
-inline constexpr size_t TAV_DEPLOY_NONE = SIZE_MAX;
+inline constexpr size_t NO_PLACE = SIZE_MAX;
 
 // A use of a table. Its columns are a chain, because those of nested entries come between them.
-struct tav_deploy_table {
+struct table_use {
   const char* name;
-  size_t first_column = TAV_DEPLOY_NONE;
-  size_t last_column = TAV_DEPLOY_NONE;
+  const char* class_name = nullptr;  // whose it is
+  const char* field = nullptr;       // of the entry that names it; null for the class's own
+  size_t around = NO_PLACE;          // the use of the table that the entry stands in
+  size_t first_column = NO_PLACE;
+  size_t last_column = NO_PLACE;
   bool is_serializable = false;  // may be shared; the collection itself finds no such use
 };
 
-struct tav_deploy_column {
+struct column_use {
   const char* name;
-  uint32_t hash;  // of the name
-  size_t next = TAV_DEPLOY_NONE;
+  const char* field;  // of the entry that names it
+  uint32_t hash;      // of the name
+  size_t next = NO_PLACE;
 };
 
 // The uses of tables in the order found. Names are borrowed from the classes or kept here.
-struct tav_deploy_tables {
+struct table_uses {
   bool keeps_columns;  // else only the tables are asked for, and columns are checked but not added
-  std::vector<tav_deploy_table> uses{};
-  std::vector<tav_deploy_column> columns{};
+  std::vector<table_use> uses{};
+  std::vector<column_use> columns{};
   std::deque<std::string> names{};
 };
 
 // Adds a use of a table and gives its place. Throws std::bad_alloc.
-size_t tav_deploy_add_table(tav_deploy_tables& tables, const char* name);
+size_t add_table(table_uses& tables, const table_use& use);
 
-// Collects the tables and columns of entries: a class's, or those nested in one. The table's place
-// and name are those of the class or entry, where it has them; the fields are DD_TYPED_FIELDS. 1
-// also when faults were reported, -1 on a failure that stops the check.
-int tav_deploy_get_table_columns(tav_deploy_tables& tables, size_t table,
-                                 tav_deploy_siblings entries, dd_list& fields,
-                                 const char* table_name);
+}  // namespace deploy
 
-// A failed call in the storage checks: told, and the error flag raised; gives -1.
-int tav_deploy_storage_failed(dd_site site, const tav_ebuf& ebuf, const char* log_text);
+// Collects the tables and columns of a class's entries, whose definitions have been sought. The
+// table's place and name are those of the class, where it has them. 1 also when faults were
+// reported, -1 on a failure that stops the check.
+int tav_deploy_get_table_columns(deploy::table_uses& tables, size_t table, deploy::siblings entries,
+                                 const char* table_name, const char* class_name);
+
+namespace deploy {
 
 // How often each name is used; counted once, at the first question.
-struct tav_deploy_table_counts {
+struct table_counts {
   struct uses {
     int32_t all = 0;
     int32_t serializable = 0;
+    size_t last = 0;  // its place
   };
 
-  const tav_deploy_tables& tables;  // must not change once counted
+  const table_uses& tables;  // must not change once counted
   bool counted = false;
   std::vector<uses> by_place{};                // a name's at its first place
   dd_index<dd_by_name, size_t> first_place{};  // of each name
 };
 
+}  // namespace deploy
+
 // The number of uses; 1 for a table used more than once of which a use is serializable; -1 when
 // they cannot be counted, which is told.
-int tav_deploy_count_table_by_name(tav_deploy_table_counts& counts, const char* name);
+int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* name);
+
+namespace deploy {
 
 // Reports tables of `tables` that stand more than once in `all_tables`, and columns that stand more
 // than once in a table: 1, or -1.
-int tav_deploy_check_unique_names(const tav_deploy_tables& tables,
-                                  const tav_deploy_tables& all_tables);
+int check_unique_names(const table_uses& tables, const table_uses& all_tables);
+
+}  // namespace deploy
 
 #endif

@@ -5,73 +5,116 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-using enum tav_deploy_raises;
+using enum deploy::definition_side;
 
-static void count_all(tav_deploy_table_counts& counts) {
+static void count_all(deploy::table_counts& counts) {
   counts.by_place.assign(counts.tables.uses.size(), {});
   counts.first_place.clear();
   for (size_t place = 0; place < counts.tables.uses.size(); ++place) {
-    const tav_deploy_table& table = counts.tables.uses[place];
+    const deploy::table_use& table = counts.tables.uses[place];
     const size_t first = counts.first_place.add_first(table.name, place);
     ++counts.by_place[first].all;
+    counts.by_place[first].last = place;
     if (table.is_serializable) ++counts.by_place[first].serializable;
   }
   counts.counted = true;
 }
 
-int tav_deploy_count_table_by_name(tav_deploy_table_counts& counts, const char* name) {
+int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* name) {
   tav_ebuf ebuf{};
   if (!counts.counted) dd_with_memory(at(&ebuf, HERE), [&] { count_all(counts); });
-  if (dd_failed(ebuf)) return tav_deploy_call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
   const size_t* place = counts.first_place.find(name);
   if (place == nullptr) return 0;
-  const tav_deploy_table_counts::uses& uses = counts.by_place[*place];
+  const deploy::table_counts::uses& uses = counts.by_place[*place];
   return uses.all >= 2 && uses.serializable >= 1 ? 1 : uses.all;
 }
 
-using column_index = dd_index<dd_by_name, const tav_deploy_column*>;
+using column_index = dd_index<dd_by_name, const deploy::column_use*>;
 
-static void report_repeated(const tav_deploy_tables& tables, const tav_deploy_table& table,
-                            column_index& seen) {
+// The entries from a use's outwards; told to a sink only.
+static std::vector<deploy::entry_path> path_from(const deploy::table_uses& tables, size_t use) {
+  std::vector<deploy::entry_path> path;
+  if (!deploy::has_sink()) return path;
+  for (; use != deploy::NO_PLACE; use = tables.uses[use].around) {
+    if (tables.uses[use].field != nullptr) path.push_back({tables.uses[use].field});
+  }
+  for (size_t i = 1; i < path.size(); ++i) path[i - 1].around = &path[i];
+  return path;
+}
+
+// A BUF names table and column; any other column stands in the entry that names the table.
+static void report_column(const deploy::table_uses& tables, size_t use,
+                          const deploy::column_use& column) {
+  const deploy::table_use& table = tables.uses[use];
+  const bool is_buf = column.field == table.field;
+  const auto path = path_from(tables, is_buf ? table.around : use);
+  deploy::report(HERE, "repeated-column",
+                 {.class_name = table.class_name,
+                  .field = column.field,
+                  .around = path.data(),
+                  .side = IMPLEMENTATION,
+                  .table = table.name,
+                  .column = column.name,
+                  .attribute = "SQL_COLUMN"});
+}
+
+// The first use of the table's name, or the last one where this is the first.
+static const deploy::table_use& other_use(const deploy::table_counts& counts,
+                                          const deploy::table_use& table) {
+  const size_t place = *counts.first_place.find(table.name);
+  const deploy::table_use& first = counts.tables.uses[place];
+  const bool is_first = first.class_name == table.class_name && first.field == table.field;
+  return is_first ? counts.tables.uses[counts.by_place[place].last] : first;
+}
+
+static void report_table(const deploy::table_uses& tables, size_t use,
+                         const deploy::table_counts& counts) {
+  const deploy::table_use& table = tables.uses[use];
+  const auto path = path_from(tables, table.around);
+  deploy::report(HERE, "repeated-table",
+                 {.class_name = table.class_name,
+                  .related_class = other_use(counts, table).class_name,
+                  .field = table.field,
+                  .around = path.data(),
+                  .side = IMPLEMENTATION,
+                  .table = table.name,
+                  .attribute = "SQL_TABLE"});
+}
+
+static void report_repeated(const deploy::table_uses& tables, size_t use, column_index& seen) {
   seen.clear();
-  for (size_t place = table.first_column; place != TAV_DEPLOY_NONE;
+  for (size_t place = tables.uses[use].first_column; place != deploy::NO_PLACE;
        place = tables.columns[place].next) {
-    const tav_deploy_column& column = tables.columns[place];
+    const deploy::column_use& column = tables.columns[place];
     if (seen.add_first(column.name, column.hash, &column) == &column) continue;
-    tav_deploy_report(HERE, ERROR, "duplicate column name",
-                      "Error: duplicate column %s within table: %s\n", column.name, table.name);
+    report_column(tables, use, column);
   }
 }
 
 // The index is the caller's, to be filled anew for each table.
-static int check_columns(const tav_deploy_tables& tables, const tav_deploy_table& table,
-                         column_index& seen) {
+static int check_columns(const deploy::table_uses& tables, size_t use, column_index& seen) {
   tav_ebuf ebuf{};
-  dd_with_memory(at(&ebuf, HERE), [&] { report_repeated(tables, table, seen); });
+  dd_with_memory(at(&ebuf, HERE), [&] { report_repeated(tables, use, seen); });
   if (!dd_failed(ebuf)) return 1;
-  tav_deploy_call_failed(HERE, ebuf);
-  return tav_deploy_fail(HERE, "while checking for unique column names",
-                         "Error:  while checking for unique column names\n");
+  deploy::call_failed(HERE, ebuf);
+  return deploy::report(HERE, "columns-not-compared");
 }
 
-static int check_tables(const tav_deploy_tables& tables, tav_deploy_table_counts& counts) {
+static int check_tables(const deploy::table_uses& tables, deploy::table_counts& counts) {
   column_index columns;
-  for (const tav_deploy_table& table : tables.uses) {
-    const int count = tav_deploy_count_table_by_name(counts, table.name);
+  for (size_t use = 0; use < tables.uses.size(); ++use) {
+    const int count = tav_deploy_count_table_by_name(counts, tables.uses[use].name);
     if (count < 0) return -1;
-    if (count > 1) {
-      tav_deploy_report(HERE, ERROR, "duplicate table name", "Error: duplicate table name: %s\n",
-                        table.name);
-    }
-    if (check_columns(tables, table, columns) < 1) return -1;
+    if (count > 1) report_table(tables, use, counts);
+    if (check_columns(tables, use, columns) < 1) return -1;
   }
   return 1;
 }
 
-int tav_deploy_check_unique_names(const tav_deploy_tables& tables,
-                                  const tav_deploy_tables& all_tables) {
-  tav_deploy_table_counts counts{all_tables};
+int deploy::check_unique_names(const deploy::table_uses& tables,
+                               const deploy::table_uses& all_tables) {
+  deploy::table_counts counts{all_tables};
   if (check_tables(tables, counts) >= 1) return 1;
-  return tav_deploy_fail(HERE, "while checking for unique storage names",
-                         "Error:  while checking for unique storage names\n");
+  return deploy::report(HERE, "storage-not-compared");
 }
