@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "dd/types.h"
+#include "dparse/read/reader.h"
 #include "syntax/scan.h"
 
 namespace syntax {
@@ -139,8 +140,9 @@ static void parse_attribute(parsing& in) {
 }
 
 static void parse_broken_member(parsing& in) {
-  const bool is_attribute = is_name(kind(in));
-  const uint32_t self = begin_node(in, is_attribute ? node_kind::ATTRIBUTE : node_kind::BROKEN);
+  const uint32_t self = begin_node(in, begins_field(in)    ? node_kind::ENTRY
+                                       : is_name(kind(in)) ? node_kind::ATTRIBUTE
+                                                           : node_kind::BROKEN);
   if (kind(in) == DPARSE_KEY_OPEN) {
     skip_braces(in);
   } else {
@@ -206,7 +208,8 @@ static bool begins_field_of_sorts(parsing& in) {
 }
 
 static void parse_member(parsing& in) {
-  if (begins_field_of_sorts(in)) return parse_field_head(in, node_kind::ENTRY);
+  const bool is_too_deep = in.open.size() > DPARSE_MAX_DEPTH;
+  if (begins_field_of_sorts(in) && !is_too_deep) return parse_field_head(in, node_kind::ENTRY);
   const bool is_attribute = is_name(kind(in)) && kind(in, 1) == DPARSE_KEY_EQUALS;
   is_attribute ? parse_attribute(in) : parse_broken_member(in);
 }

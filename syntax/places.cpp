@@ -41,9 +41,8 @@ static size_t character_size(std::string_view bytes) {
   return is_refused ? 1 : size;
 }
 
-columns columns_at(const tree& tree, const place& place) {
-  std::string_view before =
-      std::string_view(tree.text).substr(place.byte - place.column, place.column);
+columns columns_at(std::string_view text, const place& place) {
+  std::string_view before = text.substr(place.byte - place.column, place.column);
   columns result;
   while (!before.empty()) {
     const size_t size = character_size(before);

@@ -89,31 +89,31 @@ size_t apply(tree& changed, const edit& change) {
 
 // --- Tokens and nodes ----------------------------------------------------------------------------
 
-static size_t end_of(const tree& tree, const definition& in, const token& token) {
+static size_t end_of(std::string_view text, const definition& in, const token& token) {
   const size_t start = place_of(in, token);
   const size_t length = token.kind_and_length & token::LONG;
-  return length < token::LONG ? start + length : scan(tree.text, start).end;
+  return length < token::LONG ? start + length : scan(text, start).end;
 }
 
-std::string_view text_of(const tree& tree, const definition& in, const token& token) {
+std::string_view text_of(std::string_view text, const definition& in, const token& token) {
   const size_t start = place_of(in, token);
-  return std::string_view(tree.text).substr(start, end_of(tree, in, token) - start);
+  return text.substr(start, end_of(text, in, token) - start);
 }
 
-std::string_view text_of(const tree& tree, const definition& in, const node& node) {
+std::string_view text_of(std::string_view text, const definition& in, const node& node) {
   const auto tokens = tokens_of(in, node);
   const size_t start = place_of(in, tokens.front());
-  return std::string_view(tree.text).substr(start, end_of(tree, in, tokens.back()) - start);
+  return text.substr(start, end_of(text, in, tokens.back()) - start);
 }
 
-std::string_view name_of(const tree& tree, const definition& in, const node& node) {
+std::string_view name_of(std::string_view text, const definition& in, const node& node) {
   const auto tokens = tokens_of(in, node);
   const bool is_class =
       node.meant == node_kind::INTERFACE || node.meant == node_kind::IMPLEMENTATION;
   const size_t place = node.meant == node_kind::ATTRIBUTE ? 0 : is_class ? 2 : 1;
   if (node.meant == node_kind::BROKEN || tokens.size() <= place) return {};
   if (place > 0 && tokens[place].kind() != DPARSE_TOKEN_WORD) return {};
-  return text_of(tree, in, tokens[place]);
+  return text_of(text, in, tokens[place]);
 }
 
 uint32_t behind(const definition& in, uint32_t node) {

@@ -7,7 +7,7 @@
 //
 //   syntax::tree tree = syntax::read(text);
 //   for (const syntax::definition& each : tree.definitions)
-//     std::cout << syntax::name_of(tree, each, each.nodes[0]);
+//     std::cout << syntax::name_of(tree.text, each, each.nodes[0]);
 //
 // A tree owns its text and everything else in it, and what the calls give borrows from it, until it
 // is edited or destroyed. Offsets and lengths are in bytes.
@@ -44,7 +44,8 @@ enum class node_kind : uint8_t {
   IMPLEMENTATION,  // STORABLE CLASS name IMPLEMENTATION word "{" ... "}"
   ENTRY,           // a field inside a class or entry
   ATTRIBUTE,       // keyword "=" words and strings ";"
-  BROKEN           // anything else, up to the next member, closing brace or definition
+  BROKEN           // anything else, up to the next member, closing brace or definition, and
+                   // entries that are nested deeper than the reader takes
 };
 
 // A construct. The nodes of a definition stand in the order of their first tokens, each before
@@ -106,13 +107,14 @@ inline std::span<const token> tokens_of(const definition& in, const node& node) 
   return tokens_of(in).subspan(node.first, node.count);
 }
 
-// As it is written, a string with its quotes.
-std::string_view text_of(const tree& tree, const definition& in, const token& token);
+// These three take the text that was read (tree::text), from which what they give borrows.
+// The token as it is written, a string with its quotes.
+std::string_view text_of(std::string_view text, const definition& in, const token& token);
 // From the first to the last token, with what stands between them.
-std::string_view text_of(const tree& tree, const definition& in, const node& node);
+std::string_view text_of(std::string_view text, const definition& in, const node& node);
 // The name of a definition or entry, the keyword of an attribute; empty where none is known. A
 // broken definition that has a name defines it all the same.
-std::string_view name_of(const tree& tree, const definition& in, const node& node);
+std::string_view name_of(std::string_view text, const definition& in, const node& node);
 // Where the token stands in the text.
 inline uint64_t place_of(const definition& in, const token& token) {
   return in.start + token.start;
@@ -135,7 +137,7 @@ struct columns {
   uint64_t characters = 0;  // code points
   uint64_t utf16 = 0;       // units, 2 for a code point from U+10000 on
 };
-columns columns_at(const tree& tree, const place& place);
+columns columns_at(std::string_view text, const place& place);
 
 }  // namespace syntax
 

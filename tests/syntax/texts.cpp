@@ -75,7 +75,7 @@ static void add_shape(const syntax::tree& tree, const syntax::definition& in, ui
   const syntax::node& node = in.nodes[index];
   if (node.kind != node.meant || node.kind == syntax::node_kind::BROKEN) shape += '!';
   shape += "FCIEa?"[static_cast<size_t>(node.meant)];
-  const std::string name(name_of(tree, in, node));
+  const std::string name(name_of(tree.text, in, node));
   if (!name.empty()) shape += ":" + name;
   const uint32_t end = behind(in, index);
   if (index + 1 < end) shape += '[';
@@ -112,7 +112,7 @@ std::string dump(const syntax::tree& tree) {
     if (each.start != start) records += "(definitions apart)";
     for (const syntax::token& token : tokens_of(each)) {
       add_gap(tree, at, place_of(each, token), all);
-      const std::string_view text = text_of(tree, each, token);
+      const std::string_view text = text_of(tree.text, each, token);
       all += text;
       at += text.size();
       records += std::to_string(token.start) + "/" + std::to_string(token.kind_and_length) + " ";
