@@ -197,6 +197,7 @@ static scanned next_word(std::string_view text, size_t at) {
 }
 
 bool same_words(std::string_view text, std::string_view other) {
+  if (text == other) return true;
   if (mark_size(text) != mark_size(other)) return false;
   scanned a{0, 0, DPARSE_TOKEN_EMPTY};
   scanned b = a;

@@ -26,6 +26,14 @@ place place_at(const tree& tree, uint64_t byte) {
           before.size() - line_start, before.size()};
 }
 
+void move_to(place& place, std::string_view text, uint64_t byte) {
+  const std::string_view between = text.substr(place.byte, byte - place.byte);
+  const size_t last = between.rfind('\n');
+  const uint64_t line_start =
+      last == between.npos ? place.byte - place.column : place.byte + last + 1;
+  place = {place.line + lines_in(between), byte - line_start, byte};
+}
+
 // The size of the character that the bytes begin with (UTF-8, shortest form, no surrogates), or 1.
 static size_t character_size(std::string_view bytes) {
   const auto byte = [bytes](size_t i) { return static_cast<unsigned char>(bytes[i]); };

@@ -131,6 +131,8 @@ struct place {
   uint64_t byte;    // in the text
 };
 place place_at(const tree& tree, uint64_t byte);
+// Moves a place, {1, 0, 0} at first, on to a byte behind it: for who has no tree, or many places.
+void move_to(place& place, std::string_view text, uint64_t byte);
 
 // The same column in other units. Each byte that is not part of a character counts as one.
 struct columns {
