@@ -150,3 +150,24 @@ TEST(format, leaves_files_whole_where_the_new_one_cannot_be_written) {
   expect_left(place, result, "File too large");
   EXPECT_EQ(place.read("a.def"), large);
 }
+
+// What is committed counts, not what stands in the folder.
+TEST(format, is_asked_before_a_commit) {
+  const workshop place;
+  run_options shell;
+  shell.program = "/bin/bash";
+  const auto run = [&](const std::string& line) {
+    return place.run(
+        {"-c", "PATH=" + fs::path(TAV_DICT).parent_path().string() + ":$PATH; " + line}, shell);
+  };
+  if (run("git init -q .").exit_status != 0) GTEST_SKIP() << "git is not here";
+  place.write("good one.def", PRETTY);
+  place.write("bad.def", UGLY);
+  ASSERT_EQ(run("git add 'good one.def'").exit_status, 0);
+  const std::string hook = TAV_EXAMPLES "/pre-commit.sh";
+  EXPECT_EQ(run(hook).out, "");
+  EXPECT_EQ(run(hook).exit_status, 0);
+  ASSERT_EQ(run("git add bad.def && tav_dict format -w bad.def").exit_status, 0);
+  EXPECT_EQ(run(hook).out, "bad.def\n");
+  EXPECT_EQ(run(hook).exit_status, 1);
+}
