@@ -93,7 +93,8 @@ struct edit {
 
 // Makes the change, and the tree that of the new text. Gives how many definitions were read for
 // it: those that the change touches, and those that ended where they did because of what it
-// touches. What of the edit lies behind the text is ignored.
+// touches. What of the edit lies behind the text is ignored. Without memory for it (std::bad_alloc)
+// nothing can be done with the tree but to read another into it.
 size_t apply(tree& changed, const edit& change);
 
 // --- Tokens and nodes ----------------------------------------------------------------------------

@@ -49,17 +49,6 @@ TEST(Format, LaysOut) {
   }
 }
 
-TEST(Format, TellsWhatIsBroken) {
-  const auto broken = syntax::format("INT A { ID 5; } oops { } INT B { ID = 5; INT C { }").broken;
-  ASSERT_EQ(broken.size(), 3u);
-  EXPECT_EQ(broken[0].byte, 8u);
-  EXPECT_EQ(broken[0].meant, syntax::node_kind::ATTRIBUTE);
-  EXPECT_EQ(broken[1].byte, 16u);
-  EXPECT_EQ(broken[1].meant, syntax::node_kind::BROKEN);
-  EXPECT_EQ(broken[2].byte, 25u);
-  EXPECT_EQ(broken[2].meant, syntax::node_kind::FIELD);
-}
-
 TEST(Format, KnowsOtherWords) {
   const std::string text = "INT A { ID = 1; } # a\n";
   EXPECT_TRUE(syntax::same_words(text, "INT\nA{ID=1;}# a\r\n"));
