@@ -25,6 +25,7 @@ int restore(const std::string& file);
 // `result` is the exit status.
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
+void add_format(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);

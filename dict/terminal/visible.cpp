@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 
 #include "dd/visible.h"
@@ -22,15 +23,23 @@ std::string visible_in_output(std::string_view text) {
   return is_terminal(std::cout) ? dd_visible(text) : std::string(text);
 }
 
-std::ostream& operator<<(std::ostream& out, visible_lines piece) {
-  if (!is_terminal(out)) return out << piece.text;
-  for (std::string_view rest = piece.text; !rest.empty();) {
-    const size_t end = rest.find('\n');
-    out << visible{rest.substr(0, end)};
-    rest.remove_prefix(end != rest.npos ? end + 1 : rest.size());
-    if (end != rest.npos) out << '\n';
+static std::ostream& put_between(std::ostream& out, std::string_view text, const char* kept) {
+  if (!is_terminal(out)) return out << text;
+  while (!text.empty()) {
+    const size_t end = std::min(text.find_first_of(kept), text.size());
+    out << visible{text.substr(0, end)};
+    if (end < text.size()) out << text[end];
+    text.remove_prefix(std::min(end + 1, text.size()));
   }
   return out;
+}
+
+std::ostream& operator<<(std::ostream& out, visible_lines piece) {
+  return put_between(out, piece.text, "\n");
+}
+
+std::ostream& operator<<(std::ostream& out, visible_file piece) {
+  return put_between(out, piece.text, "\n\t");
 }
 
 }  // namespace dict

@@ -25,6 +25,12 @@ struct visible_lines {
 };
 std::ostream& operator<<(std::ostream& out, visible_lines piece);
 
+// The same for a whole file: its tabs stay, too.
+struct visible_file {
+  std::string_view text;
+};
+std::ostream& operator<<(std::ostream& out, visible_file piece);
+
 }  // namespace dict
 
 #endif

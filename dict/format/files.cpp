@@ -1,0 +1,173 @@
+#include "dict/format/files.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "syntax/tree.h"
+
+namespace dict {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct descriptor {
+  int number;
+  ~descriptor() {
+    if (number >= 0) ::close(number);
+  }
+};
+
+// A file that is gone with the record, unless it has got its name.
+struct new_file {
+  std::string path;
+  descriptor open{-1};
+  ~new_file() {
+    if (!path.empty()) ::unlink(path.c_str());
+  }
+};
+
+}  // namespace
+
+static bool cannot_be_read(const std::string& name, const char* reason, dm::problem& why) {
+  why.sentence = dm::join({"File ", dm::quoted(name), " cannot be read: ", reason, "."});
+  return false;
+}
+
+static bool is_left(const std::string& name, std::string_view reason, dm::problem& why) {
+  why.sentence = dm::join({"File ", dm::quoted(name), " is left as it is: ", reason, "."});
+  return false;
+}
+
+// --- Finding -------------------------------------------------------------------------------------
+
+bool find_files(const std::string& named, std::vector<std::string>& files, dm::problem& why) {
+  std::error_code error;
+  if (named == STANDARD_INPUT || !fs::is_directory(named, error)) {
+    files.push_back(named);
+    return true;
+  }
+  const auto first = static_cast<ptrdiff_t>(files.size());
+  fs::recursive_directory_iterator at(named, error);
+  for (; !error && at != fs::recursive_directory_iterator(); at.increment(error)) {
+    std::error_code no_matter;  // what cannot be looked at is told when it is read
+    if (at->path().extension() == ".def" && !at->is_directory(no_matter))
+      files.push_back(at->path().string());
+  }
+  std::sort(files.begin() + first, files.end());
+  if (error) {
+    why.sentence =
+        dm::join({"Folder ", dm::quoted(named), " cannot be read to its end: ", error.message(),
+                  "; some of its files were left out."});
+    return false;
+  }
+  if (files.begin() + first != files.end()) return true;
+  why.sentence = dm::join({"Folder ", dm::quoted(named), " holds no definition file (*.def)."});
+  return false;
+}
+
+// --- Reading -------------------------------------------------------------------------------------
+
+// Reads on until the end; 0 or the errno.
+static int read_all(int from, std::string& text) {
+  for (size_t size = text.size();;) {
+    if (size == text.size()) text.resize(size < text.capacity() ? text.capacity() : size * 2);
+    const ssize_t count = ::read(from, text.data() + size, text.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count > 0) size += static_cast<size_t>(count);
+    if (count > 0 && size <= syntax::MOST_BYTES) continue;
+    text.resize(size);
+    return count < 0 ? errno : count > 0 ? EFBIG : 0;
+  }
+}
+
+bool read_file(const std::string& name, file_content& content, dm::problem& why) {
+  const bool is_input = name == STANDARD_INPUT;
+  const descriptor file{is_input ? ::dup(STDIN_FILENO)
+                                 : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)};
+  if (file.number < 0 || ::fstat(file.number, &content.status) != 0)
+    return cannot_be_read(name, std::strerror(errno), why);
+  // One more than it holds, so that the end shows without more room.
+  const auto size = static_cast<uint64_t>(std::max<off_t>(content.status.st_size, 1 << 16));
+  content.text.reserve(std::min<uint64_t>(size, syntax::MOST_BYTES) + 1);
+  const int error = read_all(file.number, content.text);
+  return error == 0 || cannot_be_read(name, std::strerror(error), why);
+}
+
+// --- Replacing -----------------------------------------------------------------------------------
+
+static bool is_same(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+         a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+static bool may_be_replaced(const std::string& name, const char* path, const file_content& before,
+                            dm::problem& why) {
+  if (!S_ISREG(before.status.st_mode)) return is_left(name, "it is no regular file", why);
+  if (before.status.st_nlink > 1)
+    return is_left(name, "it has several names (hard links), of which only one would change", why);
+  if (::access(path, W_OK) != 0) return is_left(name, std::strerror(errno), why);
+  return true;
+}
+
+static bool make_beside(const fs::path& path, new_file& made) {
+  std::string pattern = (path.parent_path() / ".tav_dict.XXXXXX").string();
+  made.open.number = ::mkostemp(pattern.data(), O_CLOEXEC);
+  if (made.open.number >= 0) made.path = pattern;
+  return made.open.number >= 0;
+}
+
+// Gives the file the owner and then the mode of the other, whose bits a new owner may take away.
+static bool give_owner_and_mode(const new_file& made, const struct stat& status, bool& has_owner) {
+  struct stat own;
+  if (::fstat(made.open.number, &own) != 0) return false;
+  has_owner = (own.st_uid == status.st_uid && own.st_gid == status.st_gid) ||
+              ::fchown(made.open.number, status.st_uid, status.st_gid) == 0;
+  return has_owner && ::fchmod(made.open.number, status.st_mode & 07777) == 0;
+}
+
+static bool write_all(int to, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(to, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    text.remove_prefix(static_cast<size_t>(count));
+  }
+  return ::fsync(to) == 0;
+}
+
+static bool rename_to(new_file& made, const fs::path& path) {
+  if (::rename(made.path.c_str(), path.c_str()) != 0) return false;
+  made.path.clear();
+  const descriptor folder{::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY)};
+  if (folder.number >= 0) ::fsync(folder.number);  // the file is whole either way
+  return true;
+}
+
+bool replace_file(const std::string& name, const file_content& before, std::string_view text,
+                  dm::problem& why) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(name.c_str(), nullptr),
+                                                         &std::free);
+  if (real == nullptr) return is_left(name, std::strerror(errno), why);
+  if (!may_be_replaced(name, real.get(), before, why)) return false;
+  const fs::path path = real.get();
+  new_file made;
+  bool has_owner = true;
+  if (!make_beside(path, made) || !give_owner_and_mode(made, before.status, has_owner)) {
+    return is_left(name, has_owner ? std::strerror(errno) : "its owner and group cannot be kept",
+                   why);
+  }
+  if (!write_all(made.open.number, text)) return is_left(name, std::strerror(errno), why);
+  struct stat now;
+  if (::stat(path.c_str(), &now) != 0 || !is_same(now, before.status))
+    return is_left(name, "somebody has changed it since it was read", why);
+  return rename_to(made, path) || is_left(name, std::strerror(errno), why);
+}
+
+}  // namespace dict

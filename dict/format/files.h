@@ -1,0 +1,38 @@
+// Files that are read whole, and replaced whole or not at all.
+#ifndef DICT_FORMAT_FILES_H
+#define DICT_FORMAT_FILES_H
+
+#include <sys/stat.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "dm/problem.h"
+
+namespace dict {
+
+inline constexpr char STANDARD_INPUT[] = "-";
+
+struct file_content {
+  std::string text;
+  struct stat status;  // as it was read
+};
+
+// Each gives false with the reason.
+
+// Appends the file, or of a folder all files *.def below, sorted; links to folders are not followed
+// there.
+bool find_files(const std::string& named, std::vector<std::string>& files, dm::problem& why);
+
+bool read_file(const std::string& name, file_content& content, dm::problem& why);
+
+// Puts a file with that text in the place of the one that was read; what a link names is replaced,
+// not the link. Owner and mode stay. A file that has other names too, an owner that cannot be
+// given to another file, or that somebody has changed since, is left as it is.
+bool replace_file(const std::string& name, const file_content& before, std::string_view text,
+                  dm::problem& why);
+
+}  // namespace dict
+
+#endif

@@ -1,0 +1,27 @@
+// One definition at a time, from any place between two of them.
+#ifndef SYNTAX_PARSE_H
+#define SYNTAX_PARSE_H
+
+#include "syntax/tree.h"
+
+namespace syntax {
+
+// A text on its way into a tree.
+struct parsing {
+  std::string_view text;
+  size_t base;                  // where the definition begins: tokens count from here
+  size_t at;                    // where the next token is looked for
+  size_t next = 0;              // the token to read
+  size_t seen = 0;              // tokens looked at
+  std::vector<token> tokens{};  // of the definition, then those looked at ahead
+  std::vector<node> nodes{};
+  std::vector<uint32_t> open{};  // nodes whose closing brace is yet to come
+};
+
+// Appends the next definition; false where there is none. What comes depends on nothing but the
+// text from `base` on.
+bool parse_definition(parsing& in, std::vector<definition>& definitions);
+
+}  // namespace syntax
+
+#endif
