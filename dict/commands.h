@@ -24,12 +24,10 @@ int restore(const std::string& file);
 // Commands with options of their own: each adds itself, and sets the exit status when it has run.
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
+void add_uses(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);
-
-// Notes on standard error which entries of tav.conf have no effect.
-void tell_unknown_entries();
 
 // Says on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);

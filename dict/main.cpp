@@ -22,7 +22,7 @@ static constexpr char DESCRIPTION[] =
     "Exit status:\n"
     "  0  done, and nothing found\n"
     "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
-    "     or 'explain' does not know the message\n"
+    "     'explain' does not know the message, or 'uses' not the name\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -96,6 +96,7 @@ static int run(int argc, char** argv) {
   restore->callback([&] { result = dict::restore(file); });
   dict::add_diff(app, result);
   dict::add_explain(app, result);
+  dict::add_uses(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

@@ -3,6 +3,7 @@
 
 #include "dd/database_number.h"
 #include "dict/commands.h"
+#include "dict/reading.h"
 #include "dict/terminal/visible.h"
 #include "dm/open.h"
 
@@ -20,12 +21,6 @@ static bool print_database(dm::store& store, const dm::database_row& row, dm::pr
   std::cout << "database " << dd_database_text(row.number) << ": " << fields << " fields, "
             << classes << " classes\n";
   return true;
-}
-
-void tell_unknown_entries() {
-  for (const std::string& sentence : dm::unknown_entries()) {
-    std::cerr << "tav_dict: Note: " << sentence << '\n';
-  }
 }
 
 int status() {

@@ -45,7 +45,10 @@ bool commit_write(session& session, problem& why);
 // Undoes it.
 void undo_write(session& session);
 
-// The database that an operation's list names; its counter has room for so many writes.
+// The database of that number; its counter has room for so many writes.
+bool find_database(store& store, uint64_t wanted, int64_t writes, database_row& database,
+                   problem& why);
+// The same for the one that an operation's list names.
 bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
                    problem& why);
 // The same number without looking: 0 when the list names none.
