@@ -24,6 +24,7 @@ int restore(const std::string& file);
 // Commands with options of their own: each adds itself, and sets the exit status when it has run.
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
+void add_export(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.

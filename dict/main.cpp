@@ -96,6 +96,7 @@ static int run(int argc, char** argv) {
   restore->callback([&] { result = dict::restore(file); });
   dict::add_diff(app, result);
   dict::add_explain(app, result);
+  dict::add_export(app, result);
   dict::add_uses(app, result);
   try {
     app.parse(argc, argv);
