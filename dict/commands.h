@@ -25,6 +25,8 @@ int restore(const std::string& file);
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
 void add_export(CLI::App& app, int& result);
+void add_list(CLI::App& app, int& result);
+void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.

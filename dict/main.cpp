@@ -96,6 +96,8 @@ static int run(int argc, char** argv) {
   restore->callback([&] { result = dict::restore(file); });
   dict::add_diff(app, result);
   dict::add_explain(app, result);
+  dict::add_list(app, result);
+  dict::add_next_id(app, result);
   dict::add_export(app, result);
   dict::add_uses(app, result);
   try {
