@@ -16,7 +16,6 @@ enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
 
 int init();
 int add_database(const std::string& number);
-int status();
 int check();
 int backup(const std::string& file);
 int restore(const std::string& file);
@@ -25,6 +24,7 @@ int restore(const std::string& file);
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
 void add_export(CLI::App& app, int& result);
+void add_status(CLI::App& app, int& result);
 void add_list(CLI::App& app, int& result);
 void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);

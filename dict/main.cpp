@@ -81,8 +81,7 @@ static int run(int argc, char** argv) {
   auto* add = app.add_subcommand("add-database", "Add a database to the dictionary");
   add->add_option("number", number, "Its number, N.N.N.N")->required();
   add->callback([&] { result = dict::add_database(number); });
-  app.add_subcommand("status", "Say what the dictionary holds and whether it can be written")
-      ->callback([&] { result = dict::status(); });
+  dict::add_status(app, result);
   app.add_subcommand("check", "Verify the dictionary's integrity and every rule of its content")
       ->callback([&] { result = dict::check(); });
   std::string file;
