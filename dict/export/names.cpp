@@ -10,6 +10,7 @@ namespace dict {
 static constexpr std::string_view ENDING = ".def";
 static constexpr std::string_view CLASS = "class_";
 static constexpr std::string_view FIELDS = "fields";
+static constexpr std::string_view FIELDS_LIKE = "fields_";
 static constexpr size_t LONGEST = 200;
 
 static bool is_plain(char c) {
@@ -22,7 +23,11 @@ static std::string escaped(std::string_view key) {
   for (const char c : key) {
     char code[4];
     std::snprintf(code, sizeof code, "%%%02x", static_cast<unsigned char>(c));
-    result += is_plain(c) ? std::string(1, c) : c == '/' ? "." : code;
+    if (is_plain(c)) {
+      result += c;
+    } else {
+      result += c == '/' ? "." : code;
+    }
   }
   return result;
 }
@@ -38,10 +43,12 @@ static std::string digest(std::string_view key) {
 
 // A name that is too long is cut, and ends with a digest behind "~", which no other name holds.
 static std::string file_name(std::string_view kind, std::string_view key) {
-  std::string name = std::string(kind) + escaped(key);
+  std::string name(kind);
+  name.append(escaped(key));
   if (name.size() + ENDING.size() > LONGEST) {
-    const std::string end = "~" + digest(key);
-    name = name.substr(0, LONGEST - ENDING.size() - end.size()) + end;
+    const std::string end = digest(key);
+    name.resize(LONGEST - ENDING.size() - 1 - end.size());
+    name.append("~").append(end);
   }
   return name.append(ENDING);
 }
@@ -56,7 +63,8 @@ std::string file_of_field(std::string_view field_name) {
   const size_t first = key.find('_');
   if (first == key.npos) return file_name(FIELDS, "");
   const size_t second = key.find('_', first + 1);
-  return file_name(FIELDS, "_" + key.substr(0, (second != key.npos ? second : first) + 1));
+  const size_t end = second != key.npos ? second : first;
+  return file_name(FIELDS_LIKE, std::string_view(key).substr(0, end + 1));
 }
 
 bool is_file_of_export(std::string_view name) {
