@@ -2,6 +2,8 @@
 // and `class` do.
 #include "dict/export/export.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
@@ -123,6 +125,10 @@ static bool cannot_be_written(dm::problem& why) {
 
 // The tabs at the start of a line are the writer's.
 static void print(std::string_view text) {
+  if (isatty(STDOUT_FILENO) == 0) {
+    std::cout << text;
+    return;
+  }
   while (!text.empty()) {
     const size_t own = std::min(text.find_first_not_of("\t\n"), text.size());
     const size_t end = std::min(text.find('\n', own), text.size());
