@@ -227,6 +227,8 @@ static int run(const request& asked, bool to_folder) {
   dd_take_errors(&faults);
   const bool is_done = to_folder ? write_all(all, asked.folder, why) : print_all(all, why);
   dd_take_errors(nullptr);
+  all.all.fields.leave();
+  all.all.classes.leave();
   if (is_done) return DONE;
   for (const std::string& fault : faults) std::cerr << visible{line_of(fault)} << '\n';
   return fail(why);
