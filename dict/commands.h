@@ -16,7 +16,6 @@ enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
 
 int init();
 int add_database(const std::string& number);
-int status();
 int check();
 int backup(const std::string& file);
 int restore(const std::string& file);
@@ -26,12 +25,14 @@ int restore(const std::string& file);
 void add_diff(CLI::App& app, int& result);
 void add_explain(CLI::App& app, int& result);
 void add_format(CLI::App& app, int& result);
+void add_export(CLI::App& app, int& result);
+void add_status(CLI::App& app, int& result);
+void add_list(CLI::App& app, int& result);
+void add_next_id(CLI::App& app, int& result);
+void add_uses(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);
-
-// Prints a note on standard error for each entry of tav.conf that has no effect.
-void tell_unknown_entries();
 
 // Prints on standard error what went wrong; gives FAILED.
 int fail(const dm::problem& why);

@@ -21,7 +21,8 @@ static constexpr char DESCRIPTION[] =
     "Exit status:\n"
     "  0  done, and nothing found\n"
     "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
-    "     'explain' does not know the message, or 'format' would change a file\n"
+    "     'explain' does not know the message, 'uses' not the name, or 'format' would change\n"
+    "     a file\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -76,8 +77,7 @@ static int run(int argc, char** argv) {
   auto* add = app.add_subcommand("add-database", "Add a database to the dictionary");
   add->add_option("number", number, "Its number, N.N.N.N")->required();
   add->callback([&] { result = dict::add_database(number); });
-  app.add_subcommand("status", "Say what the dictionary holds and whether it can be written")
-      ->callback([&] { result = dict::status(); });
+  dict::add_status(app, result);
   app.add_subcommand("check", "Verify the dictionary's integrity and every rule of its content")
       ->callback([&] { result = dict::check(); });
   std::string file;
@@ -92,6 +92,10 @@ static int run(int argc, char** argv) {
   dict::add_diff(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
+  dict::add_list(app, result);
+  dict::add_next_id(app, result);
+  dict::add_export(app, result);
+  dict::add_uses(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

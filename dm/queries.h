@@ -21,6 +21,7 @@ enum query {
   SELECT_CLASSES_BELOW,
   SELECT_CLASS_KEYS,
   SELECT_CLASS_KEYS_BELOW,
+  SELECT_CLASSES_MENTIONING,
   SELECT_TABLES,
   SELECT_TABLE_NAMED,
   COUNT_FIELDS,
@@ -28,7 +29,8 @@ enum query {
   QUERIES  // their number
 };
 
-// The SQL text; parameters are ?1 (the database's row id), ?2 and ?3.
+// The SQL text; parameters are ?1 (the database's row id), ?2 and ?3. Where it says LIKE, letters
+// match without regard to ASCII case.
 std::string query_text(query which);
 
 // A query and its parameters after the first, which is the database.

@@ -48,26 +48,29 @@ uint64_t target_of(const tav_node* input) {
   return tav_poid_get_db(static_cast<const tav_poid_t*>(tav_node_get(input, TAV_FLD_POID)));
 }
 
-bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
+bool find_database(store& store, uint64_t wanted, int64_t writes, database_row& database,
                    problem& why) {
-  if (tav_node_get(input, TAV_FLD_POID) == nullptr) {
-    why = {TAV_ERR_MISSING_FIELD, TAV_FLD_POID, 0, 0, "The operation names no database."};
-    return false;
-  }
-  const uint64_t wanted = target_of(input);
   bool is_there = false;
   auto look = [&](const database_row& row) {
     if (row.number == wanted) database = row, is_there = true;
     return !is_there;
   };
-  store* store = session.store.get();
-  if (!store->calls->databases(store, visit<database_row>(look), why)) return false;
+  if (!store.calls->databases(&store, visit<database_row>(look), why)) return false;
   if (is_there && has_room(database.counter, writes)) return true;
   if (is_there) return why = damaged_counter(wanted), false;
   why = {TAV_ERR_UNKNOWN_DATABASE, TAV_FLD_POID, 0, 0,
          join({"The dictionary holds no database ", dd_database_text(wanted),
                "; 'tav_dict add-database' adds one."})};
   return false;
+}
+
+bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
+                   problem& why) {
+  if (tav_node_get(input, TAV_FLD_POID) == nullptr) {
+    why = {TAV_ERR_MISSING_FIELD, TAV_FLD_POID, 0, 0, "The operation names no database."};
+    return false;
+  }
+  return find_database(*session.store, target_of(input), writes, database, why);
 }
 
 bool is_foreign(const session& session, uint64_t database, int64_t seen_database::*fetched,

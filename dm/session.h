@@ -46,8 +46,11 @@ bool commit_write(session& session, problem& why);
 // Rolls the write transaction back, if one is open.
 void undo_write(session& session);
 
-// Finds the database that an operation's input names. Refuses an unknown one, and one whose counter
-// has no room for so many writes.
+// The database of that number. Refuses an unknown one, and one whose counter has no room for so
+// many writes.
+bool find_database(store& store, uint64_t wanted, int64_t writes, database_row& database,
+                   problem& why);
+// The same for the one that an operation's input names.
 bool find_database(session& session, const tav_node* input, int64_t writes, database_row& database,
                    problem& why);
 // The number of that database, without looking it up; 0 where the input names none.

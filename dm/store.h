@@ -75,10 +75,12 @@ visitor<Row> visit(Call& call) {
 
 // Which rows to read. Fields come in ascending number, classes and tables in ascending key. KEYS
 // and KEYS_BELOW give the rows of ALL and BELOW, but only their small columns. WITH_KEYS: all
-// fields, with the keys that they are stored under.
+// fields, with the keys that they are stored under. MENTIONING: in any order, every class whose
+// definition holds that name, and others besides: the engine searches the stored texts, which costs
+// less than reading them as definitions. An empty name: all classes.
 struct choice {
-  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW, WITH_KEYS } which = ALL;
-  const char* name = nullptr;  // NAMED, in any case; BELOW, KEYS_BELOW: the class above
+  enum kind { ALL, NAMED, NUMBERED, BELOW, KEYS, KEYS_BELOW, WITH_KEYS, MENTIONING } which = ALL;
+  const char* name = nullptr;  // NAMED, MENTIONING, in any case; BELOW, KEYS_BELOW: the class above
   int32_t number = 0;          // NUMBERED
 };
 
@@ -109,6 +111,8 @@ struct store_calls {
   bool (*classes)(store*, int64_t database, const choice&, visitor<class_row>, problem&);
   bool (*tables)(store*, int64_t database, const choice&, visitor<table_row>, problem&);
   bool (*count)(store*, int64_t database, counted, int64_t& rows, problem&);
+  // What the whole dictionary takes, in bytes.
+  bool (*size)(store*, int64_t& bytes, problem&);
 
   bool (*add_database)(store*, uint64_t number, int64_t& id, problem&);
   bool (*set_counter)(store*, int64_t database, int64_t counter, problem&);

@@ -6,6 +6,7 @@
 
 #include "dd/database_number.h"
 #include "dict/commands.h"
+#include "dict/reading.h"
 #include "dict/terminal/visible.h"
 #include "dm/open.h"
 

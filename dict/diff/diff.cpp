@@ -10,6 +10,8 @@
 
 #include "deploy/modes.h"
 #include "dict/commands.h"
+#include "dict/options.h"
+#include "dict/reading.h"
 #include "dict/terminal/visible.h"
 #include "dm/open.h"
 #include "vantor/binding.h"
@@ -60,13 +62,7 @@ static bool choose_files(request& asked, dm::problem& why) {
 // The databases of both sides. Where the command line chooses none, that of the login.
 static bool choose_databases(const request& asked, const dm::settings& settings, uint64_t& own,
                              uint64_t& other, dm::problem& why) {
-  own = settings.database;
-  if (asked.database.empty() && !settings.has_login) {
-    why.sentence = "tav.conf has no entry 'userid', which names the database; choose one with -d.";
-    if (*tav_conf_file() == '\0') why.sentence = tav_conf_problem();
-    return false;
-  }
-  if (!asked.database.empty() && !read_database(asked.database, own, why)) return false;
+  if (!choose_database(asked.database, settings, own, why)) return false;
   other = own;
   return asked.with_database.empty() || read_database(asked.with_database, other, why);
 }
@@ -141,8 +137,7 @@ void add_diff(CLI::App& app, int& result) {
       "Tell what 'replace' of definition files would change and whether it would take them, or how "
       "two dictionaries differ");
   command->add_option("files", asked->files, "Definition files; none or - for standard input");
-  command->add_option("-d,--database", asked->database,
-                      "The database, N.N.N.N, in place of the login's");
+  add_database_option(*command, asked->database);
   command->add_option(
       "--with", asked->with,
       "Another dictionary in place of files, as tav.conf names it: sqlite:PATH, ...; without a "
@@ -151,7 +146,7 @@ void add_diff(CLI::App& app, int& result) {
                       "The other dictionary's database; by default the one of the same number");
   command->add_flag("--missing", asked->lists_missing,
                     "List also what the dictionary holds and the files do not");
-  command->add_flag("--json", asked->is_json, "Write JSON");
+  add_json_option(*command, asked->is_json);
   command->add_option("--color", asked->colour, "auto, always or never")
       ->check(CLI::IsMember({"auto", "always", "never"}));
   command->callback([asked, &result] { result = diff(*asked); });

@@ -172,9 +172,14 @@ std::string one_line(const char* text) {
   return line.substr(0, end == std::string::npos ? 0 : end + 1);
 }
 
+// The server's order of letters may have other capitals than ASCII has.
 std::string postgres_text(const std::string& text) {
+  static constexpr std::string_view LIKE = " LIKE ";
   std::string sql = text;
   for (char& c : sql) c = c == '?' ? '$' : c;
+  for (size_t at = 0; (at = sql.find(LIKE, at)) != sql.npos;) {
+    sql.replace(at, LIKE.size(), "::TEXT COLLATE \"C\" ILIKE ");
+  }
   return sql;
 }
 

@@ -126,6 +126,7 @@ bool postgres_fields(store*, int64_t, const choice&, visitor<field_row>, problem
 bool postgres_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
 bool postgres_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
 bool postgres_count(store*, int64_t, counted, int64_t&, problem&);
+bool postgres_size(store*, int64_t&, problem&);
 bool postgres_integrity(store*, visitor<std::string_view>, problem&);
 bool postgres_add_database(store*, uint64_t, int64_t&, problem&);
 bool postgres_set_counter(store*, int64_t, int64_t, problem&);

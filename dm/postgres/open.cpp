@@ -118,6 +118,7 @@ const store_calls POSTGRES_CALLS = {
     .classes = postgres_classes,
     .tables = postgres_tables,
     .count = postgres_count,
+    .size = postgres_size,
     .add_database = postgres_add_database,
     .set_counter = postgres_set_counter,
     .add_fields = postgres_add_fields,

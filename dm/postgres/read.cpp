@@ -1,14 +1,15 @@
 // Reading rows.
+#include "dd/utf8.h"
 #include "dm/postgres/result_rows.h"
 #include "dm/rows.h"
-#include "dm/rules/text.h"
 
 namespace dm {
 
 static bool is_many(query which) {
   return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES ||
          which == SELECT_FIELDS_WITH_KEYS || which == SELECT_CLASSES ||
-         which == SELECT_CLASSES_BELOW || which == SELECT_TABLES;
+         which == SELECT_CLASSES_BELOW || which == SELECT_CLASSES_MENTIONING ||
+         which == SELECT_TABLES;
 }
 
 template <class Row>
@@ -29,8 +30,13 @@ static bool read_rows(postgres_store& store, query which, const parameters& with
 
 // Whether a key can exist in a dictionary at all. The server would answer
 // invalid UTF-8 with an error.
-static bool can_be_stored(const std::string& key) {
-  return text_fault(key.c_str()) == nullptr;
+static bool can_be_stored(std::string_view key) {
+  while (!key.empty()) {
+    const size_t length = dd_utf8_length(key.data(), key.size());
+    if (length == 0) return false;
+    key.remove_prefix(length);
+  }
+  return true;
 }
 
 template <class Row>
@@ -76,6 +82,17 @@ bool postgres_count(store* base, int64_t database, counted what, int64_t& count,
   postgres_rows rows(store, postgres_text(query_text(which)), parameters(database), false, why);
   if (rows.next() != postgres_rows::ROW) return false;
   count = rows.integer(0);
+  return true;
+}
+
+// With its indexes.
+bool postgres_size(store* base, int64_t& bytes, problem& why) {
+  static constexpr char SIZE[] =
+      "SELECT sum(pg_total_relation_size(to_regclass(t)))::BIGINT FROM unnest(ARRAY["
+      "'dd_schema', 'dd_databases', 'dd_fields', 'dd_classes', 'dd_tables']) t";
+  postgres_rows rows(postgres_of(base), SIZE, parameters(), false, why);
+  if (rows.next() != postgres_rows::ROW) return false;
+  bytes = rows.integer(0);
   return true;
 }
 

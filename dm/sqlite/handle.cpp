@@ -158,6 +158,15 @@ int sqlite_wait(void* base, int tries) {
   return 1;
 }
 
+int sqlite_number(sqlite_store& store, const char* query, int64_t& number) {
+  sqlite3_stmt* statement = nullptr;
+  int result = sqlite3_prepare_v2(store.db, query, -1, &statement, nullptr);
+  if (result == SQLITE_OK) result = sqlite3_step(statement);
+  if (result == SQLITE_ROW) number = sqlite3_column_int64(statement, 0);
+  sqlite3_finalize(statement);
+  return result == SQLITE_ROW ? SQLITE_OK : result;
+}
+
 bool sqlite_run(sqlite_store& store, const char* sql, problem& why) {
   const int result = sqlite3_exec(store.db, sql, nullptr, nullptr, nullptr);
   return result == SQLITE_OK || sqlite_failed(store, result, why);

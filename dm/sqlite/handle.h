@@ -99,6 +99,9 @@ bool sqlite_swallowed(const sqlite_store& store, problem& why);
 // The busy handler: waits, longer with each try; gives 0 when milliseconds_left is used up.
 int sqlite_wait(void* store, int tries);
 
+// Runs a query of our own that gives one number; gives the engine's result code.
+int sqlite_number(sqlite_store& store, const char* query, int64_t& number);
+
 // Runs SQL text that gives no rows.
 bool sqlite_run(sqlite_store& store, const char* sql, problem& why);
 
@@ -108,6 +111,7 @@ bool sqlite_fields(store*, int64_t, const choice&, visitor<field_row>, problem&)
 bool sqlite_classes(store*, int64_t, const choice&, visitor<class_row>, problem&);
 bool sqlite_tables(store*, int64_t, const choice&, visitor<table_row>, problem&);
 bool sqlite_count(store*, int64_t, counted, int64_t&, problem&);
+bool sqlite_size(store*, int64_t&, problem&);
 bool sqlite_integrity(store*, visitor<std::string_view>, problem&);
 bool sqlite_add_database(store*, uint64_t, int64_t&, problem&);
 bool sqlite_set_counter(store*, int64_t, int64_t, problem&);

@@ -36,12 +36,10 @@ static int sqlite_version(store* base) {
 // --- Opening ----------------------------------------------------------------------------------
 
 static int read_number(sqlite_store& store, const char* pragma, int& number) {
-  sqlite3_stmt* statement = nullptr;
-  int result = sqlite3_prepare_v2(store.db, pragma, -1, &statement, nullptr);
-  if (result == SQLITE_OK) result = sqlite3_step(statement);
-  if (result == SQLITE_ROW) number = sqlite3_column_int(statement, 0);
-  sqlite3_finalize(statement);
-  return result == SQLITE_ROW ? SQLITE_OK : result;
+  int64_t found = number;
+  const int result = sqlite_number(store, pragma, found);
+  number = static_cast<int>(found);
+  return result;
 }
 
 // Whether an error will pass. A user who may not write in the folder cannot make the engine's files
@@ -189,6 +187,7 @@ const store_calls SQLITE_CALLS = {
     .classes = sqlite_classes,
     .tables = sqlite_tables,
     .count = sqlite_count,
+    .size = sqlite_size,
     .add_database = sqlite_add_database,
     .set_counter = sqlite_set_counter,
     .add_fields = sqlite_add_fields,

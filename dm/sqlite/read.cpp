@@ -54,4 +54,11 @@ bool sqlite_count(store* base, int64_t database, counted what, int64_t& rows, pr
   return true;
 }
 
+bool sqlite_size(store* base, int64_t& bytes, problem& why) {
+  static constexpr char SIZE[] =
+      "SELECT page_count * page_size FROM pragma_page_count, pragma_page_size";
+  const int result = sqlite_number(sqlite_of(base), SIZE, bytes);
+  return result == SQLITE_OK || sqlite_failed(sqlite_of(base), result, why);
+}
+
 }  // namespace dm
