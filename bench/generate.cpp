@@ -4,7 +4,7 @@
 // transaction), SIZE.copy (the same for psql, as COPY), SIZE.proto and SIZE.fbs (a message or table
 // per class, descriptions as comments). Sizes: S has 1,000 fields and 100 classes of 10 fields, one
 // of them an ARRAY with two members, and a BUF in every tenth class; M has ten times, L a hundred
-// times as many.
+// times, XL a thousand times as many.
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +56,12 @@ struct storable {
   std::string descr;
   std::vector<entry> entries;
 };
+
+struct size_row {
+  const char* name;
+  int classes;
+};
+constexpr size_row SIZES[] = {{"S", 100}, {"M", 1000}, {"L", 10000}, {"XL", 100000}};
 
 std::mt19937 chance(20261121);
 
@@ -310,14 +316,16 @@ void write_file(const std::string& path, const dictionary& d, Write write) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const char* at = argc == 3 ? std::strchr("SML", argv[1][0]) : nullptr;
-  if (at == nullptr || *at == '\0') {
-    std::fputs("usage: generate S|M|L FOLDER\n", stderr);
+  int classes = 0;
+  for (const size_row& row : SIZES) {
+    if (argc == 3 && std::strcmp(argv[1], row.name) == 0) classes = row.classes;
+  }
+  if (classes == 0) {
+    std::fputs("usage: generate S|M|L|XL FOLDER\n", stderr);
     return 2;
   }
-  const int counts[] = {100, 1000, 10000};
-  const dictionary d = make(counts[at - std::strchr("SML", 'S')]);
-  const std::string stem = std::string(argv[2]) + "/" + *at;
+  const dictionary d = make(classes);
+  const std::string stem = join(argv[2], "/") + argv[1];
   write_file(stem + ".def", d, write_definitions);
   write_file(stem + ".sql", d, write_sql);
   write_file(stem + ".copy", d, write_copy);

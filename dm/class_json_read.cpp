@@ -77,6 +77,7 @@ class builder {
     if ((levels_[depth_].given & needed) != needed) return fail("lacks a name or a type");
     if (!build()) return false;
     in_entries_ = depth_ > 0;
+    row_ = nullptr;
     if (depth_ > 0) --depth_;
     return true;
   }

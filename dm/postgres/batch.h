@@ -1,12 +1,14 @@
 // Collects changes of rows and sends many with one statement, which gets each column as an array.
 //
 // A batch holds at most one change of any row. So the kinds can be sent in a fixed order, which
-// only has to respect foreign keys.
+// only has to respect foreign keys. While the server works on one batch, the next is collected.
 #ifndef DM_POSTGRES_BATCH_H
 #define DM_POSTGRES_BATCH_H
 
 #include <array>
+#include <deque>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,7 +39,7 @@ struct cell {
   bool is_number = false;
 };
 
-// A column's values as elements of a binary array of the protocol, without the array's header.
+// A column's values as a binary array of the protocol, whose header is filled in when it is sent.
 struct array_column {
   std::string bytes;
   bool is_number = false;
@@ -53,14 +55,28 @@ struct postgres_batch {
   size_t size = 0;  // of all values, in bytes
 };
 
+class parameters;
+
+// A statement of a batch, from when the batch is full until its answer is there.
+struct batch_statement {
+  const char* sql;
+  std::unique_ptr<parameters> with;  // null once it is sent
+  uint64_t rows;                     // must be changed
+};
+
 struct postgres_store;
 
 // Puts a change into the batch. The key identifies the row among all rows of all tables. If the
-// batch is full or changes that row already, it is sent first.
+// batch is full or changes that row already, it is sent first; how that ended may be told by a
+// later call.
 bool put_change(postgres_store& store, change kind, const std::string& key,
                 std::initializer_list<cell> cells, problem& why);
-// Sends the batch.
+// Sends the batch, and waits for what the server says to it.
 bool flush(postgres_store& store, problem& why);
+// Waits for what the server says to batches that were sent.
+bool finish_batches(postgres_store& store, problem& why);
+// Forgets all that is not sent yet, and what the server says to the rest.
+void drop_batches(postgres_store& store);
 
 }  // namespace dm
 

@@ -22,8 +22,13 @@ void parameters::add(const char* text) {
   if (text == nullptr) values_.back() = nullptr;
 }
 
-void settle(postgres_store& store) {
+void collect_rows(postgres_store& store) {
   if (store.fetching != nullptr) store.fetching->collect();
+}
+
+bool settle(postgres_store& store, problem& why) {
+  collect_rows(store);
+  return finish_batches(store, why);
 }
 
 // The result of the message, if it could be sent; null and the reason when either failed.
@@ -36,23 +41,25 @@ static result_owner answer_to(postgres_store& store, bool is_sent, problem& why)
 
 result_owner execute(postgres_store& store, const std::string& sql, const parameters& with,
                      problem& why) {
-  settle(store);
+  if (!settle(store, why)) return nullptr;
   return answer_to(store, send_message(store, sql, &with), why);
 }
 
 result_owner execute(postgres_store& store, const std::string& sql, problem& why) {
-  settle(store);
+  if (!settle(store, why)) return nullptr;
   return answer_to(store, send_message(store, sql, nullptr), why);
 }
 
-// Compares the number of changed rows, because triggers, rules or row security on the server may
-// swallow rows without an error.
+// Triggers, rules or row security on the server may swallow rows without an error.
+bool has_changed(postgres_store& store, const PGresult* result, uint64_t rows, problem& why) {
+  return PQcmdTuples(const_cast<PGresult*>(result)) == std::to_string(rows) ||
+         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+}
+
 bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
                  uint64_t rows, problem& why) {
   const result_owner result = execute(store, sql, with, why);
-  if (result == nullptr) return false;
-  return PQcmdTuples(result.get()) == std::to_string(rows) ||
-         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  return result != nullptr && has_changed(store, result.get(), rows, why);
 }
 
 std::string limit_waiting(const postgres_store& store) {

@@ -45,6 +45,8 @@ struct postgres_store : store {
   unsigned cursors = 0;               // opened so far
   int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
   postgres_batch batch{};
+  std::deque<batch_statement> sent{};  // of the batch before, the first on its way
+  bool has_compression = false;        // chosen in this transaction
   postgres_kept kept{};
 };
 
@@ -89,8 +91,13 @@ result_owner execute(postgres_store& store, const std::string& sql, problem& why
 // Carries out a statement that must change exactly `rows` rows.
 bool change_rows(postgres_store& store, const std::string& sql, const parameters& with,
                  uint64_t rows, problem& why);
-// Takes in rows that a cursor was asked for, so that the connection is free for a statement.
-void settle(postgres_store& store);
+// Whether a statement has changed so many rows.
+bool has_changed(postgres_store& store, const PGresult* result, uint64_t rows, problem& why);
+// Takes in rows that a cursor was asked for.
+void collect_rows(postgres_store& store);
+// The same, and takes in what the server says to batches, so that the
+// connection is free for a statement.
+bool settle(postgres_store& store, problem& why);
 // A statement that limits how long later statements of the transaction may wait for locks.
 std::string limit_waiting(const postgres_store& store);
 // Subtracts the time since the last message was sent from `patience`.

@@ -27,8 +27,9 @@ static int postgres_version(store* base) {
 
 static void postgres_rollback(store* base) {
   postgres_store& store = postgres_of(base);
-  settle(store);
-  store.batch = postgres_batch();
+  collect_rows(store);
+  drop_batches(store);
+  store.has_compression = false;
   store.kept = postgres_kept();
   store.is_writing = false;
   store.last_class = 0;
@@ -82,8 +83,7 @@ static bool postgres_begin(store* base, bool write, problem& why) try {
 
 static bool postgres_commit(store* base, problem& why) {
   postgres_store& store = postgres_of(base);
-  if (!flush(store, why)) return false;
-  settle(store);
+  if (!flush(store, why) || !settle(store, why)) return false;
   const bool is_sent = send_message(store, "COMMIT", nullptr);
   const result_owner result = is_sent ? take_answer(store, silence::IS_THE_END) : nullptr;
   // Without the server's own answer (the connection is lost, or memory to receive it ran out) the

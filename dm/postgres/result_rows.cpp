@@ -32,7 +32,7 @@ postgres_rows::~postgres_rows() {
 }
 
 bool postgres_rows::ask() {
-  settle(store_);
+  if (!settle(store_, why_)) return false;
   if (!send_message(store_, fetch_, nullptr)) return postgres_failed(store_, nullptr, why_);
   store_.fetching = this;
   return true;
