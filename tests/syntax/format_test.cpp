@@ -40,6 +40,8 @@ TEST(Format, LaysOut) {
       {"INT A {ID  =  1;\n  ID  5;  # a\n\n\n    DESCR=\"x\";ID=2;}",
        "INT A {\n\tID = 1;\n  ID  5;  # a\n\n\n    DESCR = \"x\";\n\tID = 2;\n}\n"},
       {"INT A{ DESCR = \"open;\n  ID=5;}", "INT A { DESCR = \"open;\n  ID = 5;\n}\n"},
+      {"INT A{DESCR = \"say \"hi\" now\";ID  = 1;}",
+       "INT A {DESCR = \"say \"hi\" now\";ID = 1;\n}\n"},
       {"INT A{}  oops  {  }  INT B{}", "INT A {\n}  oops  {  }  INT B {\n}\n"},
       {"INT A  {ID=1;\n\n\nINT B{}  }  ", "INT A  {ID=1;\n\n\nINT B {\n}  }  "},
   };
