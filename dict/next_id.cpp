@@ -1,8 +1,10 @@
 // next-id: numbers that no field has.
+#include <charconv>
 #include <iostream>
 #include <memory>
 #include <vector>
 
+#include "dd/field_ids.h"
 #include "dict/commands.h"
 #include "dict/options.h"
 #include "dict/reading.h"
@@ -11,7 +13,6 @@ namespace dict {
 
 // Below it numbers are left to predefined fields; those of today end at 1908.
 static constexpr int32_t FIRST_OF_ADMINISTRATORS = 10000;
-static constexpr int32_t HIGHEST = 16777215;
 
 namespace {
 
@@ -39,7 +40,7 @@ static bool find_free(reading& from, const request& asked, std::vector<int32_t>&
                                  dm::visit<dm::field_row>(look), why)) {
     return false;
   }
-  add_below(HIGHEST + 1);
+  add_below(DD_HIGHEST_FIELD_NUMBER + 1);
   return true;
 }
 
@@ -51,8 +52,9 @@ static int run(const request& asked) {
     return fail(why);
   }
   if (free.size() < asked.count) {
-    why.sentence = dm::join({"From ", std::to_string(asked.from), " up only ",
-                             std::to_string(free.size()), " numbers are free."});
+    why.sentence =
+        dm::join({"From ", std::to_string(asked.from),
+                  " up only so many numbers are free: ", std::to_string(free.size()), "."});
     return fail(why);
   }
   for (const int32_t number : free) std::cout << number << '\n';
@@ -62,10 +64,23 @@ static int run(const request& asked) {
 void add_next_id(CLI::App& app, int& result) {
   const auto asked = std::make_shared<request>();
   auto* command = app.add_subcommand("next-id", "Give numbers that new fields can have");
+  const CLI::Validator is_number(
+      [](const std::string& text) {
+        int32_t number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const bool is_whole = error == std::errc() && end == text.data() + text.size();
+        return is_whole && text[0] != '0' && number > 0 && number <= DD_HIGHEST_FIELD_NUMBER
+                   ? std::string()
+                   : dm::join({dm::quoted(text), " is no number from 1 to ",
+                               std::to_string(DD_HIGHEST_FIELD_NUMBER)});
+      },
+      "");
   command->add_option("count", asked->count, "How many; one without it")
-      ->check(CLI::Range(1, HIGHEST));
+      ->check(is_number)
+      ->type_name("NUMBER");
   command->add_option("--from", asked->from, "The lowest number; 10000 without it")
-      ->check(CLI::Range(1, HIGHEST));
+      ->check(is_number)
+      ->type_name("NUMBER");
   add_database_option(*command, asked->database);
   command->callback([asked, &result] { result = run(*asked); });
 }

@@ -5,7 +5,13 @@
 set -uo pipefail
 status=0
 while IFS= read -r -d '' file; do
-  git show ":$file" | tav_dict format --check --stdin-filename "$file" || status=1
+  git show ":$file" | tav_dict format --check --stdin-filename "$file"
+  found=${PIPESTATUS[1]}
+  [ "$found" -le "$status" ] || status=$found
 done < <(git diff --cached --name-only --diff-filter=d -z -- '*.def')
-[ "$status" = 0 ] || echo "Lay them out with 'tav_dict format -w FILE', then 'git add FILE'." >&2
+case $status in
+  0) ;;
+  1) echo "Lay them out with 'tav_dict format -w FILE', then 'git add FILE'." >&2 ;;
+  *) echo "What is told above must be mended first." >&2 ;;
+esac
 exit "$status"

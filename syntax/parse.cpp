@@ -128,17 +128,17 @@ static void skip_member(parsing& in) {
   while (take(in, DPARSE_KEY_SEMICOLON)) continue;
 }
 
-// attribute := name "=" ( string { string } | name { name } ) ";"
-// Strings and words together are a string that holds a bare quote: its blanks count.
+// attribute := name "=" ( string { string } | name ) ";"
+// Strings and words together are mostly a text that holds a bare quote: its blanks count.
 static void parse_attribute(parsing& in) {
   const uint32_t self = begin_node(in, node_kind::ATTRIBUTE);
   in.next += 2;
   const size_t first = in.next;
-  const bool is_text = kind(in) == DPARSE_TOKEN_STRING;
-  const auto goes_on = [is_text](int next) {
-    return is_text ? next == DPARSE_TOKEN_STRING : is_name(next);
-  };
-  while (!ends_member(in) && goes_on(kind(in))) ++in.next;
+  if (!ends_member(in) && is_name(kind(in))) {
+    ++in.next;
+  } else {
+    while (take(in, DPARSE_TOKEN_STRING)) continue;
+  }
   const bool is_whole = in.next > first && take(in, DPARSE_KEY_SEMICOLON);
   if (!is_whole) skip_member(in);
   end_node(in, self, is_whole);

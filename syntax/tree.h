@@ -43,7 +43,7 @@ enum class node_kind : uint8_t {
   INTERFACE,       // STORABLE CLASS name "{" ... "}"
   IMPLEMENTATION,  // STORABLE CLASS name IMPLEMENTATION word "{" ... "}"
   ENTRY,           // a field inside a class or entry
-  ATTRIBUTE,       // keyword "=" words or strings ";"
+  ATTRIBUTE,       // keyword "=" word or strings ";"
   BROKEN           // anything else, up to the next member, closing brace or definition, and
                    // entries that are nested deeper than the reader takes
 };

@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 
+#include "dd/database_number.h"
 #include "dd/fold.h"
 #include "dd/report.h"
 #include "dd/values.h"
@@ -34,6 +35,7 @@ struct request {
 
 struct exported {
   definitions all{};
+  uint64_t database = 0;
   std::vector<tav_flist_t*> fields{};  // to be written
   dparse_outline classes{};
 };
@@ -60,10 +62,9 @@ static bool is_written(tav_flist_t* field, tav_ebuf* ebuf) {
 // Lists that the data manager made can be read.
 static bool gather(const request& asked, exported& result, dm::problem& why) {
   dm::settings settings;
-  uint64_t database = 0;
   if (!dm::read_settings(settings, why) ||
-      !choose_database(asked.database, settings, database, why) ||
-      !fetch(settings, database, result.all, why)) {
+      !choose_database(asked.database, settings, result.database, why) ||
+      !fetch(settings, result.database, result.all, why)) {
     return false;
   }
   tav_ebuf ebuf{};
@@ -206,7 +207,9 @@ static std::string counted_files(size_t count) {
 static bool write_all(exported& all, const std::string& folder, dm::problem& why) {
   std::vector<export_file> files;
   folder_changes changes;
-  if (!make_files(all, files, why) || !update_folder(folder, files, changes, why)) return false;
+  if (!make_files(all, files, why) ||
+      !update_folder(folder, dd_database_text(all.database), files, changes, why))
+    return false;
   std::cout << "Exported to " << visible{folder} << ": " << counted_files(changes.written)
             << " written, " << changes.deleted << " deleted, " << changes.unchanged
             << " unchanged.\n";

@@ -33,9 +33,11 @@ struct folder_changes {
 
 // Makes the folder hold these files, which are sorted by name. A file whose text is the same is not
 // touched, others are replaced whole; what an earlier export wrote and this one does not is
-// deleted. Refused, with nothing changed, where something else stands in the way. Follows no links.
-bool update_folder(const std::string& folder, const std::vector<export_file>& files,
-                   folder_changes& changes, dm::problem& why);
+// deleted. Refused, with nothing changed, where something else stands in the way, or where the
+// folder holds an export of a database of another number. Follows no links.
+bool update_folder(const std::string& folder, const std::string& database,
+                   const std::vector<export_file>& files, folder_changes& changes,
+                   dm::problem& why);
 
 }  // namespace dict
 

@@ -20,6 +20,8 @@ static constexpr char PASSING[] = ".tav_dict_export";  // is written, and then g
 static constexpr char HEAD[] =
     "# The files that 'tav_dict export' writes and deletes in this folder.";
 
+static constexpr std::string_view DATABASE = "# database ";
+
 namespace {
 
 struct descriptor {
@@ -111,8 +113,12 @@ static bool replace_file(folder& in, const std::string& name, std::string_view t
   return false;
 }
 
+static bool begins(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
 // Everybody who may write in the folder may have changed it: only names that an export gives count.
-static bool read_manifest(folder& in, names& listed) {
+static bool read_manifest(folder& in, const std::string& database, names& listed) {
   const standing found = look(in, MANIFEST);
   if (found == standing::NOTHING) return true;
   if (found == standing::OTHER) return refuse(in, MANIFEST, " is no file; move it away.");
@@ -121,7 +127,12 @@ static bool read_manifest(folder& in, names& listed) {
   std::istringstream lines(text);
   std::string line;
   std::getline(lines, line);
-  bool is_ours = line == HEAD;
+  bool is_ours = line == HEAD && std::getline(lines, line) && begins(line, DATABASE);
+  if (is_ours && line.substr(DATABASE.size()) != database) {
+    return refuse(in, MANIFEST,
+                  dm::join({" lists files of database ", line.substr(DATABASE.size()), ", not of ",
+                            database, "; export to another folder."}));
+  }
   while (is_ours && std::getline(lines, line)) {
     is_ours = is_file_of_export(line);
     listed.insert(line);
@@ -131,8 +142,8 @@ static bool read_manifest(folder& in, names& listed) {
                            "folder.");
 }
 
-static bool write_manifest(folder& in, const names& listed) {
-  std::string text = std::string(HEAD) + "\n";
+static bool write_manifest(folder& in, const std::string& database, const names& listed) {
+  std::string text = dm::join({HEAD, "\n", DATABASE, database, "\n"});
   for (const std::string& name : listed) text.append(name).append("\n");
   return replace_file(in, MANIFEST, text);
 }
@@ -162,27 +173,29 @@ static bool delete_file(folder& in, const std::string& name, folder_changes& cha
   return unlinkat(in.fd, name.c_str(), 0) == 0 || fail_at(in, name, " cannot be deleted: ");
 }
 
-bool update_folder(const std::string& path, const std::vector<export_file>& files,
-                   folder_changes& changes, dm::problem& why) {
+bool update_folder(const std::string& path, const std::string& database,
+                   const std::vector<export_file>& files, folder_changes& changes,
+                   dm::problem& why) {
   descriptor opened(-1);
   if (!open_folder(path, opened, why)) return false;
   folder in{path, opened.fd, why};
   names listed, wanted;
-  if (!read_manifest(in, listed)) return false;
+  if (!read_manifest(in, database, listed)) return false;
   for (const export_file& file : files) wanted.insert(file.name);
   names all = listed;
   all.insert(wanted.begin(), wanted.end());
   for (const std::string& name : all) {
     if (!is_free(in, name, listed)) return false;
   }
-  if (all != listed && !write_manifest(in, all)) return false;
+  if (all != listed && !write_manifest(in, database, all)) return false;
   for (const export_file& file : files) {
     if (!update_file(in, file, changes)) return false;
   }
   for (const std::string& name : all) {
     if (wanted.count(name) == 0 && !delete_file(in, name, changes)) return false;
   }
-  return (all == wanted && look(in, MANIFEST) == standing::FILE) || write_manifest(in, wanted);
+  return (all == wanted && look(in, MANIFEST) == standing::FILE) ||
+         write_manifest(in, database, wanted);
 }
 
 }  // namespace dict

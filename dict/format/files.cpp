@@ -47,29 +47,51 @@ static bool is_left(const std::string& name, std::string_view reason, dm::proble
 
 // --- Finding -------------------------------------------------------------------------------------
 
-bool find_files(const std::string& named, std::vector<std::string>& files, dm::problem& why) {
+// A link that leads nowhere counts: reading it tells what is wrong. A pipe or a device is no
+// definition file, and reading it might never end.
+static bool is_definition_file(const fs::directory_entry& entry) {
+  std::error_code no_matter;
+  const fs::file_type type = entry.status(no_matter).type();
+  return entry.path().extension() == ".def" && type != fs::file_type::directory &&
+         type != fs::file_type::fifo && type != fs::file_type::socket &&
+         type != fs::file_type::character && type != fs::file_type::block;
+}
+
+// Appends the files of a folder, and to `folders` those in it.
+static void look_into(const std::string& folder, std::vector<std::string>& files,
+                      std::vector<std::string>& folders, std::vector<dm::problem>& problems) {
   std::error_code error;
-  if (named == STANDARD_INPUT || !fs::is_directory(named, error)) {
-    files.push_back(named);
-    return true;
+  fs::directory_iterator at(folder, error);
+  for (; !error && at != fs::directory_iterator(); at.increment(error)) {
+    std::error_code no_matter;
+    const bool is_folder = !at->is_symlink(no_matter) && at->is_directory(no_matter);
+    if (is_folder) folders.push_back(at->path().string());
+    if (is_definition_file(*at)) files.push_back(at->path().string());
   }
-  const auto first = static_cast<ptrdiff_t>(files.size());
-  fs::recursive_directory_iterator at(named, error);
-  for (; !error && at != fs::recursive_directory_iterator(); at.increment(error)) {
-    std::error_code no_matter;  // what cannot be looked at is told when it is read
-    if (at->path().extension() == ".def" && !at->is_directory(no_matter))
-      files.push_back(at->path().string());
+  if (!error) return;
+  problems.emplace_back();
+  problems.back().sentence =
+      dm::join({"Folder ", dm::quoted(folder), " cannot be read to its end: ", error.message(),
+                "; some of its files were left out."});
+}
+
+void find_files(const std::string& named, std::vector<std::string>& files,
+                std::vector<dm::problem>& problems) {
+  std::error_code error;
+  if (named == STANDARD_INPUT || !fs::is_directory(named, error)) return files.push_back(named);
+  const size_t first = files.size();
+  const size_t known_problems = problems.size();
+  std::vector<std::string> folders{named};
+  while (!folders.empty()) {
+    const std::string folder = std::move(folders.back());
+    folders.pop_back();
+    look_into(folder, files, folders, problems);
   }
-  std::sort(files.begin() + first, files.end());
-  if (error) {
-    why.sentence =
-        dm::join({"Folder ", dm::quoted(named), " cannot be read to its end: ", error.message(),
-                  "; some of its files were left out."});
-    return false;
-  }
-  if (files.begin() + first != files.end()) return true;
-  why.sentence = dm::join({"Folder ", dm::quoted(named), " holds no definition file (*.def)."});
-  return false;
+  std::sort(files.begin() + static_cast<ptrdiff_t>(first), files.end());
+  if (files.size() > first || problems.size() > known_problems) return;
+  problems.emplace_back();
+  problems.back().sentence =
+      dm::join({"Folder ", dm::quoted(named), " holds no definition file (*.def)."});
 }
 
 // --- Reading -------------------------------------------------------------------------------------
@@ -87,17 +109,18 @@ static int read_all(int from, std::string& text) {
   }
 }
 
-bool read_file(const std::string& name, file_content& content, dm::problem& why) {
+bool read_file(const std::string& name, const std::string& shown, file_content& content,
+               dm::problem& why) {
   const bool is_input = name == STANDARD_INPUT;
   const descriptor file{is_input ? ::dup(STDIN_FILENO)
                                  : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)};
   if (file.number < 0 || ::fstat(file.number, &content.status) != 0)
-    return cannot_be_read(name, std::strerror(errno), why);
+    return cannot_be_read(shown, std::strerror(errno), why);
   // One more than it holds, so that the end shows without more room.
   const auto size = static_cast<uint64_t>(std::max<off_t>(content.status.st_size, 1 << 16));
   content.text.reserve(std::min<uint64_t>(size, syntax::MOST_BYTES) + 1);
   const int error = read_all(file.number, content.text);
-  return error == 0 || cannot_be_read(name, std::strerror(error), why);
+  return error == 0 || cannot_be_read(shown, std::strerror(error), why);
 }
 
 // --- Replacing -----------------------------------------------------------------------------------

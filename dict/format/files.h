@@ -19,17 +19,19 @@ struct file_content {
   struct stat status;  // as it was read
 };
 
-// Each gives false with the reason.
-
 // Appends the file, or of a folder all files *.def below, sorted; links to folders are not followed
-// there.
-bool find_files(const std::string& named, std::vector<std::string>& files, dm::problem& why);
+// there. Appends what could not be looked at to the problems.
+void find_files(const std::string& named, std::vector<std::string>& files,
+                std::vector<dm::problem>& problems);
 
-bool read_file(const std::string& name, file_content& content, dm::problem& why);
+// False with the reason, which calls the file what is shown.
+bool read_file(const std::string& name, const std::string& shown, file_content& content,
+               dm::problem& why);
 
 // Puts a file with that text in the place of the one that was read; what a link names is replaced,
 // not the link. Owner and mode stay. A file that has other names too, an owner that cannot be
-// given to another file, or that somebody has changed since, is left as it is.
+// given to another file, or that somebody has changed since, is left as it is: false with the
+// reason.
 bool replace_file(const std::string& name, const file_content& before, std::string_view text,
                   dm::problem& why);
 

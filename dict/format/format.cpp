@@ -90,15 +90,19 @@ static int format_file(const request& asked, const std::string& name) {
   const std::string shown = !is_input                  ? name
                             : asked.input_name.empty() ? "<standard input>"
                                                        : asked.input_name;
-  if (!read_file(name, content, why)) return fail(why);
+  if (!read_file(name, shown, content, why)) return fail(why);
   const syntax::formatted result = syntax::format(content.text);
   if (!syntax::same_words(content.text, result.text)) {
     why.sentence = dm::join({"File ", dm::quoted(shown),
                              " is left as it is: formatting would have changed more than blanks."});
     return fail(why);
   }
-  tell_broken(shown, content.text, result.broken);
   if (!put(asked, name, shown, content, result.text, why)) return fail(why);
+  if (asked.writes && !result.broken.empty()) {  // places in the file as it is now
+    tell_broken(shown, result.text, syntax::format(result.text).broken);
+  } else {
+    tell_broken(shown, content.text, result.broken);
+  }
   if (!result.broken.empty()) return FAILED;
   const bool only_looks = asked.checks || (asked.shows_diff && !asked.writes);
   return only_looks && content.text != result.text ? FOUND : DONE;
@@ -110,8 +114,9 @@ static int format(request asked) {
   if (!is_possible(asked, why)) return fail(why);
   int status = DONE;
   std::vector<std::string> files;
-  for (const std::string& named : asked.named)
-    if (!find_files(named, files, why)) status = fail(why);
+  std::vector<dm::problem> problems;
+  for (const std::string& named : asked.named) find_files(named, files, problems);
+  for (const dm::problem& problem : problems) status = fail(problem);
   for (const std::string& name : files) status = std::max(status, format_file(asked, name));
   return status;
 }
@@ -129,7 +134,8 @@ void add_format(CLI::App& app, int& result) {
       ->excludes(check);
   command->add_flag("-w,--write", asked->writes,
                     "Write the files, those that change, in place of standard output");
-  command->add_option("--stdin-filename", asked->input_name, "What messages call standard input");
+  command->add_option("--stdin-filename", asked->input_name,
+                      "The name by which messages call standard input");
   command->callback([asked, &result] { result = format(*asked); });
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "dd/vantor.h"
 #include "dm/problem.h"
 #include "dparse/characters.h"
 
@@ -95,11 +96,31 @@ static size_t put_hunk(std::string& to, const std::vector<run>& runs, size_t fir
   return end;
 }
 
+// As tools that read a diff want it: a name with a blank ends with a tab, one with a control
+// character, a quote or a backslash stands in quotes.
+static std::string in_header(std::string_view name) {
+  const auto needs_escape = [](char c) {
+    return c == '"' || c == '\\' || static_cast<unsigned char>(c) < ' ' || c == 0x7f;
+  };
+  const bool has_blank = name.find(' ') != name.npos;
+  if (std::none_of(name.begin(), name.end(), needs_escape))
+    return std::string(name) + (has_blank ? "\t" : "");
+  std::string shown = "\"";
+  for (const char c : name) {
+    char code[8];
+    tav_snprintf(code, sizeof code, needs_escape(c) ? "\\%03o" : "%c",
+                 static_cast<unsigned char>(c));
+    shown += code;
+  }
+  return shown + "\"";
+}
+
 std::string unified_diff(std::string_view name, std::string_view before, std::string_view after) {
   if (before == after) return "";
   const std::vector<line> lines = lines_of(before), others = lines_of(after);
   const std::vector<run> runs = runs_of(lines, others);
-  std::string to = dm::join({"--- ", name, "\n+++ ", name, "\n"});
+  const std::string shown = in_header(name);
+  std::string to = dm::join({"--- ", shown, "\n+++ ", shown, "\n"});
   for (size_t i = runs.front().is_same ? 1 : 0; i < runs.size();)
     i = put_hunk(to, runs, i, lines, others) + 1;
   return to;

@@ -39,19 +39,20 @@ static message read_heading(std::string_view heading, size_t entry) {
 
 message_page read_messages(std::string_view page) {
   message_page result;
+  bool in_entry = false;  // not in the text of a section
   bool in_heading = false;
   bool in_remedy = false;
   while (!page.empty()) {
     std::string_view line = take_line(page);
     if (begins(line, HEADING)) {
       if (!in_heading) result.entries.emplace_back();
-      in_heading = true;
+      in_entry = in_heading = true;
       in_remedy = false;
       line.remove_prefix(HEADING.size());
       result.messages.push_back(read_heading(line, result.entries.size() - 1));
     } else if (begins(line, "#")) {
-      in_remedy = false;
-    } else if (!result.entries.empty()) {
+      in_entry = in_remedy = false;
+    } else if (in_entry) {
       if (begins(line, REMEDY)) in_remedy = true, line.remove_prefix(REMEDY.size());
       message_entry& entry = result.entries.back();
       append_line(in_remedy ? entry.remedy : entry.cause, line);

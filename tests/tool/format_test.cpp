@@ -66,6 +66,7 @@ TEST(format, of_all_files_of_a_folder) {
     place.write(name, UGLY);
   fs::create_directory_symlink("..", place.path("all/b/loop"));
   fs::create_symlink("itself.def", place.path("all/itself.def"));
+  ASSERT_EQ(::mkfifo(place.path("all/pipe.def").c_str(), 0600), 0);  // nobody would write to it
   const run_result all = place.run({"dict", "format", "--check", "all"});
   EXPECT_EQ(all.out, "all/a.def/d.def\nall/b/c.def\nall/z.def\n");
   EXPECT_EQ(all.err,
