@@ -63,7 +63,7 @@ void tokens(benchmark::State& state) {
   int64_t count = 0;
   for (auto _ : state) {
     FILE* in = open_text(text);
-    char token[DPARSE_TEXT_SIZE];
+    char token[dparse::TEXT_SIZE];
     while (dparseGetToken(in, token, sizeof token) != DPARSE_TOKEN_EOF) ++count;
     std::fclose(in);
   }

@@ -7,29 +7,28 @@
 #include "dparse/read/messages.h"
 #include "dparse/write/forms.h"
 
-using dparse::message;
+namespace dparse {
 
 namespace {
 
 //                                 read                   written
-constexpr dparse_form TEXT{dparse_read_text, dparse_write_text};
-constexpr dparse_form QUOTED_NUMBER{dparse_read_quoted_number, dparse_write_quoted_number, false,
-                                    "ss"};
-constexpr dparse_form SEQ_START{dparse_read_seq_start, dparse_write_seq_start, false, "ss"};
-constexpr dparse_form ACCESS{dparse_read_access, dparse_write_text};
-constexpr dparse_form WORD{dparse_read_word, dparse_write_bare_text};
-constexpr dparse_form EXACT_WORD{dparse_read_exact_word, dparse_write_text};
-constexpr dparse_form FOLDED_WORD{dparse_read_folded_word, dparse_write_text};
-constexpr dparse_form YES_NO{dparse_read_yes_no, dparse_write_yes};
-constexpr dparse_form ZERO_ONE{dparse_read_zero_one, dparse_write_number};
-constexpr dparse_form NUMBER{dparse_read_number, nullptr};
-constexpr dparse_form ID{dparse_read_id, dparse_write_number, true};
-constexpr dparse_form LENGTH{dparse_read_length, dparse_write_number_above_none};
-constexpr dparse_form ORDER{dparse_read_order, dparse_write_order};
-constexpr dparse_form TABLE{dparse_read_table, dparse_write_text, false, "sdd"};
-constexpr dparse_form COLUMN{dparse_read_column, nullptr, false, "sdd"};
-constexpr dparse_form ATTRVAL{dparse_read_attrval, nullptr};
-constexpr dparse_form OBJECTCLASS{dparse_read_objectclass, nullptr, false, "d"};
+constexpr value_form TEXT{read_text, write_text};
+constexpr value_form QUOTED_NUMBER{read_quoted_number, write_quoted_number, false, "ss"};
+constexpr value_form SEQ_START{read_seq_start, write_seq_start, false, "ss"};
+constexpr value_form ACCESS{read_access, write_text};
+constexpr value_form WORD{read_word, write_bare_text};
+constexpr value_form EXACT_WORD{read_exact_word, write_text};
+constexpr value_form FOLDED_WORD{read_folded_word, write_text};
+constexpr value_form YES_NO{read_yes_no, write_yes};
+constexpr value_form ZERO_ONE{read_zero_one, write_number};
+constexpr value_form NUMBER{read_number, nullptr};
+constexpr value_form ID{read_id, write_number, true};
+constexpr value_form LENGTH{read_length, write_number_above_none};
+constexpr value_form ORDER{read_order, write_order};
+constexpr value_form TABLE{read_table, write_text, false, "sdd"};
+constexpr value_form COLUMN{read_column, nullptr, false, "sdd"};
+constexpr value_form ATTRVAL{read_attrval, nullptr};
+constexpr value_form OBJECTCLASS{read_objectclass, nullptr, false, "d"};
 
 // Where an attribute is written: nowhere, wherever it is read, or only there.
 constexpr unsigned NEVER = 0;
@@ -38,9 +37,9 @@ constexpr unsigned SQL_CLASS = DD_IN_SQL_CLASS;
 
 struct spelling {
   int token;
-  const dparse_form* form;
+  const value_form* form;
   unsigned written_in;
-  const dparse_word* words = nullptr;
+  const value_word* words = nullptr;
   message refused = message::NONE;
   message expected = message::NONE;
 };
@@ -56,16 +55,16 @@ constexpr spelling SPELLINGS[] = {
     {DPARSE_KEY_LABEL, &TEXT, ALL},
     {DPARSE_KEY_READ_ACCESS, &ACCESS, ALL},
     {DPARSE_KEY_WRITE_ACCESS, &ACCESS, ALL},
-    {DPARSE_KEY_CREATE_ACCESS, &WORD, NEVER, DPARSE_CREATE_LEVELS,
+    {DPARSE_KEY_CREATE_ACCESS, &WORD, NEVER, CREATE_LEVELS,
      message::INVALID_CREATE_ACCESS},
     {DPARSE_KEY_DESCR, &TEXT, ALL},
     {DPARSE_KEY_IS_PARTITIONED, &QUOTED_NUMBER, ALL, nullptr,
      message::INVALID_IS_PARTITIONED},
-    {DPARSE_KEY_PARTITION_MODE, &EXACT_WORD, ALL, DPARSE_PARTITION_MODES,
+    {DPARSE_KEY_PARTITION_MODE, &EXACT_WORD, ALL, PARTITION_MODES,
      message::INVALID_PARTITION_MODE},
     {DPARSE_KEY_RESIDENCY_TYPE, &QUOTED_NUMBER, NEVER, nullptr,
      message::INVALID_RESIDENCY_TYPE},
-    {DPARSE_KEY_AUDIT_SCHEME, &FOLDED_WORD, ALL, DPARSE_AUDIT_SCHEMES, message::INVALID_AUDIT_SCHEME},
+    {DPARSE_KEY_AUDIT_SCHEME, &FOLDED_WORD, ALL, AUDIT_SCHEMES, message::INVALID_AUDIT_SCHEME},
     {DPARSE_KEY_EVENT_TYPE, &TEXT, ALL},
     {DPARSE_KEY_VIRTUAL_FLAG, &QUOTED_NUMBER, ALL, nullptr,
      message::INVALID_VIRTUAL_FLAG},
@@ -74,15 +73,15 @@ constexpr spelling SPELLINGS[] = {
      message::INVALID_ORDER, message::ORDER_EXPECTED},
     {DPARSE_KEY_LENGTH, &LENGTH, ALL, nullptr,
      message::INVALID_LENGTH, message::LENGTH_EXPECTED},
-    {DPARSE_KEY_CREATE, &WORD, ALL, DPARSE_CREATE_PERMISSIONS, message::INVALID_CREATE_PERMISSION},
-    {DPARSE_KEY_MODIFY, &WORD, ALL, DPARSE_MODIFY_PERMISSIONS, message::INVALID_MODIFY_PERMISSION},
+    {DPARSE_KEY_CREATE, &WORD, ALL, CREATE_PERMISSIONS, message::INVALID_CREATE_PERMISSION},
+    {DPARSE_KEY_MODIFY, &WORD, ALL, MODIFY_PERMISSIONS, message::INVALID_MODIFY_PERMISSION},
     {DPARSE_KEY_AUDITABLE, &ZERO_ONE, ALL},
     {DPARSE_KEY_ENCRYPTABLE, &ZERO_ONE, ALL},
     {DPARSE_KEY_SERIALIZABLE, &ZERO_ONE, ALL},
     // No audit scheme is involved in these two; the message is deliberate.
-    {DPARSE_KEY_QUERYABLE_ON_AUDIT, &YES_NO, ALL, DPARSE_YES_NO, message::INVALID_AUDIT_SCHEME,
+    {DPARSE_KEY_QUERYABLE_ON_AUDIT, &YES_NO, ALL, YES_OR_NO, message::INVALID_AUDIT_SCHEME,
      message::INVALID_YES_NO},
-    {DPARSE_KEY_IGNORE_ON_AUDIT, &YES_NO, ALL, DPARSE_YES_NO, message::INVALID_AUDIT_SCHEME,
+    {DPARSE_KEY_IGNORE_ON_AUDIT, &YES_NO, ALL, YES_OR_NO, message::INVALID_AUDIT_SCHEME,
      message::INVALID_YES_NO},
 
     {DPARSE_KEY_SQL_TABLE, &TABLE, SQL_CLASS, nullptr,
@@ -107,16 +106,15 @@ constexpr spelling SPELLINGS[] = {
 // clang-format on
 
 constexpr bool takes(message which, std::string_view letters) {
-  return which == message::NONE || dparse::takes(dparse::row_of(which).text, letters);
+  return which == message::NONE || dparse::takes(row_of(which).text, letters);
 }
 
 constexpr uint32_t field_read(const dd_attribute& row) {
   return row.kind == dd_value_kind::TEXTS ? row.text : row.field;
 }
 
-constexpr dparse_attribute joined(const spelling& how) {
-  dparse_attribute result{how.token,      0,         how.form,    0,
-                          how.written_in, how.words, how.refused, how.expected};
+constexpr attribute joined(const spelling& how) {
+  attribute result{how.token, 0, how.form, 0, how.written_in, how.words, how.refused, how.expected};
   for (const dd_attribute& row : DD_ATTRIBUTES) {
     if (row.keyword != how.token) continue;
     result.field = field_read(row);
@@ -126,7 +124,7 @@ constexpr dparse_attribute joined(const spelling& how) {
 }
 
 constexpr auto ROWS = [] {
-  std::array<dparse_attribute, std::size(SPELLINGS)> rows{};
+  std::array<attribute, std::size(SPELLINGS)> rows{};
   std::ranges::transform(SPELLINGS, rows.begin(), joined);
   return rows;
 }();
@@ -138,8 +136,7 @@ static_assert(std::ranges::all_of(DD_ATTRIBUTES,
                                                               &spelling::token) == 1;
                                   }),
               "an attribute of dd/attributes.h has no row here, or more than one");
-static_assert(std::ranges::none_of(ROWS,
-                                   [](const dparse_attribute& row) { return row.field == 0; }),
+static_assert(std::ranges::none_of(ROWS, [](const attribute& row) { return row.field == 0; }),
               "a row here is no attribute of dd/attributes.h");
 static_assert(std::ranges::all_of(DD_ATTRIBUTES,
                                   [](const dd_attribute& row) {
@@ -150,32 +147,34 @@ static_assert(std::ranges::all_of(DD_ATTRIBUTES,
               "a keyword stands for two fields");
 #ifndef __SANITIZE_ADDRESS__  // with which g++ compares no function's address at compile time
 static_assert(std::ranges::all_of(ROWS,
-                                  [](const dparse_attribute& row) {
+                                  [](const attribute& row) {
                                     return row.written_in == NEVER || row.form->write != nullptr;
                                   }),
               "a row here is written in a form that cannot be written");
 #endif
 
 static_assert(std::ranges::all_of(ROWS,
-                                  [](const dparse_attribute& row) {
+                                  [](const attribute& row) {
                                     return takes(row.refused, row.form->refused_takes) &&
                                            takes(row.expected, "s");
                                   }),
               "a message here has other conversions than its form fills");
 
 constexpr auto ROW_OF_TOKEN = [] {
-  std::array<const dparse_attribute*, DPARSE_TOKEN_NUMBERS> rows{};
-  for (const dparse_attribute& row : ROWS) rows[static_cast<size_t>(row.token)] = &row;
+  std::array<const attribute*, TOKEN_NUMBERS> rows{};
+  for (const attribute& row : ROWS) rows[static_cast<size_t>(row.token)] = &row;
   return rows;
 }();
 
 }  // namespace
 
-std::span<const dparse_attribute> dparse_attributes() {
+std::span<const attribute> attributes() {
   return ROWS;
 }
 
-const dparse_attribute* dparse_find_attribute(int token, unsigned context) {
-  const dparse_attribute* row = ROW_OF_TOKEN[static_cast<size_t>(token)];
+const attribute* find_attribute(int token, unsigned context) {
+  const attribute* row = ROW_OF_TOKEN[static_cast<size_t>(token)];
   return row != nullptr && (row->read_in & context) != 0 ? row : nullptr;
 }
+
+}  // namespace dparse

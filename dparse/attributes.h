@@ -13,39 +13,41 @@
 #include "dparse/words.h"
 
 namespace dparse {
+
 enum class message : unsigned char;  // what the reader says: dparse/read/messages.h
-}
-struct dparse_element;  // what a reader fills
-struct dparse_writing;  // where a writer stands
-struct dparse_attribute;
+struct target_element;               // what a reader fills
+struct write_state;                  // where a writer stands
+struct attribute;
 
 // How a value is spelled.
-struct dparse_form {
+struct value_form {
   // Reads what follows the keyword, ";" included, and stores it: 1, or -1 with a message (the block
   // adds a line of its own to the log), or 0 with all messages.
-  int (*read)(FILE* stream, dparse_element& element, const dparse_attribute& row);
+  int (*read)(FILE* stream, target_element& element, const attribute& row);
   // Writes the line, or nothing where the value (null: absent) calls for none; null: never written.
   // A failure stays in the writing's error buffer.
-  void (*write)(dparse_writing& writing, const dparse_attribute& row, const void* value);
+  void (*write)(write_state& writing, const attribute& row, const void* value);
   bool required = false;            // the writer takes a missing value for a failure
   const char* refused_takes = "s";  // the letters of the conversions in the row's `refused`
 };
 
-struct dparse_attribute {
+struct attribute {
   int token;
   uint32_t field;  // of a text in an array: the text's
-  const dparse_form* form;
+  const value_form* form;
   unsigned read_in;     // sets of contexts
   unsigned written_in;  // the SQL names of an entry depend on its type: see write/storage.cpp
-  const dparse_word* words = nullptr;  // of a value from a word list
-  dparse::message refused{};           // for a value that is not allowed; else NONE
-  dparse::message expected{};          // for one of another kind, where that differs; else NONE
+  const value_word* words = nullptr;  // of a value from a word list
+  message refused{};                  // for a value that is not allowed; else NONE
+  message expected{};                 // for one of another kind, where that differs; else NONE
 };
 
 // In the order in which they are written.
-std::span<const dparse_attribute> dparse_attributes();
+std::span<const attribute> attributes();
 
 // The row of an attribute that may stand there, or null.
-const dparse_attribute* dparse_find_attribute(int token, unsigned context);
+const attribute* find_attribute(int token, unsigned context);
+
+}  // namespace dparse
 
 #endif

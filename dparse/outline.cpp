@@ -5,9 +5,11 @@
 
 static constexpr char MODULE[] = "dparse_export";
 
+namespace dparse {
+
 // The entries that are open are kept in a vector, not on the stack: the dictionary decides how deep
 // they nest.
-static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth) {
+static void walk_entries(class_outline& outline, tav_flist_t* parent, int depth) {
   std::vector<dd_walk> levels{{parent, TAV_FLD_OBJ_ELEM}};
   while (!levels.empty()) {
     tav_ebuf* ebuf = &outline.failure;
@@ -19,7 +21,7 @@ static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth
     const char* name = dd_text_or_null(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE));
     if (dd_failed(*ebuf)) entry = nullptr;
     const auto here = static_cast<int32_t>(levels.size()) + depth - 1;
-    outline.entries.push_back({entry, name, here, DPARSE_TYPE_NOT_KNOWN});
+    outline.entries.push_back({entry, name, here, TYPE_NOT_KNOWN});
     if (entry == nullptr) return;
     // A failure counts as one inside the entry.
     if (dd_has_any(entry, TAV_FLD_OBJ_ELEM, at(ebuf, HERE)) || dd_failed(*ebuf))
@@ -27,8 +29,8 @@ static void walk_entries(dparse_outline& outline, tav_flist_t* parent, int depth
   }
 }
 
-dparse_outline dparse_outline_classes(tav_flist_t* class_list, const tav_ebuf& ebuf) {
-  dparse_outline outline{{}, {}, ebuf};
+class_outline outline_classes(tav_flist_t* class_list, const tav_ebuf& ebuf) {
+  class_outline outline{{}, {}, ebuf};
   dd_walk walk(class_list, TAV_FLD_OBJ_DESC);
   while (tav_flist_t* element = walk.next(at(&outline.failure, HERE))) {
     const size_t first = outline.entries.size();
@@ -39,8 +41,10 @@ dparse_outline dparse_outline_classes(tav_flist_t* class_list, const tav_ebuf& e
   return outline;
 }
 
-dparse_outline dparse_outline_entries(tav_flist_t* parent, int depth) {
-  dparse_outline outline{};
+class_outline outline_entries(tav_flist_t* parent, int depth) {
+  class_outline outline{};
   walk_entries(outline, parent, depth);
   return outline;
 }
+
+}  // namespace dparse

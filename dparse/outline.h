@@ -10,35 +10,39 @@
 
 #include "dd/vantor.h"
 
-inline constexpr int32_t DPARSE_TYPE_NOT_KNOWN = -1;
+namespace dparse {
 
-struct dparse_outline_entry {
+inline constexpr int32_t TYPE_NOT_KNOWN = -1;
+
+struct outlined_entry {
   tav_flist_t* entry;  // null: the walk failed here
   const char* name;    // borrowed; null: it has none
   int32_t depth;       // that of a class's own entries is 1
   int32_t type;        // of its field; kept by the first who looks it up
 };
 
-struct dparse_outline_class {
+struct outlined_class {
   tav_flist_t* element;  // null: the walk failed here
   size_t first;          // its entries
   size_t count;
 };
 
-struct dparse_outline {
-  std::vector<dparse_outline_class> classes;
-  std::vector<dparse_outline_entry> entries;
+struct class_outline {
+  std::vector<outlined_class> classes;
+  std::vector<outlined_entry> entries;
   tav_ebuf failure;  // of the walk
 };
 
 // Walks a list of classes, unless the buffer holds a failure: that is the outline's, then.
-dparse_outline dparse_outline_classes(tav_flist_t* class_list, const tav_ebuf& ebuf);
+class_outline outline_classes(tav_flist_t* class_list, const tav_ebuf& ebuf);
 // Walks the entries of one class or entry, which are at that depth. The outline holds no class.
-dparse_outline dparse_outline_entries(tav_flist_t* parent, int depth);
+class_outline outline_entries(tav_flist_t* parent, int depth);
 
-inline std::span<dparse_outline_entry> dparse_entries_of(dparse_outline& outline,
-                                                         const dparse_outline_class& storable) {
+inline std::span<outlined_entry> entries_of(class_outline& outline,
+                                            const outlined_class& storable) {
   return std::span(outline.entries).subspan(storable.first, storable.count);
 }
+
+}  // namespace dparse
 
 #endif

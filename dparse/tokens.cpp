@@ -8,8 +8,10 @@
 #include "dd/types.h"
 
 #define DPARSE_TABLE_ROW(name, text, number) {number, text},
-constexpr dparse_token_row token_table[] = {DD_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
+constexpr dparse::token_row token_table[] = {DD_KEYWORDS(DPARSE_TABLE_ROW){0, nullptr}};
 #undef DPARSE_TABLE_ROW
+
+namespace dparse {
 
 namespace {
 
@@ -19,25 +21,25 @@ constexpr int TOKENS_WITHOUT_KEYWORD[] = {DPARSE_TOKEN_EMPTY, DPARSE_TOKEN_WORD,
                                           DPARSE_TOKEN_BAD_STRING, DPARSE_TOKEN_STRING};
 
 // The texts by token number.
-struct keyword_texts {
-  std::string_view by_token[DPARSE_TOKEN_NUMBERS];
+struct texts_by_number {
+  std::string_view by_token[TOKEN_NUMBERS];
 
-  constexpr keyword_texts() {
+  constexpr texts_by_number() {
     for (size_t i = 0; i < KEYWORDS; ++i)
       by_token[static_cast<size_t>(token_table[i].number)] = token_table[i].text;
   }
 };
-constexpr keyword_texts TEXTS;
+constexpr texts_by_number TEXTS;
 static_assert(std::ranges::none_of(TOKENS_WITHOUT_KEYWORD,
                                    [](int token) {
                                      return !TEXTS.by_token[static_cast<size_t>(token)].empty();
                                    }),
               "a keyword has the number of a token that has none");
-static_assert(DPARSE_TOKEN_NUMBERS <= 256, "a token's number no longer fits a byte");
+static_assert(TOKEN_NUMBERS <= 256, "a token's number no longer fits a byte");
 
 // The type codes by token number.
 constexpr auto TYPE_CODES = [] {
-  std::array<int32_t, DPARSE_TOKEN_NUMBERS> codes{};
+  std::array<int32_t, TOKEN_NUMBERS> codes{};
   for (size_t i = 0; i < codes.size(); ++i) {
 #define DPARSE_TYPE_ROW(name, code, keyword) \
   if (TEXTS.by_token[i] == (keyword)) codes[i] = code;
@@ -53,7 +55,7 @@ constexpr size_t LONGEST = [] {
     longest = text.size() > longest ? text.size() : longest;
   return longest;
 }();
-static_assert(LONGEST < DPARSE_KEYWORD_SIZE);
+static_assert(LONGEST < KEYWORD_SIZE);
 
 // What tells keywords apart: the length and three letters, each the same number in either case.
 constexpr uint32_t marks(const char* word, size_t length) {
@@ -103,14 +105,14 @@ constexpr auto NUMBERS = [] {
 // The bytes of a keyword and its terminator as words, and the bits of them that count: of a letter
 // all but its case, of what follows the terminator none.
 struct pattern {
-  static constexpr size_t WORDS = DPARSE_KEYWORD_SIZE / sizeof(uint64_t);
+  static constexpr size_t WORDS = KEYWORD_SIZE / sizeof(uint64_t);
   std::array<uint64_t, WORDS> text{};
   std::array<uint64_t, WORDS> counts{};
 };
 
 constexpr pattern pattern_of(std::string_view keyword) {
-  std::array<char, DPARSE_KEYWORD_SIZE> text{};
-  std::array<unsigned char, DPARSE_KEYWORD_SIZE> counts{};
+  std::array<char, KEYWORD_SIZE> text{};
+  std::array<unsigned char, KEYWORD_SIZE> counts{};
   for (size_t i = 0; i < keyword.size(); ++i) {
     text[i] = keyword[i];
     counts[i] = keyword[i] >= 'A' && keyword[i] <= 'Z' ? 0xdf : 0xff;
@@ -122,7 +124,7 @@ constexpr pattern pattern_of(std::string_view keyword) {
 
 // By token number.
 constexpr auto PATTERNS = [] {
-  std::array<pattern, DPARSE_TOKEN_NUMBERS> patterns{};
+  std::array<pattern, TOKEN_NUMBERS> patterns{};
   for (size_t i = 0; i < patterns.size(); ++i) patterns[i] = pattern_of(TEXTS.by_token[i]);
   return patterns;
 }();
@@ -138,24 +140,25 @@ bool fits(const pattern& keyword, const char* padded) {
 
 }  // namespace
 
-int dparse_padded_keyword(const char* word, size_t length) {
+int padded_keyword_number(const char* word, size_t length) {
   const size_t number = NUMBERS[slot_of(marks(word, length), MULTIPLIER)];
   return fits(PATTERNS[number], word) ? static_cast<int>(number) : DPARSE_TOKEN_WORD;
 }
 
-int dparse_keyword(const char* word, size_t length) {
-  char padded[DPARSE_KEYWORD_SIZE] = "";
+int keyword_number(const char* word, size_t length) {
+  char padded[KEYWORD_SIZE] = "";
   if (length == 0 || length > LONGEST) return DPARSE_TOKEN_WORD;
   std::memcpy(padded, word, length);
-  return dparse_padded_keyword(padded, length);
+  return padded_keyword_number(padded, length);
 }
 
-std::string_view dparse_keyword_text(int token) {
-  return token >= 0 && token < DPARSE_TOKEN_NUMBERS ? TEXTS.by_token[static_cast<size_t>(token)]
-                                                    : "";
+std::string_view keyword_text(int token) {
+  return token >= 0 && token < TOKEN_NUMBERS ? TEXTS.by_token[static_cast<size_t>(token)] : "";
 }
 
-int32_t dparse_type_code(int token) {
-  return token >= 0 && token < DPARSE_TOKEN_NUMBERS ? TYPE_CODES[static_cast<size_t>(token)]
-                                                    : TAV_FLDT_UNUSED;
+int32_t type_code_of(int token) {
+  return token >= 0 && token < TOKEN_NUMBERS ? TYPE_CODES[static_cast<size_t>(token)]
+                                             : TAV_FLDT_UNUSED;
 }
+
+}  // namespace dparse

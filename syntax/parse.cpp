@@ -36,7 +36,7 @@ static bool take(parsing& in, int wanted) {
 }
 
 static bool is_type(int kind) {
-  return dparse_type_code(kind) != TAV_FLDT_UNUSED || kind == DPARSE_KEY_UINT;
+  return dparse::type_code_of(kind) != TAV_FLDT_UNUSED || kind == DPARSE_KEY_UINT;
 }
 
 // Words and keywords.
@@ -213,7 +213,7 @@ static bool begins_field_of_sorts(parsing& in) {
 }
 
 static void parse_member(parsing& in) {
-  const bool is_too_deep = in.open.size() > DPARSE_MAX_DEPTH;
+  const bool is_too_deep = in.open.size() > dparse::MAX_DEPTH;
   if (begins_field_of_sorts(in) && !is_too_deep) return parse_field_head(in, node_kind::ENTRY);
   const bool is_attribute = is_name(kind(in)) && kind(in, 1) == DPARSE_KEY_EQUALS;
   is_attribute ? parse_attribute(in) : parse_broken_member(in);

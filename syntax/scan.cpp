@@ -16,18 +16,19 @@ static size_t behind_gap(std::string_view text, size_t at) {
   if (at == 0) at = mark_size(text);
   for (; at < text.size(); ++at) {
     if (text[at] == '#') at = line_end(text, at);
-    if (at == text.size() || (text[at] != '\n' && !dparse_is(text[at], DPARSE_BLANK))) break;
+    if (at == text.size() || (text[at] != '\n' && !dparse::is_any_of(text[at], dparse::BLANK)))
+      break;
   }
   return at;
 }
 
 static size_t run_end(std::string_view text, size_t at, unsigned char ends) {
-  while (at < text.size() && !dparse_is(text[at], ends)) ++at;
+  while (at < text.size() && !dparse::is_any_of(text[at], ends)) ++at;
   return at;
 }
 
 static scanned scan_string(std::string_view text, size_t start) {
-  const size_t end = run_end(text, start + 1, DPARSE_ENDS_STRING);
+  const size_t end = run_end(text, start + 1, dparse::ENDS_STRING);
   if (end == text.size() || text[end] == '\n') return {start, end, DPARSE_TOKEN_BAD_STRING};
   return {start, end + 1, text[end] == '"' ? DPARSE_TOKEN_STRING : DPARSE_TOKEN_BAD_STRING};
 }
@@ -35,11 +36,11 @@ static scanned scan_string(std::string_view text, size_t start) {
 scanned scan(std::string_view text, size_t at) {
   const size_t start = behind_gap(text, at);
   if (start == text.size()) return {start, start, DPARSE_TOKEN_EOF};
-  const int kind = dparse_start(text[start]);
+  const int kind = dparse::token_started_by(text[start]);
   if (kind == DPARSE_TOKEN_STRING) return scan_string(text, start);
   if (kind != DPARSE_TOKEN_WORD) return {start, start + 1, kind};
-  const size_t end = run_end(text, start, DPARSE_ENDS_WORD);
-  return {start, end, dparse_keyword(text.data() + start, end - start)};
+  const size_t end = run_end(text, start, dparse::ENDS_WORD);
+  return {start, end, dparse::keyword_number(text.data() + start, end - start)};
 }
 
 // A carriage return before the line end belongs to that, and further ones are blanks.
@@ -56,7 +57,7 @@ gap_piece next_in_gap(std::string_view text, size_t at) {
   if (rest.starts_with('\n')) return {gap_kind::LINE_END, at + 1};
   if (rest == "\r\n") return {gap_kind::LINE_END, at + 2};
   size_t end = at;
-  while (end < text.size() && dparse_is(text[end], DPARSE_BLANK)) {
+  while (end < text.size() && dparse::is_any_of(text[end], dparse::BLANK)) {
     if (end > at && text.substr(end, 2) == "\r\n") break;
     ++end;
   }
@@ -70,7 +71,7 @@ size_t mark_size(std::string_view text) {
 
 bool is_too_long(int kind, size_t size) {
   const bool is_string = kind == DPARSE_TOKEN_STRING;
-  return size - (is_string ? 2 : 0) >= DPARSE_TEXT_SIZE;
+  return size - (is_string ? 2 : 0) >= dparse::TEXT_SIZE;
 }
 
 }  // namespace syntax

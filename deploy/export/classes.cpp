@@ -8,9 +8,9 @@
 
 static constexpr char MODULE[] = "tav_deploy_export";
 
-static int gather(dparse_outline& classes, deploy::included_fields& included, dd_list& fields,
-                  const tav_deploy_ctx_t& ctx) {
-  for (const dparse_outline_class& storable : classes.classes) {
+static int gather(dparse::class_outline& classes, deploy::included_fields& included,
+                  dd_list& fields, const tav_deploy_ctx_t& ctx) {
+  for (const dparse::outlined_class& storable : classes.classes) {
     if (storable.element == nullptr) return deploy::call_failed(HERE, classes.failure);
     if (tav_deploy_get_include_class_fields(classes, storable, included, fields, ctx) < 1) {
       return deploy::report(HERE, "class-not-included");
@@ -19,7 +19,7 @@ static int gather(dparse_outline& classes, deploy::included_fields& included, dd
   return 1;
 }
 
-static int write_used_fields(dparse_outline& classes, dd_list& fields,
+static int write_used_fields(dparse::class_outline& classes, dd_list& fields,
                              const tav_deploy_ctx_t& ctx) {
   deploy::included_fields included;
   included.fields.reserve(classes.entries.size());
@@ -34,7 +34,8 @@ static int interfaces_failed(const tav_ebuf& ebuf) {
   return deploy::call_failed(HERE, ebuf, "interfaces-not-written");
 }
 
-static int write_classes(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
+static int write_classes(dparse::class_outline& classes, dd_list& fields,
+                         const tav_deploy_ctx_t& ctx) {
   tav_ebuf ebuf{};
   const bool interfaces = ctx.export_interface != 0 || ctx.export_impl == 0;
   if (interfaces && dparseExportInterfaceClasses(stdout, &fields, classes, &ebuf) < 1) {
@@ -47,7 +48,7 @@ static int write_classes(dparse_outline& classes, dd_list& fields, const tav_dep
   return 1;
 }
 
-static int write_all(dparse_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
+static int write_all(dparse::class_outline& classes, dd_list& fields, const tav_deploy_ctx_t& ctx) {
   const bool with_fields = ctx.select_custom != 0 || ctx.select_predefined != 0;
   if (with_fields && write_used_fields(classes, fields, ctx) < 1) {
     return deploy::report(HERE, "used-fields-not-written");
@@ -60,7 +61,7 @@ static int write_outline(tav_flist_t* classes, dd_list& fields, const tav_deploy
   tav_ebuf ebuf{};
   int result = -1;
   dd_with_memory(at(&ebuf, HERE), [&] {
-    dparse_outline outline = dparse_outline_classes(classes, {});
+    dparse::class_outline outline = dparse::outline_classes(classes, {});
     result = write_all(outline, fields, ctx);
   });
   if (!dd_failed(ebuf)) return result;

@@ -30,8 +30,8 @@ int tav_deploy_add_included_field(deploy::included_fields& included, tav_flist_t
 // Adds the definitions of the fields that a class uses, at every depth and as far as -c and -p
 // select them, in order of first use: 1, or -1 after a report. `classes` is the outline that the
 // class is in, and learns the fields' types.
-int tav_deploy_get_include_class_fields(dparse_outline& classes,
-                                        const dparse_outline_class& storable,
+int tav_deploy_get_include_class_fields(dparse::class_outline& classes,
+                                        const dparse::outlined_class& storable,
                                         deploy::included_fields& included, dd_list& fields,
                                         const tav_deploy_ctx_t& ctx);
 

@@ -24,14 +24,14 @@ int tav_deploy_add_included_field(deploy::included_fields& included, tav_flist_t
   return deploy::report(HERE, "differing-definitions", {.field = name}, {.ebuf = &ebuf});
 }
 
-static int include_field(dparse_outline_entry& entry, deploy::included_fields& included,
+static int include_field(dparse::outlined_entry& entry, deploy::included_fields& included,
                          dd_list& fields, const tav_deploy_ctx_t& ctx, tav_ebuf* ebuf) {
   const char* name = entry.name != nullptr ? entry.name : "";
   const uint32_t hash = dd_hash(name);
   const dd_known* known = deploy::known_field(fields, name, hash);
   if (known == nullptr) return 1;
   tav_flist_t* field = known->element;
-  entry.type = dd_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE), DPARSE_TYPE_NOT_KNOWN);
+  entry.type = dd_int(field, TAV_FLD_FIELD_TYPE, at(ebuf, HERE), dparse::TYPE_NOT_KNOWN);
   if (!deploy::is_selected(field, ctx, at(ebuf, HERE))) return 1;
   if (tav_deploy_add_included_field(included, field, hash) >= 1) return 1;
   return deploy::report(HERE, "field-not-included", {.field = name});
@@ -43,13 +43,13 @@ static int fail_all(int depth) {
   return -1;
 }
 
-int tav_deploy_get_include_class_fields(dparse_outline& classes,
-                                        const dparse_outline_class& storable,
+int tav_deploy_get_include_class_fields(dparse::class_outline& classes,
+                                        const dparse::outlined_class& storable,
                                         deploy::included_fields& included, dd_list& fields,
                                         const tav_deploy_ctx_t& ctx) {
   if (ctx.select_custom == 0 && ctx.select_predefined == 0) return 1;
   tav_ebuf ebuf{};
-  for (dparse_outline_entry& entry : dparse_entries_of(classes, storable)) {
+  for (dparse::outlined_entry& entry : dparse::entries_of(classes, storable)) {
     if (entry.entry == nullptr) {
       ebuf = classes.failure;
     } else if (include_field(entry, included, fields, ctx, &ebuf) < 1) {

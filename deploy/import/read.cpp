@@ -42,7 +42,7 @@ static int parse(FILE* stream, const char* name, bool is_first, definitions& rea
   std::setvbuf(stream, read_ahead, _IOFBF, sizeof read_ahead);
   const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
   if (result >= 1) return 1;
-  if (result == DPARSE_UNREADABLE) return cannot_open(name, is_first);
+  if (result == dparse::UNREADABLE) return cannot_open(name, is_first);
   return deploy::report(
       HERE, "syntax-error", {},
       {.file = dparseGetFname(), .line = dparseGetErrLine(), .message = dparseGetErrMsg()});

@@ -35,12 +35,12 @@ static element read_element(const element_kind& kind, tav_flist_t* list, tav_ebu
           has_type ? dd_int(list, TAV_FLD_FIELD_TYPE, ebuf) : 0};
 }
 
-static written write_value(const element& holder, const dparse_attribute& row, tav_ebuf* ebuf) {
+static written write_value(const element& holder, const dparse::attribute& row, tav_ebuf* ebuf) {
   dd_decimal zero;
   const void* held = tavi_flist_get(holder.list, row.field, 0, 1, 0, ebuf);
-  const void* value = dparse_or_zero(held, row.field, zero, ebuf);
+  const void* value = dparse::value_or_zero(held, row.field, zero, ebuf);
   const bool is_text = DD_FIELD_ID_TYPE(row.field) == TAV_FLDT_STRING;
-  std::string text = dparse_value_text(row, value, holder.name, holder.type, ebuf);
+  std::string text = dparse::value_text(row, value, holder.name, holder.type, ebuf);
   const bool is_given = is_text ? !text.empty() : value != nullptr;
   return {std::move(text), is_given};
 }
@@ -76,7 +76,7 @@ static bool is_passed_over(const element& holder, uint32_t field, const written&
   return !after.is_given && keeping_of(holder.kind, field) != dd_keeping::NEVER;
 }
 
-static void compare_value(const element& before, const element& after, const dparse_attribute& row,
+static void compare_value(const element& before, const element& after, const dparse::attribute& row,
                           bool is_deployment, std::vector<value_change>& changes, tav_ebuf* ebuf) {
   written old_value = write_value(before, row, ebuf);
   written new_value = write_value(after, row, ebuf);
@@ -84,7 +84,7 @@ static void compare_value(const element& before, const element& after, const dpa
   if (is_deployment && is_passed_over(after, row.field, new_value)) return;
   const bool is_kept = is_deployment && old_value.is_given &&
                        keeping_of(after.kind, row.field) == dd_keeping::ALWAYS;
-  changes.push_back({dparse_keyword_text(row.token), std::move(old_value.text),
+  changes.push_back({dparse::keyword_text(row.token), std::move(old_value.text),
                      std::move(new_value.text), is_kept});
 }
 
@@ -104,7 +104,7 @@ std::vector<value_change> compare_values(const element_kind& kind, tav_flist_t* 
   const element new_element = read_element(kind, after, ebuf);
   if (old_element.type != new_element.type)
     changes.push_back({"type", keyword_of(old_element.type), keyword_of(new_element.type)});
-  for (const dparse_attribute& row : dparse_attributes()) {
+  for (const dparse::attribute& row : dparse::attributes()) {
     if ((row.read_in & kind.attributes) == 0) continue;
     compare_value(old_element, new_element, row, is_deployment, changes, ebuf);
   }

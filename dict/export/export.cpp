@@ -37,7 +37,7 @@ struct exported {
   definitions all{};
   uint64_t database = 0;
   std::vector<tav_flist_t*> fields{};  // to be written
-  dparse_outline classes{};
+  dparse::class_outline classes{};
 };
 
 }  // namespace
@@ -72,7 +72,7 @@ static bool gather(const request& asked, exported& result, dm::problem& why) {
   while (tav_flist_t* field = walk.next(at(&ebuf, HERE))) {
     if (is_written(field, &ebuf)) result.fields.push_back(field);
   }
-  result.classes = dparse_outline_classes(result.all.classes.get(), ebuf);
+  result.classes = dparse::outline_classes(result.all.classes.get(), ebuf);
   if (result.classes.failure.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
   return true;
 }
@@ -102,7 +102,7 @@ static bool text_of_fields(const std::vector<tav_flist_t*>& fields, std::string&
       text);
 }
 
-static bool text_of_interfaces(dd_list& fields, dparse_outline& classes, std::string& text) {
+static bool text_of_interfaces(dd_list& fields, dparse::class_outline& classes, std::string& text) {
   return text_of(
       [&](FILE* to, tav_ebuf* ebuf) {
         return dparseExportInterfaceClasses(to, &fields, classes, ebuf);
@@ -110,7 +110,8 @@ static bool text_of_interfaces(dd_list& fields, dparse_outline& classes, std::st
       text);
 }
 
-static bool text_of_implementations(dd_list& fields, dparse_outline& classes, std::string& text) {
+static bool text_of_implementations(dd_list& fields, dparse::class_outline& classes,
+                                    std::string& text) {
   return text_of(
       [&](FILE* to, tav_ebuf* ebuf) { return dparseExportImplClasses(to, &fields, classes, ebuf); },
       text);
@@ -171,11 +172,12 @@ static bool make_field_files(exported& all, std::vector<export_file>& files, dm:
   return true;
 }
 
-static bool make_class_file(exported& all, const dparse_outline_class& storable, export_file& file,
-                            dm::problem& why) {
+static bool make_class_file(exported& all, const dparse::outlined_class& storable,
+                            export_file& file, dm::problem& why) {
   tav_ebuf ebuf{};
-  const auto entries = dparse_entries_of(all.classes, storable);
-  dparse_outline one{{{storable.element, 0, storable.count}}, {entries.begin(), entries.end()}, {}};
+  const auto entries = dparse::entries_of(all.classes, storable);
+  dparse::class_outline one{
+      {{storable.element, 0, storable.count}}, {entries.begin(), entries.end()}, {}};
   one.failure = all.classes.failure;
   file.name = file_of_class(dd_text(storable.element, TAV_FLD_NAME, at(&ebuf, HERE)));
   return (text_of_interfaces(all.all.fields, one, file.text) &&
@@ -185,7 +187,7 @@ static bool make_class_file(exported& all, const dparse_outline_class& storable,
 
 static bool make_files(exported& all, std::vector<export_file>& files, dm::problem& why) {
   if (!make_field_files(all, files, why)) return false;
-  for (const dparse_outline_class& storable : all.classes.classes) {
+  for (const dparse::outlined_class& storable : all.classes.classes) {
     if (storable.element == nullptr) return cannot_be_written(why);
     if (!make_class_file(all, storable, files.emplace_back(), why)) return false;
   }

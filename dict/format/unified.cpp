@@ -28,7 +28,7 @@ constexpr size_t AROUND = 3;  // lines shown before and behind a change
 }  // namespace
 
 static bool is_blank(char c) {
-  return c == '\n' || dparse_is(c, DPARSE_BLANK);
+  return c == '\n' || dparse::is_any_of(c, dparse::BLANK);
 }
 
 static std::vector<line> lines_of(std::string_view text) {

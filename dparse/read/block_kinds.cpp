@@ -5,7 +5,7 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
+namespace dparse {
 
 namespace {
 
@@ -23,43 +23,45 @@ constexpr uint32_t LDAP_MEMBERS = LDAP_FIELDS & ~types(TAV_FLDT_ARRAY);
 
 // The message is the bare token, the record says more: deliberate.
 int unknown_in_definition(int, const char* text) {
-  return dparse::fail_as(HERE, text, message::UNKNOWN_FIELD_ATTRIBUTE, {text});
+  return fail_as(HERE, text, message::UNKNOWN_FIELD_ATTRIBUTE, {text});
 }
 
 int failed_in_definition(int token, const char*) {
-  if (token == DPARSE_KEY_ID) return dparse::fail(HERE, message::ID_NOT_READ);
-  return dparse::fail(HERE, message::FIELD_ATTRIBUTE_NOT_READ, dparse_keyword_text(token));
+  if (token == DPARSE_KEY_ID) return fail(HERE, message::ID_NOT_READ);
+  return fail(HERE, message::FIELD_ATTRIBUTE_NOT_READ, keyword_text(token));
 }
 
 int refused_in_class(int, const char* text) {
-  return dparse::fail(HERE, message::UNKNOWN_CLASS_MEMBER, text);
+  return fail(HERE, message::UNKNOWN_CLASS_MEMBER, text);
 }
 
 int unknown_in_entry(int token, const char* text) {
-  return dparse::fail(HERE, message::UNKNOWN_ENTRY_MEMBER, token, text);
+  return fail(HERE, message::UNKNOWN_ENTRY_MEMBER, token, text);
 }
 
 int failed_in_interface(int, const char*) {
-  return dparse::fail(HERE, message::MEMBER_NOT_READ);
+  return fail(HERE, message::MEMBER_NOT_READ);
 }
 
 int refused_in_entry(int, const char* text) {
-  return dparse::fail(HERE, message::UNKNOWN_STORAGE_MEMBER, text);
+  return fail(HERE, message::UNKNOWN_STORAGE_MEMBER, text);
 }
 
 }  // namespace
 
-const dparse_block DPARSE_DEFINITION{DD_IN_DEFINITION, 0, nullptr, unknown_in_definition,
-                                     failed_in_definition};
-const dparse_block DPARSE_CLASS{DD_IN_CLASS, FIELDS, &DPARSE_CLASS_ENTRY, refused_in_class,
-                                failed_in_interface};
-const dparse_block DPARSE_CLASS_ENTRY{DD_IN_ENTRY, FIELDS, &DPARSE_CLASS_ENTRY, unknown_in_entry,
-                                      failed_in_interface};
-const dparse_block DPARSE_SQL_CLASS{DD_IN_SQL_CLASS, FIELDS, &DPARSE_SQL_ENTRY, refused_in_class,
-                                    refused_in_class};
-const dparse_block DPARSE_SQL_ENTRY{DD_IN_SQL_ENTRY, FIELDS, &DPARSE_SQL_ENTRY, refused_in_entry,
-                                    refused_in_entry};
-const dparse_block DPARSE_LDAP_CLASS{DD_IN_LDAP_CLASS, LDAP_FIELDS, &DPARSE_LDAP_ENTRY,
-                                     refused_in_class, refused_in_class};
-const dparse_block DPARSE_LDAP_ENTRY{DD_IN_LDAP_ENTRY, LDAP_MEMBERS, &DPARSE_LDAP_ENTRY,
-                                     refused_in_entry, refused_in_entry};
+const block_rules DEFINITION_BLOCK{DD_IN_DEFINITION, 0, nullptr, unknown_in_definition,
+                                   failed_in_definition};
+const block_rules CLASS_BLOCK{DD_IN_CLASS, FIELDS, &CLASS_ENTRY_BLOCK, refused_in_class,
+                              failed_in_interface};
+const block_rules CLASS_ENTRY_BLOCK{DD_IN_ENTRY, FIELDS, &CLASS_ENTRY_BLOCK, unknown_in_entry,
+                                    failed_in_interface};
+const block_rules SQL_CLASS_BLOCK{DD_IN_SQL_CLASS, FIELDS, &SQL_ENTRY_BLOCK, refused_in_class,
+                                  refused_in_class};
+const block_rules SQL_ENTRY_BLOCK{DD_IN_SQL_ENTRY, FIELDS, &SQL_ENTRY_BLOCK, refused_in_entry,
+                                  refused_in_entry};
+const block_rules LDAP_CLASS_BLOCK{DD_IN_LDAP_CLASS, LDAP_FIELDS, &LDAP_ENTRY_BLOCK,
+                                   refused_in_class, refused_in_class};
+const block_rules LDAP_ENTRY_BLOCK{DD_IN_LDAP_ENTRY, LDAP_MEMBERS, &LDAP_ENTRY_BLOCK,
+                                   refused_in_entry, refused_in_entry};
+
+}  // namespace dparse

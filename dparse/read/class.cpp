@@ -10,50 +10,43 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
-
-int dparseIsDuplicateClass(dd_list* list, const char* name) {
-  tav_ebuf ebuf{};
-  const tav_flist_t* found = list->find(name, at(&ebuf, HERE));
-  if (dparse::done(HERE, ebuf) < 1) return -1;
-  return found == nullptr ? 0 : dparse::fail(HERE, message::DUPLICATE_CLASS, name);
-}
+namespace dparse {
 
 // A class of that name, or null with a message.
 static dd_flist start(const char* name) {
   tav_ebuf ebuf{};
   dd_flist list(tav_flist_create(at(&ebuf, HERE)));
   dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
-  return dparse::done(HERE, ebuf) < 1 ? nullptr : std::move(list);
+  return done(HERE, ebuf) < 1 ? nullptr : std::move(list);
 }
 
 static int append(dd_list& classes, dd_flist list) {
   tav_ebuf ebuf{};
   classes.append(std::move(list), at(&ebuf, HERE));
-  return dparse::done(HERE, ebuf);
+  return done(HERE, ebuf);
 }
 
 // interface := STORABLE CLASS name "{" block; all but the block has been read.
 static int read_interface(FILE* stream, dd_list& classes, const char* name) {
   if (dparseIsDuplicateClass(&classes, name) < 0)
-    return dparse::fail(HERE, message::DUPLICATE_INTERFACE, name);
+    return fail(HERE, message::DUPLICATE_INTERFACE, name);
   dd_flist list = start(name);
   if (list == nullptr) return -1;
-  dparse_element element{.list = list.get(), .block = &DPARSE_CLASS};
-  if (dparse_read_block(stream, element) < 1) return -1;
+  target_element element{.list = list.get(), .block = &CLASS_BLOCK};
+  if (read_block(stream, element) < 1) return -1;
   return append(classes, std::move(list));
 }
 
 // What each implementation's blocks may hold; the names are exact.
 static const struct {
   const char* name;
-  const dparse_block* block;
-} IMPLEMENTATIONS[] = {{"TESSEL7", &DPARSE_SQL_CLASS},
-                       {"SQLGENERIC", &DPARSE_SQL_CLASS},
-                       {"SQLSERVER7", &DPARSE_SQL_CLASS},
-                       {"LDAPV3", &DPARSE_LDAP_CLASS}};
+  const block_rules* block;
+} IMPLEMENTATIONS[] = {{"TESSEL7", &SQL_CLASS_BLOCK},
+                       {"SQLGENERIC", &SQL_CLASS_BLOCK},
+                       {"SQLSERVER7", &SQL_CLASS_BLOCK},
+                       {"LDAPV3", &LDAP_CLASS_BLOCK}};
 
-static const dparse_block* block_of(const char* name) {
+static const block_rules* block_of(const char* name) {
   for (const auto& implementation : IMPLEMENTATIONS)
     if (std::strcmp(implementation.name, name) == 0) return implementation.block;
   return nullptr;
@@ -63,37 +56,43 @@ static const dparse_block* block_of(const char* name) {
 // IMPLEMENTATION.
 static int read_implementation(FILE* stream, dd_list& impls, const char* name, const char* filter) {
   if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
-    return dparse::fail(HERE, message::DUPLICATE_IMPLEMENTATION);
-  dparse_token token;
+    return fail(HERE, message::DUPLICATE_IMPLEMENTATION);
+  token_text token;
   dd_flist list = start(name);
   if (list == nullptr) return -1;
-  if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse::fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
-  dparse_element element{.list = list.get(), .block = block_of(token.text)};
-  if (element.block == nullptr)
-    return dparse::fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
-  if (dparse_expect_open(stream) < 1) return -1;
-  if (dparse_read_block(stream, element) < 1) return -1;
+  if (!take(stream, token, DPARSE_TOKEN_WORD))
+    return fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
+  target_element element{.list = list.get(), .block = block_of(token.text)};
+  if (element.block == nullptr) return fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
+  if (expect_open(stream) < 1) return -1;
+  if (read_block(stream, element) < 1) return -1;
   if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
   return append(impls, std::move(list));
 }
 
 // class := STORABLE CLASS name ( "{" | IMPLEMENTATION ); STORABLE has been read.
-int dparse_read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter) {
-  dparse_token name;
-  dparse_token kind;
-  if (!dparse_take(stream, name, DPARSE_KEY_CLASS))
-    return dparse::fail(HERE, message::CLASS_EXPECTED);
-  if (!dparse_take(stream, name, DPARSE_TOKEN_WORD))
-    return dparse::fail(HERE, message::CLASS_NAME_EXPECTED);
-  switch (dparse_next(stream, kind)) {
+int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter) {
+  token_text name;
+  token_text kind;
+  if (!take(stream, name, DPARSE_KEY_CLASS)) return fail(HERE, message::CLASS_EXPECTED);
+  if (!take(stream, name, DPARSE_TOKEN_WORD)) return fail(HERE, message::CLASS_NAME_EXPECTED);
+  switch (next_token(stream, kind)) {
     case DPARSE_KEY_OPEN:
       if (read_interface(stream, classes, name.text) > 0) return 1;
-      return dparse::fail(HERE, message::INTERFACE_NOT_READ);
+      return fail(HERE, message::INTERFACE_NOT_READ);
     case DPARSE_KEY_IMPLEMENTATION:
       if (read_implementation(stream, impls, name.text, filter) > 0) return 1;
-      return dparse::fail(HERE, message::IMPLEMENTATION_NOT_READ);
+      return fail(HERE, message::IMPLEMENTATION_NOT_READ);
     default:
-      return dparse_no_open();
+      return no_opening_brace();
   }
+}
+
+}  // namespace dparse
+
+int dparseIsDuplicateClass(dd_list* list, const char* name) {
+  tav_ebuf ebuf{};
+  const tav_flist_t* found = list->find(name, at(&ebuf, HERE));
+  if (dparse::done(HERE, ebuf) < 1) return -1;
+  return found == nullptr ? 0 : dparse::fail(HERE, dparse::message::DUPLICATE_CLASS, name);
 }

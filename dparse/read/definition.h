@@ -7,7 +7,11 @@
 
 #include "dd/list.h"
 
-int dparse_read_field(FILE* stream, dd_list& fields, int type_token);
-int dparse_read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter);
+namespace dparse {
+
+int read_field(FILE* stream, dd_list& fields, int type_token);
+int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter);
+
+}  // namespace dparse
 
 #endif

@@ -8,25 +8,10 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
-
-// definition := field | class
-int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
-                  const char* filter) {
-  dparse_token token;
-  const int number = dparse_next(stream, token);
-  const int32_t type = dparse_type_code(number);
-  if (number == DPARSE_TOKEN_EOF) return 1;
-  if (number == DPARSE_KEY_STORABLE)
-    return dparse_read_class(stream, *class_list, *impl_list, filter);
-  if (type != TAV_FLDT_UNUSED && type != TAV_FLDT_OBJ)
-    return dparse_read_field(stream, *field_list, number);
-  dparse::note(message::INVALID_TOKEN, token.text);
-  return -1;
-}
+namespace dparse {
 
 static bool at_end(FILE* stream) {
-  if (!dparse_read_ahead(stream).empty()) return false;
+  if (!read_ahead(stream).empty()) return false;
   const int c = dparse_fgetc(stream);
   dparse_ungetc(c, stream);
   return c == EOF;
@@ -42,6 +27,23 @@ static int read_file(FILE* stream, dd_list* field_list, dd_list* class_list, dd_
   return 1;
 }
 
+}  // namespace dparse
+
+// definition := field | class
+int dparseFromTop(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
+                  const char* filter) {
+  dparse::token_text token;
+  const int number = dparse::next_token(stream, token);
+  const int32_t type = dparse::type_code_of(number);
+  if (number == DPARSE_TOKEN_EOF) return 1;
+  if (number == DPARSE_KEY_STORABLE)
+    return dparse::read_class(stream, *class_list, *impl_list, filter);
+  if (type != TAV_FLDT_UNUSED && type != TAV_FLDT_OBJ)
+    return dparse::read_field(stream, *field_list, number);
+  dparse::note(dparse::message::INVALID_TOKEN, token.text);
+  return -1;
+}
+
 // After an input error the result says only that: the text that was read may be incomplete, so that
 // neither success nor a message about it would be true.
 int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
@@ -49,12 +51,13 @@ int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_
   dparse::reset();
   tav_ebuf ebuf{};
   int result = -1;
-  dd_with_memory(at(&ebuf, HERE),
-                 [&] { result = read_file(stream, field_list, class_list, impl_list, filter); });
+  dd_with_memory(at(&ebuf, HERE), [&] {
+    result = dparse::read_file(stream, field_list, class_list, impl_list, filter);
+  });
   if (dd_failed(ebuf)) result = dparse::call_failed(HERE, ebuf);
   if (std::ferror(stream) == 0) return result;
   dparse::forget_message();
-  return DPARSE_UNREADABLE;
+  return dparse::UNREADABLE;
 }
 
 int dparseDefFile(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list) {

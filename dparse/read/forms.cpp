@@ -12,52 +12,51 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
+namespace dparse {
 
-int dparse_read_text(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token value;
-  if (dparse_read_string(stream, value) < 1) return -1;
-  return dparse_store_text(element, row.field, value.text);
+int read_text(FILE* stream, target_element& element, const attribute& row) {
+  token_text value;
+  if (read_string(stream, value) < 1) return -1;
+  return store_text(element, row.field, value.text);
 }
 
-int dparse_read_quoted_number(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token value;
+int read_quoted_number(FILE* stream, target_element& element, const attribute& row) {
+  token_text value;
   int32_t number;
-  if (dparse_read_string(stream, value) < 1) return -1;
-  if (!dparse_to_number(value.text, number))
-    return dparse::fail_with(HERE, row.refused,
-                             {value.text, dparse_text_of(element, TAV_FLD_NAME)});
-  return dparse_store_number(element, row.field, number);
+  if (read_string(stream, value) < 1) return -1;
+  if (!to_number(value.text, number))
+    return fail_with(HERE, row.refused, {value.text, text_of(element, TAV_FLD_NAME)});
+  return store_number(element, row.field, number);
 }
 
-int dparse_read_seq_start(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  const char* name = dparse_text_of(element, TAV_FLD_NAME);
-  if (!dparseIsTopLevelClass(name)) return dparse::fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
-  return dparse_read_quoted_number(stream, element, row);
+int read_seq_start(FILE* stream, target_element& element, const attribute& row) {
+  const char* name = text_of(element, TAV_FLD_NAME);
+  if (!dparseIsTopLevelClass(name)) return fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
+  return read_quoted_number(stream, element, row);
 }
 
-int dparse_read_access(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  char text[DPARSE_TEXT_SIZE];
+int read_access(FILE* stream, target_element& element, const attribute& row) {
+  char text[TEXT_SIZE];
   if (dparseReadWriteAccessLevel(stream, text, sizeof text) < 1) return -1;
-  return dparse_store_text(element, row.field, text);
+  return store_text(element, row.field, text);
 }
 
 // choice := "=" ( keyword | '"text"' ) ";"  `fits` compares a quoted text with one of the list.
 template <class Fits>
-static const dparse_word* read_choice(FILE* stream, const dparse_attribute& row, Fits fits) {
-  dparse_token token;
-  if (dparse_expect_equals(stream) < 1) return nullptr;
-  const int number = dparse_next(stream, token);
+static const value_word* read_choice(FILE* stream, const attribute& row, Fits fits) {
+  token_text token;
+  if (expect_equals(stream) < 1) return nullptr;
+  const int number = next_token(stream, token);
   const bool quoted = number == DPARSE_TOKEN_STRING;
-  const dparse_word* word = dparse_find_word(row.words, [&](const dparse_word& known) {
+  const value_word* word = find_word(row.words, [&](const value_word& known) {
     return quoted ? fits(known.text, token.text) : known.token == number;
   });
   if (word == nullptr) {
     const bool refused = quoted || row.expected == message::NONE;
-    dparse::fail_with(HERE, refused ? row.refused : row.expected, {token.text});
+    fail_with(HERE, refused ? row.refused : row.expected, {token.text});
     return nullptr;
   }
-  return dparse_expect_semicolon(stream) < 1 ? nullptr : word;
+  return expect_semicolon(stream) < 1 ? nullptr : word;
 }
 
 static bool never_fits(const char*, const char*) {
@@ -68,82 +67,81 @@ static bool fits_exactly(const char* known, const char* text) {
 }
 
 template <class Fits>
-static int read_word(FILE* stream, dparse_element& element, const dparse_attribute& row,
-                     Fits fits) {
-  const dparse_word* word = read_choice(stream, row, fits);
-  return word == nullptr ? -1 : dparse_store_text(element, row.field, word->text);
+static int store_choice(FILE* stream, target_element& element, const attribute& row, Fits fits) {
+  const value_word* word = read_choice(stream, row, fits);
+  return word == nullptr ? -1 : store_text(element, row.field, word->text);
 }
 
-int dparse_read_word(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  return read_word(stream, element, row, never_fits);
+int read_word(FILE* stream, target_element& element, const attribute& row) {
+  return store_choice(stream, element, row, never_fits);
 }
 
-int dparse_read_exact_word(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  return read_word(stream, element, row, fits_exactly);
+int read_exact_word(FILE* stream, target_element& element, const attribute& row) {
+  return store_choice(stream, element, row, fits_exactly);
 }
 
-int dparse_read_folded_word(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  return read_word(stream, element, row, dd_equal);
+int read_folded_word(FILE* stream, target_element& element, const attribute& row) {
+  return store_choice(stream, element, row, dd_equal);
 }
 
-int dparse_read_yes_no(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  const dparse_word* word = read_choice(stream, row, dd_equal);
-  return word == nullptr ? -1
-                         : dparse_store_number(element, row.field, word->token == DPARSE_KEY_YES);
+int read_yes_no(FILE* stream, target_element& element, const attribute& row) {
+  const value_word* word = read_choice(stream, row, dd_equal);
+  return word == nullptr ? -1 : store_number(element, row.field, word->token == DPARSE_KEY_YES);
 }
 
-int dparse_read_zero_one(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+int read_zero_one(FILE* stream, target_element& element, const attribute& row) {
   const int number = dparseMultivalued(stream);
-  return number < 0 ? -1 : dparse_store_number(element, row.field, number);
+  return number < 0 ? -1 : store_number(element, row.field, number);
 }
 
-static int read_bare(FILE* stream, const dparse_attribute& row, int32_t& number) {
-  return dparse_bare_number(stream, INT32_MAX, row.expected, row.refused, number);
+static int read_bare(FILE* stream, const attribute& row, int32_t& number) {
+  return read_bare_number(stream, INT32_MAX, row.expected, row.refused, number);
 }
 
-int dparse_read_number(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+int read_number(FILE* stream, target_element& element, const attribute& row) {
   int32_t number;
-  return read_bare(stream, row, number) < 1 ? -1 : dparse_store_number(element, row.field, number);
+  return read_bare(stream, row, number) < 1 ? -1 : store_number(element, row.field, number);
 }
 
 // 0 stores nothing: a length that the entry was given before stays.
-int dparse_read_length(FILE* stream, dparse_element& element, const dparse_attribute& row) {
+int read_length(FILE* stream, target_element& element, const attribute& row) {
   int32_t number;
   if (read_bare(stream, row, number) < 1) return -1;
-  return number == 0 ? 1 : dparse_store_number(element, row.field, number);
+  return number == 0 ? 1 : store_number(element, row.field, number);
 }
 
-static int compare_id(const dparse_element& definition, int32_t id, const char* name) {
+static int compare_id(const target_element& definition, int32_t id, const char* name) {
   tav_ebuf ebuf{};
   const int32_t earlier = dd_int(definition.earlier, TAV_FLD_FIELD_NUM, at(&ebuf, HERE));
-  if (dparse::done(HERE, ebuf) < 1) return -1;
+  if (done(HERE, ebuf) < 1) return -1;
   if (earlier == id) return 1;
-  return dparse::fail(HERE, message::DUPLICATE_FIELD_IDS, name);
+  return fail(HERE, message::DUPLICATE_FIELD_IDS, name);
 }
 
 // A duplicate with another number reports two lines and gives 0, so that
 // the block reports no third.
-int dparse_read_id(FILE* stream, dparse_element& definition, const dparse_attribute& row) {
+int read_id(FILE* stream, target_element& definition, const attribute& row) {
   int32_t id;
   if (read_bare(stream, row, id) < 1 || id == 0) return -1;
-  if (definition.earlier == nullptr) return dparse_store_number(definition, row.field, id);
-  const char* name = dparse_text_of(definition, TAV_FLD_FIELD_NAME);
+  if (definition.earlier == nullptr) return store_number(definition, row.field, id);
+  const char* name = text_of(definition, TAV_FLD_FIELD_NAME);
   if (compare_id(definition, id, name) > 0) return 1;
-  dparse::fail(HERE, message::FIELD_ID_DIFFERS, name);
+  fail(HERE, message::FIELD_ID_DIFFERS, name);
   return 0;
 }
 
 // order := "=" word ";"  tav_decimal decides whether the word is a decimal.
-int dparse_read_order(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token token;
-  if (dparse_expect_equals(stream) < 1) return -1;
-  if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse::fail_with(HERE, row.expected, {token.text});
+int read_order(FILE* stream, target_element& element, const attribute& row) {
+  token_text token;
+  if (expect_equals(stream) < 1) return -1;
+  if (!take(stream, token, DPARSE_TOKEN_WORD)) return fail_with(HERE, row.expected, {token.text});
   tav_ebuf ebuf{};
   dd_decimal order(tav_decimal(token.text, at(&ebuf, HERE)));
-  if (ebuf.err_code == TAV_ERR_NO_MEM) return dparse::call_failed(HERE, ebuf);
-  if (dd_failed(ebuf)) return dparse::fail_with(HERE, row.refused, {token.text});
+  if (ebuf.err_code == TAV_ERR_NO_MEM) return call_failed(HERE, ebuf);
+  if (dd_failed(ebuf)) return fail_with(HERE, row.refused, {token.text});
   dd_put(element.list, row.field, 0, std::move(order), at(&ebuf, HERE));
-  if (dparse::done(HERE, ebuf) < 1) return -1;
-  return dparse_expect_semicolon(stream);
+  if (done(HERE, ebuf) < 1) return -1;
+  return expect_semicolon(stream);
 }
+
+}  // namespace dparse

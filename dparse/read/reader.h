@@ -17,12 +17,14 @@
 #include "dparse/tokens.h"
 
 // --- Error state ------------------------------------------------------------------------------
-inline constexpr size_t DPARSE_MESSAGE_SIZE = 4224;
+namespace dparse {
+inline constexpr size_t MESSAGE_SIZE = 4224;
+}
 
-extern char dparse_fname[DPARSE_TEXT_SIZE];         // name of the file being read
-extern int dparse_lineno;                           // current line, 1 for the first
-extern char dparse_errmsg[DPARSE_TEXT_SIZE];        // first message since the file's start, or ""
-extern char dparse_emsg_temp[DPARSE_MESSAGE_SIZE];  // where every message is formatted
+extern char dparse_fname[dparse::TEXT_SIZE];         // name of the file being read
+extern int dparse_lineno;                            // current line, 1 for the first
+extern char dparse_errmsg[dparse::TEXT_SIZE];        // first message since the file's start, or ""
+extern char dparse_emsg_temp[dparse::MESSAGE_SIZE];  // where every message is formatted
 
 // Sets the file name that errors show; null empties it.
 void dparseSetFname(const char* name);
@@ -46,14 +48,18 @@ std::span<const message> logged_messages();
 // The lists are appended to: definitions of fields (DD_FIELDS), of class interfaces and of class
 // implementations (DD_CLASSES). After a failure they keep what was read before it.
 
+namespace dparse {
+
 // The input opened but could not be read (a directory, an I/O error). No message is recorded, and
 // ferror(stream) holds.
-inline constexpr int DPARSE_UNREADABLE = -2;
+inline constexpr int UNREADABLE = -2;
 
 // Field entries may be nested so deep and no deeper: everything that walks them can rely on it.
-inline constexpr int DPARSE_MAX_DEPTH = 10240;
+inline constexpr int MAX_DEPTH = 10240;
 
-// Reads the whole stream: 1, DPARSE_UNREADABLE, or -1 with a message.
+}  // namespace dparse
+
+// Reads the whole stream: 1, dparse::UNREADABLE, or -1 with a message.
 int dparseDefFile(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list);
 // The same; with a filter (an implementation's name), blocks of other implementations are read and
 // dropped, and implementation blocks are not tested for duplicates.
@@ -77,7 +83,7 @@ int dparseImplClassFieldLdapV3(FILE* stream, tav_flist_t* parent, int type_token
 
 // = "text" "more text";  Gives 1 and the value, \n and \t made real; or -1 with a message. The
 // pieces together, with a terminator, must fit into the output. A null output is allowed; the size
-// is then DPARSE_TEXT_SIZE.
+// is then dparse::TEXT_SIZE.
 int dparseString(FILE* stream, char* output, size_t size);
 // = 0;  Gives 0, 1, or -1 with a message.
 int dparseMultivalued(FILE* stream);

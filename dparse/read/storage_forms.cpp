@@ -8,61 +8,63 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
+namespace dparse {
 
 static constexpr int SQL_NAME_LENGTH = 30;  // bytes
 
-static int read_name(FILE* stream, const dparse_attribute& row, dparse_token& name) {
-  if (dparse_read_string(stream, name) < 1) return -1;
+static int read_name(FILE* stream, const attribute& row, token_text& name) {
+  if (read_string(stream, name) < 1) return -1;
   const int length = static_cast<int>(name.length);
   if (length <= SQL_NAME_LENGTH) return 1;
-  return dparse::fail_with(HERE, row.refused, {name.text, length, SQL_NAME_LENGTH});
+  return fail_with(HERE, row.refused, {name.text, length, SQL_NAME_LENGTH});
 }
 
-static int store_both(dparse_element& element, uint32_t field, std::string_view column,
+static int store_both(target_element& element, uint32_t field, std::string_view column,
                       std::string_view table) {
-  char text[DPARSE_TEXT_SIZE + 8];
+  char text[TEXT_SIZE + 8];
   dd_write_buf_storage(text, sizeof text, column, table);
-  return dparse_store_text(element, field, text);
+  return store_text(element, field, text);
 }
 
 // What the element holds already, or null with the failure recorded.
-static const char* held_text(dparse_element& element, uint32_t field) {
+static const char* held_text(target_element& element, uint32_t field) {
   tav_ebuf ebuf{};
   const char* text = dd_text(element.list, field, at(&ebuf, HERE));
-  return dparse::done(HERE, ebuf) < 1 ? nullptr : text;
+  return done(HERE, ebuf) < 1 ? nullptr : text;
 }
 
-int dparse_read_table(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token name;
+int read_table(FILE* stream, target_element& element, const attribute& row) {
+  token_text name;
   if (read_name(stream, row, name) < 1) return -1;
-  if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name.text);
+  if (element.type != TAV_FLDT_BUF) return store_text(element, row.field, name.text);
   const char* text = held_text(element, row.field);
   if (text == nullptr) return -1;
   return store_both(element, row.field, dd_buf_part(text, DD_COLUMN_MARK), name.text);
 }
 
-int dparse_read_column(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token name;
+int read_column(FILE* stream, target_element& element, const attribute& row) {
+  token_text name;
   if (read_name(stream, row, name) < 1) return -1;
-  if (element.type != TAV_FLDT_BUF) return dparse_store_text(element, row.field, name.text);
+  if (element.type != TAV_FLDT_BUF) return store_text(element, row.field, name.text);
   const char* text = held_text(element, row.field);
   if (text == nullptr) return -1;
   return store_both(element, row.field, name.text, dd_buf_part(text, DD_TABLE_MARK));
 }
 
-int dparse_read_attrval(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token value;
-  if (dparse_read_string(stream, value) < 1) return -1;
-  return dparse_store_element(element, TAV_FLD_ATTRVALS, row.field, value.text);
+int read_attrval(FILE* stream, target_element& element, const attribute& row) {
+  token_text value;
+  if (read_string(stream, value) < 1) return -1;
+  return store_element(element, TAV_FLD_ATTRVALS, row.field, value.text);
 }
 
-int dparse_read_objectclass(FILE* stream, dparse_element& element, const dparse_attribute& row) {
-  dparse_token value;
-  if (dparse_read_string(stream, value) < 1) return -1;
+int read_objectclass(FILE* stream, target_element& element, const attribute& row) {
+  token_text value;
+  if (read_string(stream, value) < 1) return -1;
   tav_ebuf ebuf{};
   const int held = tav_flist_elem_count(element.list, TAV_FLD_OBJECTCLASSES, at(&ebuf, HERE));
-  if (dparse::done(HERE, ebuf) < 1) return -1;
-  if (held > 0) return dparse::fail_with(HERE, row.refused, {held + 1});
-  return dparse_store_element(element, TAV_FLD_OBJECTCLASSES, row.field, value.text);
+  if (done(HERE, ebuf) < 1) return -1;
+  if (held > 0) return fail_with(HERE, row.refused, {held + 1});
+  return store_element(element, TAV_FLD_OBJECTCLASSES, row.field, value.text);
 }
+
+}  // namespace dparse

@@ -9,22 +9,26 @@
 #include <cstdio>
 #include <string_view>
 
+namespace dparse {
+
 #ifdef __GLIBC__
 
-inline std::string_view dparse_read_ahead(FILE* stream) {
+inline std::string_view read_ahead(FILE* stream) {
   return {stream->_IO_read_ptr, static_cast<size_t>(stream->_IO_read_end - stream->_IO_read_ptr)};
 }
-inline void dparse_take_ahead(FILE* stream, size_t count) {
+inline void take_ahead(FILE* stream, size_t count) {
   stream->_IO_read_ptr += count;
 }
 
 #else
 
-inline std::string_view dparse_read_ahead(FILE*) {
+inline std::string_view read_ahead(FILE*) {
   return {};
 }
-inline void dparse_take_ahead(FILE*, size_t) {}
+inline void take_ahead(FILE*, size_t) {}
 
 #endif
+
+}  // namespace dparse
 
 #endif

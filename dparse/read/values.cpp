@@ -9,10 +9,10 @@
 
 static constexpr char MODULE[] = "dparse";
 
-using dparse::message;
+namespace dparse {
 
 static int too_long(const char* value) {
-  return dparse::fail(HERE, message::STRING_TOO_LONG, value);
+  return fail(HERE, message::STRING_TOO_LONG, value);
 }
 
 namespace {
@@ -28,9 +28,9 @@ struct gathered {
 
 // Appends the strings that stand next to it to the value; gives the number of the token after them.
 static int gather(FILE* stream, gathered& value) {
-  dparse_token next;
+  token_text next;
   int number;
-  while ((number = dparse_next_string(stream, next)) == DPARSE_TOKEN_STRING) {
+  while ((number = next_string(stream, next)) == DPARSE_TOKEN_STRING) {
     if (value.size <= value.length + next.length) return too_long(value.text);
     std::memcpy(value.text + value.length, next.text, next.length + 1);
     value.length += next.length;
@@ -60,34 +60,25 @@ static void unescape(gathered& value) {
 }
 
 // string := "=" '"text"' { '"text"' } ";" ; the first piece may be the value itself.
-static int read_string(FILE* stream, dparse_token& first, gathered& value) {
-  if (dparse_expect_equals(stream) < 1) return -1;
-  if (dparse_next_string(stream, first) != DPARSE_TOKEN_STRING)
-    return dparse::fail(HERE, message::QUOTED_STRING_EXPECTED, first.text);
+static int read_pieces(FILE* stream, token_text& first, gathered& value) {
+  if (expect_equals(stream) < 1) return -1;
+  if (next_string(stream, first) != DPARSE_TOKEN_STRING)
+    return fail(HERE, message::QUOTED_STRING_EXPECTED, first.text);
   if (value.size <= first.length) return too_long("");
   value.length = first.length;
   if (value.text != first.text) std::memcpy(value.text, first.text, first.length + 1);
-  const bool ended = dparse_take_semicolon_ahead(stream);
+  const bool ended = take_semicolon_ahead(stream);
   const int next = ended ? DPARSE_KEY_SEMICOLON : gather(stream, value);
   if (next < 0) return -1;
   unescape(value);
   if (next == DPARSE_KEY_SEMICOLON) return 1;
-  return dparse::fail(HERE, message::SEMICOLON_EXPECTED_AFTER_STRING, value.text);
+  return fail(HERE, message::SEMICOLON_EXPECTED_AFTER_STRING, value.text);
 }
 
-int dparse_read_string(FILE* stream, dparse_token& token) {
+int read_string(FILE* stream, token_text& token) {
   gathered value{token.text, sizeof token.text};
-  const int result = read_string(stream, token, value);
+  const int result = read_pieces(stream, token, value);
   token.length = value.length;
-  return result;
-}
-
-int dparseString(FILE* stream, char* output, size_t size) {
-  dparse_token first;
-  if (output == nullptr) return dparse_read_string(stream, first);
-  gathered value{output, size};
-  const int result = read_string(stream, first, value);
-  if (result < 1 && size > 0) *output = '\0';
   return result;
 }
 
@@ -100,7 +91,7 @@ static bool is_plain(const char* text, int32_t& number) {
   return at > text && *at == '\0';
 }
 
-bool dparse_to_number(const char* text, int32_t& number) {
+bool to_number(const char* text, int32_t& number) {
   if (is_plain(text, number)) return true;
   char* end;
   number = static_cast<int32_t>(static_cast<uint32_t>(std::strtol(text, &end, 10)));
@@ -108,22 +99,14 @@ bool dparse_to_number(const char* text, int32_t& number) {
 }
 
 // number := "=" word ";"
-int dparse_bare_number(FILE* stream, uint32_t limit, message expected, message refused,
-                       int32_t& number) {
-  dparse_token token;
-  if (dparse_expect_equals(stream) < 1) return -1;
-  if (!dparse_take(stream, token, DPARSE_TOKEN_WORD))
-    return dparse::fail_with(HERE, expected, {token.text});
-  dparse_to_number(token.text, number);
-  if (static_cast<uint32_t>(number) > limit) return dparse::fail_with(HERE, refused, {token.text});
-  return dparse_expect_semicolon(stream);
-}
-
-int dparseMultivalued(FILE* stream) {
-  int32_t number;
-  const int read = dparse_bare_number(stream, 1, message::ZERO_OR_ONE_EXPECTED,
-                                      message::INVALID_ZERO_OR_ONE, number);
-  return read < 1 ? -1 : number;
+int read_bare_number(FILE* stream, uint32_t limit, message expected, message refused,
+                     int32_t& number) {
+  token_text token;
+  if (expect_equals(stream) < 1) return -1;
+  if (!take(stream, token, DPARSE_TOKEN_WORD)) return fail_with(HERE, expected, {token.text});
+  to_number(token.text, number);
+  if (static_cast<uint32_t>(number) > limit) return fail_with(HERE, refused, {token.text});
+  return expect_semicolon(stream);
 }
 
 // A quoted level is told by its first letter; ANY stands for those that are refused but leave a
@@ -137,27 +120,45 @@ static const struct {
                 {'O', DPARSE_KEY_ANY},    {'R', DPARSE_KEY_ANY}};
 
 static int quoted_level(const char* text) {
-  const dparse_word* lineage = dparse_word_of_token(DPARSE_ACCESS_LEVELS, DPARSE_KEY_BRANDLINEAGE);
+  const value_word* lineage = word_of_token(ACCESS_LEVELS, DPARSE_KEY_BRANDLINEAGE);
   if (dd_equal(text, lineage->text)) return lineage->token;
   for (const auto& initial : INITIALS)
     if (text[0] == initial.first) return initial.token;
   return DPARSE_TOKEN_WORD;
 }
 
+}  // namespace dparse
+
+int dparseString(FILE* stream, char* output, size_t size) {
+  dparse::token_text first;
+  if (output == nullptr) return dparse::read_string(stream, first);
+  dparse::gathered value{output, size};
+  const int result = dparse::read_pieces(stream, first, value);
+  if (result < 1 && size > 0) *output = '\0';
+  return result;
+}
+
+int dparseMultivalued(FILE* stream) {
+  int32_t number;
+  const int read = dparse::read_bare_number(stream, 1, dparse::message::ZERO_OR_ONE_EXPECTED,
+                                            dparse::message::INVALID_ZERO_OR_ONE, number);
+  return read < 1 ? -1 : number;
+}
+
 // level := "=" ( keyword | '"text"' ) ";"
 int dparseReadWriteAccessLevel(FILE* stream, char* output, size_t) {
-  dparse_token token;
+  dparse::token_text token;
   output[0] = '\0';
-  if (dparse_expect_equals(stream) < 1) return -1;
-  const int number = dparse_next(stream, token);
+  if (dparse::expect_equals(stream) < 1) return -1;
+  const int number = dparse::next_token(stream, token);
   const bool quoted = number == DPARSE_TOKEN_STRING;
-  const int level = quoted ? quoted_level(token.text) : number;
-  const dparse_word* word = dparse_word_of_token(DPARSE_ACCESS_LEVELS, level);
+  const int level = quoted ? dparse::quoted_level(token.text) : number;
+  const dparse::value_word* word = dparse::word_of_token(dparse::ACCESS_LEVELS, level);
   if (word == nullptr) {
     if (quoted && level == DPARSE_KEY_ANY)
-      std::strcpy(output, dparse_word_of_token(DPARSE_CREATE_LEVELS, level)->text);
-    return dparse::fail(HERE, message::INVALID_ACCESS_LEVEL, token.text);
+      std::strcpy(output, dparse::word_of_token(dparse::CREATE_LEVELS, level)->text);
+    return dparse::fail(HERE, dparse::message::INVALID_ACCESS_LEVEL, token.text);
   }
   std::strcpy(output, word->text);
-  return dparse_expect_semicolon(stream) < 1 ? -1 : level;
+  return dparse::expect_semicolon(stream) < 1 ? -1 : level;
 }

@@ -4,16 +4,20 @@
 
 #include "dparse/read/lexer.h"
 
+namespace dparse {
+
 // = "text" "more text";  The value, \n and \t made real: 1, or -1 with a message.
-int dparse_read_string(FILE* stream, dparse_token& value);
+int read_string(FILE* stream, token_text& value);
 
 // Converts leading decimal digits (blanks and a sign before them are allowed), cut to 32 bits; says
 // whether there were any.
-bool dparse_to_number(const char* text, int32_t& number);
+bool to_number(const char* text, int32_t& number);
 
 // = 7;  A plain word (else `expected`), whose number, unsigned, is at most `limit` (else
 // `refused`): 1, or -1 with that message. Both messages show the word.
-int dparse_bare_number(FILE* stream, uint32_t limit, dparse::message expected,
-                       dparse::message refused, int32_t& number);
+int read_bare_number(FILE* stream, uint32_t limit, message expected, message refused,
+                     int32_t& number);
+
+}  // namespace dparse
 
 #endif

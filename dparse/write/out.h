@@ -12,57 +12,60 @@
 
 #include "dd/call.h"
 
-struct dparse_out {
-  explicit dparse_out(FILE* to) : stream(to) {}
-  dparse_out(const dparse_out&) = delete;
-  dparse_out& operator=(const dparse_out&) = delete;
-  ~dparse_out();  // flushes
+namespace dparse {
 
-  FILE* stream;                   // null: the text is only gathered, for dparse_gathered
+struct output {
+  explicit output(FILE* to) : stream(to) {}
+  output(const output&) = delete;
+  output& operator=(const output&) = delete;
+  ~output();  // flushes
+
+  FILE* stream;                   // null: the text is only gathered, for gathered_text
   std::unique_ptr<char[]> bytes;  // the buffer; null until something is put
   char* next = nullptr;           // where the next byte goes
   char* end = nullptr;            // of the buffer
 };
 
 // What is in the buffer; valid until more is put.
-inline std::string_view dparse_gathered(const dparse_out& out) {
+inline std::string_view gathered_text(const output& out) {
   return {out.bytes.get(), static_cast<size_t>(out.next - out.bytes.get())};
 }
 // Writes the buffer to the stream and empties it.
-void dparse_flush(dparse_out& out);
+void flush(output& out);
 
 // Makes room for `size` bytes at `next`, by writing to the stream or by a larger buffer.
-void dparse_make_room(dparse_out& out, size_t size);
+void make_room(output& out, size_t size);
 // The same where there is no room yet; gives `next`. The caller writes there and advances `next`.
-inline char* dparse_room(dparse_out& out, size_t size) {
-  if (static_cast<size_t>(out.end - out.next) < size) dparse_make_room(out, size);
+inline char* room_for(output& out, size_t size) {
+  if (static_cast<size_t>(out.end - out.next) < size) make_room(out, size);
   return out.next;
 }
 
-inline void dparse_put(dparse_out& out, std::string_view text) {
-  char* at = dparse_room(out, text.size());
+inline void put(output& out, std::string_view text) {
+  char* at = room_for(out, text.size());
   out.next = at + text.copy(at, text.size());
 }
-void dparse_put_tabs(dparse_out& out, int count);
-void dparse_put_number(dparse_out& out, int32_t number);
-void dparse_put_banner(dparse_out& out, int width, int indent, const char* text1,
-                       const char* text2);
+void put_tabs(output& out, int count);
+void put_number(output& out, int32_t number);
+void put_banner(output& out, int width, int indent, const char* text1, const char* text2);
 // "text", with tabs and newlines as \t and \n.
-void dparse_put_quoted(dparse_out& out, const char* text);
+void put_quoted(output& out, const char* text);
 // A line "KEYWORD = value;": begin_line puts "KEYWORD = ", the caller the value, end_line ";".
-void dparse_begin_line(dparse_out& out, int keyword, int indent);
-inline void dparse_end_line(dparse_out& out) {
-  dparse_put(out, ";\n");
+void begin_line(output& out, int keyword, int indent);
+inline void end_line(output& out) {
+  put(out, ";\n");
 }
 
 // --- Failing: each prints to standard error, logs, and gives -1 ----------------------------------
 // Prints a text that begins with "Error: ", and logs what follows that.
-int dparse_export_fail(dparse_out& out, dd_site site, const char* text);
+int export_fail(output& out, dd_site site, const char* text);
 // Prints `text` and logs `record`.
-int dparse_export_fail_as(dparse_out& out, dd_site site, const char* text, const char* record);
+int export_fail_as(output& out, dd_site site, const char* text, const char* record);
 // A client-library call failed.
-int dparse_export_list_failed(dparse_out& out, dd_site site, const tav_ebuf& ebuf);
+int export_list_failed(output& out, dd_site site, const tav_ebuf& ebuf);
 // A call got no error buffer.
-int dparse_export_no_buffer();
+int export_no_buffer();
+
+}  // namespace dparse
 
 #endif

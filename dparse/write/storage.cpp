@@ -9,37 +9,39 @@
 
 static constexpr char MODULE[] = "dparse_export";
 
-static void write_part(dparse_writing& writing, int keyword, const char* text,
-                       std::string_view mark) {
+namespace dparse {
+
+static void write_part(write_state& writing, int keyword, const char* text, std::string_view mark) {
   if (text == nullptr) return;
-  dparse_write_quoted(writing, keyword, std::string(dd_buf_part(text, mark)).c_str());
+  write_quoted(writing, keyword, std::string(dd_buf_part(text, mark)).c_str());
 }
 
-int dparse_write_sql_names(dparse_writing& writing, int type_code, const char* name_text,
-                           const char* storage_text) {
+int write_sql_names(write_state& writing, int type_code, const char* name_text,
+                    const char* storage_text) {
   switch (type_code) {
     case TAV_FLDT_ARRAY:
     case TAV_FLDT_SUBSTRUCT:
-      dparse_write_quoted(writing, DPARSE_KEY_SQL_TABLE, name_text);
-      dparse_write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
+      write_quoted(writing, DPARSE_KEY_SQL_TABLE, name_text);
+      write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
       return 1;
     case TAV_FLDT_BUF:
       write_part(writing, DPARSE_KEY_SQL_TABLE, name_text, DD_TABLE_MARK);
       write_part(writing, DPARSE_KEY_SQL_COLUMN, name_text, DD_COLUMN_MARK);
-      dparse_write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
+      write_quoted(writing, DPARSE_KEY_SQL_STORAGE, storage_text);
       return 1;
     default:
       if (!dd_is_field_type(type_code)) break;
-      dparse_write_quoted(writing, DPARSE_KEY_SQL_COLUMN, name_text);
+      write_quoted(writing, DPARSE_KEY_SQL_COLUMN, name_text);
       return 1;
   }
-  return dparse_export_fail_as(writing.out, HERE, dparse::INTERNAL_ERROR_TEXT,
-                               dparse::INVALID_TYPE_TEXT);
+  return export_fail_as(writing.out, HERE, INTERNAL_ERROR_TEXT, INVALID_TYPE_TEXT);
 }
+
+}  // namespace dparse
 
 int dparseExportClassImplFieldAttrs(FILE* stream, int type_code, const char* name_text,
                                     const char* storage_text, int indent) {
-  dparse_out out(stream);
-  dparse_writing writing{out, nullptr, indent, nullptr};
-  return dparse_write_sql_names(writing, type_code, name_text, storage_text);
+  dparse::output out(stream);
+  dparse::write_state writing{out, nullptr, indent, nullptr};
+  return dparse::write_sql_names(writing, type_code, name_text, storage_text);
 }

@@ -7,21 +7,23 @@
 
 static constexpr char MODULE[] = "dparse_export";
 
+namespace dparse {
+
 // Says what is wrong with a name; gives -1.
-static int name_failed(dparse_out& out, dd_site site, const char* text, const char* name,
+static int name_failed(output& out, dd_site site, const char* text, const char* name,
                        const char* record) {
-  dparse_flush(out);
+  flush(out);
   dd_print_error(text, name);
   dd_log(site, record);
   return -1;
 }
 
-int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_name) {
+int find_type(output& out, dd_list* field_list, const char* field_name) {
   if (field_list == nullptr || field_name == nullptr)
-    return dparse_export_fail_as(out, HERE, dparse::INTERNAL_ERROR_TEXT, "null pointer");
+    return export_fail_as(out, HERE, INTERNAL_ERROR_TEXT, "null pointer");
   tav_ebuf ebuf{};
   tav_flist_t* found = field_list->find(field_name, at(&ebuf, HERE));
-  if (dd_failed(ebuf)) return dparse_export_list_failed(out, HERE, ebuf);
+  if (dd_failed(ebuf)) return export_list_failed(out, HERE, ebuf);
   if (found == nullptr)
     return name_failed(out, HERE, "UKNOWN FIELD NAME: %s\n", field_name, "Unknown field name");
   const int32_t* type = dd_int_or_null(found, TAV_FLD_FIELD_TYPE, at(&ebuf, HERE));
@@ -30,37 +32,39 @@ int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_nam
                      "Missing field type for field");
 }
 
-int dparseGetTypeFromField(dd_list* field_list, const char* field_name) {
-  dparse_out none(nullptr);
-  return dparse_find_type(none, field_list, field_name);
-}
-
-static int put_type(dparse_out& out, int type_code) {
+static int put_type(output& out, int type_code) {
   const char* keyword = dd_type_keyword(type_code);
   if (keyword != nullptr) {
-    dparse_put(out, keyword);
+    put(out, keyword);
     return 1;
   }
   static constexpr char UNKNOWN[] = "UNKNOWN FIELD TYPE: %d\n";
   char line[sizeof UNKNOWN + 16];
   tav_snprintf(line, sizeof line, UNKNOWN, type_code);
-  dparse_put(out, line);
-  dparse_flush(out);
+  put(out, line);
+  flush(out);
   dd_print_error_text(line);
   dd_log(HERE, "Unknown field type");
   return -1;
 }
 
-int dparseExportFieldType(FILE* stream, int type_code) {
-  dparse_out out(stream);
-  return put_type(out, type_code);
+int put_head(output& out, int type_code, const char* name) {
+  if (put_type(out, type_code) < 1)
+    return export_fail(out, HERE, "Error: Unable to export field type");
+  put(out, " ");
+  put(out, name);
+  put(out, " {\n\n");
+  return 1;
 }
 
-int dparse_put_head(dparse_out& out, int type_code, const char* name) {
-  if (put_type(out, type_code) < 1)
-    return dparse_export_fail(out, HERE, "Error: Unable to export field type");
-  dparse_put(out, " ");
-  dparse_put(out, name);
-  dparse_put(out, " {\n\n");
-  return 1;
+}  // namespace dparse
+
+int dparseGetTypeFromField(dd_list* field_list, const char* field_name) {
+  dparse::output none(nullptr);
+  return dparse::find_type(none, field_list, field_name);
+}
+
+int dparseExportFieldType(FILE* stream, int type_code) {
+  dparse::output out(stream);
+  return dparse::put_type(out, type_code);
 }

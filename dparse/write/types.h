@@ -5,10 +5,14 @@
 #include "dd/list.h"
 #include "dparse/write/out.h"
 
+namespace dparse {
+
 // See dparseGetTypeFromField; what was gathered goes out before a failure is told.
-int dparse_find_type(dparse_out& out, dd_list* field_list, const char* field_name);
+int find_type(output& out, dd_list* field_list, const char* field_name);
 
 // Writes the type's keyword, the name and " {" with an empty line: 1, or -1.
-int dparse_put_head(dparse_out& out, int type_code, const char* name);
+int put_head(output& out, int type_code, const char* name);
+
+}  // namespace dparse
 
 #endif

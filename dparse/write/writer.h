@@ -24,9 +24,9 @@ int dparseExportImplClasses(FILE* stream, dd_list* field_list, tav_flist_t* clas
                             tav_ebuf* ebuf);
 // The same of fields and classes that were gathered already.
 int dparseExportInterfaceFields(FILE* stream, std::span<tav_flist_t* const> fields, tav_ebuf* ebuf);
-int dparseExportInterfaceClasses(FILE* stream, dd_list* field_list, dparse_outline& classes,
+int dparseExportInterfaceClasses(FILE* stream, dd_list* field_list, dparse::class_outline& classes,
                                  tav_ebuf* ebuf);
-int dparseExportImplClasses(FILE* stream, dd_list* field_list, dparse_outline& classes,
+int dparseExportImplClasses(FILE* stream, dd_list* field_list, dparse::class_outline& classes,
                             tav_ebuf* ebuf);
 
 // The field entries of a class or of an entry, at that depth (1 for those of a class), with all

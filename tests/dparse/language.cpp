@@ -25,7 +25,7 @@ static std::string value_text(tav_flist_t* list, const char* name, uint32_t fiel
   }
   const void* value = tavi_flist_get(list, field, 0, 1, 0, &ebuf);
   if (value == nullptr) return "";
-  char digits[DPARSE_TEXT_SIZE];
+  char digits[dparse::TEXT_SIZE];
   switch (DD_FIELD_ID_TYPE(field)) {
     case TAV_FLDT_STRING:
       text = "\"" + std::string(static_cast<const char*>(value)) + "\"";

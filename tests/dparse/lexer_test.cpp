@@ -10,7 +10,7 @@
 using token_reader = int(FILE* stream, char* text, size_t size);
 
 static std::string tokens(FILE* stream, token_reader* read) {
-  char token[DPARSE_TEXT_SIZE];
+  char token[dparse::TEXT_SIZE];
   std::string all;
   dparse_lineno = 1;
   dparse_errmsg[0] = '\0';
@@ -61,8 +61,8 @@ TEST(Lexer, Tokens) {
 }
 
 static int next_string(FILE* stream, char* text, size_t size) {
-  dparse_token token;
-  const int number = dparse_next_string(stream, token);
+  dparse::token_text token;
+  const int number = dparse::next_string(stream, token);
   EXPECT_EQ(tav_strlcpy(text, token.text, size), token.length);
   return number;
 }
@@ -80,8 +80,8 @@ TEST(Lexer, TokensAheadAreThoseReadByCharacter) {
 }
 
 static int next(FILE* stream, char* text, size_t size) {
-  dparse_token token;
-  const int number = dparse_next(stream, token);
+  dparse::token_text token;
+  const int number = dparse::next_token(stream, token);
   EXPECT_EQ(tav_strlcpy(text, token.text, size), token.length);
   return number;
 }
@@ -139,24 +139,25 @@ TEST(Lexer, WhatEndsAWordIsPushedBackUncounted) {
 
 // The search that the stored order stands for.
 static int linear(const char* word) {
-  for (const dparse_token_row* row = token_table; row->text != nullptr; ++row)
+  for (const dparse::token_row* row = token_table; row->text != nullptr; ++row)
     if (strcasecmp(row->text, word) == 0) return row->number;
   return DPARSE_TOKEN_WORD;
 }
 
 TEST(Lexer, KeywordsAreFoundAsByAWalkOfTheTable) {
-  for (const dparse_token_row* row = token_table; row->text != nullptr; ++row) {
+  for (const dparse::token_row* row = token_table; row->text != nullptr; ++row) {
     const std::string text = row->text;
     std::string small = text;
     for (char& c : small) c = static_cast<char>(c | (c >= 'A' && c <= 'Z' ? 0x20 : 0));
-    EXPECT_EQ(dparse_keyword(small.data(), small.size()), row->number);
+    EXPECT_EQ(dparse::keyword_number(small.data(), small.size()), row->number);
     for (size_t i = 0; i < text.size(); ++i) {
       for (const char c : {'_', 'A', 'Q', '@', '\x01', '\xe1'}) {
         std::string other = text;
         other[i] = c;
-        EXPECT_EQ(dparse_keyword(other.data(), other.size()), linear(other.c_str())) << other;
+        EXPECT_EQ(dparse::keyword_number(other.data(), other.size()), linear(other.c_str()))
+            << other;
       }
-      EXPECT_EQ(dparse_keyword(text.data(), i), linear(text.substr(0, i).c_str()));
+      EXPECT_EQ(dparse::keyword_number(text.data(), i), linear(text.substr(0, i).c_str()));
     }
   }
 }
@@ -209,7 +210,7 @@ TEST(Values, Strings) {
       {"= \"" + half + "\" \"" + half.substr(1) + "\";", 1, half + half.substr(1)},
   };
   for (const value_case& c : cases) {
-    char value[DPARSE_TEXT_SIZE];
+    char value[dparse::TEXT_SIZE];
     const file stream = stream_of(c.text);
     const int result = dparseString(stream.get(), value, sizeof value);
     expect_value(c, result, value);
@@ -268,7 +269,7 @@ TEST(Values, AccessLevels) {
       {"Self;", -1, "= Expected"},
   };
   for (const value_case& c : cases) {
-    char value[DPARSE_TEXT_SIZE];
+    char value[dparse::TEXT_SIZE];
     const file stream = stream_of(c.text);
     const int result = dparseReadWriteAccessLevel(stream.get(), value, sizeof value);
     expect_value(c, result, value);

@@ -121,8 +121,8 @@ static std::string nested(int levels) {
 
 TEST(Reader, DeepNestingIsReadUpToALimit) {
   lists read;
-  EXPECT_EQ(read.read(nested(DPARSE_MAX_DEPTH)), 1);
-  EXPECT_EQ(lists().read(nested(DPARSE_MAX_DEPTH + 1)), -1);
+  EXPECT_EQ(read.read(nested(dparse::MAX_DEPTH)), 1);
+  EXPECT_EQ(lists().read(nested(dparse::MAX_DEPTH + 1)), -1);
   EXPECT_EQ(reader_error(), "10241: Field entries are nested too deep, the limit is 10240 levels");
   take_log();
 }
@@ -131,6 +131,6 @@ TEST(Reader, WhatCannotBeReadIsNoSuccess) {
   lists read;
   const file folder(fdopen(open("/", O_RDONLY), "r"));
   EXPECT_EQ(dparseDefFile(folder.get(), &read.fields, &read.classes, &read.impls),
-            DPARSE_UNREADABLE);
+            dparse::UNREADABLE);
   EXPECT_STREQ(dparseGetErrMsg(), "");
 }

@@ -56,7 +56,7 @@ static std::string tokens_of_reader(std::string_view text, size_t count) {
   const std::string copy(text);
   const file stream = stream_of(copy);
   std::string all;
-  for (char token[DPARSE_TEXT_SIZE]; count > 0 && !copy.empty(); --count) {
+  for (char token[dparse::TEXT_SIZE]; count > 0 && !copy.empty(); --count) {
     const int number = dparseGetToken(stream.get(), token, sizeof token);
     if (number == DPARSE_TOKEN_EOF) break;
     all += std::to_string(number) + ":" + token + "\n";
