@@ -163,24 +163,36 @@ static formatted end_of_text(layout& to) {
   return std::move(to.to);
 }
 
-static layout empty_layout(std::string_view text) {
-  layout to{text, line_end_of_most(text)};
+static layout empty_layout(std::string_view text, std::string_view line_end) {
+  layout to{text, line_end};
   to.to.text.reserve(text.size() * 2);  // what is not used is only an address
   return to;
 }
 
+// Without blank lines that are taken away, other line ends may be those of most lines. With these
+// the text stays as it is when it is formatted again.
+template <class LayOut>
+static formatted with_line_ends_of_most(std::string_view text, LayOut lay_out) {
+  const std::string_view before = line_end_of_most(text);
+  formatted result = lay_out(empty_layout(text, before));
+  const std::string_view after = line_end_of_most(result.text);
+  return after == before ? std::move(result) : lay_out(empty_layout(text, after));
+}
+
 formatted format(const tree& tree) {
-  layout to = empty_layout(tree.text);
-  for (const definition& each : tree.definitions) put_definition(to, each);
-  return end_of_text(to);
+  return with_line_ends_of_most(tree.text, [&](layout to) {
+    for (const definition& each : tree.definitions) put_definition(to, each);
+    return end_of_text(to);
+  });
 }
 
 formatted format(std::string_view text) {
-  layout to = empty_layout(text);
-  parsing in{text, 0, 0};
-  for (std::vector<definition> next; parse_definition(in, next); next.clear())
-    put_definition(to, next.front());
-  return end_of_text(to);
+  return with_line_ends_of_most(text, [&](layout to) {
+    parsing in{text, 0, 0};
+    for (std::vector<definition> next; parse_definition(in, next); next.clear())
+      put_definition(to, next.front());
+    return end_of_text(to);
+  });
 }
 
 // --- Words ---------------------------------------------------------------------------------------

@@ -35,6 +35,7 @@ TEST(Format, LaysOut) {
       {"\xEF\xBB\xBF INT A{ # a\r\nID=1;\r\n\r\n\r\n}",
        "\xEF\xBB\xBFINT A { # a\r\n\tID = 1;\r\n\r\n}\r\n"},
       {"# a\r\nINT A {\n}\n\n", "# a\nINT A {\n}\n\n"},
+      {"INT A {\r\n\r\n\r\n} oops\n\n", "INT A {\n\n} oops\n\n"},
       {"\xEF\xBB\xBF# a", "\xEF\xBB\xBF# a\n"},
       // What is broken stays, and so do the blanks around it.
       {"INT A {ID  =  1;\n  ID  5;  # a\n\n\n    DESCR=\"x\";ID=2;}",
