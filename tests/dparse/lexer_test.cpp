@@ -93,7 +93,8 @@ TEST(Lexer, TokensAreWholeOverTheEndOfTheBuffer) {
     for (size_t left = 0; left <= 2 * size + 6; ++left) {
       const std::string word(size, 'w'), string(size, 's');
       // The first token is read by character and fills the buffer.
-      const std::string before = "{" + std::string(sizeof buffer - 1 - left, ' ');
+      std::string before(sizeof buffer - left, ' ');
+      before[0] = '{';
       const std::string text = before + word + "\n\"" + string + "\";";
       for (token_reader* read : {&next, &next_string}) {
         const file stream = stream_of(text);

@@ -11,7 +11,7 @@ static std::string ids() {
     return message == dparse::message::NONE ? std::string("none") : dparse::row_of(message).id;
   };
   std::string all = id(dparse::standing_message()) + ":";
-  for (const dparse::message logged : dparse::logged_messages()) all += " " + id(logged);
+  for (const dparse::message logged : dparse::logged_messages()) all.append(" ").append(id(logged));
   return all;
 }
 

@@ -130,7 +130,7 @@ std::string dump(const syntax::tree& tree) {
     }
     start = each.start + each.length;
     if (start != at) records += "(definition ends elsewhere)";
-    records += "@" + std::to_string(start) + "+" + std::to_string(each.ahead) + "\n";
+    records.append("@").append(std::to_string(start) + "+" + std::to_string(each.ahead) + "\n");
   }
   add_gap(tree, at, tree.text.size(), all);
   if (all != tree.text) records += "(the text is another)";
