@@ -18,24 +18,38 @@ static void check_position(const deploy::entry_scope& scope, const deploy::class
   }
 }
 
+// Entries may be nested ten thousand levels deep: what reports, and buffers, stay out of the frames
+// of the functions that call each other.
+[[gnu::noinline]] static int mark_repeated(deploy::class_entries& read, deploy::siblings nested,
+                                           const char* class_name) {
+  tav_ebuf ebuf{};
+  dd_with_memory(at(&ebuf, HERE), [&] { deploy::mark_repeated(nested, read.seen); });
+  if (!dd_failed(ebuf)) return 1;
+  deploy::call_failed(HERE, ebuf);
+  return deploy::report(HERE, "nesting-not-checked", {.class_name = class_name});
+}
+
+[[gnu::noinline]] static void check_child(const deploy::entry_scope& scope,
+                                          const deploy::class_entry& child, int32_t parent_type,
+                                          int depth) {
+  check_position(scope, child, parent_type, depth);
+  if (child.is_repeated) deploy::report(HERE, "repeated-field", scope.of(child.name));
+}
+
+[[gnu::noinline]] static int not_checked(const char* class_name) {
+  return deploy::report(HERE, "positions-not-checked", {.class_name = class_name});
+}
+
 int tav_deploy_check_field_positions(deploy::class_entries& read, deploy::class_entry& entry,
                                      const deploy::entry_scope& scope, int depth) {
   const deploy::siblings nested = deploy::nested_in(entry);
-  tav_ebuf ebuf{};
-  dd_with_memory(at(&ebuf, HERE), [&] { deploy::mark_repeated(nested, read.seen); });
-  if (dd_failed(ebuf)) {
-    deploy::call_failed(HERE, ebuf);
-    return deploy::report(HERE, "nesting-not-checked", {.class_name = scope.class_name});
-  }
+  if (mark_repeated(read, nested, scope.class_name) < 1) return -1;
   const deploy::entry_path path{entry.name, scope.around};
   const deploy::entry_scope inside{scope.class_name, &path};
   for (deploy::class_entry& child : nested) {
-    check_position(inside, child, entry.type, depth);
-    if (child.is_repeated) {
-      deploy::report(HERE, "repeated-field", inside.of(child.name));
-    } else if (deploy::check_nesting(read, child, inside, depth + 1) < 1) {
-      return -1;
-    }
+    check_child(inside, child, entry.type, depth);
+    if (child.is_repeated) continue;
+    if (deploy::check_nesting(read, child, inside, depth + 1) < 1) return -1;
   }
   return 1;
 }
@@ -43,5 +57,5 @@ int tav_deploy_check_field_positions(deploy::class_entries& read, deploy::class_
 int deploy::check_nesting(deploy::class_entries& read, deploy::class_entry& entry,
                           const deploy::entry_scope& scope, int depth) {
   if (tav_deploy_check_field_positions(read, entry, scope, depth) >= 1) return 1;
-  return deploy::report(HERE, "positions-not-checked", {.class_name = scope.class_name});
+  return not_checked(scope.class_name);
 }

@@ -4,7 +4,8 @@
 
 static constexpr char MODULE[] = "tav_deploy_import";
 
-static void check_type(const deploy::class_entry& entry, const deploy::entry_scope& scope) {
+[[gnu::noinline]] static void check_type(const deploy::class_entry& entry,
+                                         const deploy::entry_scope& scope) {
   if (!entry.is_defined) {
     deploy::report(HERE, "missing-field-definition", scope.of(entry.name));
   } else if (entry.defined_type.value_or(0) != entry.type) {
