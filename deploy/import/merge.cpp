@@ -77,37 +77,55 @@ static deploy::class_entry* counterpart(counterparts& in, const char* name) {
   return found;
 }
 
-// Throws std::bad_alloc.
-static counterparts& counterparts_of(merge& of_class, deploy::siblings interface) {
-  const auto [node, is_new] = of_class.nodes.try_emplace(interface.first, counterparts{interface});
-  if (is_new) deploy::mark_repeated(interface, of_class.read.seen);
-  node->second.next = interface.first;
-  return node->second;
+// Entries may be nested ten thousand levels deep: what looks up, merges and reports stays out of
+// the frame of merge_node(), which calls itself.
+[[gnu::noinline]] static counterparts* counterparts_of(merge& of_class, deploy::siblings interface,
+                                                       tav_ebuf* ebuf) {
+  counterparts* in = nullptr;
+  dd_with_memory(at(ebuf, HERE), [&] {
+    const auto [node, is_new] =
+        of_class.nodes.try_emplace(interface.first, counterparts{interface});
+    if (is_new) deploy::mark_repeated(interface, of_class.read.seen);
+    node->second.next = interface.first;
+    in = &node->second;
+  });
+  return in;
+}
+
+// The entry that the implementation's was merged into, or null.
+[[gnu::noinline]] static deploy::class_entry* merge_named(counterparts* in, const char* name,
+                                                          tav_flist_t* impl_entry,
+                                                          const deploy::entry_scope& scope,
+                                                          tav_ebuf* ebuf) {
+  deploy::class_entry* entry = nullptr;
+  dd_with_memory(at(ebuf, HERE), [&] { entry = counterpart(*in, name); });
+  if (dd_failed(*ebuf)) return nullptr;
+  if (entry == nullptr) {
+    deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
+    return nullptr;
+  }
+  merge_entry(*entry, impl_entry, name, scope, ebuf);
+  return entry;
+}
+
+[[gnu::noinline]] static int not_merged(const char* name, const deploy::entry_scope& scope) {
+  return deploy::report(HERE, "entries-not-merged", scope.of(name, IMPLEMENTATION));
 }
 
 static int merge_node(merge& of_class, deploy::siblings interface, tav_flist_t* impl_node,
                       const deploy::entry_scope& scope) {
   tav_ebuf ebuf{};
-  counterparts* in = nullptr;
-  dd_with_memory(at(&ebuf, HERE), [&] { in = &counterparts_of(of_class, interface); });
+  counterparts* in = counterparts_of(of_class, interface, &ebuf);
   dd_walk walk(impl_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-    deploy::class_entry* entry = nullptr;
-    dd_with_memory(at(&ebuf, HERE), [&] { entry = counterpart(*in, name); });
-    if (dd_failed(ebuf)) break;
-    if (entry == nullptr) {
-      deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
-    } else {
-      merge_entry(*entry, impl_entry, name, scope, &ebuf);
-    }
+    deploy::class_entry* entry = merge_named(in, name, impl_entry, scope, &ebuf);
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
+    const deploy::entry_path path{name, scope.around};
+    const deploy::entry_scope inside{scope.class_name, &path};
     const deploy::siblings nested =
         entry != nullptr ? deploy::nested_in(*entry) : deploy::siblings{};
-    const deploy::entry_path path{name, scope.around};
-    if (merge_node(of_class, nested, impl_entry, {scope.class_name, &path}) < 1) {
-      return deploy::report(HERE, "entries-not-merged", scope.of(name, IMPLEMENTATION));
-    }
+    if (merge_node(of_class, nested, impl_entry, inside) < 1) return not_merged(name, scope);
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
