@@ -1,6 +1,6 @@
 // Files that are read whole, and replaced whole or not at all.
-#ifndef DICT_FORMAT_FILES_H
-#define DICT_FORMAT_FILES_H
+#ifndef DICT_FILES_H
+#define DICT_FILES_H
 
 #include <sys/stat.h>
 

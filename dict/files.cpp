@@ -1,4 +1,4 @@
-#include "dict/format/files.h"
+#include "dict/files.h"
 
 #include <fcntl.h>
 #include <unistd.h>
