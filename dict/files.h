@@ -35,6 +35,10 @@ bool read_file(const std::string& name, const std::string& shown, file_content& 
 bool replace_file(const std::string& name, const file_content& before, std::string_view text,
                   dm::problem& why);
 
+// Writes a file of that text: a new one, or in the place of a regular one as replace_file does; a
+// device or a pipe takes it as it is. False with the reason; a new file is gone then.
+bool write_file(const std::string& name, std::string_view text, dm::problem& why);
+
 }  // namespace dict
 
 #endif

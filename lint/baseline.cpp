@@ -26,9 +26,9 @@ uint64_t read_baseline(std::string_view text, baseline& known) {
   return has_head ? 0 : 1;
 }
 
-std::string write_baseline(const std::vector<judged>& findings) {
+std::string write_baseline(const std::vector<outcome>& findings) {
   std::vector<std::string_view> lines;
-  for (const judged& each : findings) {
+  for (const outcome& each : findings) {
     if (each.hidden != hidden_by::COMMENT) lines.push_back(each.key);
   }
   std::sort(lines.begin(), lines.end());
@@ -38,8 +38,8 @@ std::string write_baseline(const std::vector<judged>& findings) {
   return text;
 }
 
-void hide_known(baseline known, std::vector<judged>& findings) {
-  for (judged& each : findings) {
+void hide_known(baseline known, std::vector<outcome>& findings) {
+  for (outcome& each : findings) {
     if (each.hidden != hidden_by::NOTHING) continue;
     const auto row = known.find(each.key);
     if (row == known.end() || row->second == 0) continue;

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lint/judged.h"
+#include "lint/outcome.h"
 
 namespace lint {
 
@@ -21,9 +21,9 @@ using baseline = std::map<std::string, uint64_t, std::less<>>;
 uint64_t read_baseline(std::string_view text, baseline& known);
 
 // Of all findings but those that a comment hides.
-std::string write_baseline(const std::vector<judged>& findings);
+std::string write_baseline(const std::vector<outcome>& findings);
 
-void hide_known(baseline known, std::vector<judged>& findings);
+void hide_known(baseline known, std::vector<outcome>& findings);
 
 }  // namespace lint
 

@@ -126,15 +126,15 @@ ignores read_ignores(const syntax::tree& tree, uint32_t source) {
 
 // --- Hiding --------------------------------------------------------------------------------------
 
-static bool is_about(const ignore& row, std::string_view id, const judged& one) {
+static bool is_about(const ignore& row, std::string_view id, const outcome& one) {
   return one.found.where.source == row.rule.source && one.found.where.start >= row.first &&
          one.found.where.start <= row.last && one.found.rule == id;
 }
 
-static void hide(const std::vector<source>& sources, ignore& row, std::vector<judged>& findings) {
+static void hide(const std::vector<source>& sources, ignore& row, std::vector<outcome>& findings) {
   const std::string_view id =
       std::string_view(sources[row.rule.source].tree.text).substr(row.rule.start, row.rule.length);
-  const auto is_before = [](const judged& one, const ignore& ignore) {
+  const auto is_before = [](const outcome& one, const ignore& ignore) {
     return std::tie(one.found.where.source, one.found.where.start) <
            std::tie(ignore.rule.source, ignore.first);
   };
@@ -182,14 +182,14 @@ static void tell_unused(const ignore& row, const std::string& id, const hiding& 
   }
 }
 
-static bool has_syntax_errors(const std::vector<judged>& findings) {
-  return std::ranges::any_of(findings, [](const judged& one) {
+static bool has_syntax_errors(const std::vector<outcome>& findings) {
+  return std::ranges::any_of(findings, [](const outcome& one) {
     return find_rule(one.found.rule)->from == origin::SYNTAX;
   });
 }
 
 std::vector<finding> hide_ignored(const std::vector<source>& sources, const hiding& how,
-                                  std::vector<judged>& findings) {
+                                  std::vector<outcome>& findings) {
   std::vector<finding> told;
   const bool is_read = !has_syntax_errors(findings);
   for (uint32_t source = 0; source < sources.size(); ++source) {

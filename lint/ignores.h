@@ -10,7 +10,7 @@
 #include <functional>
 #include <vector>
 
-#include "lint/judged.h"
+#include "lint/outcome.h"
 #include "lint/rule.h"
 
 namespace lint {
@@ -42,7 +42,7 @@ struct hiding {
 // Hides what comments ask for; gives what is wrong with the comments. After an error of syntax
 // none of them counts as needless.
 std::vector<finding> hide_ignored(const std::vector<source>& sources, const hiding& how,
-                                  std::vector<judged>& findings);
+                                  std::vector<outcome>& findings);
 
 }  // namespace lint
 

@@ -18,7 +18,7 @@ bool level_of(std::string_view name, lint::level& level) {
 
 lint_counts count(const lint_report& report) {
   lint_counts counts;
-  for (const lint::judged& each : report.findings) {
+  for (const lint::outcome& each : report.findings) {
     const bool is_hidden = each.hidden != lint::hidden_by::NOTHING;
     counts.hidden += is_hidden;
     counts.errors += !is_hidden && each.found.told == lint::level::ERROR;

@@ -5,20 +5,21 @@
 #include <string>
 #include <vector>
 
-#include "lint/judged.h"
+#include "lint/outcome.h"
 
 namespace dict {
 
 struct lint_rule {
   std::string id;
   lint::level level;  // as configured
+  std::string title;
   std::string cause;  // the paragraph of the page that explains it
   std::string remedy;
 };
 
 struct lint_report {
   const std::vector<lint::source>& sources;
-  const std::vector<lint::judged>& findings;  // sorted by place
+  const std::vector<lint::outcome>& findings;  // sorted by place
   const std::vector<lint_rule>& rules;
   uint64_t left_out = 0;  // findings that are counted only
   bool is_coloured = false;

@@ -44,7 +44,7 @@ static std::string line_of(const lint::finding& found, const region& at, places&
 std::string as_github(const lint_report& report) {
   places here{report.sources}, there{report.sources};
   std::string text;
-  for (const lint::judged& each : report.findings) {
+  for (const lint::outcome& each : report.findings) {
     if (each.hidden != lint::hidden_by::NOTHING) continue;
     text += line_of(each.found, region_of(here, each.found.where), there);
   }

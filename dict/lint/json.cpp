@@ -19,7 +19,7 @@ static void put_region(json_writer& out, const region& at) {
   put_number(out, "end_column", static_cast<int64_t>(at.end_column));
 }
 
-static void put_finding(json_writer& out, const lint::judged& each, places& here, places& there) {
+static void put_finding(json_writer& out, const lint::outcome& each, places& here, places& there) {
   const lint::finding& found = each.found;
   out.StartObject();
   put_member(out, "rule", std::string(found.rule));
@@ -46,7 +46,7 @@ std::string as_json(const lint_report& report) {
   places here{report.sources}, there{report.sources};
   const lint_counts counts = count(report);
   page.out.StartObject();
-  put_array(page.out, "findings", report.findings, [&](json_writer& out, const lint::judged& each) {
+  put_array(page.out, "findings", report.findings, [&](json_writer& out, const lint::outcome& each) {
     put_finding(out, each, here, there);
   });
   put_number(page.out, "errors", static_cast<int64_t>(counts.errors));
@@ -66,7 +66,7 @@ std::string as_gitlab(const lint_report& report) {
   json_page page;
   places here{report.sources};
   page.out.StartArray();
-  for (const lint::judged& each : report.findings) {
+  for (const lint::outcome& each : report.findings) {
     if (each.hidden != lint::hidden_by::NOTHING) continue;
     const region at = region_of(here, each.found.where);
     page.out.StartObject();

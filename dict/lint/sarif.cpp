@@ -67,6 +67,7 @@ static void put_physical(json_writer& out, const region& at) {
 static void put_rule(json_writer& out, const lint_rule& rule) {
   out.StartObject();
   put_member(out, "id", rule.id);
+  put_message(out, "shortDescription", rule.title + ".");
   if (!rule.cause.empty()) {
     put_message(out, "fullDescription", rule.cause);
     put_message(out, "help", rule.remedy.empty() ? rule.cause : rule.remedy);
@@ -91,7 +92,7 @@ static void put_related(page& to, const lint::finding& found) {
             });
 }
 
-static void put_suppressions(json_writer& out, const lint::judged& each) {
+static void put_suppressions(json_writer& out, const lint::outcome& each) {
   out.Key("suppressions");
   out.StartArray();
   if (each.hidden != lint::hidden_by::NOTHING) {
@@ -105,7 +106,7 @@ static void put_suppressions(json_writer& out, const lint::judged& each) {
   out.EndArray();
 }
 
-static void put_result(page& to, const lint::judged& each,
+static void put_result(page& to, const lint::outcome& each,
                        const std::map<std::string_view, int64_t>& index) {
   json_writer& out = to.json.out;
   out.StartObject();
@@ -164,12 +165,12 @@ static void put_invocation(json_writer& out, uint64_t missing) {
 }
 
 // Those that are told before those that are not, errors first: what is left out weighs least.
-static std::vector<const lint::judged*> chosen(const lint_report& report) {
-  std::vector<const lint::judged*> results;
-  for (const lint::judged& each : report.findings) results.push_back(&each);
+static std::vector<const lint::outcome*> chosen(const lint_report& report) {
+  std::vector<const lint::outcome*> results;
+  for (const lint::outcome& each : report.findings) results.push_back(&each);
   if (results.size() <= MOST_RESULTS) return results;
   std::stable_sort(results.begin(), results.end(), [](const auto* a, const auto* b) {
-    const auto weight = [](const lint::judged* one) {
+    const auto weight = [](const lint::outcome* one) {
       const bool is_told = one->hidden == lint::hidden_by::NOTHING;
       return (is_told ? 4 : 0) + static_cast<int>(one->found.told);
     };
@@ -189,7 +190,7 @@ std::string as_sarif(const lint_report& report) {
     index[rule.id] = static_cast<int64_t>(rules.size());
     rules.push_back(&rule);
   }
-  const std::vector<const lint::judged*> results = chosen(report);
+  const std::vector<const lint::outcome*> results = chosen(report);
   out.StartObject();
   put_member(out, "$schema", "https://json.schemastore.org/sarif-2.1.0.json");
   put_member(out, "version", "2.1.0");
@@ -200,7 +201,7 @@ std::string as_sarif(const lint_report& report) {
   put_invocation(out, report.left_out + report.findings.size() - results.size());
   put_member(out, "columnKind", "unicodeCodePoints");
   put_array(out, "results", results,
-            [&](json_writer&, const lint::judged* each) { put_result(to, *each, index); });
+            [&](json_writer&, const lint::outcome* each) { put_result(to, *each, index); });
   out.EndObject();
   out.EndArray();
   out.EndObject();

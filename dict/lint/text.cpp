@@ -84,7 +84,7 @@ static void put_sum(page& out) {
 
 std::string as_text(const lint_report& report) {
   page out{report};
-  for (const lint::judged& each : report.findings) {
+  for (const lint::outcome& each : report.findings) {
     if (each.hidden == lint::hidden_by::NOTHING) put_finding(out, each.found);
   }
   put_sum(out);

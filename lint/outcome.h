@@ -1,7 +1,7 @@
 // Findings with what becomes of each: whether it is told, and by which name it is known from run to
 // run.
-#ifndef LINT_JUDGED_H
-#define LINT_JUDGED_H
+#ifndef LINT_OUTCOME_H
+#define LINT_OUTCOME_H
 
 #include <string>
 #include <vector>
@@ -12,7 +12,7 @@ namespace lint {
 
 enum class hidden_by : uint8_t { NOTHING, COMMENT, BASELINE };
 
-struct judged {
+struct outcome {
   finding found;
   hidden_by hidden = hidden_by::NOTHING;
   std::string reason{};  // the comment's
@@ -26,12 +26,12 @@ struct judged {
 std::string stable_name(const std::string& name);
 
 // Sorted by file and place. What has the same rule, place and sentence is one.
-std::vector<judged> judge(std::vector<finding> found, const std::vector<source>& sources);
+std::vector<outcome> outcomes_of(std::vector<finding> found, const std::vector<source>& sources);
 // Puts others, of other rules, among them.
-void merge(std::vector<judged> others, std::vector<judged>& findings);
+void merge(std::vector<outcome> others, std::vector<outcome>& findings);
 
 // A number of the key and the repeat, as 16 hexadecimal digits: part of the interface.
-std::string fingerprint(const judged& one);
+std::string fingerprint(const outcome& one);
 
 }  // namespace lint
 

@@ -1,4 +1,4 @@
-#include "lint/judged.h"
+#include "lint/outcome.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -25,7 +25,7 @@ static auto order_of(const finding& one) {
   return std::tie(one.where.source, one.where.start, one.rule, one.sentence);
 }
 
-std::vector<judged> judge(std::vector<finding> found, const std::vector<source>& sources) {
+std::vector<outcome> outcomes_of(std::vector<finding> found, const std::vector<source>& sources) {
   const auto is_before = [](const finding& a, const finding& b) {
     return order_of(a) < order_of(b);
   };
@@ -37,9 +37,9 @@ std::vector<judged> judge(std::vector<finding> found, const std::vector<source>&
   std::vector<std::string> names;
   for (const source& each : sources) names.push_back(dd_visible(stable_name(each.name)));
   std::map<std::string, uint64_t> counts;
-  std::vector<judged> result;
+  std::vector<outcome> result;
   for (finding& each : found) {
-    judged& one = result.emplace_back(judged{std::move(each)});
+    outcome& one = result.emplace_back(outcome{std::move(each)});
     one.key.append(names[one.found.where.source]).append("\t").append(one.found.rule);
     one.key.append("\t").append(dd_visible(one.found.subject));
     one.repeat = counts[one.key]++;
@@ -47,15 +47,15 @@ std::vector<judged> judge(std::vector<finding> found, const std::vector<source>&
   return result;
 }
 
-void merge(std::vector<judged> others, std::vector<judged>& findings) {
+void merge(std::vector<outcome> others, std::vector<outcome>& findings) {
   const auto middle = static_cast<ptrdiff_t>(findings.size());
-  for (judged& each : others) findings.push_back(std::move(each));
+  for (outcome& each : others) findings.push_back(std::move(each));
   std::inplace_merge(
       findings.begin(), findings.begin() + middle, findings.end(),
-      [](const judged& a, const judged& b) { return order_of(a.found) < order_of(b.found); });
+      [](const outcome& a, const outcome& b) { return order_of(a.found) < order_of(b.found); });
 }
 
-std::string fingerprint(const judged& one) {
+std::string fingerprint(const outcome& one) {
   uint64_t hash = 0xcbf29ce484222325;  // FNV-1a, which is the same everywhere and always
   for (const char c : one.key + "\t" + std::to_string(one.repeat)) {
     hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
