@@ -92,6 +92,7 @@ static int run(int argc, char** argv) {
   dict::add_diff(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
+  dict::add_lint(app, result);
   dict::add_list(app, result);
   dict::add_next_id(app, result);
   dict::add_export(app, result);
