@@ -46,9 +46,9 @@ std::string as_json(const lint_report& report) {
   places here{report.sources}, there{report.sources};
   const lint_counts counts = count(report);
   page.out.StartObject();
-  put_array(page.out, "findings", report.findings, [&](json_writer& out, const lint::outcome& each) {
-    put_finding(out, each, here, there);
-  });
+  put_array(
+      page.out, "findings", report.findings,
+      [&](json_writer& out, const lint::outcome& each) { put_finding(out, each, here, there); });
   put_number(page.out, "errors", static_cast<int64_t>(counts.errors));
   put_number(page.out, "warnings", static_cast<int64_t>(counts.warnings));
   put_number(page.out, "notes", static_cast<int64_t>(counts.notes));
