@@ -21,8 +21,10 @@ std::string stable_name(const std::string& name) {
   return (is_inside ? below : path).string();
 }
 
+// At one place errors come first.
 static auto order_of(const finding& one) {
-  return std::tie(one.where.source, one.where.start, one.rule, one.sentence);
+  return std::tuple(one.where.source, one.where.start, -static_cast<int>(one.told), one.rule,
+                    std::string_view(one.sentence));
 }
 
 std::vector<outcome> outcomes_of(std::vector<finding> found, const std::vector<source>& sources) {

@@ -86,7 +86,8 @@ void check_text(own_run& run, const visit& visited) {
     return;
   }
   const size_t size = size_in_language(text);
-  if (size <= DD_LONGEST_TEXT) return;
+  // What is longer as it stands is told as an error of syntax.
+  if (size <= DD_LONGEST_TEXT || text.size() > DD_LONGEST_TEXT) return;
   report(run, "text-too-long", where, subject_of(run.all, visited.way),
          thing_of(run.all, visited.way) + " has " + std::to_string(size) +
              " bytes, a tab counting two; a text has at most " + std::to_string(DD_LONGEST_TEXT) +
