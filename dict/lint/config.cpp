@@ -88,8 +88,8 @@ constexpr entry_row ENTRIES[] = {
 
 static bool refuse(const lint_config& config, const vantor::conf_entry& entry,
                    std::string_view fault, dm::problem& why) {
-  why.sentence = dm::join({dm::quoted(config.path), ", line ", std::to_string(entry.line), ": ",
-                           dm::quoted(entry.name), fault, "."});
+  why.sentence = dm::join(
+      {config.path, ":", std::to_string(entry.line), ": \"", entry.name, "\"", fault, "."});
   return false;
 }
 
@@ -102,12 +102,12 @@ static bool take(const vantor::conf_entry& entry, lint_config& config, dm::probl
   if (row == std::end(ENTRIES)) {
     return refuse(config, entry,
                   entry.section == "levels"
-                      ? " is no rule; 'tav_dict lint --list-rules' lists them"
-                      : " is no entry of this section; tav_dict(1) lists them",
+                      ? "\" is no rule; 'tav_dict lint --list-rules' lists them"
+                      : "\" is no entry of this section; tav_dict(1) lists them",
                   why);
   }
   const char* wanted = row->read(entry, config);
-  return wanted == nullptr || refuse(config, entry, dm::join({" must be ", wanted}), why);
+  return wanted == nullptr || refuse(config, entry, dm::join({"\" must be ", wanted}), why);
 }
 
 // --- Files ---------------------------------------------------------------------------------------
@@ -132,7 +132,7 @@ bool read_config(const std::string& name, lint_config& config, dm::problem& why)
   file_content content;
   if (!read_file(config.path, config.path, content, why)) return false;
   vantor::conf_file parsed;
-  parsed.path = dm::quoted(config.path);
+  parsed.path = config.path;
   vantor::parse_conf(content.text, parsed);
   why.sentence = parsed.problem;
   const auto take_one = [&](const vantor::conf_entry& entry) { return take(entry, config, why); };
