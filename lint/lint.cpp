@@ -2,6 +2,7 @@
 
 #include "deploy/modes.h"
 #include "dparse/read/state.h"
+#include "lint/check.h"
 #include "lint/collect.h"
 #include "lint/read.h"
 
@@ -34,6 +35,7 @@ result lint(const std::vector<source>& sources, const world& against) {
   result found;
   reading read;
   read_sources(all, read, found);
+  if (!sources.empty()) check_definitions(all, read, against, found);
   if (against.own)
     for (finding& each : against.own(all)) tell(found, std::move(each));
   put_in_order(found);

@@ -94,6 +94,7 @@ static void number_field(source_reading& in, std::string_view name) {
   tav_ebuf ebuf{};
   tav_flist_t* field = in.into.sound.fields.find(std::string(name).c_str(), &ebuf);
   if (field == nullptr || dd_int(field, TAV_FLD_FIELD_NUM, &ebuf) != 0) return;
+  leave_out(in.into.missing, {node_kind::FIELD, name, {}, "ID"});
   dd_set_int(field, TAV_FLD_FIELD_NUM, FIRST + in.into.sound.fields.count(&ebuf), &ebuf);
 }
 
@@ -113,7 +114,6 @@ static void read_mended(source_reading& in, const node_place& at, const std::str
   const syntax::definition& definition = definition_of(in.all, at);
   const syntax::node& top = definition.nodes[0];
   const auto name = syntax::name_of(in.tree().text, definition, top);
-  if (top.meant == node_kind::FIELD) leave_out(in.into.missing, {node_kind::FIELD, name});
   if (text.empty()) return leave_out_all(in, at);
   verdict again = judge(text, in.into.sound);
   if (again.is_sound()) {

@@ -16,6 +16,7 @@ enum class blame : uint8_t { NAME, TYPE, VALUE };  // VALUE: of the subject's at
 enum class other : uint8_t {
   NONE,
   DEFINITION,  // of the field
+  REFUSED,     // the same, which then has a mistake of its own
   NUMBER,      // the field that has the number
   INTERFACE,   // the entry in the class's interface
   RELATED,     // the related class; of an array the entry of that name, of a table its use
@@ -99,7 +100,7 @@ inline constexpr sentence_row SENTENCES[] = {
      "Class {class} stands below {related}, which neither the files nor the dictionary have: "
      "define {related} too."},
 
-    {"missing-field-definition", level::ERROR, blame::NAME, other::NONE,
+    {"missing-field-definition", level::ERROR, blame::NAME, other::REFUSED,
      "A class uses a field that is not defined",
      "Class {class} uses {field}, which neither the files nor the dictionary define: define it, or "
      "correct the name."},
@@ -139,7 +140,7 @@ inline constexpr sentence_row SENTENCES[] = {
      "Base class {class} has no table: its implementation needs SQL_TABLE."},
     {"table-in-subclass", level::ERROR, blame::VALUE, other::NONE, "A subclass has a table",
      "Subclass {class} has table {table} in the dictionary, and needs none."},
-    {"field-not-defined", level::ERROR, blame::NAME, other::NONE,
+    {"field-not-defined", level::ERROR, blame::NAME, other::REFUSED,
      "The storage of a field that is not defined cannot be checked",
      "{field} is not defined, so that its storage cannot be checked: define it, or correct the "
      "name."},

@@ -48,12 +48,22 @@ static const syntax_case CASES[] = {
      "unknown-class-member"},
 };
 
+static lint::result syntax_only(lint::result found) {
+  std::erase_if(found.told, [](const lint::finding& each) { return each.reader_line == 0; });
+  return found;
+}
+
+static std::string syntax_in(const std::vector<std::string>& texts) {
+  const auto sources = sources_of(texts);
+  return shown(sources, syntax_only(lint::lint(sources, {})));
+}
+
 TEST(syntax, tells_every_mistake_where_it_is) {
-  for (const syntax_case& each : CASES) EXPECT_EQ(found_in({each.text}), each.found) << each.text;
+  for (const syntax_case& each : CASES) EXPECT_EQ(syntax_in({each.text}), each.found) << each.text;
 }
 
 TEST(syntax, goes_on_in_other_files) {
-  EXPECT_EQ(found_in({"STRING A { ID = 1 }\n", "STRING B { }\nSTRING A { ID = 2; }\nINT C {\n"}),
+  EXPECT_EQ(syntax_in({"STRING A { ID = 1 }\n", "STRING B { }\nSTRING A { ID = 2; }\nINT C {\n"}),
             "1:18 semicolon-expected, b:2:17 duplicate-field-ids, b:3:8 closing-brace-expected");
 }
 
@@ -61,7 +71,7 @@ TEST(syntax, tells_the_first_mistake_of_a_file_as_the_reader_does) {
   for (const syntax_case& each : CASES) {
     const auto sources = sources_of({each.text});
     const lint::verdict reader = lint::judge(each.text);
-    const lint::result found = lint::lint(sources, {});
+    const lint::result found = syntax_only(lint::lint(sources, {}));
     const uint64_t line = found.told.empty() ? 0 : found.told[0].reader_line;
     EXPECT_EQ(line, reader.line) << each.text;
   }
