@@ -88,8 +88,8 @@ constexpr entry_row ENTRIES[] = {
 
 static bool refuse(const lint_config& config, const vantor::conf_entry& entry,
                    std::string_view fault, dm::problem& why) {
-  why.sentence = dm::join(
-      {config.path, ":", std::to_string(entry.line), ": \"", entry.name, "\"", fault, "."});
+  why.sentence =
+      dm::join({config.path, ":", std::to_string(entry.line), ": \"", entry.name, fault, "."});
   return false;
 }
 
@@ -114,12 +114,13 @@ static bool take(const vantor::conf_entry& entry, lint_config& config, dm::probl
 
 static std::string nearest() {
   std::error_code error;
-  for (fs::path folder = fs::current_path(error); !error; folder = folder.parent_path()) {
-    const fs::path path = folder / LINT_CONFIG;
+  fs::path folder = fs::current_path(error);
+  for (std::string path = LINT_CONFIG; !error; path.insert(0, "../")) {
     const fs::file_type type = fs::status(path, error).type();
     const bool leads_nowhere = type == fs::file_type::not_found && fs::is_symlink(path, error);
-    if (type == fs::file_type::regular || leads_nowhere) return path.string();
+    if (type == fs::file_type::regular || leads_nowhere) return path;
     if (folder == folder.parent_path()) break;
+    folder = folder.parent_path();
     error.clear();
   }
   return "";
@@ -146,9 +147,8 @@ lint::level level_of(const lint_config& config, std::string_view rule) {
 
 bool is_excluded(const lint_config& config, const std::string& file) {
   std::error_code error;
-  const fs::path home = fs::absolute(config.path, error).parent_path();
-  const std::string path =
-      fs::absolute(file, error).lexically_normal().lexically_relative(home.lexically_normal());
+  const fs::path home = fs::absolute(config.path, error).lexically_normal().parent_path();
+  const std::string path = fs::absolute(file, error).lexically_normal().lexically_relative(home);
   return std::ranges::any_of(config.exclude, [&path](const std::string& pattern) {
     return ::fnmatch(pattern.c_str(), path.c_str(), FNM_LEADING_DIR) == 0;
   });
