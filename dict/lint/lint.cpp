@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "dict/commands.h"
+#include "dict/lint/against.h"
 
 namespace dict {
 
@@ -30,11 +31,14 @@ static void print(const std::vector<lint::source>& sources, const lint::finding&
             << "]\n";
 }
 
-static int run(const std::vector<std::string>& names) {
+static int run(const std::vector<std::string>& names, const std::string& with) {
+  against held;
+  dm::problem why;
+  if (!with.empty() && !read_against(with, "", held, why)) return fail(why);
   std::vector<lint::source> sources;
   for (const std::string& name : names)
     if (!read(name, sources)) return FAILED;
-  const lint::result found = lint::lint(sources, {});
+  const lint::result found = lint::lint(sources, with.empty() ? lint::world() : world_of(held));
   bool has_error = found.untold[static_cast<size_t>(lint::level::ERROR)] > 0;
   for (const lint::finding& each : found.told) {
     print(sources, each);
@@ -47,7 +51,9 @@ void add_lint(CLI::App& app, int& result) {
   const auto names = std::make_shared<std::vector<std::string>>();
   auto* command = app.add_subcommand("lint", "Show where definition files are wrong");
   command->add_option("file", *names, "The files; - for standard input")->required();
-  command->callback([names, &result] { result = run(*names); });
+  const auto with = std::make_shared<std::string>();
+  command->add_option("--against", *with, "A dictionary, or an export of one");
+  command->callback([names, with, &result] { result = run(*names, *with); });
 }
 
 }  // namespace dict
