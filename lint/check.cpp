@@ -9,6 +9,9 @@
 #include "dd/values.h"
 #include "lint/collect.h"
 #include "lint/excuses.h"
+#include "lint/held.h"
+#include "lint/losses.h"
+#include "lint/refused.h"
 #include "lint/sentence.h"
 
 namespace lint {
@@ -105,32 +108,10 @@ struct sink_set {
 
 // --- The checks ----------------------------------------------------------------------------------
 
-// A new dictionary: what every one holds.
-static dd_flist predefined_fields(tav_ebuf* ebuf) {
-  static constexpr struct {
-    const char* name;
-    int32_t type;
-    int32_t number;
-  } ROWS[] = {
-#define PREDEFINED_ROW(name, type, number, description) {#name, type, number},
-      DD_FIELD_IDS(PREDEFINED_ROW)
-#undef PREDEFINED_ROW
-  };
-  dd_flist list(tav_flist_create(ebuf));
-  for (const auto& row : ROWS) {
-    dd_flist field(tav_flist_create(ebuf));
-    dd_set_text(field.get(), TAV_FLD_FIELD_NAME, row.name, ebuf);
-    dd_set_int(field.get(), TAV_FLD_FIELD_TYPE, row.type, ebuf);
-    dd_set_int(field.get(), TAV_FLD_FIELD_NUM, row.number, ebuf);
-    dd_append(list.get(), TAV_FLD_FIELD, std::move(field), ebuf);
-  }
-  return list;
-}
-
 static void take_world(deploy::import_state& state, const world& against) {
   tav_ebuf ebuf{};
   state.server_fields = against.fields != nullptr ? dd_flist(tav_flist_copy(against.fields, &ebuf))
-                                                  : predefined_fields(&ebuf);
+                                                  : predefined_fields();
   state.server_classes.reset(against.classes != nullptr ? tav_flist_copy(against.classes, &ebuf)
                                                         : tav_flist_create(&ebuf));
   if (dd_failed(ebuf)) throw std::bad_alloc();
@@ -142,6 +123,14 @@ using import_step = int (*)(deploy::import_state& state);
 static constexpr import_step STEPS[] = {deploy::import_fields, deploy::import_classes,
                                         deploy::import_order, deploy::import_structure,
                                         deploy::import_storage};
+
+static deployment sent_of(deploy::import_state& state) {
+  tav_ebuf ebuf{};
+  deployment sent{state.fields.get(), {}};
+  dd_list_walk walk(state.ordered_classes);
+  while (tav_flist_t* storable = walk.next(&ebuf)) sent.classes.push_back(storable);
+  return sent;
+}
 
 void check_definitions(const index& all, reading& read, const world& against, result& told) {
   static tav_deploy_ctx_t ctx;
@@ -155,6 +144,9 @@ void check_definitions(const index& all, reading& read, const world& against, re
   const sink_set sink(in);
   deploy::merge_implementations(state.classes, read.sound.implementations, state.entries);
   for (const import_step step : STEPS) step(state);
+  tell_losses(in.subjects, read.missing, state, told);
+  if (against.refuse)
+    tell_refusals(in.subjects, read.missing, against.refuse(sent_of(state)), told);
   if (in.has_failed) throw std::bad_alloc();
 }
 

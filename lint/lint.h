@@ -18,10 +18,16 @@ namespace lint {
 // What a dictionary refuses. Without a class it is about a field.
 struct refusal {
   std::string class_name{};
-  std::string field{};              // a field definition, or the innermost entry of the class
-  std::vector<std::string> around;  // the entries that the entry stands in, from the outermost
-  std::string attribute{};          // its keyword, where the value is to blame
+  std::string field{};                // a field definition, or the innermost entry of the class
+  std::vector<std::string> around{};  // the entries that the entry stands in, from the outermost
+  std::string attribute{};            // its keyword, where the value is to blame
   std::string sentence{};
+};
+
+// What a replace would send, in that order; borrowed.
+struct deployment {
+  tav_flist_t* fields;
+  std::vector<tav_flist_t*> classes;
 };
 
 // What the files are checked against, besides themselves.
@@ -30,9 +36,8 @@ struct world {
   // new one: the predefined fields and no class.
   tav_flist_t* fields = nullptr;
   tav_flist_t* classes = nullptr;
-  // Asks the data manager about the fields and classes that a replace would send, in that order;
-  // called when nothing else is wrong with what is asked about. May be empty.
-  std::function<std::vector<refusal>(tav_flist_t* fields, tav_flist_t* classes)> refuse{};
+  // Asks the data manager what it would refuse. May be empty.
+  std::function<std::vector<refusal>(const deployment& sent)> refuse{};
   // Lint's own rules. May be empty.
   std::function<std::vector<finding>(const index& all)> own{};
 };

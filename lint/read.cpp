@@ -114,6 +114,7 @@ static void read_mended(source_reading& in, const node_place& at, const std::str
   const syntax::definition& definition = definition_of(in.all, at);
   const syntax::node& top = definition.nodes[0];
   const auto name = syntax::name_of(in.tree().text, definition, top);
+  leave_out(in.into.missing, {top.meant, name, {}, "*"});  // something of it
   if (text.empty()) return leave_out_all(in, at);
   verdict again = judge(text, in.into.sound);
   if (again.is_sound()) {

@@ -10,10 +10,13 @@
 
 #include "dict/commands.h"
 #include "dict/files.h"
+#include "dict/lint/against.h"
 #include "dict/lint/rules.h"
+#include "dict/lint/used.h"
 #include "dict/options.h"
 #include "dict/terminal/colour.h"
 #include "dict/terminal/visible.h"
+#include "dm/folded.h"
 #include "lint/baseline.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
@@ -25,6 +28,8 @@ namespace {
 struct request {
   std::vector<std::string> named;
   std::string input_name;
+  std::string against;
+  std::string database;
   std::string config;
   std::string baseline;
   bool writes_baseline = false;
@@ -53,6 +58,8 @@ static bool is_possible(const request& asked, dm::problem& why) {
     why.sentence = "--stdin-filename names standard input (-), which is not among the files.";
   } else if (asked.writes_baseline && asked.baseline.empty()) {
     why.sentence = "--write-baseline writes the file that --baseline names: give that, too.";
+  } else if (!asked.database.empty() && asked.against.empty()) {
+    why.sentence = "-d chooses a database of the dictionary that --against names: give that, too.";
   }
   return why.sentence.empty();
 }
@@ -115,7 +122,8 @@ static void find(const lint_config& config, const lint::world& world, linted& to
   const auto is_checked = [&](const lint::rule& rule) {
     const bool needs_dictionary =
         rule.from == lint::origin::DICTIONARY || rule.from == lint::origin::LOSS;
-    return !needs_dictionary && level_of(config, rule.id) != lint::level::OFF;
+    return (!needs_dictionary || world.fields != nullptr) &&
+           level_of(config, rule.id) != lint::level::OFF;
   };
   auto about_comments = lint::hide_ignored(to.sources, {is_checked}, to.findings);
   set_levels(config, about_comments);
@@ -183,6 +191,16 @@ static bool has_failed(const request& asked, const linted& found) {
   return has_untold || std::ranges::any_of(found.findings, counts);
 }
 
+// Lint's own rules, which also want to know which fields the dictionary's classes use.
+static void add_own(lint_config& config, lint::world& world) {
+  if (world.classes != nullptr) {
+    config.own.is_used_elsewhere = [names = used_fields(world.classes)](std::string_view field) {
+      return names.contains(dm::folded(field));
+    };
+  }
+  world.own = [&config](const lint::index& all) { return lint::check_own(all, config.own); };
+}
+
 static int lint_files(const request& asked) {
   dm::problem why;
   lint_config config;
@@ -191,10 +209,13 @@ static int lint_files(const request& asked) {
   const std::vector<lint_rule> rules = lint_rules(config);
   if (asked.lists_rules) return std::cout << list_of(rules), DONE;
   linted found;
-  int status = read_sources(asked, config, found);
+  const int status = read_sources(asked, config, found);
   if (found.sources.empty()) return FAILED;
-  lint::world world;
-  world.own = [&config](const lint::index& all) { return lint::check_own(all, config.own); };
+  against held;
+  const bool has_world = !asked.against.empty();
+  if (has_world && !read_against(asked.against, asked.database, held, why)) return fail(why);
+  lint::world world = has_world ? world_of(held) : lint::world();
+  add_own(config, world);
   find(config, world, found);
   if (asked.writes_baseline) return status != DONE ? status : write_baseline(asked, found);
   if (!hide_known(asked, found, why)) return fail(why);
@@ -213,11 +234,16 @@ void add_lint(CLI::App& app, int& result) {
   const auto asked = std::make_shared<request>();
   auto* command = app.add_subcommand(
       "lint",
-      "Tell everything that is wrong with definition files, and where; without a dictionary");
+      "Tell everything that is wrong with definition files, and where; needs no dictionary");
   command->add_option("files", asked->named,
                       "Definition files, or folders for all *.def below; - for standard input");
   command->add_option("--stdin-filename", asked->input_name,
                       "The name by which findings call standard input");
+  command->add_option(
+      "--against", asked->against,
+      "Check against a dictionary, too: . for that of tav.conf, another as tav.conf "
+      "would name it, or the file of an export");
+  add_database_option(*command, asked->database);
   command->add_option("--config", asked->config,
                       "The configuration, in place of the nearest tav-lint.ini from here upwards");
   command->add_option("--baseline", asked->baseline,
