@@ -36,6 +36,7 @@ struct request {
   std::string form = "text";
   std::string output;
   std::string colour = "auto";
+  std::string lowest = "note";  // level that is told
   std::string fail_on = "error";
   bool lists_rules = false;
 };
@@ -112,6 +113,14 @@ static int read_sources(const request& asked, const lint_config& config, linted&
 static void set_levels(const lint_config& config, std::vector<lint::finding>& found) {
   for (lint::finding& each : found) each.told = level_of(config, each.rule);
   std::erase_if(found, [](const lint::finding& each) { return each.told == lint::level::OFF; });
+}
+
+static void leave_out_lower(const request& asked, linted& found) {
+  lint::level lowest = lint::level::NOTE;
+  level_of(asked.lowest, lowest);
+  const auto is_lower = [lowest](const lint::outcome& one) { return one.found.told < lowest; };
+  std::erase_if(found.findings, is_lower);
+  std::fill_n(found.untold, static_cast<size_t>(lowest), 0);
 }
 
 static void find(const lint_config& config, const lint::world& world, linted& to) {
@@ -217,6 +226,7 @@ static int lint_files(const request& asked) {
   lint::world world = has_world ? world_of(held) : lint::world();
   add_own(config, world);
   find(config, world, found);
+  leave_out_lower(asked, found);
   if (asked.writes_baseline) return status != DONE ? status : write_baseline(asked, found);
   if (!hide_known(asked, found, why)) return fail(why);
   const bool is_shown = asked.output.empty();
