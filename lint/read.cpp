@@ -110,7 +110,7 @@ static void leave_out_all(source_reading& in, const node_place& at) {
 
 // What is sound by itself may still be defined twice.
 static void read_mended(source_reading& in, const node_place& at, const std::string& text,
-                        message told) {
+                        const mistake& first) {
   const syntax::definition& definition = definition_of(in.all, at);
   const syntax::node& top = definition.nodes[0];
   const auto name = syntax::name_of(in.tree().text, definition, top);
@@ -122,9 +122,11 @@ static void read_mended(source_reading& in, const node_place& at, const std::str
     return;
   }
   leave_out_all(in, at);
-  if (again.told == told) return;
+  const span name_place = name_span(in.all, at);
+  // The reader's own mistake is the first of its file.
+  if (again.told == first.told.told || name_place.start < first.where.start) return;
   again.line = 0;
-  tell_mistake(in, &at, {std::move(again), name_span(in.all, at)});
+  tell_mistake(in, &at, {std::move(again), name_place});
 }
 
 static void read_broken(source_reading& in, const node_place& at, verdict told, uint64_t start) {
@@ -132,7 +134,7 @@ static void read_broken(source_reading& in, const node_place& at, verdict told, 
       told, own_place(in.all.sources, in.source, told.told, start + told.taken, told.ended)};
   const mended parts = judge_parts(in.all.sources, in.source, at.definition, in.into.missing);
   tell_all(in, at, first, parts.mistakes);
-  read_mended(in, at, parts.text, told.told);
+  read_mended(in, at, parts.text, first);
 }
 
 // --- Sources -------------------------------------------------------------------------------------

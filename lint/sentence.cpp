@@ -236,7 +236,8 @@ static std::string sentence_of(const telling& t) {
 // more.
 static std::optional<node_place> without_storage(telling& t) {
   node_place attribute;
-  const bool has_it = t.at && t.row.at == blame::NAME && t.about.attribute != nullptr &&
+  const bool has_it = t.at && t.row.at == blame::NAME && t.about.class_name != nullptr &&
+                      t.about.attribute != nullptr &&
                       find_attribute(t.in.all, *t.at, t.about.attribute, attribute);
   return has_it ? find_on(t.in, t.about, definition_side::INTERFACE, 1) : t.at;
 }
