@@ -265,10 +265,15 @@ void add_lint(CLI::App& app, int& result) {
   command->add_option("--format", asked->form, "text, json, sarif, github or gitlab")
       ->check(CLI::IsMember(forms));
   command->add_option("--output", asked->output, "Write to this file, in place of standard output");
+  const auto levels = CLI::IsMember({"error", "warning", "note"});
+  command
+      ->add_option("--level", asked->lowest,
+                   "Leave out what is below this level: error, warning or note (as by default)")
+      ->check(levels);
   command
       ->add_option("--fail-on", asked->fail_on,
                    "End with 1 from this level on: error (as by default), warning or note")
-      ->check(CLI::IsMember({"error", "warning", "note"}));
+      ->check(levels);
   add_colour_option(*command, asked->colour);
   command->add_flag("--list-rules", asked->lists_rules,
                     "List the rules with the levels that they have here");
