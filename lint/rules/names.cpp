@@ -9,6 +9,11 @@ static constexpr size_t LONGEST_MATCHED = 255;  // bytes: matching takes stack f
 
 static constexpr const char* KINDS[] = {"fields", "classes", "tables", "columns"};
 
+static std::string quoted(std::string_view name) {
+  std::string text("\"");
+  return text.append(name).append("\"");
+}
+
 static void check_pattern(own_run& run, named kind, std::string_view name, const span& where,
                           const std::vector<node_place>& way) {
   const std::vector<name_pattern>& patterns = run.options.patterns[static_cast<size_t>(kind)];
@@ -17,7 +22,7 @@ static void check_pattern(own_run& run, named kind, std::string_view name, const
   };
   if (patterns.empty() || std::ranges::any_of(patterns, fits)) return;
   report(run, "name-pattern", where, subject_of(run.all, way),
-         "\"" + std::string(name) + "\" does not fit what is configured for the names of " +
+         quoted(name) + " does not fit what is configured for the names of " +
              KINDS[static_cast<size_t>(kind)] + " (" + patterns.front().text + "): rename it.");
 }
 
@@ -89,7 +94,7 @@ void check_storage_names(own_run& run, const visit& visited) {
   check_pattern(run, is_table ? named::TABLE : named::COLUMN, name, where, visited.way);
   if (!is_reserved(name)) return;
   report(run, "reserved-word", where, subject_of(run.all, visited.way),
-         "\"" + name + "\" is a word that SQL reserves: as the name of a " +
+         quoted(name) + " is a word that SQL reserves: as the name of a " +
              (is_table ? "table" : "column") +
              " it must be quoted in each statement; choose another.");
 }
