@@ -22,6 +22,8 @@ struct refusal {
   std::vector<std::string> around{};  // the entries that the entry stands in, from the outermost
   std::string attribute{};            // its keyword, where the value is to blame
   std::string sentence{};
+  // The import has a check for it: it is not told where that told an error of the same thing.
+  bool is_checked_before = false;
 };
 
 // What a replace would send, in that order; borrowed.

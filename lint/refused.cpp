@@ -89,9 +89,9 @@ void tell_refusals(subject_finder& in, const left_out& missing, const std::vecto
     borrowed_subject subject;
     borrow(one, subject);
     const std::string words = words_of(subject.about);
-    if (is_broken(missing, one) || known.contains(words)) continue;
     const bool is_storage = one.attribute == "SQL_TABLE" && one.field.empty();
-    if (is_storage && known.contains(storage_of(words))) continue;
+    const bool is_told = known.contains(words) || (is_storage && known.contains(storage_of(words)));
+    if (is_broken(missing, one) || (one.is_checked_before && is_told)) continue;
     const std::string_view rule = one.class_name.empty() ? "field-refused" : "class-refused";
     finding found{rule, level::ERROR, place_of(in, subject.about, one.attribute),
                   dd_visible(one.sentence), words};

@@ -6,6 +6,7 @@
 #include "dm/field_request.h"
 #include "dm/folded.h"
 #include "dm/rules/class_rules.h"
+#include "dm/rules/text.h"
 #include "dparse/tokens.h"
 
 namespace dict {
@@ -65,10 +66,22 @@ static const dm::entry_def* blamed(const dm::class_def& definition, const dm::pr
   return nullptr;
 }
 
-static void add(asking& in, const dm::class_def& definition, const dm::problem& why) {
+// How many of the findings about a class are such as the import has no check for: those about
+// texts, which come first, and that about the spelling of its name.
+static size_t count_unchecked(const dm::class_def& definition) {
+  dm::findings texts;
+  dm::check_texts(definition, texts);
+  const bool is_well_named =
+      dm::class_name_fault(dm::text_of(definition, dm::CLASS_NAME)) == nullptr;
+  return texts.size() + (is_well_named ? 0 : 1);
+}
+
+static void add(asking& in, const dm::class_def& definition, const dm::problem& why,
+                bool is_checked_before) {
   lint::refusal refused{.class_name = dm::text_of(definition, dm::CLASS_NAME),
                         .attribute = keyword_of(why.field, DD_IN_ANY_CLASS | DD_IN_ANY_ENTRY),
-                        .sentence = why.sentence};
+                        .sentence = why.sentence,
+                        .is_checked_before = is_checked_before};
   if (const dm::entry_def* entry = blamed(definition, why)) {
     refused.field = dm::text_of(*entry, dm::ENTRY_NAME);
     for (int32_t up = entry->parent; up != dm::NO_PARENT;) {
@@ -105,7 +118,8 @@ static void ask_class(asking& in, const tav_node* node) {
   }
   dm::findings found;
   dm::check_class(definition, in.world, tables, found);
-  for (const dm::problem& why : found) add(in, definition, why);
+  const size_t unchecked = count_unchecked(definition);
+  for (size_t i = 0; i < found.size(); ++i) add(in, definition, found[i], i >= unchecked);
   in.world.accept(definition, tables, tables_of(old));
   in.accepted[dm::folded(name)] = node;
 }
