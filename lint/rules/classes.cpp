@@ -1,4 +1,5 @@
 // Rules for classes: interface and implementation, order numbers.
+#include <algorithm>
 #include <map>
 
 #include "lint/rules/own.h"
@@ -7,17 +8,21 @@ namespace lint {
 
 using syntax::node_kind;
 
+static bool has_entries(const own_run& run, const node_place& around) {
+  const syntax::definition& in = definition_of(run.all, around);
+  const auto inside = nodes_of(in).subspan(around.node + 1);
+  const size_t count = syntax::behind(in, around.node) - around.node - 1;
+  return std::ranges::any_of(
+      inside.first(count), [](const syntax::node& node) { return node.meant == node_kind::ENTRY; });
+}
+
 // A subclass without entries has nothing to store.
 void check_implementation(own_run& run, const visit& visited) {
   const std::string_view name = name_of(run.all, visited.at());
   if (kind_of(run.all, visited.at()) != node_kind::INTERFACE) return;
   if (find(run.all, node_kind::IMPLEMENTATION, name) != nullptr) return;
   const bool is_subclass = name.size() > 1 && name.find('/', 1) != name.npos;
-  bool has_entries = false;
-  for (const node_place& member : members_of(run.all, visited.at())) {
-    has_entries = has_entries || kind_of(run.all, member) == node_kind::ENTRY;
-  }
-  if (is_subclass && !has_entries) return;
+  if (is_subclass && !has_entries(run, visited.at())) return;
   report(run, "interface-without-implementation", name_span(run.all, visited.at()),
          subject_of(run.all, visited.way),
          thing_of(run.all, visited.way) +
@@ -39,6 +44,7 @@ void check_order(own_run& run, const visit& visited) {
   const node_kind kind = kind_of(run.all, visited.at());
   if (kind != node_kind::INTERFACE && kind != node_kind::ENTRY) return;
   if (kind_of(run.all, visited.way.front()) != node_kind::INTERFACE) return;
+  if (!has_entries(run, visited.at())) return;
   std::map<std::string, node_place> seen;  // of each number the first entry
   for (const node_place& entry : members_of(run.all, visited.at())) {
     node_place order;
