@@ -117,9 +117,12 @@ ignores read_ignores(const syntax::tree& tree, uint32_t source) {
   ignores result;
   const std::string_view text = tree.text;
   uint64_t reached = 0;
-  for (size_t at = text.find(MARK); at != text.npos; at = text.find(MARK, at + MARK.size())) {
+  for (size_t at = text.find(MARK), next; at != text.npos; at = text.find(MARK, next)) {
+    next = at + MARK.size();
     if (!may_begin_comment(text, at)) continue;
-    read_comment(tree, source, comment_at(tree, at, reached), at, result);
+    const comment comment = comment_at(tree, at, reached);
+    read_comment(tree, source, comment, at, result);
+    next = std::max<size_t>(next, comment.end);
   }
   return result;
 }
@@ -149,36 +152,36 @@ static void hide(const std::vector<source>& sources, ignore& row, std::vector<ou
   }
 }
 
-static finding finding_of(std::string_view id, const span& where, std::string subject,
-                          std::string sentence) {
+static void tell(comment_findings& to, std::string_view id, const span& where, std::string subject,
+                 std::string sentence) {
   const rule& row = *find_rule(id);
-  return {row.id, row.normal, where, std::move(sentence), std::move(subject)};
+  if (to.told.size() >= MOST_TOLD) {
+    ++to.untold;
+  } else {
+    to.told.push_back({row.id, row.normal, where, std::move(sentence), std::move(subject)});
+  }
 }
 
-static void tell_fault(const ignore_fault& fault, std::vector<finding>& told) {
+static void tell_fault(const ignore_fault& fault, comment_findings& told) {
   if (fault.is_malformed) {
-    told.push_back(finding_of("ignore-malformed", fault.where, "comment",
-                              "This comment is no order to lint: write \"# tav-lint: "
-                              "ignore=RULE,RULE reason\"."));
+    tell(told, "ignore-malformed", fault.where, "comment",
+         "This comment is no order to lint: write \"# tav-lint: ignore=RULE,RULE reason\".");
   } else {
-    told.push_back(finding_of("ignore-unexplained", fault.where, "comment",
-                              "This comment gives no reason: say behind the rules why they may be "
-                              "broken here."));
+    tell(told, "ignore-unexplained", fault.where, "comment",
+         "This comment gives no reason: say behind the rules why they may be broken here.");
   }
 }
 
 // What would be found in what is broken, or with a dictionary at hand, nobody knows.
 static void tell_unused(const ignore& row, const std::string& id, const hiding& how,
-                        std::vector<finding>& told) {
+                        comment_findings& told) {
   const rule* known = find_rule(id);
   if (known == nullptr) {
-    told.push_back(
-        finding_of("ignore-unknown", row.rule, id,
-                   "No rule is called \"" + id + "\": 'tav_dict lint --list-rules' lists them."));
+    tell(told, "ignore-unknown", row.rule, id,
+         "No rule is called \"" + id + "\": 'tav_dict lint --list-rules' lists them.");
   } else if (!row.is_used && how.is_checked(*known)) {
-    told.push_back(
-        finding_of("ignore-unused", row.rule, id,
-                   "Nothing here breaks the rule " + id + ": remove it from the comment."));
+    tell(told, "ignore-unused", row.rule, id,
+         "Nothing here breaks the rule " + id + ": remove it from the comment.");
   }
 }
 
@@ -188,9 +191,9 @@ static bool has_syntax_errors(const std::vector<outcome>& findings) {
   });
 }
 
-std::vector<finding> hide_ignored(const std::vector<source>& sources, const hiding& how,
-                                  std::vector<outcome>& findings) {
-  std::vector<finding> told;
+comment_findings hide_ignored(const std::vector<source>& sources, const hiding& how,
+                              std::vector<outcome>& findings) {
+  comment_findings told;
   const bool is_read = !has_syntax_errors(findings);
   for (uint32_t source = 0; source < sources.size(); ++source) {
     const syntax::tree& tree = sources[source].tree;

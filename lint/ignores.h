@@ -10,6 +10,7 @@
 #include <functional>
 #include <vector>
 
+#include "lint/lint.h"
 #include "lint/outcome.h"
 #include "lint/rule.h"
 
@@ -39,10 +40,15 @@ struct hiding {
   std::function<bool(const rule&)> is_checked;  // whether this run could find it
 };
 
+struct comment_findings {
+  std::vector<finding> told{};  // at most MOST_TOLD
+  uint64_t untold = 0;
+};
+
 // Hides what comments ask for; gives what is wrong with the comments. After an error of syntax
 // none of them counts as needless.
-std::vector<finding> hide_ignored(const std::vector<source>& sources, const hiding& how,
-                                  std::vector<outcome>& findings);
+comment_findings hide_ignored(const std::vector<source>& sources, const hiding& how,
+                              std::vector<outcome>& findings);
 
 }  // namespace lint
 

@@ -87,12 +87,17 @@ static size_t between_characters(std::string_view text, size_t at) {
   return at;
 }
 
+// Looks no farther than a line is shown: one of many megabytes may have many findings.
 excerpt excerpt_of(std::string_view text, size_t start, size_t length) {
   start = std::min(start, text.size());
-  const size_t line_start = start == 0 ? 0 : text.rfind('\n', start - 1) + 1;  // npos + 1 is 0
-  size_t line_end = std::min(text.find('\n', start), text.size());
+  const size_t seen = start - std::min(start, MOST_LENGTH);
+  const size_t newline = text.substr(seen, start - seen).rfind('\n');
+  const bool has_start = newline != text.npos || seen == 0;
+  const size_t line_start = newline == text.npos ? seen : seen + newline + 1;
+  const std::string_view rest = text.substr(start, MOST_LENGTH + 1);
+  size_t line_end = start + std::min(rest.find('\n'), rest.size());
   if (line_end > start && text[line_end - 1] == '\r') --line_end;
-  const bool is_long = line_end - line_start > MOST_LENGTH;
+  const bool is_long = !has_start || line_end - line_start > MOST_LENGTH;
   const size_t first = is_long && start - line_start > MOST_BEFORE
                            ? between_characters(text, start - MOST_BEFORE)
                            : line_start;
@@ -100,7 +105,7 @@ excerpt excerpt_of(std::string_view text, size_t start, size_t length) {
       line_end - first > MOST_LENGTH ? between_characters(text, first + MOST_LENGTH) : line_end;
   const size_t marked_end = std::min(start + std::min(length, end - start), end);
   drawn line;
-  if (first > line_start) draw(line, CUT);
+  if (first > line_start || !has_start) draw(line, CUT);
   draw(line, text.substr(first, start - first));
   const size_t caret = line.width;
   draw(line, text.substr(start, marked_end - start));

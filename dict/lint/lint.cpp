@@ -125,7 +125,7 @@ static void leave_out_lower(const request& asked, linted& found) {
 
 static void find(const lint_config& config, const lint::world& world, linted& to) {
   lint::result result = lint::lint(to.sources, world);
-  std::copy(std::begin(result.untold), std::end(result.untold), to.untold);
+  for (size_t i = 0; i < 4; ++i) to.untold[i] += result.untold[i];
   set_levels(config, result.told);
   to.findings = lint::outcomes_of(std::move(result.told), to.sources);
   const auto is_checked = [&](const lint::rule& rule) {
@@ -135,8 +135,9 @@ static void find(const lint_config& config, const lint::world& world, linted& to
            level_of(config, rule.id) != lint::level::OFF;
   };
   auto about_comments = lint::hide_ignored(to.sources, {is_checked}, to.findings);
-  set_levels(config, about_comments);
-  lint::merge(lint::outcomes_of(std::move(about_comments), to.sources), to.findings);
+  to.untold[static_cast<size_t>(lint::level::WARNING)] += about_comments.untold;
+  set_levels(config, about_comments.told);
+  lint::merge(lint::outcomes_of(std::move(about_comments.told), to.sources), to.findings);
 }
 
 static bool hide_known(const request& asked, linted& found, dm::problem& why) {
@@ -201,13 +202,18 @@ static bool has_failed(const request& asked, const linted& found) {
 }
 
 // Lint's own rules, which also want to know which fields the dictionary's classes use.
-static void add_own(lint_config& config, lint::world& world) {
+static void add_own(lint_config& config, lint::world& world, linted& to) {
   if (world.classes != nullptr) {
     config.own.is_used_elsewhere = [names = used_fields(world.classes)](std::string_view field) {
       return names.contains(dm::folded(field));
     };
   }
-  world.own = [&config](const lint::index& all) { return lint::check_own(all, config.own); };
+  config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
+  world.own = [&config, &to](const lint::index& all) {
+    lint::own_findings found = lint::check_own(all, config.own);
+    for (size_t i = 0; i < 4; ++i) to.untold[i] += found.untold[i];
+    return std::move(found.told);
+  };
 }
 
 static int lint_files(const request& asked) {
@@ -224,7 +230,7 @@ static int lint_files(const request& asked) {
   const bool has_world = !asked.against.empty();
   if (has_world && !read_against(asked.against, asked.database, held, why)) return fail(why);
   lint::world world = has_world ? world_of(held) : lint::world();
-  add_own(config, world);
+  add_own(config, world, found);
   find(config, world, found);
   leave_out_lower(asked, found);
   if (asked.writes_baseline) return status != DONE ? status : write_baseline(asked, found);

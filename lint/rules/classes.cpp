@@ -59,9 +59,8 @@ void check_order(own_run& run, const visit& visited) {
     way.push_back(entry);
     report(run, "repeated-order", where, subject_of(run.all, way),
            "ORDER " + number + " of " + std::string(name_of(run.all, entry)) + " is also that of " +
-               std::string(name_of(run.all, first->second)) + " beside it: give each its own.");
-    run.found.back().related.push_back(
-        {name_span(run.all, first->second), "The first entry of that number."});
+               std::string(name_of(run.all, first->second)) + " beside it: give each its own.",
+           {{name_span(run.all, first->second), "The first entry of that number."}});
   }
 }
 

@@ -74,8 +74,8 @@ void check_files(own_run& run, const visit& visited) {
   report(run, "defined-in-several-files", name_span(run.all, visited.at()),
          subject_of(run.all, visited.way),
          thing_of(run.all, visited.way) + " is also defined at " + place_text(run.all, there) +
-             ", whose description counts: keep one of them.");
-  run.found.back().related.push_back({there, "First defined here."});
+             ", whose description counts: keep one of them.",
+         {{there, "First defined here."}});
 }
 
 }  // namespace lint

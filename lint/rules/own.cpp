@@ -26,10 +26,17 @@ constexpr std::string_view PREDEFINED[] = {
 
 }  // namespace
 
-void report(own_run& run, std::string_view rule, const span& where, std::string subject,
-            std::string sentence) {
-  const lint::rule& row = *find_rule(rule);
-  run.found.push_back({row.id, row.normal, where, std::move(sentence), std::move(subject)});
+void report(own_run& run, std::string_view id, const span& where, std::string subject,
+            std::string sentence, std::vector<related_place> related) {
+  const rule& row = *find_rule(id);
+  const level told = run.options.level_of ? run.options.level_of(row.id) : row.normal;
+  if (told == level::OFF) return;
+  if (run.found.told.size() >= MOST_TOLD) {
+    ++run.found.untold[static_cast<size_t>(told)];
+  } else {
+    run.found.told.push_back(
+        {row.id, told, where, std::move(sentence), std::move(subject), std::move(related)});
+  }
 }
 
 std::string_view name_of(const index& all, const node_place& at) {
@@ -119,8 +126,8 @@ static void check_nodes(own_run& run, std::vector<node_place>& way) {
   }
 }
 
-std::vector<finding> check_own(const index& all, const own_options& options) {
-  std::vector<finding> found;
+own_findings check_own(const index& all, const own_options& options) {
+  own_findings found;
   const auto is_class = [](const defined& one) { return one.kind == node_kind::INTERFACE; };
   own_run run{all, options, found, std::ranges::any_of(all.definitions, is_class)};
   for (uint32_t source = 0; source < all.sources.size(); ++source) check_bytes(run, source);

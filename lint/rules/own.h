@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lint/index.h"
+#include "lint/lint.h"
 
 namespace lint {
 
@@ -24,19 +24,24 @@ struct own_options {
   int64_t first_number = 10'000;  // numbers below are left to predefined fields
   int64_t last_number = 16'777'215;
   std::vector<name_pattern> patterns[4]{};  // by `named`; a name fits one of them
+  // The level of a rule, where it is not the normal one. May be empty.
+  std::function<level(std::string_view rule)> level_of{};
   // Whether a dictionary's classes use the field. May be empty.
   std::function<bool(std::string_view field)> is_used_elsewhere{};
 };
 
-// Findings have their rule's normal level.
-std::vector<finding> check_own(const index& all, const own_options& options);
+struct own_findings {
+  std::vector<finding> told;  // at most MOST_TOLD
+  uint64_t untold[4] = {};    // of each level
+};
+own_findings check_own(const index& all, const own_options& options);
 
 // --- For the files beside this one ---------------------------------------------------------------
 
 struct own_run {
   const index& all;
   const own_options& options;
-  std::vector<finding>& found;
+  own_findings& found;
   bool has_class;
 };
 
@@ -47,7 +52,7 @@ struct visit {
 };
 
 void report(own_run& run, std::string_view rule, const span& where, std::string subject,
-            std::string sentence);
+            std::string sentence, std::vector<related_place> related = {});
 // "field NAME", "class NAME, entry NAME, attribute KEYWORD"
 std::string subject_of(const index& all, const std::vector<node_place>& way);
 // "Field NAME", "DESCR of entry NAME in class NAME": the same as the beginning of a sentence.

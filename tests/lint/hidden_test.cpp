@@ -8,7 +8,7 @@
 #include "tests/lint/findings.h"
 
 static std::vector<lint::outcome> outcomes_in(const std::vector<lint::source>& sources) {
-  return lint::outcomes_of(lint::check_own(lint::index_of(sources), {}), sources);
+  return lint::outcomes_of(lint::check_own(lint::index_of(sources), {}).told, sources);
 }
 
 // What is told, and what is wrong with the comments.
@@ -17,7 +17,8 @@ static std::string told_in(const std::string& text) {
   auto outcomes = outcomes_in(sources);
   lint::merge(
       lint::outcomes_of(
-          lint::hide_ignored(sources, {[](const lint::rule&) { return true; }}, outcomes), sources),
+          lint::hide_ignored(sources, {[](const lint::rule&) { return true; }}, outcomes).told,
+          sources),
       outcomes);
   lint::result told;
   for (const lint::outcome& each : outcomes) {

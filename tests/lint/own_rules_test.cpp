@@ -67,7 +67,7 @@ static std::string own_in(const std::vector<std::string>& texts,
                           const lint::own_options& options = {}) {
   const auto sources = sources_of(texts);
   lint::result result;
-  result.told = lint::check_own(lint::index_of(sources), options);
+  result.told = lint::check_own(lint::index_of(sources), options).told;
   return shown(sources, result);
 }
 
