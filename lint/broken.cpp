@@ -225,11 +225,11 @@ mended judge_parts(std::span<const source> sources, uint32_t source, uint32_t de
   std::ranges::stable_sort(in.result.mistakes, {},
                            [](const mistake& each) { return each.where.start; });
   // Of several braces that are missing at one place only one is told.
-  const auto [same, end] =
-      std::ranges::unique(in.result.mistakes, [](const auto& a, const auto& b) {
-        return a.told.told == b.told.told && a.where.start == b.where.start;
-      });
-  in.result.mistakes.erase(same, end);
+  std::vector<mistake>& all = in.result.mistakes;
+  const auto is_same = [](const mistake& a, const mistake& b) {
+    return a.told.told == b.told.told && a.where.start == b.where.start;
+  };
+  all.erase(std::unique(all.begin(), all.end(), is_same), all.end());
   return std::move(in.result);
 }
 

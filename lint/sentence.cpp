@@ -30,6 +30,11 @@ static std::string_view source_text(const index& all, const span& where) {
   return std::string_view(all.sources[where.source].tree.text).substr(where.start, where.length);
 }
 
+// As the language writes it, where nothing in it needs an escape.
+static std::string as_string(const char* text) {
+  return std::string(1, '"').append(text) += '"';
+}
+
 static std::string type_text(const telling& t, const node_place& at) {
   return std::string(source_text(t.in.all, type_span(t.in.all, at)));
 }
@@ -89,7 +94,7 @@ static void find_interface(telling& t) {
 static void find_table(telling& t) {
   const defined* other = find(t.in.all, node_kind::IMPLEMENTATION, t.about.related_class);
   if (other == nullptr) return;
-  const std::string wanted = "\"" + std::string(t.about.table) + "\"";
+  const std::string wanted = as_string(t.about.table);
   node_place at = other->where;
   node_place own;
   const bool is_own = t.at && t.at->source == at.source && t.at->definition == at.definition &&
@@ -120,7 +125,7 @@ static void find_column(telling& t) {
   around.around = t.about.around != nullptr ? t.about.around->around : nullptr;
   const auto parent = find_on(t.in, around, definition_side::IMPLEMENTATION);
   if (!parent) return;
-  const std::string wanted = "\"" + std::string(t.about.column) + "\"";
+  const std::string wanted = as_string(t.about.column);
   const syntax::definition& definition = definition_of(t.in.all, *parent);
   const uint32_t end = syntax::behind(definition, parent->node);
   node_place at = *parent;
@@ -183,7 +188,7 @@ static span own_span(const telling& t) {
 // --- The sentence --------------------------------------------------------------------------------
 
 static std::string there_text(const telling& t) {
-  if (t.there) return ", " + place_text(t.in.all, *t.there);
+  if (t.there) return std::string(", ").append(place_text(t.in.all, *t.there));
   const bool is_known = t.row.second == other::DEFINITION || t.row.second == other::NUMBER ||
                         t.row.second == other::RELATED;
   return is_known ? ", in the dictionary" : "";
