@@ -1,5 +1,7 @@
 #include "lint/read.h"
 
+#include <algorithm>
+
 #include "dd/field_ids.h"
 #include "dd/values.h"
 #include "lint/broken.h"
@@ -141,8 +143,13 @@ static void read_broken(source_reading& in, const node_place& at, verdict told, 
       told, own_place(in.all.sources, in.source, told.told, start + told.taken, told.ended)};
   const mended parts =
       judge_parts(in.all.sources, in.source, at.definition, room_in(in.told), in.into.missing);
+  uint64_t& untold = in.told.untold[static_cast<size_t>(level::ERROR)];
+  if (is_full(in.told)) {
+    untold += std::max<uint64_t>(parts.untold, 1);
+    return;
+  }
   tell_all(in, at, first, parts.mistakes);
-  in.told.untold[static_cast<size_t>(level::ERROR)] += parts.untold;
+  untold += parts.untold;
   if (!is_full(in.told)) read_mended(in, at, parts.text, first);
 }
 
