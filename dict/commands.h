@@ -27,6 +27,7 @@ void add_explain(CLI::App& app, int& result);
 void add_format(CLI::App& app, int& result);
 void add_export(CLI::App& app, int& result);
 void add_status(CLI::App& app, int& result);
+void add_lint(CLI::App& app, int& result);
 void add_list(CLI::App& app, int& result);
 void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);

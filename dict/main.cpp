@@ -21,8 +21,8 @@ static constexpr char DESCRIPTION[] =
     "Exit status:\n"
     "  0  done, and nothing found\n"
     "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
-    "     'explain' does not know the message, 'uses' not the name, or 'format' would change\n"
-    "     a file\n"
+    "     'explain' does not know the message, 'uses' not the name, 'format' would change a\n"
+    "     file, or 'lint' has findings that count\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -92,6 +92,7 @@ static int run(int argc, char** argv) {
   dict::add_diff(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
+  dict::add_lint(app, result);
   dict::add_list(app, result);
   dict::add_next_id(app, result);
   dict::add_export(app, result);

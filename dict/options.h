@@ -13,6 +13,10 @@ inline void add_database_option(CLI::App& command, std::string& database) {
 inline void add_json_option(CLI::App& command, bool& is_json) {
   command.add_flag("--json", is_json, "Write JSON");
 }
+inline void add_colour_option(CLI::App& command, std::string& when) {
+  command.add_option("--color", when, "auto, always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
+}
 
 }  // namespace dict
 

@@ -26,6 +26,7 @@ struct import_state {
   dd_flist server_classes{};
   dd_list working_fields{DD_TYPED_FIELDS};
   dd_list working_classes{DD_CLASSES};
+  bool tells_all = false;  // finds on where a run of the modes ends
 };
 
 // --- Steps, in their order
@@ -53,6 +54,9 @@ int tav_deploy_merge_class_fields(deploy::class_entries& read, deploy::siblings 
                                   tav_flist_t* impl_node, const char* class_name);
 
 namespace deploy {
+
+// Merges each class implementation into its interface, and reads the interfaces' entries.
+int merge_implementations(dd_list& interfaces, dd_list& implementations, class_entries& entries);
 
 // Copies what a class or field entry has of storage names and clauses, over what the other has.
 void merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);

@@ -88,11 +88,12 @@ static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
   return deploy::report(HERE, "class-not-merged", {.class_name = name});
 }
 
-static int merge_all(definitions& read, deploy::class_entries& entries) {
+static int merge_all(dd_list& interfaces, dd_list& implementations,
+                     deploy::class_entries& entries) {
   tav_ebuf ebuf{};
-  dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
+  dd_walk walk(implementations.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
-    if (merge_class(implementation, read.interfaces, entries, &ebuf) < 1) return -1;
+    if (merge_class(implementation, interfaces, entries, &ebuf) < 1) return -1;
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
@@ -107,6 +108,14 @@ static int fill_entries(dd_list& interfaces, deploy::class_entries& entries) {
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
 
+int deploy::merge_implementations(dd_list& interfaces, dd_list& implementations,
+                                  deploy::class_entries& entries) {
+  if (merge_all(interfaces, implementations, entries) < 1) {
+    return deploy::report(HERE, "classes-not-merged");
+  }
+  return fill_entries(interfaces, entries);
+}
+
 static int create_lists(definitions& read) {
   tav_ebuf ebuf{};
   for (dd_list* list : {&read.fields, &read.interfaces, &read.implementations}) {
@@ -119,8 +128,7 @@ int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, deploy::clas
                                  const tav_deploy_ctx_t& ctx) {
   definitions read;
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (merge_all(read, entries) < 1) return deploy::report(HERE, "classes-not-merged");
-  if (fill_entries(read.interfaces, entries) < 1) return -1;
+  if (deploy::merge_implementations(read.interfaces, read.implementations, entries) < 1) return -1;
   read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);

@@ -1,8 +1,6 @@
 // The command diff: what is compared with what, and how the result is shown.
 #include "dict/diff/diff.h"
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
@@ -12,6 +10,7 @@
 #include "dict/commands.h"
 #include "dict/options.h"
 #include "dict/reading.h"
+#include "dict/terminal/colour.h"
 #include "dict/terminal/visible.h"
 #include "dm/open.h"
 #include "vantor/binding.h"
@@ -95,12 +94,6 @@ static int gather(const request& asked, definitions& before, definitions& after)
   return fetch_other(settings, other, after, why) ? DONE : fail(why);
 }
 
-static bool is_coloured(const std::string& when) {
-  if (when != "auto") return when == "always";
-  const char* refused = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) && (refused == nullptr || *refused == '\0');
-}
-
 static trial_result try_files(const request& asked, definitions& files) {
   uint64_t database = 0;
   dm::problem told_already;
@@ -147,8 +140,7 @@ void add_diff(CLI::App& app, int& result) {
   command->add_flag("--missing", asked->lists_missing,
                     "List also what the dictionary holds and the files do not");
   add_json_option(*command, asked->is_json);
-  command->add_option("--color", asked->colour, "auto, always or never")
-      ->check(CLI::IsMember({"auto", "always", "never"}));
+  add_colour_option(*command, asked->colour);
   command->callback([asked, &result] { result = diff(*asked); });
 }
 

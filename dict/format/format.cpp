@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "dict/commands.h"
-#include "dict/format/files.h"
+#include "dict/files.h"
 #include "dict/format/unified.h"
 #include "dict/terminal/visible.h"
 

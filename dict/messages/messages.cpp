@@ -110,11 +110,16 @@ static bool has_id(std::string_view ids, std::string_view wanted) {
   return false;
 }
 
+const message* find_id(const message_page& page, std::string_view id) {
+  for (const message& each : page.messages) {
+    if (each.text == id || has_id(each.ids, id)) return &each;
+  }
+  return nullptr;
+}
+
 const message* find_message(const message_page& page, std::string_view line) {
   line = trimmed(line);
-  for (const message& each : page.messages) {
-    if (has_id(each.ids, line)) return &each;
-  }
+  if (const message* found = find_id(page, line)) return found;
   const message* best = nullptr;
   size_t best_said = 0;
   size_t best_length = 1;

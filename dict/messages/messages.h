@@ -13,6 +13,7 @@
 namespace dict {
 
 extern const char MESSAGES_PAGE[];
+extern const char LINT_PAGE[];  // docs/lint.md: the same, where a text is the id of a rule
 
 struct message {
   std::string_view text;
@@ -32,6 +33,9 @@ struct message_page {
 
 // Borrows the page's text.
 message_page read_messages(std::string_view page);
+
+// The message that has the id, as one of its ids or as its text; null where none has.
+const message* find_id(const message_page& page, std::string_view id);
 
 // The message whose id the line is, or the one that matches the line, or what follows a ": " in
 // it, with the largest share of its own words; null where none does.

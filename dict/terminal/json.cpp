@@ -2,15 +2,16 @@
 
 #include <iostream>
 
+#include "dd/utf8.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
 
-static bool is_utf8(const std::string& text) {
-  rapidjson::StringStream from(text.c_str());
-  unsigned code = 0;
-  while (from.Peek() != '\0') {
-    if (!json_encoding::Decode(from, &code)) return false;
+static bool is_utf8(std::string_view text) {
+  while (!text.empty()) {
+    const size_t size = dd_utf8_length(text.data(), text.size());
+    if (size == 0) return false;
+    text.remove_prefix(size);
   }
   return true;
 }
@@ -24,7 +25,8 @@ std::string as_utf8(std::string text) {
 }
 
 void put_text(json_writer& out, const std::string& text) {
-  out.String(as_utf8(text).c_str());
+  const std::string utf8 = as_utf8(text);
+  out.String(utf8.data(), static_cast<rapidjson::SizeType>(utf8.size()));
 }
 
 void put_member(json_writer& out, const char* key, const std::string& text) {

@@ -123,6 +123,8 @@ void write_record(tavlog log, const std::string& record) {
 // One record; `append_rest` writes what follows its first line.
 template <class Append>
 void log_record(tavlog log, int32_t level, const char* message, dd_site site, Append append_rest) {
+  // Who wants no records need have no tav.conf.
+  if (state.level_is_set && level > state.level) return;
   const int before = errno;
   guarded<void>({nullptr}, [&] {
     configure();

@@ -135,7 +135,8 @@ static int collect_nested(const target& to, deploy::class_entry& entry) {
 
 static int collect_column(const target& to, const deploy::class_entry& entry) {
   if (to.table_name == nullptr || to.table == deploy::NO_PLACE) {
-    return deploy::report(HERE, "column-without-table", subject_of(to, entry));
+    deploy::report(HERE, "column-without-table", subject_of(to, entry));
+    return to.tables.tells_all ? 1 : -1;
   }
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-column", subject_of(to, entry, "SQL_COLUMN"));

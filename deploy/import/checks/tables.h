@@ -34,6 +34,7 @@ struct column_use {
 // The uses of tables in the order found. Names are borrowed from the classes or kept here.
 struct table_uses {
   bool keeps_columns;  // else only the tables are asked for, and columns are checked but not added
+  bool tells_all = false;  // a column without a table does not end the collection
   std::vector<table_use> uses{};
   std::vector<column_use> columns{};
   std::deque<std::string> names{};

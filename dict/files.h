@@ -1,6 +1,6 @@
 // Files that are read whole, and replaced whole or not at all.
-#ifndef DICT_FORMAT_FILES_H
-#define DICT_FORMAT_FILES_H
+#ifndef DICT_FILES_H
+#define DICT_FILES_H
 
 #include <sys/stat.h>
 
@@ -34,6 +34,10 @@ bool read_file(const std::string& name, const std::string& shown, file_content& 
 // reason.
 bool replace_file(const std::string& name, const file_content& before, std::string_view text,
                   dm::problem& why);
+
+// Writes a file of that text: a new one, or in the place of a regular one as replace_file does; a
+// device or a pipe takes it as it is. False with the reason; a new file is gone then.
+bool write_file(const std::string& name, std::string_view text, dm::problem& why);
 
 }  // namespace dict
 

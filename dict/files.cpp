@@ -1,4 +1,4 @@
-#include "dict/format/files.h"
+#include "dict/files.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -191,6 +191,39 @@ bool replace_file(const std::string& name, const file_content& before, std::stri
   if (::stat(path.c_str(), &now) != 0 || !is_same(now, before.status))
     return is_left(name, "somebody has changed it since it was read", why);
   return rename_to(made, path) || is_left(name, std::strerror(errno), why);
+}
+
+// --- Writing -------------------------------------------------------------------------------------
+
+static bool cannot_be_written(const std::string& name, dm::problem& why) {
+  why.sentence =
+      dm::join({"File ", dm::quoted(name), " cannot be written: ", std::strerror(errno), "."});
+  return false;
+}
+
+static bool write_new(const std::string& name, std::string_view text, dm::problem& why) {
+  new_file made;
+  made.open.number = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (made.open.number < 0) return cannot_be_written(name, why);
+  made.path = name;
+  if (!write_all(made.open.number, text)) return cannot_be_written(name, why);
+  made.path.clear();
+  return true;
+}
+
+static bool write_to(const std::string& name, std::string_view text, dm::problem& why) {
+  const descriptor open{::open(name.c_str(), O_WRONLY | O_CLOEXEC)};
+  const bool is_open = open.number >= 0;
+  // A pipe or a terminal cannot be synchronised (EINVAL), and need not.
+  return (is_open && (write_all(open.number, text) || errno == EINVAL)) ||
+         cannot_be_written(name, why);
+}
+
+bool write_file(const std::string& name, std::string_view text, dm::problem& why) {
+  file_content before{};
+  if (::stat(name.c_str(), &before.status) != 0) return write_new(name, text, why);
+  if (S_ISREG(before.status.st_mode)) return replace_file(name, before, text, why);
+  return write_to(name, text, why);
 }
 
 }  // namespace dict

@@ -1,0 +1,64 @@
+#include "dict/lint/against.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "dict/lint/refusals.h"
+#include "dict/reading.h"
+#include "dm/open.h"
+#include "lint/held.h"
+#include "vantor/binding.h"
+
+namespace dict {
+
+static bool read_export(const std::string& file, against& to, dm::problem& why) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  std::string fault;
+  if (!stream) {
+    why.sentence = dm::join({"The file ", dm::quoted(file), " cannot be read."});
+  } else if (!lint::read_held(std::move(text).str(), to.held.fields, to.held.classes, fault)) {
+    why.sentence = dm::join({"The file ", dm::quoted(file), " is no sound export: ", fault});
+  }
+  return why.sentence.empty();
+}
+
+static bool read_dictionary(const std::string& named, const std::string& database, against& to,
+                            dm::problem& why) {
+  dm::settings settings;
+  uint64_t number = 0;
+  if (tav_text_holds_password(named)) {
+    why.sentence =
+        "--against holds a password, and everybody can read command lines: change it, and keep the "
+        "new one in PostgreSQL's own password file.";
+    return false;
+  }
+  if (!dm::read_settings(settings, why)) return false;
+  if (!choose_database(database, settings, number, why)) return false;
+  if (named != ".") settings.dictionary = dm::seen_from_working_folder(named);
+  if (fetch(settings, number, to.held, why)) return true;
+  // A text that names no dictionary may hold a password.
+  if (named != "." && why.code == TAV_ERR_BAD_CONF) why.sentence = dm::NAMES_NO_DICTIONARY;
+  return false;
+}
+
+bool read_against(const std::string& named, const std::string& database, against& to,
+                  dm::problem& why) {
+  std::error_code ignored;
+  const bool is_file = std::filesystem::is_regular_file(named, ignored);
+  return is_file ? read_export(named, to, why) : read_dictionary(named, database, to, why);
+}
+
+lint::world world_of(against& held) {
+  tav_flist_t* fields = held.held.fields.get();
+  tav_flist_t* classes = held.held.classes.get();
+  return {.fields = fields,
+          .classes = classes,
+          .refuse = [fields, classes](const lint::deployment& sent) {
+            return refusals_of(fields, classes, sent);
+          }};
+}
+
+}  // namespace dict

@@ -1,0 +1,57 @@
+// The forms in which lint tells what it found.
+#ifndef DICT_LINT_FORMS_H
+#define DICT_LINT_FORMS_H
+
+#include <string>
+#include <vector>
+
+#include "lint/outcome.h"
+
+namespace dict {
+
+struct lint_rule {
+  std::string id;
+  lint::level level;  // as configured
+  std::string title;
+  std::string cause;  // the paragraph of the page that explains it
+  std::string remedy;
+};
+
+struct lint_report {
+  const std::vector<lint::source>& sources;
+  const std::vector<lint::outcome>& findings;  // sorted by place
+  const std::vector<lint_rule>& rules;
+  uint64_t left_out = 0;  // findings that are counted only
+  bool is_coloured = false;
+  bool is_for_terminal = false;
+};
+
+// "error", "warning", "note", "off"
+const char* name_of(lint::level level);
+// The level of that name; false where there is none.
+bool level_of(std::string_view name, lint::level& level);
+
+struct lint_counts {
+  uint64_t errors = 0, warnings = 0, notes = 0;
+  uint64_t hidden = 0;
+};
+lint_counts count(const lint_report& report);
+
+struct lint_form {
+  const char* name;
+  std::string (*write)(const lint_report& report);
+};
+std::string as_text(const lint_report& report);
+std::string as_json(const lint_report& report);
+std::string as_sarif(const lint_report& report);
+std::string as_github(const lint_report& report);
+std::string as_gitlab(const lint_report& report);
+inline constexpr lint_form LINT_FORMS[] = {{"text", as_text},
+                                           {"json", as_json},
+                                           {"sarif", as_sarif},
+                                           {"github", as_github},
+                                           {"gitlab", as_gitlab}};
+
+}  // namespace dict
+
+#endif

@@ -1,0 +1,30 @@
+// Findings that were known when a baseline was written, and are not told again.
+//
+// A baseline is a text with a line for each: FILE, RULE and SUBJECT, parted by tabs, sorted. It
+// names no lines of the file, so that it stays true when they move.
+#ifndef LINT_BASELINE_H
+#define LINT_BASELINE_H
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lint/outcome.h"
+
+namespace lint {
+
+// How many are known of each key.
+using baseline = std::map<std::string, uint64_t, std::less<>>;
+
+// Gives the number of the first line that is none of a baseline; 0 where all are.
+uint64_t read_baseline(std::string_view text, baseline& known);
+
+// Of all findings but those that a comment hides.
+std::string write_baseline(const std::vector<outcome>& findings);
+
+void hide_known(baseline known, std::vector<outcome>& findings);
+
+}  // namespace lint
+
+#endif

@@ -1,0 +1,155 @@
+#include "lint/check.h"
+
+#include <algorithm>
+#include <new>
+#include <tuple>
+#include <unordered_set>
+
+#include "dd/report.h"
+#include "dd/values.h"
+#include "lint/collect.h"
+#include "lint/excuses.h"
+#include "lint/held.h"
+#include "lint/losses.h"
+#include "lint/refused.h"
+#include "lint/sentence.h"
+
+namespace lint {
+
+namespace {
+
+struct checking {
+  const index& all;
+  const reading& read;
+  result& told;
+  deploy::import_state& state;
+  subject_finder subjects;
+  std::unordered_set<uint64_t> seen{};  // hashes of what was told
+  std::vector<std::string> printed{};
+  bool has_failed = false;
+};
+
+}  // namespace
+
+// --- What is told once ---------------------------------------------------------------------------
+
+static uint64_t mix(uint64_t hash, const char* text) {
+  if (text == nullptr) text = "";
+  return dd_multiply(hash ^ std::hash<std::string_view>()(text), DD_HASH_KEY.factor) ^
+         dd_hash(text);
+}
+
+// Of findings that follow from one mistake only the first is told: of storage that cannot be
+// checked, and of uses of a field whose definition is refused, one for each field; of columns
+// without table one for each node.
+static uint64_t key_of(const checking& in, std::string_view rule, const deploy::subject& about) {
+  uint64_t key = mix(DD_HASH_KEY.start, rule.data());
+  const bool is_refused = rule == "missing-field-definition" &&
+                          find(in.all, syntax::node_kind::FIELD, about.field) != nullptr;
+  if (is_refused || rule == "field-not-defined") return mix(key, about.field);
+  key = mix(key, about.class_name);
+  for (const deploy::entry_path* upper = about.around; upper != nullptr; upper = upper->around)
+    key = mix(key, upper->name);
+  if (rule == "column-without-table") return key;
+  for (const char* text : {about.field, about.attribute, about.related_class}) key = mix(key, text);
+  return key;
+}
+
+// --- The sink ------------------------------------------------------------------------------------
+
+// What two places share is told at the later one, with the other beside it.
+static bool is_told_later(const sentence_row& row, const finding& found) {
+  if (row.second != other::RELATED || found.related.empty()) return false;
+  const span& there = found.related[0].where;
+  return std::tie(found.where.source, found.where.start) < std::tie(there.source, there.start);
+}
+
+static void tell_record(checking& in, const deploy::finding_record& record) {
+  const auto* row =
+      std::ranges::find(SENTENCES, std::string_view(record.row.id), &sentence_row::id);
+  if (row == std::end(SENTENCES) || is_excused(in.read.missing, row->id, record.about)) return;
+  const uint64_t key = key_of(in, row->id, record.about);
+  // What is only counted is not noted: the import tells some of it twice.
+  if (is_full(in.told) ? in.seen.contains(key) : !in.seen.insert(key).second) return;
+  if (is_full(in.told)) {
+    ++in.told.untold[static_cast<size_t>(row->normal)];
+    return;
+  }
+  finding found = finding_of(in.subjects, in.state, *row, record.about);
+  if (!is_told_later(*row, found)) tell(in.told, std::move(found));
+}
+
+static void take_record(void* context, const deploy::finding_record& record) {
+  checking& in = *static_cast<checking*>(context);
+  in.printed.clear();
+  if (record.row.kind == deploy::finding_kind::FAILURE) in.has_failed = true;
+  if (record.row.kind != deploy::finding_kind::FINDING || in.has_failed) return;
+  try {
+    tell_record(in, record);
+  } catch (const std::bad_alloc&) {
+    in.has_failed = true;
+  }
+}
+
+namespace {
+
+struct sink_set {
+  explicit sink_set(checking& in) {
+    deploy::set_sink(take_record, &in);
+    dd_take_errors(&in.printed);
+  }
+  ~sink_set() {
+    deploy::set_sink(nullptr, nullptr);
+    dd_take_errors(nullptr);
+  }
+  sink_set(const sink_set&) = delete;
+  sink_set& operator=(const sink_set&) = delete;
+};
+
+}  // namespace
+
+// --- The checks ----------------------------------------------------------------------------------
+
+static void take_world(deploy::import_state& state, const world& against) {
+  tav_ebuf ebuf{};
+  state.server_fields = against.fields != nullptr ? dd_flist(tav_flist_copy(against.fields, &ebuf))
+                                                  : predefined_fields();
+  state.server_classes.reset(against.classes != nullptr ? tav_flist_copy(against.classes, &ebuf)
+                                                        : tav_flist_create(&ebuf));
+  if (dd_failed(ebuf)) throw std::bad_alloc();
+}
+
+using import_step = int (*)(deploy::import_state& state);
+
+// As deploy/import/import.cpp takes them; none ends the others.
+static constexpr import_step STEPS[] = {deploy::import_fields, deploy::import_classes,
+                                        deploy::import_order, deploy::import_structure,
+                                        deploy::import_storage};
+
+static deployment sent_of(deploy::import_state& state) {
+  tav_ebuf ebuf{};
+  deployment sent{state.fields.get(), {}};
+  dd_list_walk walk(state.ordered_classes);
+  while (tav_flist_t* storable = walk.next(&ebuf)) sent.classes.push_back(storable);
+  return sent;
+}
+
+void check_definitions(const index& all, reading& read, const world& against, result& told) {
+  static tav_deploy_ctx_t ctx;
+  ctx.mode = TAV_DEPLOY_MODE_REPLACE;
+  deploy::import_state state{.ctx = &ctx};
+  state.tells_all = true;
+  state.fields = std::move(read.sound.fields);
+  state.classes = std::move(read.sound.interfaces);
+  take_world(state, against);
+  checking in{all, read, told, state, subject_finder(all)};
+  const sink_set sink(in);
+  deploy::merge_implementations(state.classes, read.sound.implementations, state.entries);
+  for (const import_step step : STEPS) step(state);
+  tell_losses(in.subjects, read.missing, state, told);
+  if (against.refuse)
+    tell_refusals(in.subjects, read.missing, against.refuse(sent_of(state)), told);
+  if (in.has_failed) throw std::bad_alloc();
+}
+
+}  // namespace lint

@@ -1,0 +1,187 @@
+#include "lint/index.h"
+
+#include <algorithm>
+
+#include "dparse/tokens.h"
+
+namespace lint {
+
+using syntax::node_kind;
+
+uint32_t by_view::hash(key name) {
+  return dd_hash(name.data(), name.size());
+}
+
+bool by_view::equal(key a, key b) {
+  return std::ranges::equal(a, b, {}, dd_fold, dd_fold);
+}
+
+// --- Building ------------------------------------------------------------------------------------
+
+static std::string_view name_at(const index& in, const node_place& at) {
+  return syntax::name_of(text_of(in, at), definition_of(in, at), node_of(in, at));
+}
+
+static void add_uses(index& to, node_place at) {
+  const uint32_t count = definition_of(to, at).node_count;
+  for (at.node = 1; at.node < count; ++at.node) {
+    if (node_of(to, at).meant != node_kind::ENTRY) continue;
+    const std::string_view name = name_at(to, at);
+    if (!name.empty()) to.used_by.add_first(name, at);
+  }
+}
+
+static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
+  const node_kind kind = node_of(to, at).meant;
+  const std::string_view name = name_at(to, at);
+  if (name.empty()) return;
+  const auto place = static_cast<uint32_t>(to.definitions.size());
+  to.definitions.push_back({kind, name, at});
+  last.push_back(place);
+  const uint32_t first = to.by_name[static_cast<size_t>(kind)].add_first(name, place);
+  if (first != place) to.definitions[last[first]].next = place;
+  last[first] = place;
+  if (kind == node_kind::INTERFACE) add_uses(to, at);
+}
+
+// Growing as they are filled, they would take twice as much for a while.
+static void reserve(index& to, std::vector<uint32_t>& last) {
+  size_t counts[3] = {};
+  for (const source& each : to.sources)
+    for (const syntax::definition& definition : each.tree.definitions)
+      if (definition.nodes[0].meant <= node_kind::IMPLEMENTATION)
+        ++counts[static_cast<size_t>(definition.nodes[0].meant)];
+  for (size_t i = 0; i < std::size(counts); ++i) to.by_name[i].reserve(counts[i]);
+  to.definitions.reserve(counts[0] + counts[1] + counts[2]);
+  last.reserve(to.definitions.capacity());
+}
+
+index index_of(std::span<const source> sources) {
+  index result{sources};
+  std::vector<uint32_t> last;  // of the name of which a definition is the first
+  reserve(result, last);
+  for (uint32_t source = 0; source < sources.size(); ++source) {
+    const auto count = static_cast<uint32_t>(sources[source].tree.definitions.size());
+    for (uint32_t i = 0; i < count; ++i) add(result, {source, i, 0}, last);
+  }
+  return result;
+}
+
+// --- Looking up ----------------------------------------------------------------------------------
+
+const defined* find(const index& in, node_kind kind, std::string_view name) {
+  const uint32_t* first = in.by_name[static_cast<size_t>(kind)].find(name);
+  return first != nullptr ? &in.definitions[*first] : nullptr;
+}
+
+const defined* next_of(const index& in, const defined& one) {
+  return one.next != defined::NONE ? &in.definitions[one.next] : nullptr;
+}
+
+const node_place* first_use(const index& in, std::string_view field) {
+  return in.used_by.find(field);
+}
+
+const syntax::definition& definition_of(const index& in, const node_place& at) {
+  return in.sources[at.source].tree.definitions[at.definition];
+}
+
+const syntax::node& node_of(const index& in, const node_place& at) {
+  return definition_of(in, at).nodes[at.node];
+}
+
+std::string_view text_of(const index& in, const node_place& at) {
+  return in.sources[at.source].tree.text;
+}
+
+// Calls with each member until that gives false.
+template <class Call>
+static void each_member(const index& in, const node_place& around, Call call) {
+  const syntax::definition& definition = definition_of(in, around);
+  const uint32_t end = syntax::behind(definition, around.node);
+  node_place at = around;
+  for (at.node = around.node + 1; at.node < end; at.node = syntax::behind(definition, at.node))
+    if (!call(at)) return;
+}
+
+std::vector<node_place> members_of(const index& in, const node_place& around) {
+  std::vector<node_place> members;
+  each_member(in, around, [&](const node_place& at) {
+    members.push_back(at);
+    return true;
+  });
+  return members;
+}
+
+static bool find_member(const index& in, const node_place& around, node_kind kind,
+                        std::string_view name, node_place& found, size_t n) {
+  bool is_found = false;
+  each_member(in, around, [&](const node_place& at) {
+    if (node_of(in, at).meant != kind || !by_view::equal(name_at(in, at), name)) return true;
+    found = at;
+    is_found = true;
+    return n-- > 0;
+  });
+  return is_found;
+}
+
+bool find_entry(const index& in, const node_place& around, std::string_view name, node_place& found,
+                size_t n) {
+  return find_member(in, around, node_kind::ENTRY, name, found, n);
+}
+
+bool find_attribute(const index& in, const node_place& around, std::string_view keyword,
+                    node_place& found) {
+  return find_member(in, around, node_kind::ATTRIBUTE, keyword, found, SIZE_MAX);
+}
+
+// --- Parts ---------------------------------------------------------------------------------------
+
+// The tokens of a node from the one on, at most so many.
+static span tokens_span(const index& in, const node_place& at, size_t first, size_t count) {
+  const syntax::definition& definition = definition_of(in, at);
+  const auto tokens = syntax::tokens_of(definition, node_of(in, at));
+  first = std::min(first, tokens.size() - 1);
+  const size_t last = std::min(first + count, tokens.size()) - 1;
+  const uint64_t start = syntax::place_of(definition, tokens[first]);
+  const uint64_t last_start = syntax::place_of(definition, tokens[last]);
+  const size_t length = syntax::text_of(text_of(in, at), definition, tokens[last]).size();
+  return {at.source, start, last_start + length - start};
+}
+
+span name_span(const index& in, const node_place& at) {
+  const node_kind meant = node_of(in, at).meant;
+  const bool is_class = meant == node_kind::INTERFACE || meant == node_kind::IMPLEMENTATION;
+  const bool begins_with_name = meant == node_kind::ATTRIBUTE || meant == node_kind::BROKEN;
+  return tokens_span(in, at, begins_with_name ? 0 : is_class ? 2 : 1, 1);
+}
+
+span type_span(const index& in, const node_place& at) {
+  return tokens_span(in, at, 0, 1);
+}
+
+span value_span(const index& in, const node_place& at) {
+  constexpr size_t AROUND = 3;  // keyword, "=" and ";"
+  const size_t count = node_of(in, at).count;
+  return tokens_span(in, at, 2, count > AROUND ? count - AROUND : 1);
+}
+
+span whole_span(const index& in, const node_place& at) {
+  return tokens_span(in, at, 0, node_of(in, at).count);
+}
+
+uint64_t line_at(const syntax::tree& tree, uint64_t byte) {
+  const size_t block = byte / syntax::LINE_BLOCK;
+  if (tree.lines.empty()) return 1;
+  const size_t known = std::min(block, tree.lines.size() - 1);
+  const std::string_view text = std::string_view(tree.text).substr(
+      known * syntax::LINE_BLOCK, byte - known * syntax::LINE_BLOCK);
+  return 1 + tree.lines[known] + static_cast<uint64_t>(std::ranges::count(text, '\n'));
+}
+
+std::string place_text(const index& in, const span& where) {
+  const source& from = in.sources[where.source];
+  return from.name + ":" + std::to_string(line_at(from.tree, where.start));
+}
+
+}  // namespace lint

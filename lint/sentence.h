@@ -1,0 +1,16 @@
+// A finding of the import as lint tells it.
+#ifndef LINT_SENTENCE_H
+#define LINT_SENTENCE_H
+
+#include "deploy/import/import.h"
+#include "lint/sentences.h"
+#include "lint/subjects.h"
+
+namespace lint {
+
+finding finding_of(subject_finder& in, deploy::import_state& state, const sentence_row& row,
+                   const deploy::subject& about);
+
+}  // namespace lint
+
+#endif

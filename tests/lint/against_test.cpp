@@ -1,0 +1,75 @@
+// What only a dictionary can say: what would be lost, what stays, and what is refused.
+#include <gtest/gtest.h>
+
+#include "dict/lint/refusals.h"
+#include "lint/held.h"
+#include "tests/lint/findings.h"
+
+static const char HELD[] =
+    "STRING A { ID = 20001; DESCR = \"a\"; }\n"
+    "INT B { ID = 20002; DESCR = \"b\"; }\n"
+    "ARRAY R { ID = 20003; DESCR = \"r\"; }\n"
+    "STORABLE CLASS /a {\n  STRING A { LENGTH = 60; }\n  INT B { }\n  ARRAY R {\n    INT B { }\n"
+    "    STRING A { LENGTH = 10; }\n  }\n}\n"
+    "STORABLE CLASS /a IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"a_t\";\n  STRING A { SQL_COLUMN = "
+    "\"a\"; }\n  INT B { SQL_COLUMN = \"b\"; }\n  ARRAY R {\n    SQL_TABLE = \"a_r_t\";\n    INT B "
+    "{ SQL_COLUMN = \"b\"; }\n    STRING A { SQL_COLUMN = \"a\"; }\n  }\n}\n";
+
+struct against_case {
+  const char* text;
+  const char* found;
+};
+
+static const against_case CASES[] = {
+    {"INT A { ID = 20001; }\nINT B { ID = 20009; }\nINT C { ID = 20003; }\n",
+     "1:1 field-type-conflict, 2:14 field-number-conflict, 3:14 field-number-in-use"},
+    // Storage that the dictionary has stays; entries that it alone has would be dropped.
+    {"STORABLE CLASS /a {\n  STRING A { LENGTH = 59; }\n  ARRAY R { STRING A { LENGTH = 10; } "
+     "}\n}\n"
+     "STORABLE CLASS /a IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"b_t\";\n  STRING A { SQL_COLUMN "
+     "= "
+     "\"x\"; }\n  ARRAY R {\n    SQL_TABLE = \"b_r_t\";\n    STRING A { SQL_COLUMN = \"y\"; }\n  "
+     "}\n"
+     "}\n",
+     "1:16 class-exists, 1:16 entry-dropped, 2:23 length-narrowed, 3:9 entry-dropped, "
+     "6:15 class-table-kept, 7:27 column-kept, 9:17 table-kept, 10:29 column-kept"},
+    // All that the data manager refuses, not only its first.
+    {"STRING D { ID = 16777216; DESCR = \"d\"; }\nSTRING E { ID = 20008; DESCR = \"\xff\"; }\n"
+     "STORABLE CLASS /b {\n  DESCR = \"\xff\";\n  STRING A { DESCR = \"\xff\"; }\n}\n"
+     "STORABLE CLASS /b IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"b_t\";\n"
+     "  STRING A { SQL_COLUMN = \"\xff\"; }\n}\n"
+     "STORABLE CLASS /b/c/ { }\n",
+     "1:17 field-refused, 2:32 field-refused, 4:11 class-refused, 5:22 class-refused, "
+     "9:27 class-refused, 11:16 missing-superclass, 11:16 class-refused"},
+    // What was told already, or is broken, is not told again as a refusal.
+    {"STORABLE CLASS /b {\n  STRING A { }\n  STRING X { }\n  INT B { DESCR = ; }\n}\n"
+     "STORABLE CLASS /d { ARRAY R { INT A { } } }\n"
+     "STORABLE CLASS /d IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"a_t\";\n  ARRAY R { SQL_TABLE = "
+     "\"d_t\"; INT A { SQL_COLUMN = \"a\"; } }\n}\n",
+     "1:16 missing-class-table, 2:10 column-without-table, 3:10 missing-field-definition, "
+     "3:10 field-not-defined, 4:19 quoted-string-expected, 6:31 field-type-mismatch, "
+     "8:15 repeated-table"},
+};
+
+TEST(against, tells_what_a_dictionary_loses_keeps_and_refuses) {
+  for (const against_case& each : CASES) {
+    dd_list fields{DD_FIELDS};
+    dd_list classes{DD_CLASSES};
+    std::string fault;
+    ASSERT_TRUE(lint::read_held(HELD, fields, classes, fault)) << fault;
+    const auto refuse = [&](const lint::deployment& sent) {
+      return dict::refusals_of(fields.get(), classes.get(), sent);
+    };
+    const auto sources = sources_of({each.text});
+    const lint::world world{.fields = fields.get(), .classes = classes.get(), .refuse = refuse};
+    EXPECT_EQ(shown(sources, lint::lint(sources, world)), each.found) << each.text;
+  }
+}
+
+TEST(against, refuses_an_export_that_cannot_be_read) {
+  dd_list fields{DD_FIELDS};
+  dd_list classes{DD_CLASSES};
+  std::string fault;
+  EXPECT_FALSE(lint::read_held("STRING A { ID = 1 }\n", fields, classes, fault));
+  EXPECT_EQ(fault, "line 1: ; Expected");
+}

@@ -1,0 +1,16 @@
+// Findings as short texts.
+#ifndef TESTS_LINT_FINDINGS_H
+#define TESTS_LINT_FINDINGS_H
+
+#include <string>
+#include <vector>
+
+#include "lint/lint.h"
+
+// The text is a file named "a.def"; further ones are "b.def", "c.def".
+std::vector<lint::source> sources_of(const std::vector<std::string>& texts);
+// "LINE:COLUMN ID" of each, with the file's letter in front unless it is the first; in their order.
+std::string shown(const std::vector<lint::source>& sources, const lint::result& found);
+std::string found_in(const std::vector<std::string>& texts);
+
+#endif

@@ -1,0 +1,87 @@
+// What the reader refuses: every mistake of a file, each where it is.
+#include <gtest/gtest.h>
+
+#include "dparse/read/reader.h"
+#include "lint/judge.h"
+#include "tests/lint/findings.h"
+
+struct syntax_case {
+  const char* text;
+  const char* found;
+};
+
+static const syntax_case CASES[] = {
+    {"", ""},
+    {"STRING A { ID = 1; DESCR = \"a\"; }\n", ""},
+    // The mistake, not the token that shows it.
+    {"STRING A {\n  ID = 1;\n  DESCR = \"a;\n}\n", "3:11 string-not-closed"},
+    {"STRING A {\n  ID = 1\n  DESCR = \"a\"\n}\n",
+     "2:9 semicolon-expected, 3:14 semicolon-expected-after-string"},
+    {"STRING A {\n  ID 1;\n}\n", "2:5 equals-expected"},
+    {"STRING A\n  ID = 1;\n}\n", "1:9 field-brace-expected"},
+    {"STRING A {\n  ID = 0;\n  ID = 16777216000;\n}\n", "2:8 id-not-read, 3:8 invalid-id"},
+    // A missing brace is told where it is missing, and nothing that only follows from it.
+    {"STRING A {\n  ID = 1;\n\nSTRING B {\n  ID = x;\n}\nINT C { ID = 3; }\n",
+     "2:10 unknown-field-attribute, 5:8 id-not-read"},
+    {"STRING A {\n  ID = 1;", "2:10 closing-brace-expected"},
+    {"STORABLE CLASS /a {\n  STRING A {\n    ORDER = 1;\n", "3:15 closing-brace-expected"},
+    {"STRING A { ID = 1; }\n}\n}\nSTRING A { ID = 2; }\n",
+     "2:1 invalid-token, "
+     "4:17 duplicate-field-ids"},
+    {"\xEF\xBB\xBFSTRING A { ID = 1; }\nSTRING B { ID = 2 }\n",
+     "1:1 invalid-token, 2:18 semicolon-expected"},
+    // Members of classes and of entries, at any depth, each by itself.
+    {"STORABLE CLASS /a {\n  SEQ_START = \"x\";\n  LENGTH = 1;\n  ARRAY A {\n    CREATE = Never;\n"
+     "    STRING B { ORDER = 1; AUDITABLE = 7; }\n    BLOB C { }\n  }\n}\n",
+     "2:15 invalid-seq-start, 3:3 unknown-class-member, 5:14 invalid-create-permission, "
+     "6:39 invalid-zero-or-one, 7:5 unknown-entry-member"},
+    {"STORABLE CLASS /a/b {\n  SEQ_START = \"1\";\n}\n", "2:3 seq-start-in-subclass"},
+    {"STORABLE CLASS /a IMPLEMENTATION TESSEL {\n  SQL_TABLE = "
+     "\"a234567890b234567890c234567890d\";\n  STRING A { SQL_COLUMN = a; }\n}\n",
+     "1:34 unknown-implementation, 2:15 table-name-too-long, 3:27 quoted-string-expected"},
+    {"STORABLE CLASS /a IMPLEMENTATION LDAPV3 {\n  LOCATION = \"x\";\n  STRING A { ATTRIBUTE = "
+     "\"a\"; OBJECTCLASS = \"a\"; OBJECTCLASS = \"b\"; }\n  BUF B { }\n}\n",
+     "3:64 several-objectclasses, 4:3 unknown-class-member"},
+    // What is broken is defined all the same; what is sound in it is compared.
+    {"STORABLE CLASS /a {\n  FOO = 1;\n}\nSTORABLE CLASS /a { }\nSTORABLE CLASS /a { BAR; }\n",
+     "2:3 unknown-class-member, 4:16 duplicate-class, 5:16 duplicate-class, 5:21 "
+     "unknown-class-member"},
+};
+
+static lint::result syntax_only(lint::result found) {
+  std::erase_if(found.told, [](const lint::finding& each) { return each.reader_line == 0; });
+  return found;
+}
+
+static std::string syntax_in(const std::vector<std::string>& texts) {
+  const auto sources = sources_of(texts);
+  return shown(sources, syntax_only(lint::lint(sources, {})));
+}
+
+TEST(syntax, tells_every_mistake_where_it_is) {
+  for (const syntax_case& each : CASES) EXPECT_EQ(syntax_in({each.text}), each.found) << each.text;
+}
+
+TEST(syntax, goes_on_in_other_files) {
+  EXPECT_EQ(syntax_in({"STRING A { ID = 1 }\n", "STRING B { }\nSTRING A { ID = 2; }\nINT C {\n"}),
+            "1:18 semicolon-expected, b:2:17 duplicate-field-ids, b:3:8 closing-brace-expected");
+}
+
+TEST(syntax, tells_the_first_mistake_of_a_file_as_the_reader_does) {
+  for (const syntax_case& each : CASES) {
+    const auto sources = sources_of({each.text});
+    const lint::verdict reader = lint::judge(each.text);
+    const lint::result found = syntax_only(lint::lint(sources, {}));
+    const uint64_t line = found.told.empty() ? 0 : found.told[0].reader_line;
+    EXPECT_EQ(line, reader.line) << each.text;
+  }
+}
+
+TEST(syntax, counts_what_it_cannot_tell) {
+  std::string text = "STRING A { ID = 1; ";
+  for (size_t i = 0; i < lint::MOST_TOLD + 5; ++i) text += "X;";
+  const auto sources = sources_of({text + "}\nSTRING B { ID = 2 }\n"});
+  const lint::result found = lint::lint(sources, {});
+  EXPECT_EQ(found.told.size(), lint::MOST_TOLD);
+  EXPECT_EQ(found.untold[static_cast<size_t>(lint::level::ERROR)], 6u);
+}
