@@ -31,14 +31,14 @@ static bool give_fields(dm::store* store, int64_t, const dm::choice& wanted,
 }
 
 // The classes of that choice: all, one, or those below one.
-static std::span<const held_class> chosen(const listed_store& from, const dm::choice& wanted) {
+static std::span<const stored_class> chosen(const listed_store& from, const dm::choice& wanted) {
   const bool is_below = wanted.which == dm::choice::BELOW || wanted.which == dm::choice::KEYS_BELOW;
   if (!is_below && wanted.which != dm::choice::NAMED) return from.known;
   const std::string key = dm::folded(wanted.name);
   const dm::key_range range =
       is_below ? dm::keys_below(key) : dm::key_range{key, key + std::string(1, '\0')};
-  const auto first = std::ranges::lower_bound(from.known, range.from, {}, &held_class::key);
-  return {first, std::ranges::lower_bound(from.known, range.to, {}, &held_class::key)};
+  const auto first = std::ranges::lower_bound(from.known, range.from, {}, &stored_class::key);
+  return {first, std::ranges::lower_bound(from.known, range.to, {}, &stored_class::key)};
 }
 
 static bool give_classes(dm::store* store, int64_t, const dm::choice& wanted,
@@ -46,7 +46,7 @@ static bool give_classes(dm::store* store, int64_t, const dm::choice& wanted,
   auto& from = *static_cast<listed_store*>(store);
   const bool is_whole = wanted.which != dm::choice::KEYS && wanted.which != dm::choice::KEYS_BELOW;
   dm::class_def definition;
-  for (const held_class& each : chosen(from, wanted)) {
+  for (const stored_class& each : chosen(from, wanted)) {
     const char* text = nullptr;
     if (is_whole) {
       dm::read_class(each.node, 0, definition);
@@ -61,7 +61,7 @@ static bool give_classes(dm::store* store, int64_t, const dm::choice& wanted,
 
 static bool give_tables(dm::store* store, int64_t, const dm::choice& wanted,
                         dm::visitor<dm::table_row> visitor, dm::problem&) {
-  for (const held_table& each : static_cast<listed_store*>(store)->tables) {
+  for (const stored_table& each : static_cast<listed_store*>(store)->tables) {
     const dm::table_row row{each.key.c_str(), each.name.c_str(), each.class_id};
     if (is_wanted(wanted, row.key) && !visitor.call(visitor.context, row)) break;
   }
@@ -119,13 +119,13 @@ listed_store::listed_store(const tav_flist_t* field_list, const tav_flist_t* cla
   each_element(class_list, TAV_FLD_OBJ_DESC, [&](const tav_node* node) {
     known.push_back({dm::folded(text_in(node, TAV_FLD_NAME)), node});
   });
-  std::ranges::stable_sort(known, {}, &held_class::key);
+  std::ranges::stable_sort(known, {}, &stored_class::key);
   add_tables(*this);
 }
 
-const held_class* listed_store::find(const char* name) const {
+const stored_class* listed_store::find(const char* name) const {
   const std::string key = dm::folded(name);
-  const auto found = std::ranges::lower_bound(known, key, {}, &held_class::key);
+  const auto found = std::ranges::lower_bound(known, key, {}, &stored_class::key);
   return found != known.end() && found->key == key ? &*found : nullptr;
 }
 

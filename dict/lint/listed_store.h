@@ -10,12 +10,12 @@
 
 namespace dict {
 
-struct held_class {
+struct stored_class {
   std::string key;
   const tav_node* node;
 };
 
-struct held_table {
+struct stored_table {
   std::string key;
   std::string name;
   int64_t class_id;
@@ -24,8 +24,8 @@ struct held_table {
 // Borrows the lists. Ids of classes are their places and 1.
 struct listed_store : dm::store {
   std::vector<dm::field_row> fields;
-  std::vector<held_class> known;  // ascending by key
-  std::vector<held_table> tables;
+  std::vector<stored_class> known;  // ascending by key
+  std::vector<stored_table> tables;
   dm::class_writer writer;
 
   listed_store(const tav_flist_t* field_list, const tav_flist_t* class_list);
@@ -33,7 +33,7 @@ struct listed_store : dm::store {
   listed_store& operator=(const listed_store&) = delete;
 
   // The class of that name, or null.
-  const held_class* find(const char* name) const;
+  const stored_class* find(const char* name) const;
 };
 
 // The tables that a definition names.

@@ -99,7 +99,7 @@ static void add(asking& in, const dm::class_def& definition, const dm::problem& 
 static const tav_node* old_of(const asking& in, const char* name) {
   const auto accepted = in.accepted.find(dm::folded(name));
   if (accepted != in.accepted.end()) return accepted->second;
-  const held_class* held = in.held.find(name);
+  const stored_class* held = in.held.find(name);
   return held != nullptr ? held->node : nullptr;
 }
 
