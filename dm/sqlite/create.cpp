@@ -12,20 +12,27 @@ namespace dm {
 // enough that looking up one field reads little.
 static constexpr char PAGE_SIZE[] = "PRAGMA page_size = 8192";
 
+static bool make_tables(sqlite_store& store, int version, problem& why) {
+  for (int step = 1; step <= version; ++step) {
+    if (!sqlite_run(store, schema_step(step).c_str(), why)) return false;
+  }
+  return sqlite_run(store, ("PRAGMA user_version = " + std::to_string(version)).c_str(), why);
+}
+
 static bool build(sqlite_store& store, const fill_store& fill, problem& why) {
-  const std::string marks = join({"PRAGMA application_id = ", std::to_string(DICTIONARY_MARK),
-                                  "; PRAGMA user_version = ", std::to_string(SCHEMA_VERSION)});
+  const std::string mark = "PRAGMA application_id = " + std::to_string(DICTIONARY_MARK);
   return sqlite_run(store, PAGE_SIZE, why) && sqlite_run(store, "BEGIN", why) &&
-         sqlite_run(store, marks.c_str(), why) && sqlite_run(store, DICTIONARY_SCHEMA, why) &&
+         sqlite_run(store, mark.c_str(), why) && make_tables(store, store.version, why) &&
          fill(store, why) && sqlite_run(store, "COMMIT", why);
 }
 
-bool create_sqlite(const std::string& path, const fill_store& fill, problem& why) {
+bool create_sqlite(const std::string& path, int version, const fill_store& fill, problem& why) {
   if (!is_free(path, why)) return false;
   auto* store = new sqlite_store;
   store->calls = &SQLITE_CALLS;
   const store_owner owner(store);
   store->path = path;
+  store->version = version;
   const int result =
       sqlite3_open_v2(":memory:", &store->db,
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
