@@ -107,13 +107,14 @@ trigger dd_journal_changes_keep of dd_journal_changes)"};
 static constexpr char KEEPS[] =
     "at work, BEFORE DELETE OR UPDATE OR TRUNCATE FOR EACH STATEMENT EXECUTE FUNCTION"
     " dd_journal_keep()";
+static constexpr char SIGNING[] = "dd_journal_role";
 static constexpr char SIGNS[] =
     "at work, BEFORE INSERT FOR EACH ROW EXECUTE FUNCTION dd_journal_role()";
 
 static const char* shape_of(const std::string& subject) {
   if (subject[0] == 'c') return "enforced";
   if (subject.rfind("trigger ", 0) == 0) {
-    return subject.find("_role ") != subject.npos ? SIGNS : KEEPS;
+    return subject.find(SIGNING) != subject.npos ? SIGNS : KEEPS;
   }
   return subject[0] == 't' ? "TABLE" : "VIEW";
 }
