@@ -16,7 +16,8 @@ enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
 
 int init();
 int add_database(const std::string& number);
-int check();
+// The journal must have a record with that hash; "" asks for none.
+int check(const std::string& head);
 int backup(const std::string& file);
 int restore(const std::string& file);
 
