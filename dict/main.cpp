@@ -92,6 +92,7 @@ static int run(int argc, char** argv) {
       app.add_subcommand("restore", "Make the dictionary, with all that a backup holds");
   restore->add_option("FILE", file, "The backup")->required();
   restore->callback([&] { result = dict::restore(file); });
+  dict::add_upgrade(app, result);
   dict::add_diff(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
