@@ -1,9 +1,11 @@
 // What the journal records of what sessions commit, and going back by it.
 #include <algorithm>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include "bench.h"
+#include "dict/check/check.h"
 #include "dm/journal/begin.h"
 #include "dm/journal/read.h"
 #include "dm/open.h"
@@ -156,4 +158,30 @@ TEST_F(journal, begins_with_what_an_older_dictionary_holds) {
   EXPECT_EQ(client(settings).set_fields("STRING F_B 5001\n"), "ok");
   EXPECT_EQ(state_after(2), before);
   EXPECT_EQ(told_from(3), "3 3 fields n:F_B\n");
+}
+
+TEST_F(journal, forgets_the_way_and_stays_guarded_and_sound) {
+  client(settings).set_fields("STRING F_A 5000\n");
+  client(settings).set_fields("STRING F_A 5000 Described.\n");
+  {
+    opened to(settings, true);
+    std::string hash;
+    const auto note = [&](const dm::journal_record& record) { return hash = record.hash, true; };
+    EXPECT_TRUE(dm::walk_records(*to.store, {3, 3}, note, to.why));
+    dm::journal_draft draft;
+    dm::journal_run run;
+    const std::string detail = "{\"before\":4,\"hash\":\"" + hash + "\"}";
+    EXPECT_TRUE(to.store->calls->forget_records(to.store.get(), 4, to.why)) << to.why.sentence;
+    EXPECT_TRUE(dm::add_event(*to.store, draft, run, {dm::journal_kind::PRUNE, 0, detail}, to.why));
+    EXPECT_TRUE(to.store->calls->commit(to.store.get(), to.why)) << to.why.sentence;
+  }
+  EXPECT_EQ(told_from(0), "4 4 fields c:F_A\n5 5 prune\n");
+  opened from(settings);
+  std::ostringstream told;
+  dict::checker check(*from.store, told);
+  EXPECT_TRUE(dict::check_store(check)) << check.why.sentence;
+  EXPECT_EQ(told.str(), "");
+  dm::past past;
+  EXPECT_FALSE(dm::look_back(*from.store, {1, 1, 0}, 2, past, from.why));
+  EXPECT_EQ(from.why.code, TAV_ERR_NOT_FOUND);
 }
