@@ -1,6 +1,6 @@
 # Looks for what the build needs of the system before anything else does, and names all that is
 # missing at once: a Debian package, and a file of it.
-set(needed libsqlite3-dev sqlite3.h libinih-dev ini.h rapidjson-dev rapidjson/reader.h
+set(needed libsqlite3-dev sqlite3.h nettle-dev nettle/sha2.h libinih-dev ini.h rapidjson-dev rapidjson/reader.h
   libcli11-dev CLI/CLI.hpp)
 if(TAV_POSTGRES)
   list(APPEND needed libpq-dev libpq-fe.h)

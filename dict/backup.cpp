@@ -2,6 +2,7 @@
 // dictionary.
 #include <iostream>
 
+#include "dict/backup.h"
 #include "dict/check/check.h"
 #include "dict/commands.h"
 #include "dict/terminal/progress.h"
@@ -17,11 +18,18 @@ static std::string path_of(const std::string& file) {
   return file.find('/') == std::string::npos ? "./" + file : file;
 }
 
-static dm::fill_store copy_of(dm::store& from, progress& shown) {
-  return [&from, &shown](dm::store& to, dm::problem& why) {
-    return dm::copy_dictionary(
-        from, to, [&shown] { step(shown); }, why);
+// Copies the dictionary; `finish` is what follows.
+static dm::fill_store copy_of(dm::store& from, progress& shown,
+                              bool (*finish)(dm::store&, dm::store&, dm::problem&)) {
+  return [&from, &shown, finish](dm::store& to, dm::problem& why) {
+    const auto copied = [&shown] { step(shown); };
+    return dm::copy_dictionary(from, to, copied, why) && finish(from, to, why);
   };
+}
+
+bool write_backup(dm::store& from, const std::string& file, progress& shown, dm::problem& why) {
+  const int version = from.calls->schema_version(&from);
+  return dm::create_sqlite(path_of(file), version, copy_of(from, shown, dm::copy_identity), why);
 }
 
 int backup(const std::string& file) {
@@ -31,7 +39,7 @@ int backup(const std::string& file) {
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   progress shown("copying rows");
-  const bool made = dm::create_sqlite(path_of(file), copy_of(*store, shown), why);
+  const bool made = write_backup(*store, file, shown, why);
   hide(shown);
   if (!made) return fail(why);
   std::cout << "Wrote backup " << visible{file} << ".\n";
@@ -58,7 +66,8 @@ int restore(const std::string& file) {
   }
   next(check.shown, "copying rows");
   std::string name;
-  const bool made = dm::create_dictionary(settings, copy_of(*store, check.shown), name, why);
+  const bool made =
+      dm::create_dictionary(settings, copy_of(*store, check.shown, dm::begin_restored), name, why);
   hide(check.shown);
   if (!made) return fail(why);
   std::cout << "Restored dictionary " << visible{name} << " from " << visible{file} << ".\n";

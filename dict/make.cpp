@@ -27,7 +27,7 @@ int init() {
     return fail(why);
   }
   const auto fill = [&](dm::store& store, dm::problem& fault) {
-    return dm::make_database(store, settings.database, fault);
+    return dm::make_first_database(store, settings.database, fault);
   };
   std::string name;
   if (!dm::create_dictionary(settings, fill, name, why)) return fail(why);

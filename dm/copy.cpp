@@ -3,7 +3,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "dm/journal/begin.h"
 #include "dm/rules/class_world.h"
+#include "dm/schema.h"
 
 namespace dm {
 
@@ -75,6 +77,23 @@ static bool copy_database(store& from, store& to, const database_row& row,
          to.calls->set_counter(&to, p.target, row.counter, why);
 }
 
+static bool copy_parts(store& from, store& to, problem& why) {
+  bool written = true;
+  auto copy = [&](const journal_part& part) {
+    return written = to.calls->add_part(&to, part, why);
+  };
+  return from.calls->journal_parts(&from, {}, visit<journal_part>(copy), why) && written;
+}
+
+static bool copy_journal(store& from, store& to, problem& why) {
+  bool written = true;
+  auto copy = [&](const journal_record& record) {
+    return written = to.calls->add_record(&to, record, why);
+  };
+  return from.calls->journal(&from, {}, visit<journal_record>(copy), why) && written &&
+         copy_parts(from, to, why);
+}
+
 bool copy_dictionary(store& from, store& to, const std::function<void()>& copied, problem& why) {
   std::vector<database_row> databases;
   auto note = [&](const database_row& row) { return databases.push_back(row), true; };
@@ -82,7 +101,23 @@ bool copy_dictionary(store& from, store& to, const std::function<void()>& copied
   for (const database_row& row : databases) {
     if (!copy_database(from, to, row, copied, why)) return false;
   }
-  return true;
+  return !has_journal(from) || copy_journal(from, to, why);
+}
+
+bool copy_identity(store& from, store& to, problem& why) {
+  std::string identity;
+  return !has_journal(from) ||
+         (from.calls->identity(&from, identity, why) && to.calls->set_identity(&to, identity, why));
+}
+
+// What a dictionary without a journal holds is noted like the content of an upgraded one.
+bool begin_restored(store& from, store& to, problem& why) {
+  journal_run run;
+  std::string origin;
+  const bool is_known = has_journal(from);
+  if (is_known && !from.calls->identity(&from, origin, why)) return false;
+  return begin_journal(to, journal_kind::RESTORE, origin, run, why) &&
+         (is_known || note_present(to, journal_kind::RESTORE, run, why));
 }
 
 }  // namespace dm

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "dm/journal/change.h"
+
 namespace dm {
 
 static std::optional<int32_t> number_of(const tav_node* node, uint32_t field) {
@@ -27,6 +29,7 @@ void read_request(const tav_node* input, field_request& request) {
     field.is_well_formed = is_well_formed(field, fault);
     const auto place = static_cast<int32_t>(request.fields.size());
     if (field.name != nullptr) field.first_named = request.by_name.add_first(field.name, place);
+    if (field.first_named < place) field_at(request, field.first_named).is_repeated = true;
     if (field.number) {
       field.first_numbered = request.by_number.add_first(*field.number, place);
     }
@@ -43,6 +46,10 @@ static void note_stored(field_request& request, const field_row& row) {
     field.stamp = row.stamp;
     field.is_described_so =
         row.descr != nullptr && field.descr != nullptr && std::strcmp(row.descr, field.descr) == 0;
+    if (field.is_repeated || (field.descr != nullptr && !field.is_described_so)) {
+      field.stored_state = static_cast<int32_t>(request.stored_states.size());
+      request.stored_states.push_back(field_state(row));
+    }
   }
   if (const int32_t* place = request.by_number.find(row.number)) {
     asked_field& field = field_at(request, *place);

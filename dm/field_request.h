@@ -25,13 +25,18 @@ struct asked_field : field_def {
   bool number_is_taken = false;  // by a stored field of another name
   bool is_planned = false;       // to be added or, where it is stored, to get its new description
   bool is_well_formed = false;   // keeps the rules of dm/rules/field.h
+  bool is_repeated = false;      // another field of the request has its name
+  int32_t stored_state = NO_STATE;  // its place in stored_states, where it may be described anew
   int64_t stamp = 0;
+
+  static constexpr int32_t NO_STATE = -1;
 };
 
 struct field_request {
   std::vector<asked_field> fields;
   dd_index<dd_by_name, int32_t> by_name;  // positions in `fields`
   dd_index<dd_by_number, int32_t> by_number;
+  std::vector<std::string> stored_states;  // of fields that the dictionary holds (field_state)
 };
 
 inline asked_field& field_at(field_request& request, int32_t position) {

@@ -1,5 +1,7 @@
 #include "dm/predefined.h"
 
+#include "dm/journal/begin.h"
+
 namespace dm {
 
 #define FIELD_ROW(name, type, number, description) \
@@ -11,10 +13,32 @@ std::span<const field_row> predefined_fields() {
   return PREDEFINED;
 }
 
-bool make_database(store& store, uint64_t number, problem& why) {
+static bool make_database(store& store, uint64_t number, journal_run& run, problem& why) {
   int64_t id = 0;
-  return store.calls->add_database(&store, number, id, why) &&
-         store.calls->add_fields(&store, id, predefined_fields(), why);
+  journal_draft draft;
+  if (!store.calls->add_database(&store, number, id, why) ||
+      !store.calls->add_fields(&store, id, predefined_fields(), why)) {
+    return false;
+  }
+  for (const field_row& row : predefined_fields()) {
+    const std::string state = field_state(row);
+    const std::string_view after = state;
+    if (!note_change(store, draft, change_of::FIELD, row.name, {nullptr, &after}, why)) {
+      return false;
+    }
+  }
+  return add_event(store, draft, run, {journal_kind::ADD_DATABASE, number}, why);
+}
+
+bool make_database(store& store, uint64_t number, problem& why) {
+  journal_run run;
+  return make_database(store, number, run, why);
+}
+
+bool make_first_database(store& store, uint64_t number, problem& why) {
+  journal_run run;
+  return begin_journal(store, journal_kind::INIT, "", run, why) &&
+         make_database(store, number, run, why);
 }
 
 }  // namespace dm

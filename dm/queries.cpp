@@ -12,6 +12,11 @@ static constexpr char CLASS_COLUMNS[] =
 static constexpr char KEY_COLUMNS[] = "SELECT id, folded, name, stamp FROM dd_classes ";
 static constexpr char TABLE_COLUMNS[] = "SELECT folded, name, class FROM dd_tables ";
 
+static constexpr char RECORD_COLUMNS[] =
+    "SELECT number, deployment, changes, time, database, kind, run, os_user, os_host, role, login,"
+    " program, version, mode, called, reason, detail, previous, hash FROM dd_journal ";
+static constexpr char PART_COLUMNS[] = "SELECT record, part, content FROM dd_journal_changes ";
+
 // In two parts, because columns are shared; in the order of the queries.
 static constexpr struct {
   query which;
@@ -41,6 +46,15 @@ static constexpr struct {
     {SELECT_TABLE_NAMED, TABLE_COLUMNS, "WHERE database = ?1 AND folded = ?2"},
     {COUNT_FIELDS, "", "SELECT count(*) FROM dd_fields WHERE database = ?1"},
     {COUNT_CLASSES, "", "SELECT count(*) FROM dd_classes WHERE database = ?1"},
+    {SELECT_IDENTITY, "", "SELECT identity FROM dd_identity"},
+    {SELECT_JOURNAL_END, "",
+     "SELECT number, hash, time FROM dd_journal ORDER BY number DESC LIMIT 1"},
+    {SELECT_JOURNAL, RECORD_COLUMNS, "WHERE number BETWEEN ?1 AND ?2 ORDER BY number"},
+    {SELECT_JOURNAL_NEWEST_FIRST, RECORD_COLUMNS,
+     "WHERE number BETWEEN ?1 AND ?2 ORDER BY number DESC"},
+    {SELECT_PARTS, PART_COLUMNS, "WHERE record BETWEEN ?1 AND ?2 ORDER BY record, part"},
+    {SELECT_PARTS_NEWEST_FIRST, PART_COLUMNS,
+     "WHERE record BETWEEN ?1 AND ?2 ORDER BY record DESC, part"},
 };
 static_assert(std::size(TEXTS) == QUERIES);
 

@@ -26,11 +26,18 @@ enum query {
   SELECT_TABLE_NAMED,
   COUNT_FIELDS,
   COUNT_CLASSES,
+  SELECT_IDENTITY,
+  SELECT_JOURNAL_END,
+  SELECT_JOURNAL,
+  SELECT_JOURNAL_NEWEST_FIRST,
+  SELECT_PARTS,
+  SELECT_PARTS_NEWEST_FIRST,
   QUERIES  // their number
 };
 
 // The SQL text; parameters are ?1 (the database's row id), ?2 and ?3. Where it says LIKE, letters
-// match without regard to ASCII case.
+// match without regard to ASCII case. Those of the journal have the first and the last number of a
+// range.
 std::string query_text(query which);
 
 // A query and its parameters after the first, which is the database.

@@ -53,6 +53,49 @@ bool take_row(const Columns& columns, table_row& row) {
   return row.key != nullptr && row.name != nullptr;
 }
 
+template <class Columns>
+bool take_row(const Columns& columns, journal_record& row) {
+  row.number = columns.integer(0);
+  row.deployment = columns.integer(1);
+  row.changes = columns.integer(2);
+  int column = JOURNAL_NUMBERS;
+  for (const auto& each : JOURNAL_TEXTS) {
+    const char* text = columns.text(column++);
+    if (text == nullptr) return false;
+    row.*each.text = text;
+  }
+  return true;
+}
+
+template <class Columns>
+bool take_row(const Columns& columns, journal_part& row) {
+  row.record = columns.integer(0);
+  row.part = columns.integer(1);
+  row.content = columns.text(2);
+  return row.content != nullptr;
+}
+
+template <class Columns>
+bool take_row(const Columns& columns, journal_head& row) {
+  const char* hash = columns.text(1);
+  const char* time = columns.text(2);
+  if (hash == nullptr || time == nullptr) return false;
+  row.number = columns.integer(0);
+  row.hash = hash;
+  row.time = time;
+  return true;
+}
+
+// The one column of a query.
+struct text_row {
+  const char* text;
+};
+template <class Columns>
+bool take_row(const Columns& columns, text_row& row) {
+  row.text = columns.text(0);
+  return row.text != nullptr;
+}
+
 }  // namespace dm
 
 #endif

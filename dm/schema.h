@@ -9,7 +9,10 @@
 namespace dm {
 
 // Raised with every change of the tables of any engine.
-inline constexpr int SCHEMA_VERSION = 1;
+inline constexpr int SCHEMA_VERSION = 2;
+
+// The first version with a journal. Dictionaries without can be read only.
+inline constexpr int JOURNAL_VERSION = 2;
 
 // Parts of sentences for the administrator.
 inline constexpr char ANOTHER_WRITES[] =
@@ -38,9 +41,23 @@ inline std::string orphan(std::string_view table, std::string_view parent) {
 }
 
 inline std::string other_version(int version) {
-  return join({" has schema version ", std::to_string(version), ", this program reads version ",
-               std::to_string(SCHEMA_VERSION),
+  return join({" has schema version ", std::to_string(version),
+               ", this program reads versions 1 to ", std::to_string(SCHEMA_VERSION),
                "; use the program that it was made with, or export and deploy it anew."});
+}
+
+inline bool is_known_version(int version) {
+  return version >= 1 && version <= SCHEMA_VERSION;
+}
+
+// The problem of writing into a dictionary of an older version. Gives false.
+inline bool needs_upgrade(std::string_view dictionary, int version, problem& why) {
+  why.code = TAV_ERR_WRITE_REFUSED;
+  why.sentence =
+      join({"Dictionary ", quoted(dictionary), " has schema version ", std::to_string(version),
+            " and takes no changes; 'tav_dict upgrade' makes it version ",
+            std::to_string(SCHEMA_VERSION), "."});
+  return false;
 }
 
 }  // namespace dm

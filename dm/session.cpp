@@ -28,12 +28,23 @@ void end_snapshot(session& session) {
 bool begin_write(session& session, problem& why) {
   if (session.is_writing) return true;
   end_snapshot(session);
+  if (session.store->calls->writeable(session.store.get())) find_out_who();
   session.is_writing = session.store->calls->begin(session.store.get(), true, why);
   return session.is_writing;
 }
 
-bool commit_write(session& session, problem& why) {
+bool note_change(session& session, change_of what, std::string_view name,
+                 const journal_states& states, problem& why) {
+  return note_change(*session.store, session.draft, what, name, states, why);
+}
+
+bool commit_write(session& session, const char* kind, uint64_t database, problem& why) {
+  const uint64_t login = session.settings.has_login ? session.settings.database : 0;
+  const journal_subject subject{kind, database, "", login};
+  if (!finish_record(*session.store, session.draft, session.run, subject, why)) return false;
   if (!session.store->calls->commit(session.store.get(), why)) return false;
+  if (session.draft.record.changes > 0) session.run.deployment = session.draft.record.deployment;
+  session.draft = {};
   session.is_writing = false;
   return true;
 }
@@ -41,6 +52,7 @@ bool commit_write(session& session, problem& why) {
 void undo_write(session& session) {
   if (!session.is_writing) return;
   session.store->calls->rollback(session.store.get());
+  session.draft = {};
   session.is_writing = false;
 }
 

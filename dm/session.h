@@ -5,6 +5,7 @@
 #include <map>
 #include <vector>
 
+#include "dm/journal/write.h"
 #include "dm/settings.h"
 #include "dm/store.h"
 #include "dm/trial.h"
@@ -27,6 +28,8 @@ struct session {
   bool is_reading = false;   // a read transaction is open: of fetches, or of a trial's snapshot
   bool has_written = false;  // has ended its first snapshot; each fetch begins one of its own
   std::map<uint64_t, seen_database> seen;
+  journal_run run{};      // to which the records of all its transactions belong
+  journal_draft draft{};  // the record of the open write transaction
 };
 
 // Begins a read transaction, unless one is open. Up to the session's first write all fetches share
@@ -41,8 +44,12 @@ void end_snapshot(session& session);
 // Ends the snapshot and begins a write transaction, which shuts out other writers. Does nothing
 // where one is open.
 bool begin_write(session& session, problem& why);
-// Commits the write transaction. Where that fails, undo_write must follow.
-bool commit_write(session& session, problem& why);
+// Notes what the open write transaction changes (dm/journal/write.h), before it is written.
+bool note_change(session& session, change_of what, std::string_view name,
+                 const journal_states& states, problem& why);
+// Commits the write transaction, and in it a record of that kind in the journal, if changes were
+// noted. Where that fails, undo_write must follow.
+bool commit_write(session& session, const char* kind, uint64_t database, problem& why);
 // Rolls the write transaction back, if one is open.
 void undo_write(session& session);
 

@@ -11,6 +11,7 @@
 #include <span>
 #include <string_view>
 
+#include "dm/journal/record.h"
 #include "dm/problem.h"
 
 namespace dm {
@@ -125,6 +126,23 @@ struct store_calls {
   bool (*add_table)(store*, int64_t database, const table_row&, problem&);
   bool (*delete_table)(store*, int64_t database, const char* name, problem&);
 
+  // The journal (dm/journal/record.h), which a dictionary of schema version 1 does not have. The
+  // engine refuses to change or delete what is in it; records are added in ascending numbers.
+  // Parts come in the order of records and then of parts, also where the range begins with the
+  // newest.
+  bool (*identity)(store*, std::string& identity, problem&);
+  bool (*set_identity)(store*, const std::string& identity, problem&);  // once
+  bool (*journal_end)(store*, journal_head&, problem&);
+  bool (*journal)(store*, const journal_range&, visitor<journal_record>, problem&);
+  bool (*journal_parts)(store*, const journal_range&, visitor<journal_part>, problem&);
+  bool (*add_record)(store*, const journal_record&, problem&);
+  bool (*add_part)(store*, const journal_part&, problem&);
+  // Deletes the records with lower numbers, and their parts: the one way to do so.
+  bool (*forget_records)(store*, int64_t before, problem&);
+  // Makes the tables of the newest schema version in a dictionary of an older one that was opened
+  // for that (open_options), in the open write transaction.
+  bool (*upgrade)(store*, problem&);
+
   // Tests what the rows above do not show: the engine's own integrity, tables and triggers that are
   // not as it makes them, values that a row cannot hold. Gives one sentence for each fault.
   bool (*integrity)(store*, visitor<std::string_view>, problem&);
@@ -142,11 +160,15 @@ struct store {
 struct open_options {
   int busy_milliseconds = 10000;  // how long to wait for other writers, in all
   int answer_milliseconds = 0;    // how long a server may be silent; 0: what the settings say
+  bool may_upgrade = false;       // whether one of an older schema version may be written
 };
 
 struct close_store {
   void operator()(store* opened) const { opened->calls->close(opened); }
 };
+// Whether the dictionary has a journal; those of schema version 1 have none.
+bool has_journal(store& store);
+
 using store_owner = std::unique_ptr<store, close_store>;
 
 // Writes the content of a new dictionary into its open transaction; false with the reason.

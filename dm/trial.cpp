@@ -47,7 +47,8 @@ static bool make_durable(session& session, problem& why) try {
   if (is_refused) why = session.trial.refusal;
   const bool durable =
       !is_refused && (!session.is_writing || (write_fields(session, session.trial.pending, why) &&
-                                              commit_write(session, why)));
+                                              commit_write(session, journal_kind::FIELDS,
+                                                           session.trial.pending.target, why)));
   forget_pending(session);
   return durable;
 } catch (...) {  // a part may be written: roll it back

@@ -7,7 +7,9 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "dd/call.h"
 #include "dd/vantor.h"
@@ -71,6 +73,16 @@ bool tav_conf_entry_at(size_t place, tav_conf_entry& entry);
 // The entries that the library and its programs look up for themselves.
 enum tav_common_entry { TAV_CONF_USERID, TAV_CONF_LOG_DIR, TAV_CONF_LOG_LEVEL };
 inline constexpr std::array<const char*, 3> TAV_COMMON_ENTRIES = {"userid", "log_dir", "log_level"};
+
+// The running program and how it was called, for the dictionary's journal. A program that another
+// one's author linked with the library is told like our own.
+struct tav_caller {
+  std::string program;                 // name of its file
+  std::string version;                 // of this library
+  std::vector<std::string> arguments;  // without the program's name
+  std::string reason;                  // TAV_REASON of the environment
+};
+tav_caller tav_caller_of_process();
 
 // Whether a text that names a dictionary may hold a password, in any spelling. True when in doubt.
 bool tav_text_holds_password(std::string_view dictionary);

@@ -8,6 +8,7 @@ namespace dm {
 
 struct doomed_field {
   std::string name;
+  std::string state;
   int32_t number;
   int32_t elem_id;
 };
@@ -44,7 +45,7 @@ static bool find_doomed(operation& op, const database_row& database,
     auto note = [&](const field_row& row) {
       if (row.type != *type || row.number != *number) return true;
       if (!may_go(op, row, id, database.number)) return false;
-      doomed.push_back({row.name, row.number, id});
+      doomed.push_back({row.name, field_state(row), row.number, id});
       return true;
     };
     const choice named{choice::NAMED, static_cast<const char*>(name)};
@@ -93,11 +94,17 @@ static bool are_unused(operation& op, int64_t database, const std::vector<doomed
 static bool delete_all(operation& op, const database_row& database,
                        const std::vector<doomed_field>& doomed) {
   store* store = op.session.store.get();
+  key_set deleted;  // the list may name a field twice
   for (const doomed_field& field : doomed) {
+    const std::string_view before = field.state;
+    if (!deleted.insert(folded(field.name)).second) continue;
+    if (!note_change(op.session, change_of::FIELD, field.name, {&before, nullptr}, op.why)) {
+      return false;
+    }
     if (!store->calls->delete_field(store, database.id, field.number, op.why)) return false;
   }
   return store->calls->set_counter(store, database.id, database.counter + 1, op.why) &&
-         commit_write(op.session, op.why);
+         commit_write(op.session, journal_kind::DELETE_FIELDS, database.number, op.why);
 }
 
 dd_flist delete_fields(operation& op) {

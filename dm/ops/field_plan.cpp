@@ -4,6 +4,25 @@
 
 namespace dm {
 
+// Notes the new field, or the new description of a stored one.
+static bool note_field(session& session, const field_plan& plan, const asked_field& field,
+                       const field_row& added, problem& why) {
+  if (!field.is_stored) {
+    const std::string state = field_state(added);
+    const std::string_view after = state;
+    return note_change(session, change_of::FIELD, field.name, {nullptr, &after}, why);
+  }
+  const std::string& stored = plan.asked.stored_states[static_cast<size_t>(field.stored_state)];
+  std::string taken_apart = stored;
+  field_row row{};
+  read_field_state(taken_apart, row);
+  row.descr = field.descr;
+  const std::string described = field_state(row);
+  const std::string_view before = stored;
+  const std::string_view after = described;
+  return note_change(session, change_of::FIELD, row.name, {&before, &after}, why);
+}
+
 bool write_fields(session& session, const field_plan& plan, problem& why) {
   store* store = session.store.get();
   const int64_t id = plan.database.id;
@@ -13,6 +32,7 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
   for (const asked_field& field : plan.asked.fields) {
     if (!field.is_planned) continue;
     const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
+    if (!note_field(session, plan, field, row, why)) return false;
     if (!field.is_stored) added.push_back(row);
     if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
     has_written = true;

@@ -16,7 +16,8 @@ struct field_plan {
   field_request asked;  // empty when it was refused
 };
 
-// Writes the planned fields into the open transaction and, if there are any, raises the counter.
+// Notes and writes the planned fields into the open transaction and, if there are any, raises the
+// counter.
 bool write_fields(session& session, const field_plan& plan, problem& why);
 
 }  // namespace dm

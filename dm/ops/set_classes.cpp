@@ -1,5 +1,7 @@
 // 578: adds and replaces classes in the order of the list; all or nothing.
 #include <cstring>
+#include <map>
+#include <optional>
 
 #include "dm/folded.h"
 #include "dm/ops/operations.h"
@@ -18,6 +20,13 @@ struct old_class {
   class_def definition;
 };
 
+// A class that the list holds twice: the journal gets one change of it.
+struct repeated_class {
+  std::string name;
+  std::optional<std::string> before;
+  std::string after;
+};
+
 // One run of the operation. A real one writes each class at once, so that the next is checked
 // against what the store then holds. A trial writes nothing; it keeps the definitions that a later
 // class of the list replaces.
@@ -30,6 +39,8 @@ struct class_run {
   class_reader reader{};
   key_set repeated{};            // folded names that the list holds twice
   key_map<std::string> tried{};  // their definitions, in a trial
+  // In a real run: their definitions before the first and after the last of the list.
+  std::map<std::string, repeated_class> rewritten{};
   bool has_written = false;
   class_def definition{};  // of the class that set_class works on, as are the tables
   std::vector<std::string> tables{};
@@ -143,6 +154,24 @@ static bool write_tables(class_run& run, int64_t id, const std::vector<std::stri
   return true;
 }
 
+static bool note_class(operation& op, const std::string& name, const std::string* before,
+                       std::string_view after) {
+  const std::string_view old = before != nullptr ? std::string_view(*before) : std::string_view();
+  return note_change(op.session, change_of::CLASS, name,
+                     {before != nullptr ? &old : nullptr, &after}, op.why);
+}
+
+static bool note_written(class_run& run, const std::string& key, const old_class& old,
+                         const std::string& name, std::string_view text) {
+  const std::string* before = old.id != 0 ? &old.text : nullptr;
+  if (run.repeated.count(key) == 0) return note_class(run.op, name, before, text);
+  const auto [at, is_first] = run.rewritten.try_emplace(key);
+  if (is_first && before != nullptr) at->second.before = *before;
+  if (is_first) at->second.name = name;
+  at->second.after = text;
+  return true;
+}
+
 // An unchanged class is not written.
 static bool write_class(class_run& run, const old_class& old,
                         const std::vector<std::string>& old_tables) {
@@ -153,6 +182,7 @@ static bool write_class(class_run& run, const old_class& old,
   class_row row{old.id, key.c_str(), name, run.database.counter + 1, text.data()};
   store* store = run.op.session.store.get();
   run.has_written = true;
+  if (!note_written(run, key, old, name, text)) return false;
   return store->calls->put_class(store, run.database.id, row, run.op.why) &&
          write_tables(run, row.id, old_tables);
 }
@@ -204,7 +234,10 @@ static bool finish(class_run& run) {
   if (run.has_written && !store->calls->set_counter(store, run.database.id, stamp, op.why)) {
     return false;
   }
-  if (!commit_write(op.session, op.why)) return false;
+  for (const auto& [key, each] : run.rewritten) {
+    if (!note_class(op, each.name, each.before ? &*each.before : nullptr, each.after)) return false;
+  }
+  if (!commit_write(op.session, journal_kind::CLASSES, run.database.number, op.why)) return false;
   if (run.has_written) note_own(op.session, run.database.number, stamp);
   op.notes = std::move(run.notes);
   return true;

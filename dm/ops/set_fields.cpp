@@ -106,7 +106,10 @@ dd_flist set_fields(operation& op) {
   if (!make_plan(op, plan)) return nullptr;
   dd_flist output = nothing_to_give(op);  // before the commit: after it nothing may fail
   if (is_first || output == nullptr) return output;
-  if (!write_fields(op.session, plan, op.why) || !commit_write(op.session, op.why)) return nullptr;
+  if (!write_fields(op.session, plan, op.why) ||
+      !commit_write(op.session, journal_kind::FIELDS, plan.target, op.why)) {
+    return nullptr;
+  }
   return output;
 }
 

@@ -35,6 +35,8 @@ static constexpr const char* STATEMENTS[] = {
     " AS r (id, database, folded, name, stamp, definition)",
     "INSERT INTO dd_tables (database, folded, name, class)"
     " SELECT * FROM unnest($1::bigint[], $2::text[], $3::text[], $4::bigint[])",
+    "INSERT INTO dd_journal_changes (record, part, content)"
+    " SELECT * FROM unnest($1::bigint[], $2::bigint[], $3::text[])",
 };
 static_assert(std::size(STATEMENTS) == static_cast<size_t>(change::CHANGES));
 

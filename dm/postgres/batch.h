@@ -26,6 +26,7 @@ enum class change {
   ADD_FIELD,
   ADD_CLASS,
   ADD_TABLE,
+  ADD_JOURNAL_PART,
   CHANGES  // their number
 };
 

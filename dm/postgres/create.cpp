@@ -1,4 +1,6 @@
 // Making a dictionary in an existing database, all in one transaction.
+#include <algorithm>
+
 #include "dm/postgres/handle.h"
 #include "dm/postgres/tables.h"
 #include "dm/schema.h"
@@ -21,6 +23,11 @@ static bool is_usable(postgres_store& store, problem& why) {
          postgres_refuse(store, TAV_ERR_CONFLICT, "there is one already; it is left as it is", why);
 }
 
+static bool make_tables(postgres_store& store, problem& why) {
+  return std::all_of(std::begin(POSTGRES_STEPS), std::end(POSTGRES_STEPS),
+                     [&](const char* step) { return execute(store, step, why) != nullptr; });
+}
+
 store_owner begin_new_postgres(const std::string& where, const open_options& options,
                                problem& why) {
   store_owner owner = connect_postgres(where, options, why);
@@ -28,9 +35,11 @@ store_owner begin_new_postgres(const std::string& where, const open_options& opt
   postgres_store& store = postgres_of(owner.get());
   if (!is_usable(store, why)) return nullptr;
   store.is_writing = true;
+  store.version = SCHEMA_VERSION;
+  store.needs_guards = true;
   const parameters version(int64_t{SCHEMA_VERSION});
   const bool is_made =
-      execute(store, "BEGIN", why) != nullptr && execute(store, POSTGRES_SCHEMA, why) != nullptr &&
+      execute(store, "BEGIN", why) != nullptr && make_tables(store, why) &&
       change_rows(store, "INSERT INTO dd_schema (version) VALUES ($1)", version, 1, why);
   return is_made ? std::move(owner) : nullptr;
 }

@@ -41,6 +41,9 @@ struct postgres_store : store {
   steady::time_point asked;               // when the last message was sent
   int version = 0;
   bool is_writing = false;
+  bool is_outdated = false;   // it has an older schema version, and is read only
+  bool may_upgrade = false;   // it may be written although its schema version is an older one
+  bool needs_guards = false;  // its journal's guards are to be made before the commit
   postgres_rows* fetching = nullptr;  // has asked for rows that were not taken in yet
   unsigned cursors = 0;               // opened so far
   int64_t last_class = 0;             // highest id in use; 0: not asked for in this transaction
@@ -123,6 +126,8 @@ PGconn* connect_beside(const postgres_store& store);
 bool read_privileges(postgres_store& store, problem& why);
 // Whether there is a dictionary in a schema that the role may not use, or the question failed.
 bool is_hidden(postgres_store& store, problem& why);
+// Makes what is due of the journal's guards.
+bool make_guards(postgres_store& store, problem& why);
 // What the module offers.
 store_owner open_postgres(const std::string& where, const open_options& options, problem& why);
 store_owner begin_new_postgres(const std::string& where, const open_options& options, problem& why);
@@ -143,6 +148,15 @@ bool postgres_delete_field(store*, int64_t, int32_t, problem&);
 bool postgres_put_class(store*, int64_t, class_row&, problem&);
 bool postgres_add_table(store*, int64_t, const table_row&, problem&);
 bool postgres_delete_table(store*, int64_t, const char*, problem&);
+bool postgres_identity(store*, std::string&, problem&);
+bool postgres_set_identity(store*, const std::string&, problem&);
+bool postgres_journal_end(store*, journal_head&, problem&);
+bool postgres_journal(store*, const journal_range&, visitor<journal_record>, problem&);
+bool postgres_journal_parts(store*, const journal_range&, visitor<journal_part>, problem&);
+bool postgres_add_record(store*, const journal_record&, problem&);
+bool postgres_add_part(store*, const journal_part&, problem&);
+bool postgres_forget_records(store*, int64_t, problem&);
+bool postgres_upgrade(store*, problem&);
 
 extern const store_calls POSTGRES_CALLS;
 

@@ -14,7 +14,8 @@ static constexpr char PARTS[] = R"sql(
 WITH ours (kind, name, relation) AS (
   SELECT kind, name, to_regclass(name)
   FROM (VALUES ('table', 'dd_schema'), ('table', 'dd_databases'), ('table', 'dd_fields'),
-               ('table', 'dd_classes'), ('table', 'dd_tables'), ('view', 'dd_class_nodes'),
+               ('table', 'dd_classes'), ('table', 'dd_tables'), ('table', 'dd_identity'),
+               ('table', 'dd_journal'), ('table', 'dd_journal_changes'), ('view', 'dd_class_nodes'),
                ('view', 'dd_class_fields'), ('view', 'dd_class_attributes')) v (kind, name)
 )
 SELECT kind || ' ' || name,
@@ -40,8 +41,14 @@ SELECT 'constraint ' || pg_get_constraintdef(c.oid) || ' of ' || name,
             THEN 'switched off' ELSE 'enforced' END
 FROM ours JOIN pg_constraint c ON conrelid = relation AND contype <> 'n'
 UNION ALL
-SELECT 'trigger ' || tgname || ' of ' || name, ''
+SELECT 'trigger ' || tgname || ' of ' || name,
+       CASE WHEN tgenabled = 'O' THEN 'at work, ' ELSE 'switched off, ' END
+       || regexp_replace(pg_get_triggerdef(t.oid), '^.* (BEFORE .*) ON .* FOR ', '\1 FOR ')
+FROM ours JOIN pg_trigger t ON tgrelid = relation AND NOT tgisinternal
+UNION ALL
+SELECT DISTINCT 'function ' || proname, btrim(prosrc)
 FROM ours JOIN pg_trigger ON tgrelid = relation AND NOT tgisinternal
+     JOIN pg_proc p ON p.oid = tgfoid AND proname IN ('dd_journal_keep', 'dd_journal_role')
 UNION ALL
 SELECT 'rule ' || rulename || ' of ' || name, ''
 FROM ours JOIN pg_rewrite ON ev_class = relation AND rulename <> '_RETURN'
@@ -60,8 +67,9 @@ WHERE NOT EXISTS (SELECT FROM pg_constraint WHERE conindid = indexrelid AND conr
 ORDER BY 1
 )sql";
 
-// The subjects in a sound dictionary, in the server's wording. Columns are added from the schema.
-static constexpr char EXPECTED[] = R"(table dd_schema
+// The subjects in a sound dictionary that each schema version adds, in the server's wording.
+// Columns are added from the schema.
+static constexpr const char* EXPECTED[SCHEMA_VERSION] = {R"(table dd_schema
 table dd_databases
 table dd_fields
 table dd_classes
@@ -82,19 +90,41 @@ constraint UNIQUE (database, folded) of dd_classes
 constraint FOREIGN KEY (database) REFERENCES dd_databases(id) of dd_classes
 constraint PRIMARY KEY (database, folded) of dd_tables
 constraint FOREIGN KEY (database) REFERENCES dd_databases(id) of dd_tables
-constraint FOREIGN KEY (class) REFERENCES dd_classes(id) of dd_tables)";
+constraint FOREIGN KEY (class) REFERENCES dd_classes(id) of dd_tables)",
+                                                         R"(table dd_identity
+table dd_journal
+table dd_journal_changes
+constraint PRIMARY KEY (is_one) of dd_identity
+constraint CHECK (is_one) of dd_identity
+constraint PRIMARY KEY (number) of dd_journal
+constraint PRIMARY KEY (record, part) of dd_journal_changes
+trigger dd_identity_keep of dd_identity
+trigger dd_journal_keep of dd_journal
+trigger dd_journal_role of dd_journal
+trigger dd_journal_changes_keep of dd_journal_changes)"};
+
+// The guards of the journal, in the server's wording.
+static constexpr char KEEPS[] =
+    "at work, BEFORE DELETE OR UPDATE OR TRUNCATE FOR EACH STATEMENT EXECUTE FUNCTION"
+    " dd_journal_keep()";
+static constexpr char SIGNING[] = "dd_journal_role";
+static constexpr char SIGNS[] =
+    "at work, BEFORE INSERT FOR EACH ROW EXECUTE FUNCTION dd_journal_role()";
 
 static const char* shape_of(const std::string& subject) {
   if (subject[0] == 'c') return "enforced";
+  if (subject.rfind("trigger ", 0) == 0) {
+    return subject.find(SIGNING) != subject.npos ? SIGNS : KEEPS;
+  }
   return subject[0] == 't' ? "TABLE" : "VIEW";
 }
 
 using parts = std::map<std::string, std::string>;  // shapes by subject
 
-// Adds the columns: each has a line of its own in POSTGRES_SCHEMA.
-static void add_columns(parts& expected) {
+// Adds the columns: each has a line of its own where its table is made.
+static void add_columns(const char* tables, parts& expected) {
   static const std::string TABLE = "CREATE TABLE ";
-  std::istringstream lines(POSTGRES_SCHEMA);
+  std::istringstream lines(tables);
   std::string table;
   for (std::string line; std::getline(lines, line);) {
     if (line.rfind(TABLE, 0) == 0)
@@ -109,11 +139,25 @@ static void add_columns(parts& expected) {
   }
 }
 
-static parts expected_parts() {
+// Adds the functions: the body of each stands on a line of its own, between "$$ " and " $$;".
+static void add_functions(parts& expected) {
+  static const std::string FUNCTION = "CREATE FUNCTION ";
+  std::istringstream lines(POSTGRES_GUARDS);
+  for (std::string line, body; std::getline(lines, line);) {
+    if (line.rfind(FUNCTION, 0) != 0 || !std::getline(lines, body)) continue;
+    const std::string name = line.substr(FUNCTION.size(), line.find('(') - FUNCTION.size());
+    expected["function " + name] = body.substr(3, body.size() - 7);
+  }
+}
+
+static parts expected_parts(int version) {
   parts expected;
-  std::istringstream lines(EXPECTED);
-  for (std::string line; std::getline(lines, line);) expected[line] = shape_of(line);
-  add_columns(expected);
+  if (version >= JOURNAL_VERSION) add_functions(expected);
+  for (int step = 0; step < version; ++step) {
+    std::istringstream lines(EXPECTED[step]);
+    for (std::string line; std::getline(lines, line);) expected[line] = shape_of(line);
+    add_columns(POSTGRES_STEPS[step], expected);
+  }
   return expected;
 }
 
@@ -121,7 +165,8 @@ static constexpr char BROKEN_INDEXES[] = R"sql(
 SELECT 'Index ' || indexrelid::regclass || ' cannot be used; build it anew (REINDEX).'
 FROM pg_index
 WHERE indrelid IN (to_regclass('dd_schema'), to_regclass('dd_databases'), to_regclass('dd_fields'),
-                   to_regclass('dd_classes'), to_regclass('dd_tables'))
+                   to_regclass('dd_classes'), to_regclass('dd_tables'), to_regclass('dd_identity'),
+                   to_regclass('dd_journal'), to_regclass('dd_journal_changes'))
   AND NOT (indisvalid AND indisready)
 )sql";
 
@@ -131,7 +176,7 @@ static bool check_parts(postgres_store& store, visitor<std::string_view> visitor
   };
   const result_owner found = execute(store, PARTS, parameters(), why);
   if (found == nullptr) return false;
-  parts expected = expected_parts();
+  parts expected = expected_parts(store.version);
   for (int row = 0; row < PQntuples(found.get()); ++row) {
     const char* subject = PQgetvalue(found.get(), row, 0);
     const char* shape = PQgetvalue(found.get(), row, 1);

@@ -18,7 +18,7 @@ static const char* postgres_name(store* base) {
 }
 
 static bool postgres_writeable(store* base) {
-  return postgres_of(base).refusal.empty();
+  return postgres_of(base).refusal.empty() && !postgres_of(base).is_outdated;
 }
 
 static int postgres_version(store* base) {
@@ -30,6 +30,7 @@ static void postgres_rollback(store* base) {
   collect_rows(store);
   drop_batches(store);
   store.has_compression = false;
+  store.needs_guards = false;
   store.kept = postgres_kept();
   store.is_writing = false;
   store.last_class = 0;
@@ -54,8 +55,11 @@ static bool lock(postgres_store& store, problem& why) {
   if (locked == nullptr) return false;
   spend_patience(store);
   // If row security hid the row, nothing would be locked and two could write at once.
-  return PQntuples(locked.get()) == 1 ||
-         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  if (PQntuples(locked.get()) != 1) {
+    return postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  }
+  store.version = std::atoi(PQgetvalue(locked.get(), 0, 0));  // it may have been upgraded
+  return true;
 }
 
 // Row security that keeps rows away from the role is an error then: an export or a backup without
@@ -69,6 +73,7 @@ static bool begin_snapshot(postgres_store& store, problem& why) {
 static bool postgres_begin(store* base, bool write, problem& why) try {
   postgres_store& store = postgres_of(base);
   if (!write) return begin_snapshot(store, why);
+  if (store.is_outdated) return needs_upgrade(store.name, store.version, why);
   if (!store.refusal.empty()) {
     return postgres_refuse(store, TAV_ERR_WRITE_REFUSED, store.refusal, why);
   }
@@ -83,7 +88,7 @@ static bool postgres_begin(store* base, bool write, problem& why) try {
 
 static bool postgres_commit(store* base, problem& why) {
   postgres_store& store = postgres_of(base);
-  if (!flush(store, why) || !settle(store, why)) return false;
+  if (!flush(store, why) || !settle(store, why) || !make_guards(store, why)) return false;
   const bool is_sent = send_message(store, "COMMIT", nullptr);
   const result_owner result = is_sent ? take_answer(store, silence::IS_THE_END) : nullptr;
   // Without the server's own answer (the connection is lost, or memory to receive it ran out) the
@@ -127,6 +132,15 @@ const store_calls POSTGRES_CALLS = {
     .put_class = postgres_put_class,
     .add_table = postgres_add_table,
     .delete_table = postgres_delete_table,
+    .identity = postgres_identity,
+    .set_identity = postgres_set_identity,
+    .journal_end = postgres_journal_end,
+    .journal = postgres_journal,
+    .journal_parts = postgres_journal_parts,
+    .add_record = postgres_add_record,
+    .add_part = postgres_add_part,
+    .forget_records = postgres_forget_records,
+    .upgrade = postgres_upgrade,
     .integrity = postgres_integrity,
 };
 
@@ -141,8 +155,12 @@ static bool read_version(postgres_store& store, problem& why) {
   return true;
 }
 
-static bool is_known_version(const postgres_store& store, problem& why) {
-  if (store.version == SCHEMA_VERSION) return true;
+// Whether this program reads the version. One that is older is not written.
+static bool takes_version(postgres_store& store, problem& why) {
+  if (store.version == SCHEMA_VERSION || (is_known_version(store.version) && store.may_upgrade)) {
+    return true;
+  }
+  if (is_known_version(store.version)) return store.is_outdated = true;
   why.code = TAV_ERR_STORAGE;
   why.is_damage = true;
   why.sentence = join({"Dictionary ", quoted(store.name), other_version(store.version)});
@@ -153,8 +171,9 @@ store_owner open_postgres(const std::string& where, const open_options& options,
   store_owner owner = connect_postgres(where, options, why);
   if (owner == nullptr) return nullptr;
   postgres_store& store = postgres_of(owner.get());
+  store.may_upgrade = options.may_upgrade;
   const bool is_usable =
-      read_privileges(store, why) && read_version(store, why) && is_known_version(store, why);
+      read_privileges(store, why) && read_version(store, why) && takes_version(store, why);
   return is_usable ? std::move(owner) : nullptr;
 }
 

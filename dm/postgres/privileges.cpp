@@ -7,14 +7,19 @@ namespace dm {
 
 // Gives: whether a dictionary exists; whether the server takes reads only; the grants that the role
 // lacks to read, and those that it lacks to read and write (NULL: none). Deploying needs no INSERT
-// on dd_databases. To lock the row of dd_schema it is enough to have UPDATE on one of its columns.
+// on dd_databases, and neither UPDATE nor DELETE on the journal. To lock the row of dd_schema it is
+// enough to have UPDATE on one of its columns.
 static constexpr char PRIVILEGES[] = R"sql(
 WITH needed (table_name, privilege, column_name) AS (
   VALUES ('dd_schema', 'SELECT', NULL), ('dd_schema', 'UPDATE', 'is_one'),
-         ('dd_databases', 'SELECT', NULL), ('dd_databases', 'UPDATE', 'counter')
+         ('dd_databases', 'SELECT', NULL), ('dd_databases', 'UPDATE', 'counter'),
+         ('dd_identity', 'SELECT', NULL)
   UNION ALL
   SELECT t, p, NULL FROM unnest(ARRAY['dd_fields', 'dd_classes', 'dd_tables']) t,
                          unnest(ARRAY['SELECT', 'INSERT', 'UPDATE', 'DELETE']) p
+  UNION ALL
+  SELECT t, p, NULL FROM unnest(ARRAY['dd_journal', 'dd_journal_changes']) t,
+                         unnest(ARRAY['SELECT', 'INSERT']) p
 ), missing AS (
   SELECT quote_ident(nspname) || '.' || table_name AS name,
          privilege || COALESCE(' (' || column_name || ')', '') AS privilege

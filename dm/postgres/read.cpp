@@ -9,7 +9,9 @@ static bool is_many(query which) {
   return which == SELECT_FIELDS || which == SELECT_FIELD_TYPES ||
          which == SELECT_FIELDS_WITH_KEYS || which == SELECT_CLASSES ||
          which == SELECT_CLASSES_BELOW || which == SELECT_CLASSES_MENTIONING ||
-         which == SELECT_TABLES;
+         which == SELECT_TABLES || which == SELECT_JOURNAL ||
+         which == SELECT_JOURNAL_NEWEST_FIRST || which == SELECT_PARTS ||
+         which == SELECT_PARTS_NEWEST_FIRST;
 }
 
 template <class Row>
@@ -85,11 +87,40 @@ bool postgres_count(store* base, int64_t database, counted what, int64_t& count,
   return true;
 }
 
+bool postgres_journal(store* base, const journal_range& range, visitor<journal_record> visitor,
+                      problem& why) {
+  const query which = range.newest_first ? SELECT_JOURNAL_NEWEST_FIRST : SELECT_JOURNAL;
+  return read_rows(postgres_of(base), which, parameters(range.from, range.to), visitor, why);
+}
+
+bool postgres_journal_parts(store* base, const journal_range& range, visitor<journal_part> visitor,
+                            problem& why) {
+  const query which = range.newest_first ? SELECT_PARTS_NEWEST_FIRST : SELECT_PARTS;
+  return read_rows(postgres_of(base), which, parameters(range.from, range.to), visitor, why);
+}
+
+// The role is the one that logged in, as the server knows it.
+bool postgres_journal_end(store* base, journal_head& head, problem& why) {
+  head = {};
+  auto take = [&](const journal_head& row) { return head = row, true; };
+  const bool is_read = read_rows(postgres_of(base), SELECT_JOURNAL_END, parameters(),
+                                 visit<journal_head>(take), why);
+  head.role = PQuser(postgres_of(base).connection);
+  return is_read;
+}
+
+bool postgres_identity(store* base, std::string& identity, problem& why) {
+  identity.clear();
+  auto take = [&](const text_row& row) { return identity = row.text, true; };
+  return read_rows(postgres_of(base), SELECT_IDENTITY, parameters(), visit<text_row>(take), why);
+}
+
 // With its indexes.
 bool postgres_size(store* base, int64_t& bytes, problem& why) {
   static constexpr char SIZE[] =
       "SELECT sum(pg_total_relation_size(to_regclass(t)))::BIGINT FROM unnest(ARRAY["
-      "'dd_schema', 'dd_databases', 'dd_fields', 'dd_classes', 'dd_tables']) t";
+      "'dd_schema', 'dd_databases', 'dd_fields', 'dd_classes', 'dd_tables', 'dd_identity',"
+      " 'dd_journal', 'dd_journal_changes']) t";
   postgres_rows rows(postgres_of(base), SIZE, parameters(), false, why);
   if (rows.next() != postgres_rows::ROW) return false;
   bytes = rows.integer(0);

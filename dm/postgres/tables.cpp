@@ -8,7 +8,7 @@ namespace dm {
 // COLLATE "C" orders keys byte by byte, whatever the database's own order. The type json keeps the
 // definition's text as it was written and refuses what is no JSON. The views are for people:
 // `place` is the path of an entry in the definition; NULL means the class itself.
-const char POSTGRES_SCHEMA[] = R"sql(
+static constexpr char FIRST[] = R"sql(
 CREATE TABLE dd_schema (
   version INTEGER NOT NULL,
   is_one BOOLEAN NOT NULL DEFAULT true PRIMARY KEY CHECK (is_one)
@@ -69,6 +69,57 @@ FROM dd_class_nodes n, json_each(n.definition) a,
               SELECT t FROM json_array_elements_text(
                 CASE WHEN json_typeof(a.value) = 'array' THEN a.value ELSE '[]' END) t) v
 WHERE a.key <> 'entries';
+)sql";
+
+static constexpr char SECOND[] = R"sql(
+CREATE TABLE dd_identity (
+  identity TEXT NOT NULL,
+  is_one BOOLEAN NOT NULL DEFAULT true PRIMARY KEY CHECK (is_one)
+);
+CREATE TABLE dd_journal (
+  number BIGINT NOT NULL PRIMARY KEY,
+  deployment BIGINT NOT NULL,
+  changes BIGINT NOT NULL,
+  time TEXT NOT NULL,
+  database TEXT NOT NULL,
+  kind TEXT NOT NULL,
+  run TEXT NOT NULL,
+  os_user TEXT NOT NULL,
+  os_host TEXT NOT NULL,
+  role TEXT NOT NULL,
+  login TEXT NOT NULL,
+  program TEXT NOT NULL,
+  version TEXT NOT NULL,
+  mode TEXT NOT NULL,
+  called TEXT NOT NULL,
+  reason TEXT NOT NULL,
+  detail TEXT NOT NULL,
+  previous TEXT NOT NULL,
+  hash TEXT NOT NULL
+);
+CREATE TABLE dd_journal_changes (
+  record BIGINT NOT NULL,
+  part BIGINT NOT NULL,
+  content TEXT NOT NULL,
+  PRIMARY KEY (record, part)
+);
+)sql";
+
+const char* const POSTGRES_STEPS[SCHEMA_VERSION] = {FIRST, SECOND};
+
+const char POSTGRES_GUARDS[] = R"sql(
+CREATE FUNCTION dd_journal_keep() RETURNS trigger LANGUAGE plpgsql AS
+$$ BEGIN RAISE EXCEPTION 'the journal only grows'; END $$;
+CREATE FUNCTION dd_journal_role() RETURNS trigger LANGUAGE plpgsql AS
+$$ BEGIN IF NEW.role <> session_user THEN RAISE EXCEPTION 'the journal names the role that writes'; END IF; RETURN NEW; END $$;
+CREATE TRIGGER dd_identity_keep BEFORE UPDATE OR DELETE OR TRUNCATE ON dd_identity
+  FOR EACH STATEMENT EXECUTE FUNCTION dd_journal_keep();
+CREATE TRIGGER dd_journal_keep BEFORE UPDATE OR DELETE OR TRUNCATE ON dd_journal
+  FOR EACH STATEMENT EXECUTE FUNCTION dd_journal_keep();
+CREATE TRIGGER dd_journal_role BEFORE INSERT ON dd_journal
+  FOR EACH ROW EXECUTE FUNCTION dd_journal_role();
+CREATE TRIGGER dd_journal_changes_keep BEFORE UPDATE OR DELETE OR TRUNCATE ON dd_journal_changes
+  FOR EACH STATEMENT EXECUTE FUNCTION dd_journal_keep();
 )sql";
 
 }  // namespace dm

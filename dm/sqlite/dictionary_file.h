@@ -12,9 +12,9 @@ namespace dm {
 // schema version, locked or unreadable. One that cannot be written is opened for reading.
 store_owner open_sqlite(const std::string& path, const open_options& options, problem& why);
 
-// Makes a dictionary that holds what `fill` writes, readable and writeable by its owner only.
-// Refuses an existing file; a failed or interrupted call leaves nothing behind.
-bool create_sqlite(const std::string& path, const fill_store& fill, problem& why);
+// Makes a dictionary of that schema version that holds what `fill` writes, readable and writeable
+// by its owner only. Refuses an existing file; a failed or interrupted call leaves nothing behind.
+bool create_sqlite(const std::string& path, int version, const fill_store& fill, problem& why);
 
 }  // namespace dm
 

@@ -3,6 +3,7 @@
 
 #include "dm/engine.h"
 #include "dm/open.h"
+#include "dm/schema.h"
 #include "dm/sqlite/dictionary_file.h"
 #include "vantor/binding.h"
 
@@ -52,7 +53,7 @@ static store_owner open_file(const settings& settings, const open_options& optio
 static bool make_file(const settings& settings, const fill_store& fill, std::string& name,
                       problem& why) {
   name = path_of(settings.dictionary);
-  return create_sqlite(name, fill, why);
+  return create_sqlite(name, SCHEMA_VERSION, fill, why);
 }
 
 const engine SQLITE_ENGINE = {

@@ -22,6 +22,12 @@ static constexpr const char* WRITES[] = {
     "UPDATE dd_classes SET stamp = ?2, definition = ?3 WHERE id = ?1",
     "INSERT INTO dd_tables (database, folded, name, class) VALUES (?1, ?2, ?3, ?4)",
     "DELETE FROM dd_tables WHERE database = ?1 AND folded = ?2",
+    "INSERT INTO dd_identity (is_one, identity) VALUES (1, ?1)",
+    "INSERT INTO dd_journal (number, deployment, changes, time, database, kind, run, os_user,"
+    " os_host, role, login, program, version, mode, called, reason, detail, previous, hash)"
+    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18,"
+    " ?19)",
+    "INSERT INTO dd_journal_changes (record, part, content) VALUES (?1, ?2, ?3)",
 };
 static_assert(std::size(WRITES) + QUERIES == STATEMENTS);
 

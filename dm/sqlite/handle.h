@@ -23,6 +23,9 @@ enum statement {
   UPDATE_CLASS,
   INSERT_TABLE,
   DELETE_TABLE,
+  INSERT_IDENTITY,
+  INSERT_RECORD,
+  INSERT_PART,
   STATEMENTS  // their number
 };
 
@@ -47,6 +50,7 @@ struct sqlite_store : store {
   bool is_onlooker = false;   // this user may not write the file or its folder
   bool is_copy = false;       // the connection reads a copy of the file in memory
   bool has_begun = false;     // a snapshot was begun on it
+  bool may_upgrade = false;   // it may be written although its schema version is an older one
 };
 
 inline sqlite_store& sqlite_of(store* base) {
@@ -121,6 +125,15 @@ bool sqlite_delete_field(store*, int64_t, int32_t, problem&);
 bool sqlite_put_class(store*, int64_t, class_row&, problem&);
 bool sqlite_add_table(store*, int64_t, const table_row&, problem&);
 bool sqlite_delete_table(store*, int64_t, const char*, problem&);
+bool sqlite_identity(store*, std::string&, problem&);
+bool sqlite_set_identity(store*, const std::string&, problem&);
+bool sqlite_journal_end(store*, journal_head&, problem&);
+bool sqlite_journal(store*, const journal_range&, visitor<journal_record>, problem&);
+bool sqlite_journal_parts(store*, const journal_range&, visitor<journal_part>, problem&);
+bool sqlite_add_record(store*, const journal_record&, problem&);
+bool sqlite_add_part(store*, const journal_part&, problem&);
+bool sqlite_forget_records(store*, int64_t, problem&);
+bool sqlite_upgrade(store*, problem&);
 
 extern const store_calls SQLITE_CALLS;
 

@@ -36,12 +36,15 @@ static bool read_schema(sqlite_store& store, schema& found, problem& why) {
       [&](sqlite3_stmt* row) { return found.emplace(column(row, 0), column(row, 1)), true; });
 }
 
-static bool make_schema(schema& expected, problem& why) {
+static bool make_schema(int version, schema& expected, problem& why) {
   sqlite_store fresh;
   const int result = sqlite3_open(":memory:", &fresh.db);
   const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> owner(fresh.db, sqlite3_close);
-  return (result == SQLITE_OK || sqlite_failed(fresh, result, why)) &&
-         sqlite_run(fresh, DICTIONARY_SCHEMA, why) && read_schema(fresh, expected, why);
+  if (result != SQLITE_OK) return sqlite_failed(fresh, result, why);
+  for (int step = 1; step <= version; ++step) {
+    if (!sqlite_run(fresh, schema_step(step).c_str(), why)) return false;
+  }
+  return read_schema(fresh, expected, why);
 }
 
 // Tables and views that an administrator added do no harm. A trigger or an index could act on ours.
@@ -52,7 +55,7 @@ static bool is_harmless(const std::string& kind_and_name) {
 static bool check_schema(sqlite_store& store, visitor<std::string_view> visitor, problem& why) {
   schema expected;
   schema found;
-  if (!make_schema(expected, why) || !read_schema(store, found, why)) return false;
+  if (!make_schema(store.version, expected, why) || !read_schema(store, found, why)) return false;
   for (const auto& [name, sql] : expected) {
     const auto at = found.find(name);
     const bool is_there = at != found.end();

@@ -26,7 +26,9 @@ static const char* sqlite_name(store* base) {
 }
 
 static bool sqlite_writeable(store* base) {
-  return !sqlite_of(base).is_copy && sqlite3_db_readonly(sqlite_of(base).db, "main") == 0;
+  const sqlite_store& store = sqlite_of(base);
+  return !store.is_copy && sqlite3_db_readonly(store.db, "main") == 0 &&
+         (store.version == SCHEMA_VERSION || store.may_upgrade);
 }
 
 static int sqlite_version(store* base) {
@@ -112,7 +114,7 @@ static bool open_place(sqlite_store& store, problem& why) {
   if (result != SQLITE_OK) return cannot_read(store, result, why);
   if (!store.is_copy && !may_commit(store, why)) return false;
   if (mark != DICTIONARY_MARK) return sqlite_failed(store, SQLITE_NOTADB, why);
-  if (store.version == SCHEMA_VERSION) return true;
+  if (is_known_version(store.version)) return true;
   why.code = TAV_ERR_STORAGE;
   why.is_damage = true;
   why.sentence = join({"Dictionary ", quoted(store.path), other_version(store.version)});
@@ -149,14 +151,21 @@ static bool begin_read(sqlite_store& store, problem& why) {
 static bool sqlite_begin(store* base, bool write, problem& why) {
   sqlite_store& store = sqlite_of(base);
   if (!write) return begin_read(store, why);
+  if (store.version != SCHEMA_VERSION && !store.may_upgrade) {
+    return needs_upgrade(store.path, store.version, why);
+  }
   // Refused here because the engine would begin the transaction and fail at the first row only.
   if (!sqlite_writeable(base)) return sqlite_failed(store, SQLITE_READONLY, why);
   // A cache of 16 MB keeps the indexes of a large dictionary in memory. The journal of a statement
   // of many rows stays in memory too: else the engine would need a folder for temporary files.
-  return sqlite_run(store,
-                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
-                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
-                    why);
+  const bool has_begun = sqlite_run(store,
+                                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
+                                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
+                                    why);
+  if (!has_begun || !store.may_upgrade) return has_begun;
+  // Another process may have upgraded it since it was opened.
+  const int result = read_number(store, "PRAGMA user_version", store.version);
+  return result == SQLITE_OK || sqlite_failed(store, result, why);
 }
 
 static bool sqlite_commit(store* base, problem& why) {
@@ -196,6 +205,15 @@ const store_calls SQLITE_CALLS = {
     .put_class = sqlite_put_class,
     .add_table = sqlite_add_table,
     .delete_table = sqlite_delete_table,
+    .identity = sqlite_identity,
+    .set_identity = sqlite_set_identity,
+    .journal_end = sqlite_journal_end,
+    .journal = sqlite_journal,
+    .journal_parts = sqlite_journal_parts,
+    .add_record = sqlite_add_record,
+    .add_part = sqlite_add_part,
+    .forget_records = sqlite_forget_records,
+    .upgrade = sqlite_upgrade,
     .integrity = sqlite_integrity,
 };
 
@@ -205,6 +223,7 @@ store_owner open_sqlite(const std::string& path, const open_options& options, pr
   store_owner owner(store);
   store->path = path;
   store->milliseconds_left = options.busy_milliseconds;
+  store->may_upgrade = options.may_upgrade;
   return open_place(*store, why) ? std::move(owner) : nullptr;
 }
 

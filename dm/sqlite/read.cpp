@@ -61,4 +61,33 @@ bool sqlite_size(store* base, int64_t& bytes, problem& why) {
   return result == SQLITE_OK || sqlite_failed(sqlite_of(base), result, why);
 }
 
+bool sqlite_journal(store* base, const journal_range& range, visitor<journal_record> visitor,
+                    problem& why) {
+  sqlite_use use(sqlite_of(base),
+                 range.newest_first ? SELECT_JOURNAL_NEWEST_FIRST : SELECT_JOURNAL);
+  use.bind(range.from).bind(range.to);
+  return read_rows(sqlite_of(base), use, visitor, why);
+}
+
+bool sqlite_journal_parts(store* base, const journal_range& range, visitor<journal_part> visitor,
+                          problem& why) {
+  sqlite_use use(sqlite_of(base), range.newest_first ? SELECT_PARTS_NEWEST_FIRST : SELECT_PARTS);
+  use.bind(range.from).bind(range.to);
+  return read_rows(sqlite_of(base), use, visitor, why);
+}
+
+bool sqlite_journal_end(store* base, journal_head& head, problem& why) {
+  head = {};
+  auto take = [&](const journal_head& row) { return head = row, true; };
+  sqlite_use use(sqlite_of(base), SELECT_JOURNAL_END);
+  return read_rows(sqlite_of(base), use, visit<journal_head>(take), why);
+}
+
+bool sqlite_identity(store* base, std::string& identity, problem& why) {
+  identity.clear();
+  auto take = [&](const text_row& row) { return identity = row.text, true; };
+  sqlite_use use(sqlite_of(base), SELECT_IDENTITY);
+  return read_rows(sqlite_of(base), use, visit<text_row>(take), why);
+}
+
 }  // namespace dm

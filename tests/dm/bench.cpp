@@ -237,7 +237,7 @@ std::string output_of(const std::string& command, int* status) {
 }
 
 bool make(const dm::settings& settings, dm::problem& why) {
-  const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_database(s, 1, p); };
+  const auto fill = [](dm::store& s, dm::problem& p) { return dm::make_first_database(s, 1, p); };
   std::string name;
   return dm::create_dictionary(settings, fill, name, why);
 }

@@ -23,7 +23,7 @@ TEST_F(store, that_cannot_be_opened_is_named_with_what_to_do) {
     EXPECT_NE(log("cm").find(sentence, told), std::string::npos) << log("cm");
   };
   query("PRAGMA user_version = 7");
-  opening("STORAGE", "has schema version 7, this program reads version 1");
+  opening("STORAGE", "has schema version 7, this program reads versions 1 to 2");
   replace_by(std::string(100000, 'x'));
   opening("STORAGE", "the file is no dictionary");
   replace_by("");
@@ -121,7 +121,7 @@ TEST_F(store, is_made_and_looked_after_by_tav_dict) {
   says("add-database 0.0.1", 2, "is no database number");
   says("add-database 0.0.1.65536", 2, "is no database number");
   says("status", 0,
-       "schema version: 1\nwriteable: yes\naccepts fields: yes\naccepts classes: no\n"
+       "schema version: 2\nwriteable: yes\naccepts fields: yes\naccepts classes: no\n"
        "database 0.0.0.9: 47 fields, 0 classes\ndatabase 0.0.1.1: 47 fields, 0 classes\n");
   says("check", 0, "No findings");
   says("", 2, "subcommand");

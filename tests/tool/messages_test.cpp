@@ -73,7 +73,7 @@ static const std::pair<const char*, std::regex> SHOWN[] = {
     {"dm", std::regex("^[^|]*([a-z]{2}[^|]* | [^|]*[a-z]{2})")}};
 static const std::regex UNSEEN(
     "^TCM_OP|^C=|^\\\\t|^[a-z]+ ?$|[{]\n|STORABLE|"
-    "\\b(SET LOCAL|SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA|CREATE TABLE)\\b");
+    "\\b(SET LOCAL|SELECT|INSERT|UPDATE|DELETE|WHERE|PRAGMA|CREATE TABLE|ALTER TABLE)\\b");
 
 TEST(messages, of_the_sources_are_on_the_page) {
   const ids_by_text page = messages_on_page();
