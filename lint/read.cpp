@@ -5,6 +5,7 @@
 #include "lint/broken.h"
 #include "lint/collect.h"
 #include "lint/own_place.h"
+#include "lint/syntax_sentence.h"
 
 namespace lint {
 
@@ -40,7 +41,6 @@ static void relate_first(const source_reading& in, const node_place& at, finding
                                               first->where.definition == at.definition);
   if (is_itself) return;
   const span there = name_span(in.all, first->where);
-  found.sentence += " (" + place_text(in.all, there) + ")";
   found.related.push_back({there, "The first definition is here."});
 }
 
@@ -61,7 +61,7 @@ static bool is_about_first(message told) {
 
 static void tell_mistake(source_reading& in, const node_place* at, const mistake& one,
                          const span* noticed = nullptr) {
-  finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, one.told.sentence};
+  finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, ""};
   found.reader_line = one.told.line;
   if (found.reader_line == 0) {
     found.reader_line = syntax::place_at(in.tree(), one.where.start + one.where.length).line;
@@ -69,6 +69,7 @@ static void tell_mistake(source_reading& in, const node_place* at, const mistake
   found.subject = at != nullptr ? subject_of(in, *at) : "syntax";
   if (at != nullptr && is_about_first(one.told.told)) relate_first(in, *at, found);
   if (noticed != nullptr) found.related.push_back({*noticed, "The reader notices it here."});
+  found.sentence = syntax_sentence(in.all, found, one.told);
   tell(in.told, std::move(found));
 }
 

@@ -4,6 +4,7 @@
 #include "dd/values.h"
 #include "dd/visible.h"
 #include "deploy/lookup.h"
+#include "lint/fill.h"
 
 namespace lint {
 
@@ -217,22 +218,8 @@ static std::string part_text(const telling& t, std::string_view name) {
 static std::string sentence_of(const telling& t) {
   constexpr std::string_view REFUSED =
       "{field}{there}, is not defined, because its definition is refused: correct that.";
-  std::string sentence;
-  std::string_view text = t.row.second == other::REFUSED && t.there ? REFUSED : t.row.text;
-  while (!text.empty()) {
-    const size_t open = std::min(text.find('{'), text.size());
-    sentence += text.substr(0, open);
-    text.remove_prefix(open);
-    const size_t close = text.find('}');
-    // A brace of the language itself stands before a blank.
-    if (close == text.npos || text[1] == ' ') {
-      sentence += text.substr(0, std::min<size_t>(text.size(), 1));
-      text.remove_prefix(std::min<size_t>(text.size(), 1));
-      continue;
-    }
-    sentence += part_text(t, text.substr(1, close - 1));
-    text.remove_prefix(close + 1);
-  }
+  const std::string_view text = t.row.second == other::REFUSED && t.there ? REFUSED : t.row.text;
+  std::string sentence = filled(text, [&t](std::string_view name) { return part_text(t, name); });
   if (!t.at) sentence += " The dictionary holds it so.";
   return dd_visible(sentence);
 }
