@@ -63,7 +63,7 @@ static void compare_lengths(comparing& to, const pair_of_nodes& nodes, tav_flist
                             tav_flist_t* fresh, const char* name) {
   const int32_t before = length_of(held);
   const int32_t after = length_of(fresh);
-  if (after == 0 || before <= after) return;
+  if (after == 0 || (before != 0 && before <= after)) return;  // 0: any length
   const deploy::subject about{
       .class_name = to.class_name, .field = name, .around = nodes.around, .attribute = "LENGTH"};
   const auto at = find(to.in, about);
@@ -72,7 +72,8 @@ static void compare_lengths(comparing& to, const pair_of_nodes& nodes, tav_flist
   tell(to.told, {"length-narrowed", level::WARNING,
                  has_length ? value_span(to.in.all, length) : span{0, 0, 0},
                  dd_visible(std::string(name) + " in class " + to.class_name + " has LENGTH " +
-                            std::to_string(after) + " here and " + std::to_string(before) +
+                            std::to_string(after) + " here and " +
+                            (before != 0 ? std::to_string(before) : "none") +
                             " in the dictionary: longer values would not fit any more."),
                  words_of(about)});
 }

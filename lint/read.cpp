@@ -7,6 +7,7 @@
 #include "lint/broken.h"
 #include "lint/collect.h"
 #include "lint/own_place.h"
+#include "lint/syntax_sentence.h"
 
 namespace lint {
 
@@ -44,7 +45,6 @@ static void relate_first(const source_reading& in, const node_place& at, finding
                                               first->where.definition == at.definition);
   if (is_itself) return;
   const span there = name_span(in.all, first->where);
-  found.sentence += " (" + place_text(in.all, there) + ")";
   found.related.push_back({there, "The first definition is here."});
 }
 
@@ -69,7 +69,7 @@ static void tell_mistake(source_reading& in, const node_place* at, const mistake
     ++in.told.untold[static_cast<size_t>(level::ERROR)];
     return;
   }
-  finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, one.told.sentence};
+  finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, ""};
   found.reader_line = one.told.line;
   if (found.reader_line == 0) {
     found.reader_line = line_at(in.tree(), one.where.start + one.where.length);
@@ -77,6 +77,7 @@ static void tell_mistake(source_reading& in, const node_place* at, const mistake
   found.subject = at != nullptr ? subject_of(in, *at) : "syntax";
   if (at != nullptr && is_about_first(one.told.told)) relate_first(in, *at, found);
   if (noticed != nullptr) found.related.push_back({*noticed, "The reader notices it here."});
+  found.sentence = syntax_sentence(in.all, found, one.told);
   tell(in.told, std::move(found));
 }
 

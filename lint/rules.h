@@ -10,6 +10,7 @@
 #include "lint/rule.h"
 #include "lint/rules/table.h"
 #include "lint/sentences.h"
+#include "lint/syntax_sentences.h"
 
 namespace lint {
 
@@ -28,7 +29,8 @@ inline constexpr auto RULES = [] {
                        std::size(DICTIONARY_RULES) + OWN_RULES.size()>
       rows{};
   auto to = rows.begin();
-  for (const auto& row : dparse::MESSAGES) *to++ = {row.id, level::ERROR, row.text, origin::SYNTAX};
+  for (const auto& row : SYNTAX_SENTENCES)
+    *to++ = {dparse::row_of(row.which).id, level::ERROR, row.title, origin::SYNTAX};
   for (const auto& row : SENTENCES) *to++ = {row.id, row.normal, row.title, origin::IMPORT};
   for (const auto& row : DICTIONARY_RULES) *to++ = row;
   for (const auto& row : OWN_RULES) *to++ = row;

@@ -1,9 +1,12 @@
 #include "lint/sentence.h"
 
+#include "dd/buf_storage.h"
+#include "dd/class_names.h"
 #include "dd/types.h"
 #include "dd/values.h"
 #include "dd/visible.h"
 #include "deploy/lookup.h"
+#include "lint/fill.h"
 
 namespace lint {
 
@@ -21,6 +24,8 @@ struct telling {
   std::optional<span> there{};     // the second place
   std::string related{};
   std::string old{};
+  std::string other_owner{};
+  bool is_twice = false;    // it stands there once more, and only the first has the storage
   const char* remark = "";  // about the second place
 };
 
@@ -90,6 +95,23 @@ static void find_interface(telling& t) {
   if (of_class) set_there(t, name_span(t.in.all, *of_class), "The interface is here.");
 }
 
+static std::string owner_text(std::string_view entry, const char* class_name) {
+  std::string text(entry);
+  return text.append(entry.empty() ? "class " : " in class ").append(class_name);
+}
+
+// The name of the entry that an attribute stands in; empty for the class itself.
+static std::string_view entry_around(const telling& t, node_place at) {
+  const uint32_t attribute = at.node;
+  const syntax::definition& definition = definition_of(t.in.all, at);
+  while (--at.node > 0) {
+    const bool is_entry = node_of(t.in.all, at).meant == node_kind::ENTRY;
+    if (is_entry && syntax::behind(definition, at.node) > attribute)
+      return source_text(t.in.all, name_span(t.in.all, at));
+  }
+  return {};
+}
+
 // The table's other user: the first attribute of the related class that names it, but the own.
 static void find_table(telling& t) {
   const defined* other = find(t.in.all, node_kind::IMPLEMENTATION, t.about.related_class);
@@ -105,8 +127,9 @@ static void find_table(telling& t) {
     if (!by_view::equal(source_text(t.in.all, name_span(t.in.all, at)), "SQL_TABLE")) continue;
     const span value = value_span(t.in.all, at);
     if (!by_view::equal(source_text(t.in.all, value), wanted)) continue;
-    if (!is_own || at.node != own.node)
-      return set_there(t, value, "The table's other user is here.");
+    if (is_own && at.node == own.node) continue;
+    t.other_owner = owner_text(entry_around(t, at), t.about.related_class);
+    return set_there(t, value, "The table's other user is here.");
   }
 }
 
@@ -164,8 +187,72 @@ static void find_second(telling& t) {
   }
 }
 
+// --- Storage that stays --------------------------------------------------------------------------
+
+static tav_flist_t* held_entry(telling& t, tav_flist_t* node, const char* name) {
+  if (t.in.held_node != node) {
+    t.in.held_entries = dd_list(DD_ENTRIES, node);
+    t.in.held_node = node;
+  }
+  return tav_deploy_get_class_field_by_name(t.in.held_entries, name);
+}
+
+// The class or entry in the dictionary, or null.
+static tav_flist_t* held_node(telling& t) {
+  std::vector<const char*> names;
+  if (t.about.field != nullptr) names.push_back(t.about.field);
+  for (const deploy::entry_path* upper = t.about.around; upper != nullptr; upper = upper->around)
+    names.push_back(upper->name);
+  tav_flist_t* node = tav_deploy_get_class_by_name(t.state.working_classes, t.about.class_name);
+  for (; node != nullptr && !names.empty(); names.pop_back())
+    node = held_entry(t, node, names.back());
+  return node;
+}
+
+static std::string quoted_or_none(std::string_view text) {
+  return text.empty() ? "none" : "\"" + std::string(text) + "\"";
+}
+
+static bool has_two_names(const telling& t) {
+  return t.row.id == "buf-table-or-column-kept";
+}
+
+static std::string held_storage(telling& t) {
+  tav_ebuf ebuf{};
+  const bool is_clause = std::string_view(t.about.attribute) == "SQL_STORAGE";
+  tav_flist_t* node = held_node(t);
+  if (node == nullptr) return "none";
+  const std::string_view text =
+      dd_text(node, is_clause ? TAV_FLD_SQL_STORAGE : TAV_FLD_SQL_TABLE, &ebuf);
+  if (!has_two_names(t)) return quoted_or_none(text);
+  const dd_buf_storage parts = dd_split_buf(text);
+  return quoted_or_none(parts.table) + " and " + quoted_or_none(parts.column);
+}
+
+static std::string own_value(const telling& t, const char* keyword) {
+  node_place attribute;
+  const auto at = find_on(t.in, t.about, definition_side::IMPLEMENTATION);
+  if (!at || !find_attribute(t.in.all, *at, keyword, attribute)) return "none";
+  return std::string(source_text(t.in.all, value_span(t.in.all, attribute)));
+}
+
+static std::string own_storage(const telling& t) {
+  if (!has_two_names(t)) return own_value(t, t.about.attribute);
+  return own_value(t, "SQL_TABLE") + " and " + own_value(t, "SQL_COLUMN");
+}
+
+static bool is_kept(const telling& t) {
+  return t.row.text.find("{remedy}") != t.row.text.npos;
+}
+
+static std::string remedy_text(const telling& t) {
+  if (t.old == "none") return "Remove it here, or move the storage by hand.";
+  return "Write " + t.old + " here, or move the storage by hand.";
+}
+
 // What a field definition has in the dictionary.
 static void find_old(telling& t) {
+  if (is_kept(t)) t.old = held_storage(t);
   if (t.about.class_name != nullptr || !t.old.empty()) return;
   tav_ebuf ebuf{};
   tav_flist_t* known = tav_deploy_get_field_by_name(t.state.working_fields, t.about.field);
@@ -200,51 +287,105 @@ static std::string number_text(const telling& t) {
   return std::string(source_text(t.in.all, value_span(t.in.all, attribute)));
 }
 
+// The type is told first; the number would be found only when that is corrected.
+static std::string number_too(const telling& t) {
+  tav_ebuf ebuf{};
+  tav_flist_t* known = tav_deploy_get_field_by_name(t.state.working_fields, t.about.field);
+  const std::string number = number_text(t);
+  const std::string old =
+      known != nullptr ? std::to_string(dd_int(known, TAV_FLD_FIELD_NUM, &ebuf)) : number;
+  return old == number ? "" : " Its ID differs, too: " + number + " here and " + old + " there.";
+}
+
+static bool is_system(const telling& t, const char* keyword) {
+  node_place attribute;
+  return t.at && find_attribute(t.in.all, *t.at, keyword, attribute) &&
+         by_view::equal(source_text(t.in.all, value_span(t.in.all, attribute)), "SYSTEM");
+}
+
+static std::string system_text(const telling& t) {
+  const bool is_both = is_system(t, "CREATE") && is_system(t, "MODIFY");
+  if (is_both) return "CREATE = SYSTEM and MODIFY = SYSTEM";
+  return std::string(t.about.attribute) + " = SYSTEM";
+}
+
 static std::string part_text(const telling& t, std::string_view name) {
   const auto text = [](const char* value) { return std::string(value != nullptr ? value : ""); };
   if (name == "class") return text(t.about.class_name);
   if (name == "field") return text(t.about.field);
   if (name == "table") return text(t.about.table);
   if (name == "column") return text(t.about.column);
-  if (name == "attribute") return text(t.about.attribute);
   if (name == "related") return t.related.empty() ? text(t.about.related_class) : t.related;
   if (name == "type") return t.at ? type_text(t, *t.at) : "";
   if (name == "number") return number_text(t);
   if (name == "old") return t.old;
+  if (name == "new") return own_storage(t);
+  if (name == "remedy") return remedy_text(t);
+  if (name == "owner") return owner_text(text(t.about.field), t.about.class_name);
+  if (name == "other_owner")
+    return t.other_owner.empty() ? owner_text("", t.about.related_class) : t.other_owner;
+  if (name == "system") return system_text(t);
+  if (name == "number_too") return number_too(t);
   return there_text(t);
 }
 
-static std::string sentence_of(const telling& t) {
+static bool is_defined(const telling& t) {
+  return deploy::known_field(t.state.working_fields, t.about.field, dd_hash(t.about.field)) !=
+         nullptr;
+}
+
+// What stands in the row, unless something else is the cause.
+static std::string_view text_for(const telling& t) {
   constexpr std::string_view REFUSED =
       "{field}{there}, is not defined, because its definition is refused: correct that.";
-  std::string sentence;
-  std::string_view text = t.row.second == other::REFUSED && t.there ? REFUSED : t.row.text;
-  while (!text.empty()) {
-    const size_t open = std::min(text.find('{'), text.size());
-    sentence += text.substr(0, open);
-    text.remove_prefix(open);
-    const size_t close = text.find('}');
-    // A brace of the language itself stands before a blank.
-    if (close == text.npos || text[1] == ' ') {
-      sentence += text.substr(0, std::min<size_t>(text.size(), 1));
-      text.remove_prefix(std::min<size_t>(text.size(), 1));
-      continue;
-    }
-    sentence += part_text(t, text.substr(1, close - 1));
-    text.remove_prefix(close + 1);
-  }
+  constexpr std::string_view TWICE =
+      "{field} stands twice in the same entry of class {class}{there}, and only the first has "
+      "storage: remove one.";
+  constexpr std::string_view UNDEFINED =
+      "{field} in class {class} is not defined, so that nobody knows whether it needs a column: "
+      "define it, or correct the name.";
+  constexpr std::string_view IN_SUBCLASS =
+      "{field} stands in no table, because subclass {class} has none of its own: put it into an "
+      "ARRAY or SUBSTRUCT that has SQL_TABLE.";
+  if (t.is_twice) return TWICE;
+  if (t.row.second == other::REFUSED && t.there) return REFUSED;
+  if (t.row.id != "column-without-table") return t.row.text;
+  if (!is_defined(t)) return UNDEFINED;
+  return t.about.around == nullptr && dd_is_subclass(t.about.class_name) ? IN_SUBCLASS : t.row.text;
+}
+
+static std::string sentence_of(const telling& t) {
+  const std::string_view text = text_for(t);
+  std::string sentence = filled(text, [&t](std::string_view name) { return part_text(t, name); });
   if (!t.at) sentence += " The dictionary holds it so.";
   return dd_visible(sentence);
 }
 
 // Storage that is missing although it is written: the interface has an entry of that name once
-// more.
-static std::optional<node_place> without_storage(telling& t) {
+// more, which is to blame.
+static void blame_second(telling& t) {
   node_place attribute;
   const bool has_it = t.at && t.row.at == blame::NAME && t.about.class_name != nullptr &&
-                      t.about.attribute != nullptr &&
+                      t.about.field != nullptr && t.about.attribute != nullptr &&
                       find_attribute(t.in.all, *t.at, t.about.attribute, attribute);
-  return has_it ? find_on(t.in, t.about, definition_side::INTERFACE, 1) : t.at;
+  if (!has_it) return;
+  const auto first = find_on(t.in, t.about, definition_side::INTERFACE);
+  t.at = find_on(t.in, t.about, definition_side::INTERFACE, 1);
+  t.is_twice = first && t.at && first->node != t.at->node;
+  if (t.is_twice) set_there(t, name_span(t.in.all, *first), "It stands here first.");
+}
+
+// Of entries that have the same name the one whose type is another than that of the definition.
+static void blame_other_type(telling& t) {
+  constexpr size_t MOST = 100;
+  if (t.row.second != other::DEFINITION || !t.at) return;
+  node_place at = *t.at;
+  for (size_t n = 1; n < MOST && by_view::equal(type_text(t, at), t.old); ++n) {
+    const auto next = find_on(t.in, t.about, t.about.side, n);
+    if (!next || next->node == at.node) return;
+    at = *next;
+  }
+  t.at = at;
 }
 
 finding finding_of(subject_finder& in, deploy::import_state& state, const sentence_row& row,
@@ -252,8 +393,9 @@ finding finding_of(subject_finder& in, deploy::import_state& state, const senten
   telling t{in, state, row, about};
   const bool is_second = row.second == other::EARLIER;
   t.at = find(in, about, is_second ? 1 : 0);
-  t.at = without_storage(t);
-  find_second(t);
+  blame_second(t);
+  if (!t.is_twice) find_second(t);
+  blame_other_type(t);
   find_old(t);
   finding found{row.id, row.normal, own_span(t), sentence_of(t), words_of(about)};
   if (t.there) found.related.push_back({*t.there, t.remark});

@@ -25,8 +25,11 @@ enum class other : uint8_t {
 };
 
 // In a text stand {class}, {related}, {field}, {table}, {column} for those of the subject,
-// {attribute} for its keyword, {type} for the type that the field is used with, {number} and {old}
-// for a field's number (or type) here and there, and {there} for the second place.
+// {type} for the type that the field is used with, {number} and {old} for a field's number (or
+// type) here and there, and {there} for the second place; of storage {old} and {new} are the
+// dictionary's and the files', and {remedy} says what to do with the two. {owner} and {other_owner}
+// have a table, {system} are the attributes that are SYSTEM, and {number_too} tells a number that
+// differs as the type does.
 struct sentence_row {
   std::string_view id;
   level normal;
@@ -56,7 +59,7 @@ inline constexpr sentence_row SENTENCES[] = {
     {"field-type-conflict", level::ERROR, blame::TYPE, other::NONE,
      "A field has another type in the dictionary",
      "{field} is {type} here and {old} in the dictionary, where a field's type cannot change: keep "
-     "{old}, or give the field another name and number."},
+     "{old}, or give the field another name and number.{number_too}"},
     {"field-number-conflict", level::ERROR, blame::VALUE, other::NONE,
      "A field has another number in the dictionary",
      "{field} has ID {number} here and {old} in the dictionary, where a field's number cannot "
@@ -71,27 +74,28 @@ inline constexpr sentence_row SENTENCES[] = {
      "Class {class} is in the dictionary already and would be replaced."},
     {"class-table-kept", level::WARNING, blame::VALUE, other::NONE,
      "A class has another table in the dictionary",
-     "The table of class {class} stays what it is in the dictionary: SQL_TABLE cannot change."},
+     "Class {class} has table {old} in the dictionary and {new} here: a replace keeps the "
+     "dictionary's. {remedy}"},
     {"class-storage-kept", level::WARNING, blame::VALUE, other::NONE,
      "A class has another storage clause in the dictionary",
-     "The storage clause of class {class} stays what it is in the dictionary: SQL_STORAGE cannot "
-     "change."},
+     "Class {class} has the storage clause {old} in the dictionary and {new} here: a replace keeps "
+     "the dictionary's. {remedy}"},
     {"buf-table-or-column-kept", level::WARNING, blame::VALUE, other::NONE,
      "A BUF entry has another table or column in the dictionary",
-     "Table and column of {field} in class {class} stay what they are in the dictionary: "
-     "SQL_TABLE and SQL_COLUMN cannot change."},
+     "{field} in class {class} has table and column {old} in the dictionary and {new} here: a "
+     "replace keeps the dictionary's. {remedy}"},
     {"table-kept", level::WARNING, blame::VALUE, other::NONE,
      "An entry has another table in the dictionary",
-     "The table of {field} in class {class} stays what it is in the dictionary: SQL_TABLE cannot "
-     "change."},
+     "{field} in class {class} has table {old} in the dictionary and {new} here: a replace keeps "
+     "the dictionary's. {remedy}"},
     {"column-kept", level::WARNING, blame::VALUE, other::NONE,
      "An entry has another column in the dictionary",
-     "The column of {field} in class {class} stays what it is in the dictionary: SQL_COLUMN cannot "
-     "change."},
+     "{field} in class {class} has column {old} in the dictionary and {new} here: a replace keeps "
+     "the dictionary's. {remedy}"},
     {"storage-kept", level::WARNING, blame::VALUE, other::NONE,
      "An entry has another storage clause in the dictionary",
-     "The storage clause of {field} in class {class} stays what it is in the dictionary: "
-     "SQL_STORAGE cannot change."},
+     "{field} in class {class} has the storage clause {old} in the dictionary and {new} here: a "
+     "replace keeps the dictionary's. {remedy}"},
 
     {"class-name-without-slash", level::ERROR, blame::NAME, other::NONE,
      "A class name does not begin with a slash",
@@ -109,11 +113,11 @@ inline constexpr sentence_row SENTENCES[] = {
      "{field} is {type} in class {class} and defined as {old}{there}: both must be the same."},
     {"system-field-in-base-class", level::ERROR, blame::VALUE, other::NONE,
      "An entry of a base class has SYSTEM permission",
-     "{field} in class {class} may not have {attribute} = System: only TAV_FLD_POID, "
+     "{field} in class {class} may not have {system}: only TAV_FLD_POID, "
      "TAV_FLD_CREATED_T and the like may."},
     {"system-field-in-subclass", level::ERROR, blame::VALUE, other::NONE,
      "An entry of a subclass has SYSTEM permission",
-     "{field} in subclass {class} may not have {attribute} = System."},
+     "{field} in subclass {class} may not have {system}: remove it."},
     {"field-outside-array", level::ERROR, blame::NAME, other::NONE,
      "A subclass has an entry outside arrays and substructs",
      "{field} stands at the top level of subclass {class}, which may hold only ARRAY and SUBSTRUCT "
@@ -165,7 +169,7 @@ inline constexpr sentence_row SENTENCES[] = {
      "An entry's column has no table to stand in",
      "{field} in class {class} stands in no table: what is around it needs SQL_TABLE."},
     {"repeated-table", level::ERROR, blame::VALUE, other::RELATED, "A table is used twice",
-     "Table {table} of class {class} is also that of {related}{there}: each table may be named "
+     "Table {table} of {owner} is also that of {other_owner}{there}: each table may be named "
      "once."},
     {"repeated-column", level::ERROR, blame::VALUE, other::COLUMN,
      "A column is used twice in a table",

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "dd/list.h"
 #include "deploy/report.h"
 #include "lint/entries.h"
 
@@ -13,6 +14,9 @@ struct subject_finder {
   const index& all;
   entry_finder interfaces;
   entry_finder implementations;
+  // Of the dictionary: the node whose entries were asked for last.
+  tav_flist_t* held_node = nullptr;
+  dd_list held_entries{DD_ENTRIES};
 
   explicit subject_finder(const index& in) : all(in), interfaces(in), implementations(in) {}
 };

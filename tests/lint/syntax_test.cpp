@@ -85,3 +85,43 @@ TEST(syntax, counts_what_it_cannot_tell) {
   EXPECT_EQ(found.told.size(), lint::MOST_TOLD);
   EXPECT_EQ(found.untold[static_cast<size_t>(lint::level::ERROR)], 6u);
 }
+
+struct sentence_case {
+  std::string text;
+  const char* sentence;  // one of those that are told
+};
+
+static const sentence_case SENTENCES[] = {
+    {"STRING A { ID = x1; }\n", "ID needs a number from 1 to 16777215, not 'x1'."},
+    {"STRING A { DESCR \"a\"; }\n", "\"=\" is missing behind DESCR."},
+    {"STRING A {\n  ID = 1;\n\nSTRING B { ID = 2; }\n",
+     "\"}\" is missing behind ';': field A is not closed, before field B begins."},
+    {"STORABLE CLASS /a {\n  ARRAY R {\n    STRING A { }\n",
+     "\"}\" is missing behind '}': entry R is not closed."},
+    {"}\n", "'}' closes nothing: remove it, or the one that is too many before it."},
+    {"STRING A {\xc2\xa0ID = 3; }\n",
+     "'<U+00A0>ID' is no attribute of a field definition (field A): it has ID and DESCR. It holds "
+     "an "
+     "invisible character, U+00A0 (no-break space): remove that."},
+    {"STRING A { ID = 1; }\nINT A { ID = 1; }\n",
+     "A is INT here and STRING where it is defined first, a.def:1: keep one definition."},
+    {"STORABLE CLASS /a { STRING A { MODIFY = x; } }\n",
+     "MODIFY needs one of SYSTEM, WRITEABLE, WRITABLE, NOT_WRITEABLE, NOT_WRITABLE, not 'x'."},
+    {"STORABLE CLASS /a IMPLEMENTATION TESSEL7 { }\nSTORABLE CLASS /a IMPLEMENTATION TESSEL7 { }\n",
+     "The implementation of class /a is defined already, a.def:1: keep one of them."},
+    {"STORABLE CLASS /a/b { SEQ_START = \"1\"; }\n",
+     "Class /a/b is a subclass and may not have SEQ_START: only base classes may."},
+    {"STRING A { ID =", "The file ends behind '=', inside field A: complete it."},
+    {"STRING A { DESCR = \"" + std::string(2048, 'x') + "\"; }\n",
+     "The string \"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx... is too long: at "
+     "most 2047 bytes are read."},
+};
+
+TEST(syntax, says_what_stands_there_and_what_is_to_be_done) {
+  for (const sentence_case& each : SENTENCES) {
+    const lint::result found = syntax_only(lint::lint(sources_of({each.text}), {}));
+    std::string all;
+    for (const lint::finding& one : found.told) all += one.sentence + "\n";
+    EXPECT_NE(all.find(std::string(each.sentence) + "\n"), all.npos) << all;
+  }
+}
