@@ -1,8 +1,6 @@
 // lint: everything that is wrong with definition files, and where, in one run.
 #include "lint/lint.h"
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
@@ -11,11 +9,12 @@
 #include "dict/commands.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
+#include "dict/lint/excerpt.h"
 #include "dict/lint/rules.h"
+#include "dict/lint/spared.h"
 #include "dict/lint/used.h"
 #include "dict/options.h"
 #include "dict/terminal/colour.h"
-#include "dict/terminal/visible.h"
 #include "dm/folded.h"
 #include "lint/baseline.h"
 #include "lint/ignores.h"
@@ -42,12 +41,25 @@ struct request {
 };
 
 struct linted {
+  std::vector<std::string> files{};  // as they are opened, those that cannot be read included
   std::vector<lint::source> sources{};
   std::vector<lint::outcome> findings{};
   uint64_t untold[4] = {};  // by lint::level
 };
 
 }  // namespace
+
+static lint::level level_called(const std::string& name) {
+  lint::level level = lint::level::NOTE;
+  level_of(name, level);
+  return level;
+}
+
+// Whoever reads it may have typed none of the names.
+static int refuse(dm::problem why) {
+  why.sentence = written_out(why.sentence);
+  return fail(why);
+}
 
 static bool is_possible(const request& asked, dm::problem& why) {
   const auto inputs = std::count(asked.named.begin(), asked.named.end(), STANDARD_INPUT);
@@ -61,6 +73,10 @@ static bool is_possible(const request& asked, dm::problem& why) {
     why.sentence = "--write-baseline writes the file that --baseline names: give that, too.";
   } else if (!asked.database.empty() && asked.against.empty()) {
     why.sentence = "-d chooses a database of the dictionary that --against names: give that, too.";
+  } else if (level_called(asked.fail_on) < level_called(asked.lowest)) {
+    why.sentence = dm::join({"--level ", asked.lowest, " leaves out what --fail-on ", asked.fail_on,
+                             " counts: a run would fail and tell nothing. Give --level ",
+                             asked.fail_on, ", or leave it away."});
   }
   return why.sentence.empty();
 }
@@ -97,14 +113,14 @@ static bool add_source(const request& asked, const std::string& name, linted& to
 // DONE, or FAILED with what could not be read printed; the rest is linted all the same.
 static int read_sources(const request& asked, const lint_config& config, linted& to) {
   int status = DONE;
-  std::vector<std::string> files;
+  std::vector<std::string>& files = to.files;
   std::vector<dm::problem> problems;
   for (const std::string& named : asked.named) add_files(named, config, files, problems);
   for (const std::string& file : files) {
     dm::problem why;
     if (!add_source(asked, file, to, why)) problems.push_back(why);
   }
-  for (const dm::problem& problem : problems) status = fail(problem);
+  for (const dm::problem& problem : problems) status = refuse(problem);
   return status;
 }
 
@@ -116,8 +132,7 @@ static void set_levels(const lint_config& config, std::vector<lint::finding>& fo
 }
 
 static void leave_out_lower(const request& asked, linted& found) {
-  lint::level lowest = lint::level::NOTE;
-  level_of(asked.lowest, lowest);
+  const lint::level lowest = level_called(asked.lowest);
   const auto is_lower = [lowest](const lint::outcome& one) { return one.found.told < lowest; };
   std::erase_if(found.findings, is_lower);
   std::fill_n(found.untold, static_cast<size_t>(lowest), 0);
@@ -168,10 +183,10 @@ static int write_baseline(const request& asked, const linted& found) {
     why.sentence =
         "There are more findings than lint tells, and a baseline would not know all of "
         "them: mend some, or switch rules off.";
-    return fail(why);
+    return refuse(why);
   }
-  if (!write_file(asked.baseline, lint::write_baseline(found.findings), why)) return fail(why);
-  std::cout << "Wrote baseline " << visible{asked.baseline} << ".\n";
+  if (!write_file(asked.baseline, lint::write_baseline(found.findings), why)) return refuse(why);
+  std::cout << "Wrote baseline " << written_out(asked.baseline) << ".\n";
   return DONE;
 }
 
@@ -182,11 +197,7 @@ static bool tell(const request& asked, const lint_report& report, dm::problem& w
                                   [&](const lint_form& each) { return each.name == asked.form; });
   const std::string text = form->write(report);
   if (!asked.output.empty()) return write_file(asked.output, text, why);
-  if (form->write == as_text) {
-    std::cout << text;  // its own escapes are to reach the terminal
-  } else {
-    std::cout << visible_lines{text};
-  }
+  std::cout << text;
   return true;
 }
 
@@ -216,33 +227,46 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
   };
 }
 
+// Whether nothing that is read would be lost.
+static bool may_write(const request& asked, const lint_config& config, const linted& found,
+                      dm::problem& why) {
+  std::vector<std::string> read = found.files;
+  read.insert(read.end(), {config.path, asked.against});
+  if (asked.writes_baseline)
+    return is_spared("--write-baseline", asked.baseline, read, why) &&
+           takes_baseline(asked.baseline, why);
+  read.push_back(asked.baseline);
+  return is_spared("--output", asked.output, read, why);
+}
+
 static int lint_files(const request& asked) {
   dm::problem why;
   lint_config config;
-  if (!asked.lists_rules && !is_possible(asked, why)) return fail(why);
-  if (!read_config(asked.config, config, why)) return fail(why);
+  if (!asked.lists_rules && !is_possible(asked, why)) return refuse(why);
+  if (!read_config(asked.config, config, why)) return refuse(why);
   const std::vector<lint_rule> rules = lint_rules(config);
   if (asked.lists_rules) return std::cout << list_of(rules), DONE;
   linted found;
   const int status = read_sources(asked, config, found);
   if (found.sources.empty()) return FAILED;
+  if (!may_write(asked, config, found, why)) return refuse(why);
   against held;
   const bool has_world = !asked.against.empty();
-  if (has_world && !read_against(asked.against, asked.database, held, why)) return fail(why);
+  if (has_world && !read_against(asked.against, asked.database, held, why)) return refuse(why);
   lint::world world = has_world ? world_of(held) : lint::world();
   add_own(config, world, found);
   find(config, world, found);
   leave_out_lower(asked, found);
   if (asked.writes_baseline) return status != DONE ? status : write_baseline(asked, found);
-  if (!hide_known(asked, found, why)) return fail(why);
+  if (!hide_known(asked, found, why)) return refuse(why);
   const bool is_shown = asked.output.empty();
   const lint_report report{found.sources,
                            found.findings,
                            rules,
                            untold(found),
                            is_shown ? is_coloured(asked.colour) : asked.colour == "always",
-                           is_shown && isatty(STDOUT_FILENO) != 0};
-  if (!tell(asked, report, why)) return fail(why);
+                           status == DONE};
+  if (!tell(asked, report, why)) return refuse(why);
   return status != DONE ? status : has_failed(asked, found) ? FOUND : DONE;
 }
 

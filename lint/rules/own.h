@@ -3,21 +3,16 @@
 #define LINT_RULES_OWN_H
 
 #include <functional>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lint/lint.h"
+#include "lint/rules/pattern.h"
 
 namespace lint {
 
 enum class named : uint8_t { FIELD, CLASS, TABLE, COLUMN };
-
-struct name_pattern {
-  std::string text;
-  std::regex regex;  // of the whole name
-};
 
 // What an administrator has configured.
 struct own_options {

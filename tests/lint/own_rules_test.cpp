@@ -79,7 +79,8 @@ TEST(own_rules, take_ranges_patterns_and_other_users) {
   lint::own_options options;
   options.first_number = options.last_number = 20001;
   for (auto& patterns : options.patterns) {
-    for (const char* text : {"x+", "[/A-Z]{1,2}"}) patterns.push_back({text, std::regex(text)});
+    for (const char* text : {"x+", "[/A-Z]{1,2}"})
+      ASSERT_TRUE(lint::read_pattern(text, patterns.emplace_back()));
   }
   options.is_used_elsewhere = [](std::string_view name) { return name == "F"; };
   EXPECT_EQ(own_in({"INT F { ID = 20001; DESCR = \"a\"; } INT FFF { ID = 20002; DESCR = \"a\"; }\n"
@@ -89,4 +90,19 @@ TEST(own_rules, take_ranges_patterns_and_other_users) {
                    options),
             "1:40 name-pattern, 1:51 number-outside-range, 1:40 unused-field, 2:51 name-pattern, "
             "2:51 interface-without-implementation, 3:83 name-pattern");
+}
+
+static bool fits(const std::string& text, const std::string& name) {
+  lint::name_pattern pattern;
+  return lint::read_pattern(text, pattern) && lint::fits(pattern, name);
+}
+
+TEST(name_patterns, are_of_whole_names_and_end_in_time) {
+  EXPECT_TRUE(fits("a|[b-d]{1,30}_t", "bcd_t"));
+  EXPECT_FALSE(fits("a|b", "ab"));
+  EXPECT_FALSE(fits("a.", "xab"));
+  EXPECT_FALSE(fits("(a|aa)+b", std::string(2000, 'a')));  // goes back 2^400 times, or not at all
+  lint::name_pattern pattern;
+  for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b"})
+    EXPECT_FALSE(lint::read_pattern(text, pattern)) << text;
 }
