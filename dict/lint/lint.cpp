@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <memory>
 
 #include "dict/commands.h"
@@ -19,6 +20,8 @@
 #include "lint/baseline.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
+#include "lint/rules/echoes.h"
+#include "lint/rules/tokens.h"
 
 namespace dict {
 
@@ -43,6 +46,7 @@ struct request {
 struct linted {
   std::vector<std::string> files{};  // as they are opened, those that cannot be read included
   std::vector<lint::source> sources{};
+  std::vector<struct stat> statuses{};  // of the sources
   std::vector<lint::outcome> findings{};
   uint64_t untold[4] = {};  // by lint::level
 };
@@ -107,6 +111,7 @@ static bool add_source(const request& asked, const std::string& name, linted& to
                                                        : asked.input_name;
   if (!read_file(name, shown, content, why)) return false;
   to.sources.push_back({shown, syntax::read(std::move(content.text))});
+  to.statuses.push_back(content.status);
   return true;
 }
 
@@ -141,7 +146,9 @@ static void leave_out_lower(const request& asked, linted& found) {
 static void find(const lint_config& config, const lint::world& world, linted& to) {
   lint::result result = lint::lint(to.sources, world);
   for (size_t i = 0; i < 4; ++i) to.untold[i] += result.untold[i];
+  lint::name_tokens(to.sources, result.told);
   set_levels(config, result.told);
+  lint::drop_echoes(result.told);
   to.findings = lint::outcomes_of(std::move(result.told), to.sources);
   const auto is_checked = [&](const lint::rule& rule) {
     const bool needs_dictionary =
@@ -151,6 +158,9 @@ static void find(const lint_config& config, const lint::world& world, linted& to
   };
   auto about_comments = lint::hide_ignored(to.sources, {is_checked}, to.findings);
   to.untold[static_cast<size_t>(lint::level::WARNING)] += about_comments.untold;
+  std::erase_if(about_comments.told, [&](const lint::finding& each) {
+    return lint::is_read_again(config.own, each.where.source);
+  });
   set_levels(config, about_comments.told);
   lint::merge(lint::outcomes_of(std::move(about_comments.told), to.sources), to.findings);
 }
@@ -212,6 +222,19 @@ static bool has_failed(const request& asked, const linted& found) {
   return has_untold || std::ranges::any_of(found.findings, counts);
 }
 
+static std::vector<uint32_t> same_files(const linted& in) {
+  std::map<std::pair<dev_t, ino_t>, uint32_t> known;
+  std::vector<uint32_t> first;
+  for (const struct stat& each : in.statuses) {
+    const auto number = static_cast<uint32_t>(first.size());
+    const bool is_file = S_ISREG(each.st_mode);
+    first.push_back(is_file
+                        ? known.emplace(std::pair(each.st_dev, each.st_ino), number).first->second
+                        : number);
+  }
+  return first;
+}
+
 // Lint's own rules, which also want to know which fields the dictionary's classes use.
 static void add_own(lint_config& config, lint::world& world, linted& to) {
   if (world.classes != nullptr) {
@@ -219,6 +242,7 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
       return names.contains(dm::folded(field));
     };
   }
+  config.own.same_file = same_files(to);
   config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
   world.own = [&config, &to](const lint::index& all) {
     lint::own_findings found = lint::check_own(all, config.own);

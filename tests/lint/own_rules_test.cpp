@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "lint/rules.h"
+#include "lint/rules/echoes.h"
 #include "lint/rules/own.h"
 #include "tests/lint/findings.h"
 
@@ -47,6 +48,9 @@ static const std::vector<own_case> CASES = {
     {{field("") + "STORABLE CLASS /a/b { DESCR = \"a\"; INT f { } }"},
      "2:16 interface-without-implementation"},
     {{field(""), field("")}, "b:1:5 defined-in-several-files"},
+    {{field(""), "STRING F { DESCR = \"a\"; }"}, ""},           // another type is an error
+    {{field(""), "INT F { ID = 20002; DESCR = \"a\"; }"}, ""},  // and so is another number
+    {{"INT F { ID = 4294987297; DESCR = \"a\"; }"}, "1:14 number-outside-range"},
     {{field("") + field("")}, ""},
 
     {{"STORABLE CLASS /a/ { DESCR = \"a\"; } STORABLE CLASS //a { DESCR = \"a\"; }"},
@@ -105,4 +109,26 @@ TEST(name_patterns, are_of_whole_names_and_end_in_time) {
   lint::name_pattern pattern;
   for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b"})
     EXPECT_FALSE(lint::read_pattern(text, pattern)) << text;
+}
+
+// What the reader and lint's own rules find together.
+static std::string all_in(const std::string& text, const std::vector<lint::refusal>& refused = {}) {
+  const auto sources = sources_of({text});
+  lint::world world;
+  world.refuse = [&](const lint::deployment&) { return refused; };
+  world.own = [](const lint::index& all) { return lint::check_own(all, {}).told; };
+  lint::result result = lint::lint(sources, world);
+  lint::drop_echoes(result.told);
+  return shown(sources, result);
+}
+
+TEST(own_rules, are_silent_where_an_error_says_the_same) {
+  EXPECT_EQ(all_in("\xEF\xBB\xBF" + field("")), "1:1 invalid-token");
+  EXPECT_EQ(all_in("INT F { ID = -3; DESCR = \"a\"; }"), "1:14 invalid-id");
+  EXPECT_EQ(all_in("INT F { DESCR = \"a\"; }", {{.field = "F", .attribute = "ID"}}),
+            "1:5 field-refused");
+  EXPECT_EQ(
+      all_in("INT F { ID = 20001; DESCR = \"\xe4\"; }", {{.field = "F", .attribute = "DESCR"}}),
+      "1:29 field-refused");
+  EXPECT_EQ(all_in("INT F { ID = 7; DESCR = \"a\"; }"), "1:14 number-outside-range");
 }
