@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 
+#include "dict/lint/listed_store.h"
 #include "dict/lint/refusals.h"
 #include "dict/reading.h"
 #include "dm/open.h"
@@ -11,6 +13,19 @@
 #include "vantor/binding.h"
 
 namespace dict {
+
+// No dictionary holds two fields of one number. Empty where there are none.
+static std::string shared_number(const definitions& held) {
+  const listed_store store(held.fields.get(), held.classes.get());
+  std::map<int64_t, const char*> known;
+  for (const dm::field_row& field : store.fields) {
+    const auto [first, is_new] = known.try_emplace(field.number, field.name);
+    if (!is_new)
+      return dm::join({"fields ", first->second, " and ", field.name, " have the same ID, ",
+                       std::to_string(field.number)});
+  }
+  return "";
+}
 
 static bool read_export(const std::string& file, against& to, dm::problem& why) {
   std::ifstream stream(file, std::ios::binary);
@@ -21,6 +36,8 @@ static bool read_export(const std::string& file, against& to, dm::problem& why) 
     why.sentence = dm::join({"The file ", dm::quoted(file), " cannot be read."});
   } else if (!lint::read_held(std::move(text).str(), to.held.fields, to.held.classes, fault)) {
     why.sentence = dm::join({"The file ", dm::quoted(file), " is no sound export: ", fault});
+  } else if (fault = shared_number(to.held); !fault.empty()) {
+    why.sentence = dm::join({"The file ", dm::quoted(file), " is no sound export: ", fault, "."});
   }
   return why.sentence.empty();
 }

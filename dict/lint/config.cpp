@@ -10,6 +10,7 @@
 #include "dict/files.h"
 #include "dict/lint/forms.h"
 #include "lint/rules.h"
+#include "syntax/scan.h"
 #include "vantor/conf/conf_file.h"
 
 namespace dict {
@@ -51,12 +52,11 @@ static const char* read_range(const vantor::conf_entry& entry, lint_config& conf
 template <lint::named KIND>
 static const char* read_patterns(const vantor::conf_entry& entry, lint_config& config) {
   auto& patterns = config.own.patterns[static_cast<size_t>(KIND)];
-  for (const std::string& word : words_of(entry.value)) try {
-      patterns.push_back({word, std::regex(word)});
-    } catch (const std::regex_error&) {
-      return "regular expressions";
-    }
-  return patterns.empty() ? "regular expressions" : nullptr;
+  bool is_read = true;
+  for (const std::string& word : words_of(entry.value))
+    is_read = lint::read_pattern(word, patterns.emplace_back()) && is_read;
+  return is_read && !patterns.empty() ? nullptr
+                                      : "extended regular expressions, as docs/lint.md tells them";
 }
 
 static const char* read_level(const vantor::conf_entry& entry, lint_config& config) {
@@ -110,6 +110,26 @@ static bool take(const vantor::conf_entry& entry, lint_config& config, dm::probl
   return wanted == nullptr || refuse(config, entry, dm::join({"\" must be ", wanted}), why);
 }
 
+static bool has_section(std::string_view name) {
+  return std::ranges::find(ENTRIES, name, &entry_row::section) != std::end(ENTRIES);
+}
+
+// inih tells nothing of a section without entries.
+static bool check_sections(std::string_view text, const std::string& path, dm::problem& why) {
+  for (uint64_t number = 1; !text.empty(); ++number) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (number == 1) line.remove_prefix(syntax::mark_size(line));
+    line.remove_prefix(std::min(line.find_first_not_of(" \t\r\v\f"), line.size()));
+    const std::string_view name = line.substr(0, line.find(']'));
+    if (!name.starts_with('[') || has_section(name.substr(1))) continue;
+    why.sentence = dm::join({path, ":", std::to_string(number), ": ", name,
+                             "] is no section; tav_dict(1) lists them."});
+    return false;
+  }
+  return true;
+}
+
 // --- Files ---------------------------------------------------------------------------------------
 
 static std::string nearest() {
@@ -137,7 +157,8 @@ bool read_config(const std::string& name, lint_config& config, dm::problem& why)
   vantor::parse_conf(content.text, parsed);
   why.sentence = parsed.problem;
   const auto take_one = [&](const vantor::conf_entry& entry) { return take(entry, config, why); };
-  return parsed.error == 0 && std::ranges::all_of(parsed.entries, take_one);
+  return parsed.error == 0 && check_sections(content.text, config.path, why) &&
+         std::ranges::all_of(parsed.entries, take_one);
 }
 
 lint::level level_of(const lint_config& config, std::string_view rule) {

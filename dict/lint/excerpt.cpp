@@ -26,6 +26,7 @@ struct range {
 
 constexpr range TURNING[] = {
     {0x061c, 0x061c}, {0x200e, 0x200f}, {0x202a, 0x202e}, {0x2066, 0x2069}};
+constexpr range CONTROLS[] = {{0x7f, 0x9f}};  // rapidjson writes the others out itself
 constexpr range WITHOUT_WIDTH[] = {
     {0x0300, 0x036f}, {0x200b, 0x200d}, {0x20d0, 0x20ff}, {0xfe00, 0xfe0f}, {0xfeff, 0xfeff}};
 constexpr range OF_TWO_COLUMNS[] = {
@@ -57,7 +58,7 @@ static std::string_view take_character(std::string_view& text) {
   return character;
 }
 
-static std::string turning_written_out(uint32_t code) {
+static std::string code_written_out(uint32_t code) {
   char text[8];
   std::snprintf(text, sizeof text, "\\u%04x", code);
   return text;
@@ -68,7 +69,7 @@ static void draw(drawn& to, std::string_view text) {
     const std::string_view character = take_character(text);
     const uint32_t code = code_of(character);
     std::string shown = character == "\t"      ? std::string(TAB - to.width % TAB, ' ')
-                        : is_in(TURNING, code) ? turning_written_out(code)
+                        : is_in(TURNING, code) ? code_written_out(code)
                                                : dd_visible(character);
     const bool is_itself = shown == character;
     to.width += !is_itself                    ? shown.size()
@@ -115,13 +116,23 @@ excerpt excerpt_of(std::string_view text, size_t start, size_t length) {
   return {line.text, std::string(caret, ' ') + "^" + std::string(marked - 1, '~')};
 }
 
-std::string in_one_direction(std::string_view text) {
+std::string written_out(std::string_view text) {
   std::string result;
   while (!text.empty()) {
     const std::string_view character = take_character(text);
     const uint32_t code = code_of(character);
-    if (is_in(TURNING, code)) {
-      result += turning_written_out(code);
+    result += is_in(TURNING, code) ? code_written_out(code) : dd_visible(character);
+  }
+  return result;
+}
+
+std::string written_out_in_json(std::string_view page) {
+  std::string result;
+  while (!page.empty()) {
+    const std::string_view character = take_character(page);
+    const uint32_t code = code_of(character);
+    if (is_in(TURNING, code) || is_in(CONTROLS, code)) {
+      result += code_written_out(code);
     } else {
       result += character;
     }

@@ -15,9 +15,13 @@ struct excerpt {
 // Of `length` bytes from `start`, as far as they are on one line.
 excerpt excerpt_of(std::string_view text, size_t start, size_t length);
 
-// The text with the characters that turn the direction of writing written out: they make a text
-// look like another one.
-std::string in_one_direction(std::string_view text);
+// Text that anybody may have written, on one line and for any terminal: control characters, bytes
+// that are no UTF-8, and characters that turn the direction of writing, which make a text look like
+// another one, are written out.
+std::string written_out(std::string_view text);
+
+// The same of what rapidjson leaves as it is, in JSON's own codes: the page means what it meant.
+std::string written_out_in_json(std::string_view page);
 
 }  // namespace dict
 

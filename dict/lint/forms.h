@@ -23,7 +23,7 @@ struct lint_report {
   const std::vector<lint_rule>& rules;
   uint64_t left_out = 0;  // findings that are counted only
   bool is_coloured = false;
-  bool is_for_terminal = false;
+  bool is_whole = true;  // all files could be read
 };
 
 // "error", "warning", "note", "off"
@@ -46,6 +46,7 @@ std::string as_json(const lint_report& report);
 std::string as_sarif(const lint_report& report);
 std::string as_github(const lint_report& report);
 std::string as_gitlab(const lint_report& report);
+// All of them write out what a terminal would obey (dict/lint/excerpt.h).
 inline constexpr lint_form LINT_FORMS[] = {{"text", as_text},
                                            {"json", as_json},
                                            {"sarif", as_sarif},

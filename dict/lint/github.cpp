@@ -1,4 +1,5 @@
 // Workflow commands, which GitHub shows as annotations: one a line.
+#include "dict/lint/excerpt.h"
 #include "dict/lint/forms.h"
 #include "dict/lint/places.h"
 #include "dict/terminal/json.h"
@@ -19,7 +20,7 @@ static std::string escaped(const std::string& text, std::string_view signs) {
       result += code;
     }
   }
-  return result;
+  return written_out(result);  // there are no codes for other signs
 }
 
 static const char* command_of(lint::level level) {
@@ -27,10 +28,11 @@ static const char* command_of(lint::level level) {
 }
 
 static std::string line_of(const lint::finding& found, const region& at, places& there) {
-  std::string message = found.sentence;
+  std::string message = written_out(found.sentence);
   for (const lint::related_place& each : found.related) {
     const region other = region_of(there, each.where);
-    message += "\n" + other.file + ":" + std::to_string(other.line) + ": " + each.sentence;
+    message += "\n" + written_out(other.file) + ":" + std::to_string(other.line) + ": " +
+               written_out(each.sentence);
   }
   std::string line = std::string("::") + command_of(found.told) +
                      " file=" + escaped(lint::stable_name(at.file), IN_PROPERTY) +

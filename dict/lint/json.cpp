@@ -1,6 +1,7 @@
 // For programs; tav_dict(1) tells the shapes, which are part of the interface.
 #include "dict/terminal/json.h"
 
+#include "dict/lint/excerpt.h"
 #include "dict/lint/forms.h"
 #include "dict/lint/places.h"
 
@@ -24,19 +25,19 @@ static void put_finding(json_writer& out, const lint::outcome& each, places& her
   out.StartObject();
   put_member(out, "rule", std::string(found.rule));
   put_member(out, "level", name_of(found.told));
-  put_member(out, "sentence", found.sentence);
-  put_member(out, "subject", found.subject);
+  put_member(out, "sentence", written_out(found.sentence));
+  put_member(out, "subject", written_out(found.subject));
   put_region(out, region_of(here, found.where));
   if (found.reader_line != 0)
     put_number(out, "reader_line", static_cast<int64_t>(found.reader_line));
   put_array(out, "related", found.related, [&there](json_writer& to, const auto& related) {
     to.StartObject();
-    put_member(to, "sentence", related.sentence);
+    put_member(to, "sentence", written_out(related.sentence));
     put_region(to, region_of(there, related.where));
     to.EndObject();
   });
   put_member(out, "hidden_by", name_of(each.hidden));
-  if (each.hidden == lint::hidden_by::COMMENT) put_member(out, "reason", each.reason);
+  if (each.hidden == lint::hidden_by::COMMENT) put_member(out, "reason", written_out(each.reason));
   put_member(out, "fingerprint", lint::fingerprint(each));
   out.EndObject();
 }
@@ -55,7 +56,7 @@ std::string as_json(const lint_report& report) {
   put_number(page.out, "hidden", static_cast<int64_t>(counts.hidden));
   put_number(page.out, "left_out", static_cast<int64_t>(report.left_out));
   page.out.EndObject();
-  return text_of(page);
+  return written_out_in_json(text_of(page));
 }
 
 static const char* severity_of(lint::level level) {
@@ -70,7 +71,7 @@ std::string as_gitlab(const lint_report& report) {
     if (each.hidden != lint::hidden_by::NOTHING) continue;
     const region at = region_of(here, each.found.where);
     page.out.StartObject();
-    put_member(page.out, "description", each.found.sentence);
+    put_member(page.out, "description", written_out(each.found.sentence));
     put_member(page.out, "check_name", std::string(each.found.rule));
     put_member(page.out, "fingerprint", lint::fingerprint(each));
     put_member(page.out, "severity", severity_of(each.found.told));
@@ -85,7 +86,7 @@ std::string as_gitlab(const lint_report& report) {
     page.out.EndObject();
   }
   page.out.EndArray();
-  return text_of(page);
+  return written_out_in_json(text_of(page));
 }
 
 }  // namespace dict

@@ -1,25 +1,27 @@
 // lint: everything that is wrong with definition files, and where, in one run.
 #include "lint/lint.h"
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <memory>
 
 #include "dict/commands.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
+#include "dict/lint/excerpt.h"
 #include "dict/lint/rules.h"
+#include "dict/lint/spared.h"
 #include "dict/lint/used.h"
 #include "dict/options.h"
 #include "dict/terminal/colour.h"
-#include "dict/terminal/visible.h"
 #include "dm/folded.h"
 #include "lint/baseline.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
+#include "lint/rules/echoes.h"
+#include "lint/rules/tokens.h"
 
 namespace dict {
 
@@ -42,12 +44,26 @@ struct request {
 };
 
 struct linted {
+  std::vector<std::string> files{};  // as they are opened, those that cannot be read included
   std::vector<lint::source> sources{};
+  std::vector<struct stat> statuses{};  // of the sources
   std::vector<lint::outcome> findings{};
   uint64_t untold[4] = {};  // by lint::level
 };
 
 }  // namespace
+
+static lint::level level_called(const std::string& name) {
+  lint::level level = lint::level::NOTE;
+  level_of(name, level);
+  return level;
+}
+
+// Whoever reads it may have typed none of the names.
+static int refuse(dm::problem why) {
+  why.sentence = written_out(why.sentence);
+  return fail(why);
+}
 
 static bool is_possible(const request& asked, dm::problem& why) {
   const auto inputs = std::count(asked.named.begin(), asked.named.end(), STANDARD_INPUT);
@@ -61,6 +77,10 @@ static bool is_possible(const request& asked, dm::problem& why) {
     why.sentence = "--write-baseline writes the file that --baseline names: give that, too.";
   } else if (!asked.database.empty() && asked.against.empty()) {
     why.sentence = "-d chooses a database of the dictionary that --against names: give that, too.";
+  } else if (level_called(asked.fail_on) < level_called(asked.lowest)) {
+    why.sentence = dm::join({"--level ", asked.lowest, " leaves out what --fail-on ", asked.fail_on,
+                             " counts: a run would fail and tell nothing. Give --level ",
+                             asked.fail_on, ", or leave it away."});
   }
   return why.sentence.empty();
 }
@@ -91,20 +111,21 @@ static bool add_source(const request& asked, const std::string& name, linted& to
                                                        : asked.input_name;
   if (!read_file(name, shown, content, why)) return false;
   to.sources.push_back({shown, syntax::read(std::move(content.text))});
+  to.statuses.push_back(content.status);
   return true;
 }
 
 // DONE, or FAILED with what could not be read printed; the rest is linted all the same.
 static int read_sources(const request& asked, const lint_config& config, linted& to) {
   int status = DONE;
-  std::vector<std::string> files;
+  std::vector<std::string>& files = to.files;
   std::vector<dm::problem> problems;
   for (const std::string& named : asked.named) add_files(named, config, files, problems);
   for (const std::string& file : files) {
     dm::problem why;
     if (!add_source(asked, file, to, why)) problems.push_back(why);
   }
-  for (const dm::problem& problem : problems) status = fail(problem);
+  for (const dm::problem& problem : problems) status = refuse(problem);
   return status;
 }
 
@@ -116,8 +137,7 @@ static void set_levels(const lint_config& config, std::vector<lint::finding>& fo
 }
 
 static void leave_out_lower(const request& asked, linted& found) {
-  lint::level lowest = lint::level::NOTE;
-  level_of(asked.lowest, lowest);
+  const lint::level lowest = level_called(asked.lowest);
   const auto is_lower = [lowest](const lint::outcome& one) { return one.found.told < lowest; };
   std::erase_if(found.findings, is_lower);
   std::fill_n(found.untold, static_cast<size_t>(lowest), 0);
@@ -126,7 +146,9 @@ static void leave_out_lower(const request& asked, linted& found) {
 static void find(const lint_config& config, const lint::world& world, linted& to) {
   lint::result result = lint::lint(to.sources, world);
   for (size_t i = 0; i < 4; ++i) to.untold[i] += result.untold[i];
+  lint::name_tokens(to.sources, result.told);
   set_levels(config, result.told);
+  lint::drop_echoes(result.told);
   to.findings = lint::outcomes_of(std::move(result.told), to.sources);
   const auto is_checked = [&](const lint::rule& rule) {
     const bool needs_dictionary =
@@ -136,6 +158,9 @@ static void find(const lint_config& config, const lint::world& world, linted& to
   };
   auto about_comments = lint::hide_ignored(to.sources, {is_checked}, to.findings);
   to.untold[static_cast<size_t>(lint::level::WARNING)] += about_comments.untold;
+  std::erase_if(about_comments.told, [&](const lint::finding& each) {
+    return lint::is_read_again(config.own, each.where.source);
+  });
   set_levels(config, about_comments.told);
   lint::merge(lint::outcomes_of(std::move(about_comments.told), to.sources), to.findings);
 }
@@ -168,10 +193,10 @@ static int write_baseline(const request& asked, const linted& found) {
     why.sentence =
         "There are more findings than lint tells, and a baseline would not know all of "
         "them: mend some, or switch rules off.";
-    return fail(why);
+    return refuse(why);
   }
-  if (!write_file(asked.baseline, lint::write_baseline(found.findings), why)) return fail(why);
-  std::cout << "Wrote baseline " << visible{asked.baseline} << ".\n";
+  if (!write_file(asked.baseline, lint::write_baseline(found.findings), why)) return refuse(why);
+  std::cout << "Wrote baseline " << written_out(asked.baseline) << ".\n";
   return DONE;
 }
 
@@ -182,11 +207,7 @@ static bool tell(const request& asked, const lint_report& report, dm::problem& w
                                   [&](const lint_form& each) { return each.name == asked.form; });
   const std::string text = form->write(report);
   if (!asked.output.empty()) return write_file(asked.output, text, why);
-  if (form->write == as_text) {
-    std::cout << text;  // its own escapes are to reach the terminal
-  } else {
-    std::cout << visible_lines{text};
-  }
+  std::cout << text;
   return true;
 }
 
@@ -201,6 +222,19 @@ static bool has_failed(const request& asked, const linted& found) {
   return has_untold || std::ranges::any_of(found.findings, counts);
 }
 
+static std::vector<uint32_t> same_files(const linted& in) {
+  std::map<std::pair<dev_t, ino_t>, uint32_t> known;
+  std::vector<uint32_t> first;
+  for (const struct stat& each : in.statuses) {
+    const auto number = static_cast<uint32_t>(first.size());
+    const bool is_file = S_ISREG(each.st_mode);
+    first.push_back(is_file
+                        ? known.emplace(std::pair(each.st_dev, each.st_ino), number).first->second
+                        : number);
+  }
+  return first;
+}
+
 // Lint's own rules, which also want to know which fields the dictionary's classes use.
 static void add_own(lint_config& config, lint::world& world, linted& to) {
   if (world.classes != nullptr) {
@@ -208,6 +242,7 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
       return names.contains(dm::folded(field));
     };
   }
+  config.own.same_file = same_files(to);
   config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
   world.own = [&config, &to](const lint::index& all) {
     lint::own_findings found = lint::check_own(all, config.own);
@@ -216,33 +251,46 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
   };
 }
 
+// Whether nothing that is read would be lost.
+static bool may_write(const request& asked, const lint_config& config, const linted& found,
+                      dm::problem& why) {
+  std::vector<std::string> read = found.files;
+  read.insert(read.end(), {config.path, asked.against});
+  if (asked.writes_baseline)
+    return is_spared("--write-baseline", asked.baseline, read, why) &&
+           takes_baseline(asked.baseline, why);
+  read.push_back(asked.baseline);
+  return is_spared("--output", asked.output, read, why);
+}
+
 static int lint_files(const request& asked) {
   dm::problem why;
   lint_config config;
-  if (!asked.lists_rules && !is_possible(asked, why)) return fail(why);
-  if (!read_config(asked.config, config, why)) return fail(why);
+  if (!asked.lists_rules && !is_possible(asked, why)) return refuse(why);
+  if (!read_config(asked.config, config, why)) return refuse(why);
   const std::vector<lint_rule> rules = lint_rules(config);
   if (asked.lists_rules) return std::cout << list_of(rules), DONE;
   linted found;
   const int status = read_sources(asked, config, found);
   if (found.sources.empty()) return FAILED;
+  if (!may_write(asked, config, found, why)) return refuse(why);
   against held;
   const bool has_world = !asked.against.empty();
-  if (has_world && !read_against(asked.against, asked.database, held, why)) return fail(why);
+  if (has_world && !read_against(asked.against, asked.database, held, why)) return refuse(why);
   lint::world world = has_world ? world_of(held) : lint::world();
   add_own(config, world, found);
   find(config, world, found);
   leave_out_lower(asked, found);
   if (asked.writes_baseline) return status != DONE ? status : write_baseline(asked, found);
-  if (!hide_known(asked, found, why)) return fail(why);
+  if (!hide_known(asked, found, why)) return refuse(why);
   const bool is_shown = asked.output.empty();
   const lint_report report{found.sources,
                            found.findings,
                            rules,
                            untold(found),
                            is_shown ? is_coloured(asked.colour) : asked.colour == "always",
-                           is_shown && isatty(STDOUT_FILENO) != 0};
-  if (!tell(asked, report, why)) return fail(why);
+                           status == DONE};
+  if (!tell(asked, report, why)) return refuse(why);
   return status != DONE ? status : has_failed(asked, found) ? FOUND : DONE;
 }
 

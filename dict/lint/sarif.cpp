@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 
+#include "dict/lint/excerpt.h"
 #include "dict/lint/forms.h"
 #include "dict/lint/places.h"
 #include "dict/terminal/json.h"
@@ -43,7 +44,7 @@ static std::string uri_of(const std::string& name) {
 static void put_message(json_writer& out, const char* key, const std::string& text) {
   out.Key(key);
   out.StartObject();
-  put_member(out, "text", text);
+  put_member(out, "text", written_out(text));
   out.EndObject();
 }
 
@@ -100,7 +101,8 @@ static void put_suppressions(json_writer& out, const lint::outcome& each) {
     out.StartObject();
     put_member(out, "kind", is_comment ? "inSource" : "external");
     if (!is_comment || !each.reason.empty())
-      put_member(out, "justification", is_comment ? each.reason : "Known to the baseline.");
+      put_member(out, "justification",
+                 is_comment ? written_out(each.reason) : "Known to the baseline.");
     out.EndObject();
   }
   out.EndArray();
@@ -144,11 +146,11 @@ static void put_driver(json_writer& out, const std::vector<const lint_rule*>& ru
   out.EndObject();
 }
 
-static void put_invocation(json_writer& out, uint64_t missing) {
+static void put_invocation(json_writer& out, bool is_whole, uint64_t missing) {
   out.Key("invocations");
   out.StartArray();
   out.StartObject();
-  put_flag(out, "executionSuccessful", true);
+  put_flag(out, "executionSuccessful", is_whole);
   if (missing > 0) {
     out.Key("toolExecutionNotifications");
     out.StartArray();
@@ -198,14 +200,14 @@ std::string as_sarif(const lint_report& report) {
   out.StartArray();
   out.StartObject();
   put_driver(out, rules);
-  put_invocation(out, report.left_out + report.findings.size() - results.size());
+  put_invocation(out, report.is_whole, report.left_out + report.findings.size() - results.size());
   put_member(out, "columnKind", "unicodeCodePoints");
   put_array(out, "results", results,
             [&](json_writer&, const lint::outcome* each) { put_result(to, *each, index); });
   out.EndObject();
   out.EndArray();
   out.EndObject();
-  return text_of(to.json);
+  return written_out_in_json(text_of(to.json));
 }
 
 }  // namespace dict

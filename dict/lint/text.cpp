@@ -1,7 +1,6 @@
 // For people: each finding with its place, the line and a caret.
 #include <algorithm>
 
-#include "dd/visible.h"
 #include "dict/lint/excerpt.h"
 #include "dict/lint/forms.h"
 #include "dict/lint/places.h"
@@ -31,18 +30,13 @@ static void put(page& out, const char* colour, std::string_view text) {
   if (out.report.is_coloured) out.text += PLAIN;
 }
 
-static std::string shown(const page& out, std::string_view text) {
-  const std::string safe = in_one_direction(text);
-  return out.report.is_for_terminal ? dd_visible(safe) : safe;
-}
-
 static void put_head(page& out, const region& at, lint::level level, const std::string& sentence) {
   put(out, BOLD,
-      shown(out, at.file) + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ":");
+      written_out(at.file) + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ":");
   out.text += ' ';
   put(out, COLOURS[static_cast<int>(level)], std::string(name_of(level)) + ":");
   out.text += ' ';
-  out.text += shown(out, sentence);
+  out.text += written_out(sentence);
 }
 
 static void put_excerpt(page& out, const lint::span& at) {
@@ -73,7 +67,7 @@ static void put_sum(page& out) {
   if (out.report.left_out > 0)
     out.text += counted(out.report.left_out, "further finding") + " not shown.\n";
   if (counts.errors + counts.warnings + counts.notes == 0) {
-    out.text += "No findings";
+    out.text += out.report.is_whole ? "No findings" : "No findings in what could be read";
   } else {
     out.text += counted(counts.errors, "error") + ", " + counted(counts.warnings, "warning") +
                 ", " + counted(counts.notes, "note");

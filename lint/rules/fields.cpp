@@ -1,4 +1,5 @@
 // Rules for field definitions, and for the descriptions of fields and classes.
+#include <algorithm>
 #include <charconv>
 
 #include "lint/rules/own.h"
@@ -25,6 +26,14 @@ void check_description(own_run& run, const visit& visited) {
          thing_of(run.all, visited.way) + " has no description: say what it holds in DESCR.");
 }
 
+// As the reader takes it: of a number that is too long only the last 32 bits.
+static bool read_number(std::string_view word, int64_t& written, int32_t& number) {
+  if (std::from_chars(word.data(), word.data() + word.size(), written).ec != std::errc())
+    return false;
+  number = static_cast<int32_t>(static_cast<uint32_t>(written));
+  return true;
+}
+
 void check_field_number(own_run& run, const visit& visited) {
   if (!is_field(run, visited)) return;
   const std::string_view name = name_of(run.all, visited.at());
@@ -43,9 +52,15 @@ void check_field_number(own_run& run, const visit& visited) {
   if (node_of(run.all, attribute).kind != node_kind::ATTRIBUTE || is_predefined(name)) return;
   const span where = value_span(run.all, attribute);
   const std::string_view word = text_of(run.all, attribute).substr(where.start, where.length);
-  int64_t number = 0;
-  if (std::from_chars(word.data(), word.data() + word.size(), number).ec != std::errc()) return;
+  int64_t written = 0;
+  int32_t number = 0;
+  if (!read_number(word, written, number)) return;
   const own_options& options = run.options;
+  if (number != written)
+    return report(run, "number-outside-range", where, subject_of(run.all, visited.way),
+                  "ID " + std::to_string(written) + " of " + std::string(name) +
+                      " has more than 32 bits and is read as " + std::to_string(number) +
+                      ": write the number that is meant.");
   if (number >= options.first_number && number <= options.last_number) return;
   report(run, "number-outside-range", where, subject_of(run.all, visited.way),
          "ID " + std::to_string(number) + " of " + std::string(name) +
@@ -65,11 +80,39 @@ void check_use(own_run& run, const visit& visited) {
          "No class uses " + std::string(name) + ": remove it, or use it.");
 }
 
+static int32_t number_of(const own_run& run, const node_place& field) {
+  node_place attribute;
+  int64_t written = 0;
+  int32_t number = 0;
+  if (!find_attribute(run.all, field, "ID", attribute)) return 0;
+  const span where = value_span(run.all, attribute);
+  read_number(text_of(run.all, attribute).substr(where.start, where.length), written, number);
+  return number;
+}
+
+static std::string_view type_of(const own_run& run, const node_place& field) {
+  const span where = type_span(run.all, field);
+  return text_of(run.all, field).substr(where.start, where.length);
+}
+
+void check_names_of_files(own_run& run, uint32_t source) {
+  const std::vector<uint32_t>& same = run.options.same_file;
+  if (!is_read_again(run.options, source)) return;
+  if (std::count(same.begin(), same.begin() + source, same[source]) > 1) return;  // told already
+  report(run, "defined-in-several-files", {source, 0, 0}, "file",
+         "File " + run.all.sources[source].name +
+             " is named more than once, and a deployment would read it each time: name it once.");
+}
+
+// Another type or number is an error already.
 void check_files(own_run& run, const visit& visited) {
   if (!is_field(run, visited)) return;
   const std::string_view name = name_of(run.all, visited.at());
   const defined& first = *find(run.all, node_kind::FIELD, name);
   if (first.where.source == visited.at().source) return;
+  if (!by_view::equal(type_of(run, first.where), type_of(run, visited.at()))) return;
+  const int32_t here = number_of(run, visited.at()), before = number_of(run, first.where);
+  if (here != 0 && here != before) return;
   const span there = name_span(run.all, first.where);
   report(run, "defined-in-several-files", name_span(run.all, visited.at()),
          subject_of(run.all, visited.way),

@@ -5,8 +5,6 @@
 
 namespace lint {
 
-static constexpr size_t LONGEST_MATCHED = 255;  // bytes: matching takes stack for each
-
 static constexpr const char* KINDS[] = {"fields", "classes", "tables", "columns"};
 
 static std::string quoted(std::string_view name) {
@@ -17,10 +15,8 @@ static std::string quoted(std::string_view name) {
 static void check_pattern(own_run& run, named kind, std::string_view name, const span& where,
                           const std::vector<node_place>& way) {
   const std::vector<name_pattern>& patterns = run.options.patterns[static_cast<size_t>(kind)];
-  const auto fits = [name](const name_pattern& one) {
-    return name.size() <= LONGEST_MATCHED && std::regex_match(name.begin(), name.end(), one.regex);
-  };
-  if (patterns.empty() || std::ranges::any_of(patterns, fits)) return;
+  const auto fit = [name](const name_pattern& one) { return fits(one, name); };
+  if (patterns.empty() || std::ranges::any_of(patterns, fit)) return;
   report(run, "name-pattern", where, subject_of(run.all, way),
          quoted(name) + " does not fit what is configured for the names of " +
              KINDS[static_cast<size_t>(kind)] + " (" + patterns.front().text + "): rename it.");

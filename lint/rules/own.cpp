@@ -52,6 +52,10 @@ bool is_predefined(std::string_view field) {
       PREDEFINED, [field](std::string_view name) { return by_view::equal(name, field); });
 }
 
+bool is_read_again(const own_options& options, uint32_t source) {
+  return source < options.same_file.size() && options.same_file[source] != source;
+}
+
 static const char* word_of(node_kind kind) {
   switch (kind) {
     case node_kind::FIELD:
@@ -130,10 +134,14 @@ own_findings check_own(const index& all, const own_options& options) {
   own_findings found;
   const auto is_class = [](const defined& one) { return one.kind == node_kind::INTERFACE; };
   own_run run{all, options, found, std::ranges::any_of(all.definitions, is_class)};
-  for (uint32_t source = 0; source < all.sources.size(); ++source) check_bytes(run, source);
+  for (uint32_t source = 0; source < all.sources.size(); ++source) {
+    check_names_of_files(run, source);
+    if (!is_read_again(options, source)) check_bytes(run, source);
+  }
   for (const defined& each : all.definitions) {
     std::vector<node_place> way{each.where};
     if (node_of(all, each.where).kind == node_kind::BROKEN) continue;
+    if (is_read_again(options, each.where.source)) continue;
     for (const check one : OF_DEFINITIONS) one(run, {way});
     check_nodes(run, way);
   }

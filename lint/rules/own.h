@@ -3,27 +3,24 @@
 #define LINT_RULES_OWN_H
 
 #include <functional>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lint/lint.h"
+#include "lint/rules/pattern.h"
 
 namespace lint {
 
 enum class named : uint8_t { FIELD, CLASS, TABLE, COLUMN };
-
-struct name_pattern {
-  std::string text;
-  std::regex regex;  // of the whole name
-};
 
 // What an administrator has configured.
 struct own_options {
   int64_t first_number = 10'000;  // numbers below are left to predefined fields
   int64_t last_number = 16'777'215;
   std::vector<name_pattern> patterns[4]{};  // by `named`; a name fits one of them
+  // Of each source the first one that is the same file. May be empty: each is another file.
+  std::vector<uint32_t> same_file{};
   // The level of a rule, where it is not the normal one. May be empty.
   std::function<level(std::string_view rule)> level_of{};
   // Whether a dictionary's classes use the field. May be empty.
@@ -61,11 +58,14 @@ std::string thing_of(const index& all, const std::vector<node_place>& way);
 std::string_view name_of(const index& all, const node_place& at);
 syntax::node_kind kind_of(const index& all, const node_place& at);  // of what it is to be
 bool is_predefined(std::string_view field);
+// Whether the source's file stands among those before it, too.
+bool is_read_again(const own_options& options, uint32_t source);
 // The value of an attribute that is a string or several, without quotes and as it is written; false
 // where it is none.
 bool read_text(const index& all, const node_place& attribute, std::string& text);
 
 void check_bytes(own_run& run, uint32_t source);
+void check_names_of_files(own_run& run, uint32_t source);
 
 void check_name(own_run& run, const visit& visited);
 void check_description(own_run& run, const visit& visited);

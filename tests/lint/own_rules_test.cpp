@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "lint/rules.h"
+#include "lint/rules/echoes.h"
 #include "lint/rules/own.h"
 #include "tests/lint/findings.h"
 
@@ -47,6 +48,9 @@ static const std::vector<own_case> CASES = {
     {{field("") + "STORABLE CLASS /a/b { DESCR = \"a\"; INT f { } }"},
      "2:16 interface-without-implementation"},
     {{field(""), field("")}, "b:1:5 defined-in-several-files"},
+    {{field(""), "STRING F { DESCR = \"a\"; }"}, ""},           // another type is an error
+    {{field(""), "INT F { ID = 20002; DESCR = \"a\"; }"}, ""},  // and so is another number
+    {{"INT F { ID = 4294987297; DESCR = \"a\"; }"}, "1:14 number-outside-range"},
     {{field("") + field("")}, ""},
 
     {{"STORABLE CLASS /a/ { DESCR = \"a\"; } STORABLE CLASS //a { DESCR = \"a\"; }"},
@@ -79,7 +83,8 @@ TEST(own_rules, take_ranges_patterns_and_other_users) {
   lint::own_options options;
   options.first_number = options.last_number = 20001;
   for (auto& patterns : options.patterns) {
-    for (const char* text : {"x+", "[/A-Z]{1,2}"}) patterns.push_back({text, std::regex(text)});
+    for (const char* text : {"x+", "[/A-Z]{1,2}"})
+      ASSERT_TRUE(lint::read_pattern(text, patterns.emplace_back()));
   }
   options.is_used_elsewhere = [](std::string_view name) { return name == "F"; };
   EXPECT_EQ(own_in({"INT F { ID = 20001; DESCR = \"a\"; } INT FFF { ID = 20002; DESCR = \"a\"; }\n"
@@ -89,4 +94,41 @@ TEST(own_rules, take_ranges_patterns_and_other_users) {
                    options),
             "1:40 name-pattern, 1:51 number-outside-range, 1:40 unused-field, 2:51 name-pattern, "
             "2:51 interface-without-implementation, 3:83 name-pattern");
+}
+
+static bool fits(const std::string& text, const std::string& name) {
+  lint::name_pattern pattern;
+  return lint::read_pattern(text, pattern) && lint::fits(pattern, name);
+}
+
+TEST(name_patterns, are_of_whole_names_and_end_in_time) {
+  EXPECT_TRUE(fits("a|[b-d]{1,30}_t", "bcd_t"));
+  EXPECT_FALSE(fits("a|b", "ab"));
+  EXPECT_FALSE(fits("a.", "xab"));
+  EXPECT_FALSE(fits("(a|aa)+b", std::string(2000, 'a')));  // goes back 2^400 times, or not at all
+  lint::name_pattern pattern;
+  for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b"})
+    EXPECT_FALSE(lint::read_pattern(text, pattern)) << text;
+}
+
+// What the reader and lint's own rules find together.
+static std::string all_in(const std::string& text, const std::vector<lint::refusal>& refused = {}) {
+  const auto sources = sources_of({text});
+  lint::world world;
+  world.refuse = [&](const lint::deployment&) { return refused; };
+  world.own = [](const lint::index& all) { return lint::check_own(all, {}).told; };
+  lint::result result = lint::lint(sources, world);
+  lint::drop_echoes(result.told);
+  return shown(sources, result);
+}
+
+TEST(own_rules, are_silent_where_an_error_says_the_same) {
+  EXPECT_EQ(all_in("\xEF\xBB\xBF" + field("")), "1:1 invalid-token");
+  EXPECT_EQ(all_in("INT F { ID = -3; DESCR = \"a\"; }"), "1:14 invalid-id");
+  EXPECT_EQ(all_in("INT F { DESCR = \"a\"; }", {{.field = "F", .attribute = "ID"}}),
+            "1:5 field-refused");
+  EXPECT_EQ(
+      all_in("INT F { ID = 20001; DESCR = \"\xe4\"; }", {{.field = "F", .attribute = "DESCR"}}),
+      "1:29 field-refused");
+  EXPECT_EQ(all_in("INT F { ID = 7; DESCR = \"a\"; }"), "1:14 number-outside-range");
 }

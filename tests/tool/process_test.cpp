@@ -259,6 +259,11 @@ TEST(examples, tell_a_pipeline_what_is_to_be_done) {
   EXPECT_EQ(std::count(annotated.out.begin(), annotated.out.end(), '\n'), 1) << annotated.out;
   shell(place, "/usr/bin/env", {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "fields.def"});
   EXPECT_NE(place.read("gl-code-quality-report.json").find("\"begin\": 117"), std::string::npos);
+  ASSERT_TRUE(fs::remove(place.path("gl-code-quality-report.json")));
+  ASSERT_TRUE(fs::create_directory(place.path("gl-code-quality-report.json")));
+  const run_result unwritten =
+      shell(place, "/usr/bin/env", {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "fields.def"});
+  EXPECT_NE(unwritten.err.find("gl-code-quality-report.json"), std::string::npos);
 }
 
 TEST(progress, is_drawn_on_a_terminal_and_taken_away) {

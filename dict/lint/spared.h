@@ -1,0 +1,23 @@
+// What a run reads must not be what it writes.
+#ifndef DICT_LINT_SPARED_H
+#define DICT_LINT_SPARED_H
+
+#include <string>
+#include <vector>
+
+#include "dm/problem.h"
+
+namespace dict {
+
+// Whether the file that the option names is none of those that are read, by whatever name ("-" for
+// standard input). Only regular files can be lost. False with the reason.
+bool is_spared(const char* option, const std::string& written, const std::vector<std::string>& read,
+               dm::problem& why);
+
+// Whether a baseline may be written there: to a new file, an empty one, or over a baseline. False
+// with the reason.
+bool takes_baseline(const std::string& file, dm::problem& why);
+
+}  // namespace dict
+
+#endif
