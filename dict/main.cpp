@@ -96,6 +96,7 @@ static int run(int argc, char** argv) {
   dict::add_next_id(app, result);
   dict::add_export(app, result);
   dict::add_uses(app, result);
+  dict::add_log(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {
