@@ -92,7 +92,7 @@ bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::
 // What of the database was different after the record.
 bool look_back_to(reading& from, int64_t record, dm::past& found, dm::problem& why);
 
-// The definitions as they were at a point.
+// The definitions as they were at a point; an empty text: as they are.
 bool fetch_at(reading& from, const std::string& point, definitions& result, dm::problem& why);
 
 // Adds what a state says to the definitions; false with the reason.

@@ -117,7 +117,9 @@ static bool add_past(reading& from, const dm::past& at, definitions& result, dm:
 bool fetch_at(reading& from, const std::string& point, definitions& result, dm::problem& why) {
   int64_t record = 0;
   dm::past at;
-  return find_point(*from.store, point, record, why) && look_back_to(from, record, at, why) &&
+  const bool is_past = !point.empty();
+  return (!is_past ||
+          (find_point(*from.store, point, record, why) && look_back_to(from, record, at, why))) &&
          add_past(from, at, result, why);
 }
 
