@@ -97,6 +97,7 @@ static int run(int argc, char** argv) {
   dict::add_export(app, result);
   dict::add_uses(app, result);
   dict::add_log(app, result);
+  dict::add_show(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

@@ -79,12 +79,12 @@ struct tag_detail {
 };
 tag_detail read_tag(const std::string& detail);
 
-// The number of the deployment that a text names, by one of its records' numbers or by a tag. False
-// with the reason.
+// The number of the deployment that a text names, by one of its records' numbers, by a tag, or by a
+// moment (with "@" before it) that it was the last before. False with the reason.
 bool find_deployment(dm::store& store, const std::string& text, int64_t& number, dm::problem& why);
 
-// The last record of what a text names: a deployment as above, or a moment (with "@" before it); 0
-// for the state before the first record. False with the reason.
+// The last record of the deployment that a text names, or the last before a moment; 0 for the state
+// before the first. False with the reason.
 bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::problem& why);
 
 // --- States ----------------------------------------------------------------------------------

@@ -49,9 +49,25 @@ static bool find_tag(dm::store& store, const std::string& name, int64_t& number,
   return false;
 }
 
+static bool find_moment(dm::store& store, const std::string& text, int64_t& record,
+                        dm::problem& why) {
+  std::string moment;
+  if (!read_moment(text, moment, why)) return false;
+  record = 0;
+  const auto look = [&](const dm::journal_record& row) {
+    if (row.time <= moment) record = row.number;
+    return record == 0;
+  };
+  dm::journal_range range;
+  range.newest_first = true;
+  return dm::walk_records(store, range, look, why);
+}
+
 bool find_deployment(dm::store& store, const std::string& text, int64_t& number, dm::problem& why) {
   int64_t record = 0;
-  if (!read_number(text, record) && !find_tag(store, text, record, why)) return false;
+  const bool is_moment = text.rfind('@', 0) == 0;
+  if (is_moment && !find_moment(store, text, record, why)) return false;
+  if (!is_moment && !read_number(text, record) && !find_tag(store, text, record, why)) return false;
   bool is_there = false;
   const auto look = [&](const dm::journal_record& row) {
     return number = row.deployment, is_there = true, false;
@@ -70,20 +86,6 @@ static bool find_last(dm::store& store, int64_t deployment, int64_t& record, dm:
     return true;
   };
   return dm::walk_records(store, {deployment}, look, why);
-}
-
-static bool find_moment(dm::store& store, const std::string& text, int64_t& record,
-                        dm::problem& why) {
-  std::string moment;
-  if (!read_moment(text, moment, why)) return false;
-  record = 0;
-  const auto look = [&](const dm::journal_record& row) {
-    if (row.time <= moment) record = row.number;
-    return record == 0;
-  };
-  dm::journal_range range;
-  range.newest_first = true;
-  return dm::walk_records(store, range, look, why);
 }
 
 bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::problem& why) {

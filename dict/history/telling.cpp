@@ -11,6 +11,10 @@
 
 namespace dict {
 
+using document =
+    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
+                               dm::json_memory>;
+
 static constexpr char INDENT[] = "    ";
 
 // What people and programs may type or be called shows on one line.
@@ -74,6 +78,17 @@ void print_deployment(const deployment& one) {
   print_tagged(one);
 }
 
+void print_call(const deployment& one) {
+  document read;
+  read.Parse(one.first.called.c_str());
+  if (read.HasParseError() || !read.IsArray()) return;
+  std::string call = one.first.program;
+  for (const auto& word : read.GetArray()) {
+    if (word.IsString()) call.append(" ").append(word.GetString());
+  }
+  print_line("called", call);
+}
+
 // --- For programs ----------------------------------------------------------------------------
 
 static void put_counts(json_writer& out, const char* key, const change_counts& counts) {
@@ -88,9 +103,7 @@ static void put_counts(json_writer& out, const char* key, const change_counts& c
 
 // A text of the journal that is JSON; null where it is none.
 static void put_json(json_writer& out, const char* key, const std::string& text) {
-  rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
-                             dm::json_memory>
-      read;
+  document read;
   read.Parse(text.c_str());
   out.Key(key);
   if (read.HasParseError()) {

@@ -9,6 +9,8 @@ namespace dict {
 
 // To standard output: a line that says which, when, who and with what, and others below it.
 void print_deployment(const deployment& one);
+// A further line: the command line that it was called with.
+void print_call(const deployment& one);
 
 // Its members, in the open object.
 void put_deployment(json_writer& out, const deployment& one);
