@@ -21,8 +21,8 @@ static constexpr char DESCRIPTION[] =
     "Exit status:\n"
     "  0  done, and nothing found\n"
     "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
-    "     'explain' does not know the message, 'uses' not the name, or 'format' would change\n"
-    "     a file\n"
+    "     'explain' does not know the message, 'uses' or 'blame' not the name, or 'format' would\n"
+    "     change a file\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -98,6 +98,7 @@ static int run(int argc, char** argv) {
   dict::add_uses(app, result);
   dict::add_log(app, result);
   dict::add_show(app, result);
+  dict::add_blame(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {
