@@ -2,6 +2,7 @@
 // dictionary.
 #include <iostream>
 
+#include "dict/backup.h"
 #include "dict/check/check.h"
 #include "dict/commands.h"
 #include "dict/terminal/progress.h"
@@ -26,6 +27,11 @@ static dm::fill_store copy_of(dm::store& from, progress& shown,
   };
 }
 
+bool write_backup(dm::store& from, const std::string& file, progress& shown, dm::problem& why) {
+  const int version = from.calls->schema_version(&from);
+  return dm::create_sqlite(path_of(file), version, copy_of(from, shown, dm::copy_identity), why);
+}
+
 int backup(const std::string& file) {
   dm::settings settings;
   dm::problem why;
@@ -33,8 +39,7 @@ int backup(const std::string& file) {
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   progress shown("copying rows");
-  const bool made = dm::create_sqlite(path_of(file), store->calls->schema_version(store.get()),
-                                      copy_of(*store, shown, dm::copy_identity), why);
+  const bool made = write_backup(*store, file, shown, why);
   hide(shown);
   if (!made) return fail(why);
   std::cout << "Wrote backup " << visible{file} << ".\n";

@@ -16,7 +16,8 @@ enum exit_status { DONE = 0, FOUND = 1, FAILED = 2 };
 
 int init();
 int add_database(const std::string& number);
-int check();
+// The journal must have a record with that hash; "" asks for none.
+int check(const std::string& head);
 int backup(const std::string& file);
 int restore(const std::string& file);
 
@@ -31,8 +32,11 @@ void add_list(CLI::App& app, int& result);
 void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);
 void add_log(CLI::App& app, int& result);
+void add_tag(CLI::App& app, int& result);
+void add_prune(CLI::App& app, int& result);
 void add_blame(CLI::App& app, int& result);
 void add_show(CLI::App& app, int& result);
+void add_upgrade(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);

@@ -78,8 +78,11 @@ static int run(int argc, char** argv) {
   add->add_option("number", number, "Its number, N.N.N.N")->required();
   add->callback([&] { result = dict::add_database(number); });
   dict::add_status(app, result);
-  app.add_subcommand("check", "Verify the dictionary's integrity and every rule of its content")
-      ->callback([&] { result = dict::check(); });
+  std::string head;
+  auto* verify = app.add_subcommand(
+      "check", "Verify the dictionary's integrity and every rule of its content");
+  verify->add_option("--head", head, "A hash that 'status' printed: the journal must hold it");
+  verify->callback([&] { result = dict::check(head); });
   std::string file;
   auto* save =
       app.add_subcommand("backup", "Copy the dictionary into a new file, while others work");
@@ -89,6 +92,7 @@ static int run(int argc, char** argv) {
       app.add_subcommand("restore", "Make the dictionary, with all that a backup holds");
   restore->add_option("FILE", file, "The backup")->required();
   restore->callback([&] { result = dict::restore(file); });
+  dict::add_upgrade(app, result);
   dict::add_diff(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
@@ -99,6 +103,8 @@ static int run(int argc, char** argv) {
   dict::add_log(app, result);
   dict::add_show(app, result);
   dict::add_blame(app, result);
+  dict::add_tag(app, result);
+  dict::add_prune(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

@@ -12,7 +12,7 @@
 
 namespace dict {
 
-static void tell(checker& check, std::string_view sentence) {
+void tell(checker& check, std::string_view sentence) {
   hide(check.shown);
   check.out << visible{sentence} << '\n';
   ++check.findings;
@@ -65,10 +65,18 @@ static bool is_damage(checker& check) {
 }
 
 bool check_store(checker& check) {
-  return (check_engine(check) && check_databases(check)) || is_damage(check);
+  return (check_engine(check) && check_databases(check) && check_journal(check)) ||
+         is_damage(check);
 }
 
-int check() {
+static dm::problem no_journal(dm::store& store) {
+  dm::problem why;
+  why.sentence = dm::join({"Dictionary ", dm::quoted(store.calls->name(&store)),
+                           " has no journal; 'tav_dict upgrade' begins one."});
+  return why;
+}
+
+int check(const std::string& head) {
   dm::settings settings;
   dm::problem why;
   if (!dm::read_settings(settings, why)) return fail(why);
@@ -79,6 +87,8 @@ int check() {
     return why.is_damage ? FOUND : status;
   }
   checker check{*store, std::cout};
+  check.head = head;
+  if (!head.empty() && !dm::has_journal(*store)) return fail(no_journal(*store));
   if (!store->calls->begin(store.get(), false, why)) return fail(why);
   const bool is_checked = check_store(check);
   hide(check.shown);

@@ -111,13 +111,15 @@ static bool is_full(const gathering& all) {
 
 static void add_record(gathering& all, const dm::journal_record& record) {
   deployment& one = all.open[record.deployment];
+  if (one.number == 0) one.first = record;  // who and how are the same in all of a run
   one.number = record.deployment;
+  one.first.number = record.number;
+  one.first.time = record.time;
   one.records.push_back({record.number, record.time, record.database, record.kind, record.detail});
   if (record.kind == dm::journal_kind::TAG) {
     const tag_detail tag = read_tag(record.detail);
     all.tagged.emplace(tag.name, tag.number);  // the newest stays
   }
-  one.first = record;
   if (record.number != record.deployment) return;
   finish(all, std::move(one));
   all.open.erase(record.deployment);

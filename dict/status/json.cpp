@@ -12,6 +12,21 @@ static void put_database(json_writer& out, const database_status& one) {
   out.EndObject();
 }
 
+static void put_journal(json_writer& out, const dictionary_status& found) {
+  put_member(out, "identity", found.identity);
+  out.Key("journal");
+  out.StartObject();
+  put_number(out, "record", found.head.number);
+  put_member(out, "hash", found.head.hash);
+  out.EndObject();
+  if (found.deployment == 0) return;
+  out.Key("last_deployment");
+  out.StartObject();
+  put_number(out, "deployment", found.deployment);
+  put_member(out, "time", found.deployment_time);
+  out.EndObject();
+}
+
 void print_json(const dictionary_status& found) {
   json_page page;
   page.out.StartObject();
@@ -22,6 +37,7 @@ void print_json(const dictionary_status& found) {
   put_flag(page.out, "accepts_classes", found.accepts_classes);
   put_number(page.out, "bytes", found.bytes);
   put_array(page.out, "databases", found.databases, put_database);
+  if (!found.identity.empty()) put_journal(page.out, found);
   page.out.EndObject();
   print(page);
 }

@@ -1,4 +1,5 @@
 // For Prometheus. The names of the metrics are part of the interface.
+#include <ctime>
 #include <iostream>
 
 #include "dict/status/status.h"
@@ -6,6 +7,12 @@
 #include "dict/terminal/visible.h"
 
 namespace dict {
+
+// Seconds since 1970 of a record's time; 0 where there is none.
+static int64_t seconds_of(const std::string& time) {
+  std::tm utc{};
+  return strptime(time.c_str(), "%Y-%m-%dT%H:%M:%S", &utc) != nullptr ? timegm(&utc) : 0;
+}
 
 namespace {
 
@@ -32,6 +39,12 @@ constexpr metric METRICS[] = {
      [](const dictionary_status& found) { return int64_t{found.accepts_classes}; }},
     {"tav_dictionary_databases", "Databases in the dictionary.",
      [](const dictionary_status& found) { return static_cast<int64_t>(found.databases.size()); }},
+    {"tav_dictionary_journal_record", "Number of the journal's last record; 0: no journal.",
+     [](const dictionary_status& found) { return found.head.number; }},
+    {"tav_dictionary_last_deployment", "Number of the last deployment; 0: none.",
+     [](const dictionary_status& found) { return found.deployment; }},
+    {"tav_dictionary_last_deployment_time_seconds", "When it ended, in Unix time; 0: none.",
+     [](const dictionary_status& found) { return seconds_of(found.deployment_time); }},
 };
 constexpr database_metric DATABASE_METRICS[] = {
     {"tav_dictionary_fields", "Fields in a database.", &database_status::fields},

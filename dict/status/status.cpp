@@ -7,6 +7,7 @@
 #include "dict/commands.h"
 #include "dict/options.h"
 #include "dict/reading.h"
+#include "dm/journal/read.h"
 #include "dm/open.h"
 
 namespace dict {
@@ -35,6 +36,21 @@ static bool count(dm::store& store, dictionary_status& found, dm::problem& why) 
   return true;
 }
 
+static bool read_journal(dm::store& store, dictionary_status& found, dm::problem& why) {
+  if (!dm::has_journal(store)) return true;
+  const auto look = [&](const dm::journal_record& record) {
+    if (!dm::is_deployment(record)) return true;
+    found.deployment = record.deployment;
+    found.deployment_time = record.time;
+    return false;
+  };
+  dm::journal_range backwards;
+  backwards.newest_first = true;
+  return store.calls->identity(&store, found.identity, why) &&
+         store.calls->journal_end(&store, found.head, why) &&
+         dm::walk_records(store, backwards, look, why);
+}
+
 static int run(const request& asked) {
   dm::settings settings;
   dm::problem why;
@@ -50,7 +66,7 @@ static int run(const request& asked) {
   dictionary_status found{
       store->calls->name(store.get()), store->calls->schema_version(store.get()), is_writeable,
       is_writeable && settings.fields_writeable, is_writeable && settings.objects_writeable};
-  if (!count(*store, found, why)) return fail(why);
+  if (!count(*store, found, why) || !read_journal(*store, found, why)) return fail(why);
   const bool is_for_people = !asked.is_json && !asked.is_metrics;
   if (!is_for_people && !store->calls->size(store.get(), found.bytes, why)) return fail(why);
   if (is_for_people) print_text(found);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "dm/journal/record.h"
+
 namespace dict {
 
 struct database_status {
@@ -19,6 +21,10 @@ struct dictionary_status {
   bool is_writeable, accepts_fields, accepts_classes;
   int64_t bytes = 0;
   std::vector<database_status> databases{};
+  std::string identity{};         // "" where the dictionary has no journal
+  dm::journal_head head{};        // the journal's last record
+  int64_t deployment = 0;         // number of the last deployment; 0: there was none
+  std::string deployment_time{};  // when it ended, as a record has it
 };
 
 // To standard output.

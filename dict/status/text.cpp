@@ -20,6 +20,10 @@ void print_text(const dictionary_status& found) {
     std::cout << "database " << one.number << ": " << one.fields << " fields, " << one.classes
               << " classes\n";
   }
+  if (found.identity.empty()) return;
+  std::cout << "identity: " << visible{found.identity} << '\n'
+            << "journal: record " << found.head.number << ", hash " << visible{found.head.hash}
+            << '\n';
 }
 
 }  // namespace dict

@@ -68,6 +68,12 @@ inline constexpr char PRUNE[] = "prune";  // detail: {"before": number, "hash": 
 inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": tag}
 }  // namespace journal_kind
 
+// Whether the record is one of a deployment: changes what the definitions are.
+inline bool is_deployment(const journal_record& record) {
+  using namespace journal_kind;
+  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS;
+}
+
 // A part of the packed changes of a record.
 struct journal_part {
   int64_t record;

@@ -94,11 +94,11 @@ static bool are_unused(operation& op, int64_t database, const std::vector<doomed
 static bool delete_all(operation& op, const database_row& database,
                        const std::vector<doomed_field>& doomed) {
   store* store = op.session.store.get();
-  key_set noted;  // the list may name a field twice
+  key_set deleted;  // the list may name a field twice
   for (const doomed_field& field : doomed) {
     const std::string_view before = field.state;
-    if (noted.insert(folded(field.name)).second &&
-        !note_change(op.session, change_of::FIELD, field.name, {&before, nullptr}, op.why)) {
+    if (!deleted.insert(folded(field.name)).second) continue;
+    if (!note_change(op.session, change_of::FIELD, field.name, {&before, nullptr}, op.why)) {
       return false;
     }
     if (!store->calls->delete_field(store, database.id, field.number, op.why)) return false;

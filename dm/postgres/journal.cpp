@@ -51,15 +51,10 @@ bool make_guards(postgres_store& store, problem& why) {
 
 bool postgres_upgrade(store* base, problem& why) {
   postgres_store& store = postgres_of(base);
-  // Another session may have upgraded it since it was opened.
-  const result_owner found = execute(store, "SELECT version FROM dd_schema", why);
-  if (found == nullptr) return false;
-  int version = std::atoi(PQgetvalue(found.get(), 0, 0));
-  for (; version < SCHEMA_VERSION; ++version) {
-    if (execute(store, POSTGRES_STEPS[version], why) == nullptr) return false;
+  for (; store.version < SCHEMA_VERSION; ++store.version) {
+    if (execute(store, POSTGRES_STEPS[store.version], why) == nullptr) return false;
     store.needs_guards = true;
   }
-  store.version = SCHEMA_VERSION;
   return change_rows(store, "UPDATE dd_schema SET version = $1",
                      parameters(int64_t{SCHEMA_VERSION}), 1, why);
 }

@@ -55,8 +55,11 @@ static bool lock(postgres_store& store, problem& why) {
   if (locked == nullptr) return false;
   spend_patience(store);
   // If row security hid the row, nothing would be locked and two could write at once.
-  return PQntuples(locked.get()) == 1 ||
-         postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  if (PQntuples(locked.get()) != 1) {
+    return postgres_refuse(store, TAV_ERR_STORAGE, ROWS_SWALLOWED, why);
+  }
+  store.version = std::atoi(PQgetvalue(locked.get(), 0, 0));  // it may have been upgraded
+  return true;
 }
 
 // Row security that keeps rows away from the role is an error then: an export or a backup without

@@ -1,5 +1,7 @@
 #include "dm/sqlite/file_copy.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "dm/sqlite/file_place.h"
@@ -9,8 +11,9 @@ namespace dm {
 // Bytes 18 and 19 of a database file: 2 means a write-ahead log, 1 a rollback journal.
 static constexpr size_t WRITE_VERSION = 18, READ_VERSION = 19;
 
-void mark_write_ahead(const sqlite_bytes& bytes, bool with_log) {
-  bytes.first.get()[WRITE_VERSION] = bytes.first.get()[READ_VERSION] = with_log ? 2 : 1;
+bool mark_write_ahead(int file) {
+  static constexpr char WITH_LOG[] = {2, 2};
+  return pwrite(file, WITH_LOG, sizeof WITH_LOG, WRITE_VERSION) == sizeof WITH_LOG;
 }
 
 static bool read_bytes(sqlite3_file* file, sqlite_bytes& bytes) {
@@ -42,7 +45,7 @@ bool read_at_rest(sqlite_store& store, sqlite_bytes& bytes) {
 }
 
 int show_copy(sqlite3* db, sqlite_bytes bytes) {
-  mark_write_ahead(bytes, false);
+  bytes.first.get()[WRITE_VERSION] = bytes.first.get()[READ_VERSION] = 1;
   return sqlite3_deserialize(db, "main", bytes.first.release(), bytes.size, bytes.size,
                              SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_READONLY);
 }

@@ -13,8 +13,8 @@ struct sqlite_bytes {
   sqlite3_int64 size = 0;
 };
 
-// Sets the marks in the bytes that say whether the database uses a write-ahead log.
-void mark_write_ahead(const sqlite_bytes& bytes, bool with_log);
+// Marks an open database file, which uses no log, as one with a write-ahead log.
+bool mark_write_ahead(int file);
 
 // Reads the whole file through the engine's own handle, if the file is complete and nobody writes
 // to it. False where somebody may be writing, or a log with changes stands beside the file.

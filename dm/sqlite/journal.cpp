@@ -34,11 +34,8 @@ bool sqlite_forget_records(store* base, int64_t before, problem& why) {
 
 bool sqlite_upgrade(store* base, problem& why) {
   sqlite_store& store = sqlite_of(base);
-  int64_t version = 0;  // another process may have upgraded it since it was opened
-  const int result = sqlite_number(store, "PRAGMA user_version", version);
-  if (result != SQLITE_OK) return sqlite_failed(store, result, why);
-  while (version < SCHEMA_VERSION) {
-    if (!sqlite_run(store, schema_step(static_cast<int>(++version)).c_str(), why)) return false;
+  for (int version = store.version + 1; version <= SCHEMA_VERSION; ++version) {
+    if (!sqlite_run(store, schema_step(version).c_str(), why)) return false;
   }
   const std::string mark = "PRAGMA user_version = " + std::to_string(SCHEMA_VERSION);
   if (!sqlite_run(store, mark.c_str(), why)) return false;

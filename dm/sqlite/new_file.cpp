@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <string_view>
 
 namespace dm {
 
@@ -93,10 +95,22 @@ bool cannot_make(const std::string& path, int error, problem& why) {
   return false;
 }
 
-bool make_file(const std::string& path, std::string_view bytes, problem& why) {
+static bool copy_all(int from, int to) {
+  static constexpr size_t PIECE = 1 << 18;
+  const std::unique_ptr<char[]> piece(new char[PIECE]);
+  for (off_t at = 0;;) {
+    const ssize_t count = pread(from, piece.get(), PIECE, at);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return count == 0;
+    if (!write_all(to, {piece.get(), static_cast<size_t>(count)})) return false;
+    at += count;
+  }
+}
+
+bool make_file(const std::string& path, int from, problem& why) {
   const std::string folder = path.substr(0, path.rfind('/') + 1);
   nameless_file file(folder);
-  if (file.fd >= 0 && fchmod(file.fd, 0600) == 0 && write_all(file.fd, bytes) &&
+  if (file.fd >= 0 && fchmod(file.fd, 0600) == 0 && copy_all(from, file.fd) &&
       fsync(file.fd) == 0 && file.name(path) && sync_folder(folder)) {
     return true;
   }

@@ -3,16 +3,15 @@
 #define DM_SQLITE_NEW_FILE_H
 
 #include <string>
-#include <string_view>
 
 #include "dm/problem.h"
 
 namespace dm {
 
-// Makes the file with these bytes, for its owner only, on the disk when the call returns. An
-// existing file of that name is refused and stays as it is; a failure, or the end of the process in
-// between, leaves nothing.
-bool make_file(const std::string& path, std::string_view bytes, problem& why);
+// Makes the file with all bytes of an open one, for its owner only, on the disk when the call
+// returns. An existing file of that name is refused and stays as it is; a failure, or the end of
+// the process in between, leaves nothing.
+bool make_file(const std::string& path, int from, problem& why);
 
 // The problem that a file cannot be made, from an errno; gives false.
 bool cannot_make(const std::string& path, int error, problem& why);

@@ -158,10 +158,14 @@ static bool sqlite_begin(store* base, bool write, problem& why) {
   if (!sqlite_writeable(base)) return sqlite_failed(store, SQLITE_READONLY, why);
   // A cache of 16 MB keeps the indexes of a large dictionary in memory. The journal of a statement
   // of many rows stays in memory too: else the engine would need a folder for temporary files.
-  return sqlite_run(store,
-                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
-                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
-                    why);
+  const bool has_begun = sqlite_run(store,
+                                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384;"
+                                    "PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE",
+                                    why);
+  if (!has_begun || !store.may_upgrade) return has_begun;
+  // Another process may have upgraded it since it was opened.
+  const int result = read_number(store, "PRAGMA user_version", store.version);
+  return result == SQLITE_OK || sqlite_failed(store, result, why);
 }
 
 static bool sqlite_commit(store* base, problem& why) {

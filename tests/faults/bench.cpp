@@ -127,7 +127,9 @@ std::string fault_bench::content() const {
   EXPECT_EQ(query(db, "PRAGMA integrity_check; PRAGMA foreign_key_check"), "ok|\n");
   const std::string text = query(db,
                                  "SELECT * FROM dd_databases; SELECT * FROM dd_fields;"
-                                 "SELECT * FROM dd_classes; SELECT * FROM dd_tables");
+                                 "SELECT * FROM dd_classes; SELECT * FROM dd_tables;"
+                                 "SELECT number, deployment, changes, kind FROM dd_journal;"
+                                 "SELECT record, part, content FROM dd_journal_changes");
   sqlite3_close(db);
   return text;
 }

@@ -1,0 +1,162 @@
+// What the journal records of what sessions commit, and going back by it.
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "bench.h"
+#include "dm/journal/begin.h"
+#include "dm/journal/read.h"
+#include "dm/open.h"
+
+namespace {
+
+// A store with an open transaction.
+struct opened {
+  explicit opened(const dm::settings& settings, bool writes = false, dm::open_options options = {})
+      : store(dm::open_dictionary(settings, options, why)) {
+    EXPECT_TRUE(store != nullptr && store->calls->begin(store.get(), writes, why)) << why.sentence;
+  }
+  dm::problem why{};
+  dm::store_owner store;
+};
+
+}  // namespace
+
+class journal : public dictionary {
+ protected:
+  // The records from one on: "NUMBER DEPLOYMENT KIND CHANGES", and each change: how, and name.
+  std::string told_from(int64_t number) const {
+    opened from(settings);
+    std::string told;
+    const auto changes = [&](int64_t, const dm::journal_change& change) {
+      told += dm::join({" ", std::string(1, static_cast<char>(change.how)), ":", change.name});
+      return true;
+    };
+    const auto records = [&](const dm::journal_record& record) {
+      told += dm::join({std::to_string(record.number), " ", std::to_string(record.deployment), " ",
+                        record.kind});
+      EXPECT_TRUE(dm::walk_changes(*from.store, {record.number, record.number}, changes, from.why));
+      told += '\n';
+      return true;
+    };
+    EXPECT_TRUE(dm::walk_records(*from.store, {number}, records, from.why)) << from.why.sentence;
+    return told;
+  }
+
+  // All fields and classes after a record; the highest number stands for the present.
+  std::string state_after(int64_t number) const {
+    opened from(settings);
+    dm::past past;
+    dm::database_row row{1, 1, 0};
+    std::string text;
+    const bool is_present = number == std::numeric_limits<int64_t>::max();
+    EXPECT_TRUE(is_present || dm::look_back(*from.store, row, number, past, from.why))
+        << from.why.sentence;
+    auto field = [&](const dm::field_row& each) {
+      return text += dm::field_state(each) + "\n", true;
+    };
+    auto storable = [&](const dm::class_row& each) {
+      return text += dm::join({each.key, " ", each.name, " ", each.definition, "\n"}), true;
+    };
+    EXPECT_TRUE(dm::past_fields(*from.store, 1, past, dm::visit<dm::field_row>(field), from.why));
+    EXPECT_TRUE(
+        dm::past_classes(*from.store, 1, past, dm::visit<dm::class_row>(storable), from.why));
+    return text;
+  }
+  std::string present() const { return state_after(std::numeric_limits<int64_t>::max()); }
+  int64_t last() const {
+    opened from(settings);
+    dm::journal_head end;
+    EXPECT_TRUE(from.store->calls->journal_end(from.store.get(), end, from.why));
+    return end.number;
+  }
+};
+
+TEST_F(journal, has_a_record_for_each_transaction_that_changes_something) {
+  {
+    client admin(settings);
+    admin.set_fields("STRING F_A 5000 Old.\nARRAY F_B 5001\nSTRING F_C 5002\n");
+    admin.set_classes("/a sql_table=t\n  STRING F_A sql_name=c\n/a descr=1\n/a descr=2\n/b\n");
+    admin.set_classes("/a sql_table=t\n  STRING F_A sql_name=c\n/a descr=1\n/a descr=2\n");
+    admin.set_classes("/a descr=1\n/a descr=2\n");  // as it is
+    admin.set_fields("STRING f_a 5000 New.\nSTRING F_C 5002\nSTRING F_A 5000 Newer.\n");
+    admin.delete_fields("STRING F_C 5002\nSTRING F_C 5002\n");
+  }
+  EXPECT_EQ(client(settings).set_fields("STRING F_A 5000 Newer.\n"), "ok");  // as it is
+  client(settings).set_classes("/a descr=3\n", 128);
+  client other(settings);
+  other.set_fields("STRING F_D 5003\n");
+  EXPECT_EQ(other.set_classes("/d\n", 128), "MISSING_FIELD TAV_FLD_SQL_TABLE");
+  EXPECT_EQ(other.delete_fields("STRING F_D 5003\n"), "ok");
+  EXPECT_EQ(told_from(3),
+            "3 3 fields n:F_A n:F_B n:F_C\n4 3 classes n:/a\n5 3 fields c:F_A\n"
+            "6 3 delete-fields d:F_C\n");
+}
+
+TEST_F(journal, leads_back_to_every_state_before) {
+  std::mt19937 random(17);
+  const auto below = [&](unsigned count) { return static_cast<int>(random() % count); };
+  std::vector<std::string> states{present()};
+  const int64_t first = last();
+  while (states.size() < (on_server() ? 20u : 60u)) {
+    client admin(settings);
+    const std::string number = std::to_string(5000 + below(9));
+    const std::string name = std::to_string(below(4));
+    const std::string about = " D\xc3\xa4" + std::to_string(below(3)) + "\xc3\xa4.";
+    if (below(3) == 0) {
+      admin.delete_fields("STRING F_" + number + " " + number + "\n");
+    } else if (below(2) == 0) {
+      admin.set_fields("STRING F_" + number + " " + number + about + "\n");
+    } else {
+      admin.set_classes("/c" + name + " sql_table=t" + name + " descr=\xc3" +
+                        std::string(1, static_cast<char>(0xa4 + below(3))) + "\n  STRING F_" +
+                        number + " sql_name=n descr=" + std::string(9, '"') + "\n");
+    }
+    admin.close();
+    if (present() != states.back()) states.push_back(present());
+    ASSERT_EQ(last(), first + static_cast<int64_t>(states.size()) - 1);
+  }
+  for (size_t k = 0; k < states.size(); ++k) {
+    EXPECT_EQ(state_after(first + static_cast<int64_t>(k)), states[k]) << k;
+  }
+  EXPECT_EQ(state_after(0), "");
+}
+
+TEST_F(journal, packs_many_changes_into_few_parts) {
+  std::string fields;
+  for (int i = 0; i < 3000; ++i) {
+    fields += "STRING F_" + std::to_string(i) + " " + std::to_string(5000 + i) + " D.\n";
+  }
+  const std::string before = present();
+  EXPECT_EQ(client(settings).set_fields(fields), "ok");
+  const std::string parts =
+      query("SELECT count(*), max(part) FROM dd_journal_changes WHERE record = 3");
+  EXPECT_EQ(parts, "4|3\n");  // 3,000 times 83 bytes in parts of 64 KB
+  EXPECT_EQ(state_after(2), before);
+}
+
+TEST_F(journal, begins_with_what_an_older_dictionary_holds) {
+  client(settings).set_fields("STRING F_A 5000\n");
+  const std::string before = present();
+  query("DROP TABLE dd_identity; DROP TABLE dd_journal; DROP TABLE dd_journal_changes");
+  query(on_server() ? "DROP FUNCTION dd_journal_keep; DROP FUNCTION dd_journal_role;"
+                      " UPDATE dd_schema SET version = 1"
+                    : "PRAGMA user_version = 1");
+  EXPECT_EQ(client(settings).fields("F_A\n"), "STRING F_A 5000\n");
+  client admin(settings);
+  admin.set_fields("STRING F_B 5001\n");
+  EXPECT_EQ(admin.close(), "WRITE_REFUSED");
+  dm::open_options options;
+  options.may_upgrade = true;
+  for (const bool is_kept : {false, true}) {
+    opened to(settings, true, options);
+    dm::journal_run run;
+    EXPECT_TRUE(to.store->calls->upgrade(to.store.get(), to.why)) << to.why.sentence;
+    EXPECT_TRUE(dm::begin_journal(*to.store, dm::journal_kind::UPGRADE, "", run, to.why));
+    EXPECT_TRUE(dm::note_present(*to.store, dm::journal_kind::UPGRADE, run, to.why));
+    EXPECT_TRUE(!is_kept || to.store->calls->commit(to.store.get(), to.why)) << to.why.sentence;
+  }
+  EXPECT_EQ(client(settings).set_fields("STRING F_B 5001\n"), "ok");
+  EXPECT_EQ(state_after(2), before);
+  EXPECT_EQ(told_from(3), "3 3 fields n:F_B\n");
+}
