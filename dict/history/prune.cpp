@@ -86,7 +86,7 @@ static bool forget(const forgotten& found, dm::problem& why) {
   }
   dm::store* store = from.store.get();
   const std::string detail =
-      dm::join({"{\"before\":", std::to_string(found.before), ",\"hash\":\"", found.hash, "\"}"});
+      "{\"before\":" + std::to_string(found.before) + ",\"hash\":\"" + found.hash + "\"}";
   return write_event(from, dm::journal_kind::PRUNE, detail, why) &&
          store->calls->forget_records(store, found.before, why) && store->calls->commit(store, why);
 }

@@ -46,7 +46,7 @@ static int run(const request& asked) {
     return fail(why);
   }
   const std::string detail =
-      dm::join({"{\"number\":", std::to_string(number), ",\"name\":\"", asked.name, "\"}"});
+      "{\"number\":" + std::to_string(number) + ",\"name\":\"" + asked.name + "\"}";
   if (!write_event(from, dm::journal_kind::TAG, detail, why) ||
       !from.store->calls->commit(from.store.get(), why)) {
     return fail(why);
