@@ -20,14 +20,6 @@ static std::string backup_name(const dm::settings& settings, dm::store& store, i
   return place + ".version-" + std::to_string(version);
 }
 
-static bool upgrade_store(dm::store& store, dm::problem& why) {
-  dm::journal_run run;
-  return store.calls->upgrade(&store, why) &&
-         dm::begin_journal(store, dm::journal_kind::UPGRADE, "", run, why) &&
-         dm::note_present(store, dm::journal_kind::UPGRADE, run, why) &&
-         store.calls->commit(&store, why);
-}
-
 // The write lock is held from before the backup until the end, so that the backup is what is
 // upgraded.
 static int run(const std::string& chosen) {
@@ -52,7 +44,9 @@ static int run(const std::string& chosen) {
   hide(shown);
   if (!is_copied) return fail(why);
   std::cout << "Wrote backup " << visible{file} << "." << std::endl;
-  if (!upgrade_store(*store, why)) return fail(why);
+  if (!dm::upgrade_dictionary(*store, why) || !store->calls->commit(store.get(), why)) {
+    return fail(why);
+  }
   std::cout << "Upgraded dictionary " << name << " from schema version " << version << " to "
             << dm::SCHEMA_VERSION << ".\n";
   return DONE;

@@ -47,4 +47,11 @@ bool note_present(store& store, const char* kind, journal_run& run, problem& why
   return true;
 }
 
+bool upgrade_dictionary(store& store, problem& why) {
+  journal_run run;
+  return store.calls->upgrade(&store, why) &&
+         begin_journal(store, journal_kind::UPGRADE, "", run, why) &&
+         note_present(store, journal_kind::UPGRADE, run, why);
+}
+
 }  // namespace dm

@@ -18,6 +18,9 @@ bool begin_journal(store& store, const char* kind, const std::string& from, jour
 // the state that it begins with, and a change behind its back is noticed.
 bool note_present(store& store, const char* kind, journal_run& run, problem& why);
 
+// Brings a dictionary of an older schema version to the newest, in an open write transaction.
+bool upgrade_dictionary(store& store, problem& why);
+
 }  // namespace dm
 
 #endif

@@ -150,10 +150,7 @@ TEST_F(journal, begins_with_what_an_older_dictionary_holds) {
   options.may_upgrade = true;
   for (const bool is_kept : {false, true}) {
     opened to(settings, true, options);
-    dm::journal_run run;
-    EXPECT_TRUE(to.store->calls->upgrade(to.store.get(), to.why)) << to.why.sentence;
-    EXPECT_TRUE(dm::begin_journal(*to.store, dm::journal_kind::UPGRADE, "", run, to.why));
-    EXPECT_TRUE(dm::note_present(*to.store, dm::journal_kind::UPGRADE, run, to.why));
+    EXPECT_TRUE(dm::upgrade_dictionary(*to.store, to.why)) << to.why.sentence;
     EXPECT_TRUE(!is_kept || to.store->calls->commit(to.store.get(), to.why)) << to.why.sentence;
   }
   EXPECT_EQ(client(settings).set_fields("STRING F_B 5001\n"), "ok");

@@ -104,6 +104,28 @@ TEST_F(on_a_server, roles_of_the_page_may_do_what_it_says) {
     EXPECT_EQ(deployer.set_classes("/a descr=new\n"), "ok");
     EXPECT_EQ(deployer.delete_fields("STRING F_B 5001\n"), "ok");
   }
+  const auto told = [](const std::string& role, const std::string& sql) {
+    int status = 0;
+    return output_of("psql -qX -U " + role + " -d dictionary -c \"" + sql + "\"", &status);
+  };
+  const std::string forged =
+      "INSERT INTO dd_journal SELECT number + 99, deployment, changes, time, database, kind, run,"
+      " os_user, os_host, 'dictionary_owner', login, program, version, mode, called, reason, "
+      "detail,"
+      " previous, hash FROM dd_journal WHERE number = 1";
+  const std::string altered = "UPDATE dd_journal SET role = 'dictionary_owner'";
+  const struct {
+    std::string role, sql, answer;
+  } refused[] = {{"dictionary_deployer", forged, "names the role that writes"},
+                 {"dictionary_deployer", altered, "permission denied"},
+                 {"dictionary_deployer", "DELETE FROM dd_journal_changes", "permission denied"},
+                 {"dictionary_owner", altered, "the journal only grows"},
+                 {"dictionary_owner", "DELETE FROM dd_journal_changes", "the journal only grows"},
+                 {"dictionary_owner", "TRUNCATE dd_journal", "the journal only grows"},
+                 {"dictionary_owner", "DELETE FROM dd_identity", "the journal only grows"}};
+  for (const auto& row : refused) {
+    EXPECT_NE(told(row.role, row.sql).find(row.answer), std::string::npos) << row.role << row.sql;
+  }
   EXPECT_NE(add_database(as("dictionary_deployer")).find("the role may not do that"),
             std::string::npos);
   EXPECT_EQ(add_database(as("dictionary_owner")), "added");
