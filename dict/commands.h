@@ -32,6 +32,11 @@ void add_lint(CLI::App& app, int& result);
 void add_list(CLI::App& app, int& result);
 void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);
+void add_log(CLI::App& app, int& result);
+void add_tag(CLI::App& app, int& result);
+void add_prune(CLI::App& app, int& result);
+void add_blame(CLI::App& app, int& result);
+void add_show(CLI::App& app, int& result);
 void add_upgrade(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.

@@ -21,8 +21,8 @@ static constexpr char DESCRIPTION[] =
     "Exit status:\n"
     "  0  done, and nothing found\n"
     "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
-    "     'explain' does not know the message, 'uses' not the name, 'format' would change a\n"
-    "     file, or 'lint' has findings that count\n"
+    "     'explain' does not know the message, 'uses' or 'blame' not the name, 'format' would\n"
+    "     change a file, or 'lint' has findings that count\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -101,6 +101,11 @@ static int run(int argc, char** argv) {
   dict::add_next_id(app, result);
   dict::add_export(app, result);
   dict::add_uses(app, result);
+  dict::add_log(app, result);
+  dict::add_show(app, result);
+  dict::add_blame(app, result);
+  dict::add_tag(app, result);
+  dict::add_prune(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

@@ -4,6 +4,7 @@
 
 #include "dm/class_def.h"
 #include "dm/json_memory.h"
+#include "dm/rules/class_rules.h"
 #include "dm/rules/class_world.h"
 
 namespace dm {
@@ -94,6 +95,11 @@ struct outline_reader::buffers {
   std::string text;  // what is read in place
   class_outline outline;
 };
+
+std::string_view table_of(const outline_entry& entry) {
+  if (dd_is_container(entry.type)) return entry.sql_name;
+  return entry.type == TAV_FLDT_BUF ? storage_of_buf(entry.sql_name).table : std::string_view();
+}
 
 outline_reader::outline_reader() : buffers_(std::make_unique<buffers>()) {}
 outline_reader::~outline_reader() = default;

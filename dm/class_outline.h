@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "dm/problem.h"
@@ -23,6 +24,9 @@ struct class_outline {
   const char* table = "";  // the class's own
   std::vector<outline_entry> entries{};
 };
+
+// The table that an entry has, borrowed; empty for none.
+std::string_view table_of(const outline_entry& entry);
 
 class outline_reader {
  public:

@@ -8,6 +8,7 @@
 
 #include "deploy/modes.h"
 #include "dict/commands.h"
+#include "dict/history/history.h"
 #include "dict/options.h"
 #include "dict/reading.h"
 #include "dict/terminal/colour.h"
@@ -24,6 +25,8 @@ struct request {
   std::string database;
   std::string with;  // another dictionary, as tav.conf would name it
   std::string with_database;
+  std::string at;  // points in the journal; empty: none, or now
+  std::string to;
   bool lists_missing = false;
   bool is_json = false;
   std::string colour = "auto";
@@ -42,7 +45,22 @@ static bool is_without_password(const request& asked, dm::problem& why) {
   return false;
 }
 
+static bool is_of_the_past(const request& asked) {
+  return !asked.at.empty() || !asked.to.empty();
+}
+
+static bool choose_past(const request& asked, dm::problem& why) {
+  if (asked.at.empty()) why.sentence = "--to needs --at, which says with what to compare.";
+  if (!asked.files.empty() || !asked.with.empty() || !asked.with_database.empty()) {
+    why.sentence =
+        "Either two states of the dictionary (--at, --to) or files or another dictionary can be "
+        "compared, not both.";
+  }
+  return why.sentence.empty();
+}
+
 static bool choose_files(request& asked, dm::problem& why) {
+  if (is_of_the_past(asked)) return choose_past(asked, why);
   const auto is_input = [](const std::string& file) { return file == STANDARD_INPUT; };
   const auto end = std::remove_if(asked.files.begin(), asked.files.end(), is_input);
   const bool reads_input = end != asked.files.end();
@@ -76,8 +94,18 @@ static bool fetch_other(const dm::settings& settings, uint64_t database, definit
   return false;
 }
 
+static int gather_past(const request& asked, definitions& before, definitions& after) {
+  dm::problem why;
+  reading from;
+  const bool is_read = begin_history(asked.database, from, why) &&
+                       fetch_at(from, asked.at, before, why) &&
+                       fetch_at(from, asked.to, after, why);
+  return is_read ? DONE : fail(why);
+}
+
 // Reads both sides. DONE, or FAILED with the failure printed.
 static int gather(const request& asked, definitions& before, definitions& after) {
+  if (is_of_the_past(asked)) return gather_past(asked, before, after);
   dm::settings settings;
   dm::problem why;
   uint64_t database = 0;
@@ -108,7 +136,7 @@ static int diff(request asked) {
   definitions after;
   progress shown("comparing");
   if (gather(asked, before, after) != DONE) return FAILED;
-  const bool is_deployment = asked.with.empty();
+  const bool is_deployment = asked.with.empty() && !is_of_the_past(asked);
   const comparison how{is_deployment, asked.lists_missing || !is_deployment, shown};
   std::vector<difference> found;
   if (!compare(before, after, how, found, why)) return fail(why);
@@ -137,6 +165,9 @@ void add_diff(CLI::App& app, int& result) {
       "password, because everybody can read command lines");
   command->add_option("--with-database", asked->with_database,
                       "The other dictionary's database; by default the one of the same number");
+  add_at_option(*command, asked->at);
+  command->add_option("--to", asked->to,
+                      "With --at: compare with the state after this one in place of now");
   command->add_flag("--missing", asked->lists_missing,
                     "List also what the dictionary holds and the files do not");
   add_json_option(*command, asked->is_json);

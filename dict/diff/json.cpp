@@ -1,8 +1,6 @@
 // The differences as JSON, for programs. Its form, described in docs/comparing.md, is part of the
 // interface.
-#include "dict/terminal/json.h"
-
-#include "dict/diff/diff.h"
+#include "dict/diff/json.h"
 
 namespace dict {
 
@@ -40,18 +38,21 @@ static void put_refused(json_writer& out, const trial_result& tried) {
   put_texts(out, "messages", tried.messages);
 }
 
-std::string as_json(const std::vector<difference>& found, const trial_result& tried) {
-  json_page page;
-  json_writer& out = page.out;
+void put_differences(json_writer& out, const std::vector<difference>& found) {
   const difference_counts counts = count(found);
-  out.StartObject();
   put_flag(out, "same", counts.added + counts.changed + counts.missing == 0);
   put_number(out, "new", static_cast<int64_t>(counts.added));
   put_number(out, "changed", static_cast<int64_t>(counts.changed));
   put_number(out, "missing", static_cast<int64_t>(counts.missing));
   put_array(out, "differences", found, put);
-  put_refused(out, tried);
-  out.EndObject();
+}
+
+std::string as_json(const std::vector<difference>& found, const trial_result& tried) {
+  json_page page;
+  page.out.StartObject();
+  put_differences(page.out, found);
+  put_refused(page.out, tried);
+  page.out.EndObject();
   return text_of(page);
 }
 

@@ -16,6 +16,7 @@
 #include "dd/values.h"
 #include "dict/commands.h"
 #include "dict/definitions.h"
+#include "dict/history/history.h"
 #include "dict/options.h"
 #include "dict/reading.h"
 #include "dict/terminal/visible.h"
@@ -31,6 +32,7 @@ namespace {
 struct request {
   std::string folder;
   std::string database;
+  std::string at;  // a point in the journal; empty: now
 };
 
 struct exported {
@@ -59,14 +61,23 @@ static bool is_written(tav_flist_t* field, tav_ebuf* ebuf) {
   return (flags & DD_FIELD_PREDEFINED) == 0 || !is_as_made(field, ebuf);
 }
 
+static bool fetch_now(const request& asked, exported& result, dm::problem& why) {
+  dm::settings settings;
+  return dm::read_settings(settings, why) &&
+         choose_database(asked.database, settings, result.database, why) &&
+         fetch(settings, result.database, result.all, why);
+}
+
+static bool fetch_past(const request& asked, exported& result, dm::problem& why) {
+  reading from;
+  if (!begin_history(asked.database, from, why)) return false;
+  result.database = from.database.number;
+  return fetch_at(from, asked.at, result.all, why);
+}
+
 // Lists that the data manager made can be read.
 static bool gather(const request& asked, exported& result, dm::problem& why) {
-  dm::settings settings;
-  if (!dm::read_settings(settings, why) ||
-      !choose_database(asked.database, settings, result.database, why) ||
-      !fetch(settings, result.database, result.all, why)) {
-    return false;
-  }
+  if (!(asked.at.empty() ? fetch_now : fetch_past)(asked, result, why)) return false;
   tav_ebuf ebuf{};
   dd_walk walk(result.all.fields.get(), TAV_FLD_FIELD);
   while (tav_flist_t* field = walk.next(at(&ebuf, HERE))) {
@@ -247,6 +258,7 @@ void add_export(CLI::App& app, int& result) {
       "--dir", asked->folder,
       "Into this folder: a file for each class and for fields whose names begin alike");
   add_database_option(*command, asked->database);
+  add_at_option(*command, asked->at);
   command->callback([asked, folder, &result] { result = run(*asked, folder->count() > 0); });
 }
 

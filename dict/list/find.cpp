@@ -5,6 +5,7 @@
 #include "dd/fold.h"
 #include "dd/utf8.h"
 #include "dict/list/list.h"
+#include "dm/class_outline.h"
 #include "dm/folded.h"
 
 namespace dict {
@@ -37,7 +38,7 @@ bool fits(std::string_view pattern, std::string_view name) {
   return true;
 }
 
-static bool list_fields(reading& from, const std::string& pattern, listing& found,
+static bool list_fields(const list_source& source, const std::string& pattern, listing& found,
                         dm::problem& why) {
   auto add = [&](const dm::field_row& row) {
     if (!fits(pattern, row.name)) return true;
@@ -47,8 +48,11 @@ static bool list_fields(reading& from, const std::string& pattern, listing& foun
                             row.descr != nullptr ? row.descr : ""});
     return true;
   };
-  return from.store->calls->fields(from.store.get(), from.database.id, {},
-                                   dm::visit<dm::field_row>(add), why);
+  dm::store* store = source.from.store.get();
+  const int64_t id = source.from.database.id;
+  const auto visitor = dm::visit<dm::field_row>(add);
+  return source.at != nullptr ? dm::past_fields(*store, id, *source.at, visitor, why)
+                              : store->calls->fields(store, id, {}, visitor, why);
 }
 
 // A class that is read; its key without the last step is that of the class above.
@@ -57,13 +61,17 @@ struct named_class {
   int64_t id;
 };
 
-static bool read_classes(reading& from, std::vector<named_class>& classes, dm::problem& why) {
+static bool read_classes(const list_source& source, std::vector<named_class>& classes,
+                         dm::problem& why) {
   auto add = [&](const dm::class_row& row) {
     return classes.push_back({row.key, row.name, row.id}), true;
   };
+  dm::store* store = source.from.store.get();
+  const int64_t id = source.from.database.id;
+  const auto visitor = dm::visit<dm::class_row>(add);
   const dm::choice keys{dm::choice::KEYS};
-  return from.store->calls->classes(from.store.get(), from.database.id, keys,
-                                    dm::visit<dm::class_row>(add), why);
+  return source.at != nullptr ? dm::past_classes(*store, id, *source.at, visitor, why)
+                              : store->calls->classes(store, id, keys, visitor, why);
 }
 
 // Steps compare as a whole: what stands below "/a" comes before "/a-b".
@@ -109,18 +117,49 @@ static bool list_tables(reading& from, const std::string& pattern,
                                    dm::visit<dm::table_row>(add), why);
 }
 
-bool find_listed(reading& from, const std::string& pattern, bool is_tree, listing& found,
-                 dm::problem& why) {
-  if (found.has_fields && !list_fields(from, pattern, found, why)) return false;
+// The journal keeps definitions; the names of their tables are found in these.
+static bool list_past_tables(const list_source& source, const std::string& pattern, listing& found,
+                             dm::problem& why) {
+  dm::outline_reader reader;
+  const auto add = [&](std::string_view table, const char* class_name) {
+    if (!table.empty() && fits(pattern, table)) {
+      found.tables.push_back({std::string(table), class_name});
+    }
+  };
+  auto look = [&](const dm::class_row& row) {
+    const dm::class_outline* outline = reader.read(row, why);
+    if (outline == nullptr) return false;
+    add(outline->table, row.name);
+    for (const dm::outline_entry& entry : outline->entries) add(dm::table_of(entry), row.name);
+    return true;
+  };
+  reading& from = source.from;
+  if (!dm::past_classes(*from.store, from.database.id, *source.at, dm::visit<dm::class_row>(look),
+                        why) ||
+      dm::failed(why)) {
+    return false;
+  }
+  std::sort(found.tables.begin(), found.tables.end(),
+            [](const listed_table& a, const listed_table& b) {
+              return dd_compare(a.name.c_str(), b.name.c_str()) < 0;
+            });
+  return true;
+}
+
+bool find_listed(const list_source& source, const std::string& pattern, bool is_tree,
+                 listing& found, dm::problem& why) {
+  if (found.has_fields && !list_fields(source, pattern, found, why)) return false;
   std::vector<named_class> classes;
-  if ((found.has_classes || found.has_tables) && !read_classes(from, classes, why)) return false;
+  if ((found.has_classes || found.has_tables) && !read_classes(source, classes, why)) return false;
   if (found.has_classes && is_tree) make_tree(classes, pattern, found);
   for (const named_class& one : classes) {
     if (found.has_classes && !is_tree && fits(pattern, one.name)) {
       found.classes.push_back({one.name});
     }
   }
-  return !found.has_tables || list_tables(from, pattern, classes, found, why);
+  if (!found.has_tables) return true;
+  return source.at != nullptr ? list_past_tables(source, pattern, found, why)
+                              : list_tables(source.from, pattern, classes, found, why);
 }
 
 }  // namespace dict

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "dict/commands.h"
+#include "dict/history/history.h"
 #include "dict/options.h"
 
 namespace dict {
@@ -13,6 +14,7 @@ namespace {
 struct request {
   std::string pattern;
   std::string database;
+  std::string at;  // a point in the journal; empty: now
   bool fields = false, classes = false, tables = false;
   bool is_tree = false;
   bool is_json = false;
@@ -27,6 +29,12 @@ static listing kinds_of(const request& asked) {
   return {all || asked.fields, all || asked.classes, all || asked.tables};
 }
 
+static bool begin_past(const request& asked, reading& from, dm::past& past, dm::problem& why) {
+  int64_t record = 0;
+  return begin_history(asked.database, from, why) &&
+         find_point(*from.store, asked.at, record, why) && look_back_to(from, record, past, why);
+}
+
 static int run(const request& asked) {
   dm::problem why;
   if (asked.is_tree && (asked.fields || asked.tables)) {
@@ -35,8 +43,10 @@ static int run(const request& asked) {
   }
   reading from;
   listing found = kinds_of(asked);
-  if (!begin_reading(asked.database, from, why) ||
-      !find_listed(from, asked.pattern, asked.is_tree, found, why)) {
+  dm::past past;
+  const bool is_past = !asked.at.empty();
+  if (!(is_past ? begin_past(asked, from, past, why) : begin_reading(asked.database, from, why)) ||
+      !find_listed({from, is_past ? &past : nullptr}, asked.pattern, asked.is_tree, found, why)) {
     return fail(why);
   }
   if (asked.is_json) {
@@ -58,6 +68,7 @@ void add_list(CLI::App& app, int& result) {
   command->add_flag("--tree", asked->is_tree, "Classes as a tree");
   add_json_option(*command, asked->is_json);
   add_database_option(*command, asked->database);
+  add_at_option(*command, asked->at);
   command->callback([asked, &result] { result = run(*asked); });
 }
 

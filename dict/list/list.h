@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dict/reading.h"
+#include "dm/journal/read.h"
 
 namespace dict {
 
@@ -39,9 +40,15 @@ struct listing {
 // any one character. An empty pattern fits all.
 bool fits(std::string_view pattern, std::string_view name);
 
+// Whose names are listed: those of a database as it is, or as it was.
+struct list_source {
+  reading& from;
+  const dm::past* at = nullptr;  // what was different then; null: now
+};
+
 // Lists what fits; false with the reason. In a tree, the classes above one that fits are there too.
-bool find_listed(reading& from, const std::string& pattern, bool is_tree, listing& found,
-                 dm::problem& why);
+bool find_listed(const list_source& source, const std::string& pattern, bool is_tree,
+                 listing& found, dm::problem& why);
 
 // To standard output.
 void print_text(const listing& found);

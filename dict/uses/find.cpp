@@ -46,12 +46,6 @@ static void sort_by_class(std::vector<Found>& found, ClassOf class_of) {
 
 // --- Tables --------------------------------------------------------------------------------------
 
-// The table that an entry has, empty for none.
-static std::string table_of(const dm::outline_entry& entry) {
-  if (dd_is_container(entry.type)) return entry.sql_name;
-  return std::string(entry.type == TAV_FLDT_BUF ? dm::storage_of_buf(entry.sql_name).table : "");
-}
-
 // The columns that the table of the class (-1) or of an entry has.
 static std::vector<found_table::column> columns_of(const dm::class_outline& outline,
                                                    int32_t owner) {
@@ -79,7 +73,7 @@ static void add_tables(const dm::class_row& row, const dm::class_outline& outlin
   };
   add(outline.table, dm::NO_PARENT);
   for (size_t i = 0; i < outline.entries.size(); ++i) {
-    add(table_of(outline.entries[i]), static_cast<int32_t>(i));
+    add(std::string(dm::table_of(outline.entries[i])), static_cast<int32_t>(i));
   }
 }
 
@@ -131,7 +125,7 @@ static bool add_class(reading& from, const std::string& asked, uses& found, dm::
     one.name = row.name;
     if (*outline->table != '\0') one.tables.push_back({outline->table, {}});
     for (size_t i = 0; i < outline->entries.size(); ++i) {
-      const std::string table = table_of(outline->entries[i]);
+      const std::string table(dm::table_of(outline->entries[i]));
       if (!table.empty()) one.tables.push_back({table, path_of(*outline, static_cast<int32_t>(i))});
     }
     return true;

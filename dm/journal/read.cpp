@@ -76,8 +76,8 @@ static bool find_way(store& store, const database_row& stored, int64_t number, w
     return true;
   };
   if (!walk_records(store, {number}, note, why)) return false;
-  // Record `number` itself must be there, or the one before the first is asked for.
-  const bool is_there = oldest == number || (number == 0 && oldest == 1);
+  // No record after `number` may be missing.
+  const bool is_there = oldest == number || oldest == number + 1;
   if (is_there) return true;
   why.code = TAV_ERR_NOT_FOUND;
   why.sentence = join({"The journal has no record ", std::to_string(number), "."});

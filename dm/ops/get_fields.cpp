@@ -4,7 +4,7 @@
 
 namespace dm {
 
-static void add_field(tav_flist_t* output, int32_t id, const field_row& row, tav_ebuf* ebuf) {
+void add_field(tav_flist_t* output, int32_t id, const field_row& row, tav_ebuf* ebuf) {
   tav_value values[] = {{TAV_FLD_FIELD_NAME, row.name},
                         {TAV_FLD_FIELD_NUM, &row.number},
                         {TAV_FLD_FIELD_TYPE, &row.type},

@@ -23,6 +23,9 @@ dd_flist get_classes(operation& op);    // 577
 dd_flist set_classes(operation& op);    // 578
 dd_flist delete_fields(operation& op);  // 585
 
+// Adds the field as an element of TAV_FLD_FIELD, as 575 gives it.
+void add_field(tav_flist_t* output, int32_t id, const field_row& row, tav_ebuf* ebuf);
+
 // An empty output list; null with the problem set where memory ran out.
 dd_flist nothing_to_give(operation& op);
 // Sets the problem; gives null.

@@ -26,12 +26,13 @@ bool postgres_add_part(store* base, const journal_part& part, problem& why) {
                     {part.record, part.part, part.content}, why);
 }
 
-// Only the owner of the tables may do that. Cursors of earlier reads would stand in its way.
+// Only the owner of the tables may do that. A table that an open cursor reads cannot be altered.
 bool postgres_forget_records(store* base, int64_t before, problem& why) {
   static constexpr char PARTS[] = "DELETE FROM dd_journal_changes WHERE record < $1";
   static constexpr char RECORDS[] = "DELETE FROM dd_journal WHERE number < $1";
   static constexpr char SWITCH_OFF[] =
-      "CLOSE ALL; ALTER TABLE dd_journal DISABLE TRIGGER dd_journal_keep;"
+      "CLOSE ALL;"
+      "ALTER TABLE dd_journal DISABLE TRIGGER dd_journal_keep;"
       "ALTER TABLE dd_journal_changes DISABLE TRIGGER dd_journal_changes_keep";
   static constexpr char SWITCH_ON[] =
       "ALTER TABLE dd_journal ENABLE TRIGGER dd_journal_keep;"

@@ -1,0 +1,177 @@
+#include "dd/database_number.h"
+#include "dd/values.h"
+#include "dd/walk.h"
+#include "dict/diff/values.h"
+#include "dict/history/blame.h"
+#include "dm/folded.h"
+
+namespace dict {
+
+static constexpr char MODULE[] = "tav_dict";
+
+namespace {
+
+// A change of the thing, kept.
+struct kept_change {
+  int64_t record;
+  dm::change_how how;
+  size_t head, tail;
+  std::string middle, digest;
+
+  dm::journal_change borrowed(dm::change_of what, std::string_view name) const {
+    return {what, how, name, head, tail, middle, digest};
+  }
+};
+
+// Names from the top level down and the attribute, folded; what stands twice has a number behind.
+using part_key = std::vector<std::string>;
+using part_values = std::map<part_key, std::string>;
+
+// A state, taken apart.
+struct taken_apart {
+  std::vector<blamed_part> parts{};
+  std::vector<part_key> keys{};  // of the parts
+  part_values values{};
+};
+
+}  // namespace
+
+// --- Parts of a state ------------------------------------------------------------------------
+
+static void note_part(taken_apart& all, blamed_part part) {
+  part_key key;
+  for (const std::string& name : part.path) key.push_back(dm::folded(name));
+  key.push_back(part.attribute);
+  while (all.values.count(key) != 0) key.back() += '#';
+  all.values[key] = part.value;
+  all.keys.push_back(std::move(key));
+  all.parts.push_back(std::move(part));
+}
+
+static void note_element(taken_apart& all, const element_kind& kind, tav_flist_t* element,
+                         std::vector<std::string>& path, tav_ebuf* ebuf) {
+  note_part(all, {path, "", type_of(kind, element, at(ebuf, HERE))});
+  for (value_change& value : values_of(kind, element, at(ebuf, HERE))) {
+    if (value.attribute == "type") continue;
+    note_part(all, {path, std::string(value.attribute), std::move(value.after)});
+  }
+  if (&kind == &FIELD) return;
+  dd_walk entries(element, TAV_FLD_OBJ_ELEM);
+  while (tav_flist_t* entry = entries.next(at(ebuf, HERE))) {
+    path.push_back(dd_text(entry, TAV_FLD_FIELD_NAME, at(ebuf, HERE)));
+    note_element(all, ENTRY, entry, path, ebuf);
+    path.pop_back();
+  }
+}
+
+static bool take_apart(dm::change_of what, const std::string& name, const std::string& state,
+                       taken_apart& result, dm::problem& why) {
+  definitions one;
+  definitions_maker maker(one);
+  if (!maker.add(what, name, state, why) || !maker.finish(why)) return false;
+  tav_ebuf ebuf{};
+  std::vector<std::string> path;
+  const bool is_class = what == dm::change_of::CLASS;
+  dd_walk elements(is_class ? one.classes.get() : one.fields.get(),
+                   is_class ? TAV_FLD_OBJ_DESC : TAV_FLD_FIELD);
+  while (tav_flist_t* element = elements.next(at(&ebuf, HERE))) {
+    note_element(result, is_class ? CLASS : FIELD, element, path, &ebuf);
+  }
+  if (!dd_failed(ebuf)) return true;
+  why.sentence = "The list of definitions cannot be built.";
+  return false;
+}
+
+// --- The way back ----------------------------------------------------------------------------
+
+static bool find_changes_of(reading& from, const blamed_thing& thing,
+                            std::vector<kept_change>& found, dm::problem& why) {
+  const std::string key = dm::folded(thing.name);
+  const auto note = [&](int64_t record, const dm::journal_change& change) {
+    if (change.what == thing.what && change.name.size() == key.size() &&
+        dm::folded(change.name) == key) {
+      found.push_back({record, change.how, change.head, change.tail, std::string(change.middle),
+                       std::string(change.digest)});
+    }
+    return true;
+  };
+  dm::journal_range range;
+  range.newest_first = true;
+  return dm::walk_changes(*from.store, range, note, why);
+}
+
+// Those records of the database that changed the thing.
+static bool find_records(reading& from, const std::vector<kept_change>& changes,
+                         std::map<int64_t, dm::journal_record>& records, dm::problem& why) {
+  const std::string database = dd_database_text(from.database.number);
+  for (const kept_change& change : changes) {
+    const auto note = [&](const dm::journal_record& record) {
+      if (record.database == database) records[record.number] = record;
+      return true;
+    };
+    if (!dm::walk_records(*from.store, {change.record, change.record}, note, why)) return false;
+  }
+  return true;
+}
+
+// What of the present is not in `before` as it is now, this record made.
+static void settle(taken_apart& present, const part_values& before,
+                   const dm::journal_record& record, bool is_found) {
+  for (size_t i = 0; i < present.keys.size(); ++i) {
+    blamed_part& part = present.parts[i];
+    const auto old = before.find(present.keys[i]);
+    const bool is_same = old != before.end() && old->second == part.value;
+    if (part.by.number != 0 || is_same) continue;
+    part.by = record;
+    part.is_found = is_found;
+  }
+}
+
+// Makes the state that of before the change.
+static bool take_back(const dm::journal_change& change, std::string& state) {
+  std::string before;
+  if (!dm::has_left(change, &state)) return false;
+  if (dm::was_there(change) && !dm::state_before(change, state, before)) return false;
+  state = std::move(before);
+  return true;
+}
+
+static bool go_back(const blamed_thing& thing, taken_apart& present, std::string state,
+                    const std::vector<kept_change>& changes,
+                    const std::map<int64_t, dm::journal_record>& records, dm::problem& why) {
+  for (const kept_change& kept : changes) {
+    const auto record = records.find(kept.record);
+    if (record == records.end()) continue;  // of another database
+    const dm::journal_change change = kept.borrowed(thing.what, thing.name);
+    taken_apart before;
+    if (!take_back(change, state)) return dm::damaged_record(kept.record, why);
+    const bool goes_on = dm::was_there(change);
+    if (goes_on && !take_apart(thing.what, thing.name, state, before, why)) return false;
+    settle(present, before.values, record->second, kept.how == dm::change_how::FOUND);
+    if (!goes_on) return true;
+  }
+  return true;
+}
+
+bool find_blame(reading& from, const std::string& name, blamed_thing& result, dm::problem& why) {
+  std::optional<std::string> state;
+  taken_apart present;
+  std::vector<kept_change> changes;
+  std::map<int64_t, dm::journal_record> records;
+  result.what = name.rfind('/', 0) == 0 ? dm::change_of::CLASS : dm::change_of::FIELD;
+  result.name = name;
+  if (!dm::present_state(*from.store, from.database.id, result.what, name, state, why)) {
+    return false;
+  }
+  result.is_there = state.has_value();
+  if (!result.is_there) return true;
+  if (!take_apart(result.what, name, *state, present, why) ||
+      !find_changes_of(from, result, changes, why) || !find_records(from, changes, records, why) ||
+      !go_back(result, present, *state, changes, records, why)) {
+    return false;
+  }
+  result.parts = std::move(present.parts);
+  return true;
+}
+
+}  // namespace dict

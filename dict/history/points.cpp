@@ -1,0 +1,98 @@
+#include <rapidjson/document.h>
+
+#include <charconv>
+
+#include "dict/history/history.h"
+#include "dict/history/moments.h"
+#include "dm/json_memory.h"
+
+namespace dict {
+
+using document =
+    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
+                               dm::json_memory>;
+
+tag_detail read_tag(const std::string& detail) {
+  document read;
+  read.Parse(detail.c_str());
+  if (read.HasParseError() || !read.IsObject()) return {};
+  const auto number = read.FindMember("number");
+  const auto name = read.FindMember("name");
+  if (number == read.MemberEnd() || !number->value.IsInt64() || name == read.MemberEnd() ||
+      !name->value.IsString()) {
+    return {};
+  }
+  return {number->value.GetInt64(), name->value.GetString()};
+}
+
+static bool read_number(const std::string& text, int64_t& number) {
+  const char* end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && rest == end && number >= 0;
+}
+
+static bool find_tag(dm::store& store, const std::string& name, int64_t& number, dm::problem& why) {
+  number = 0;
+  const auto look = [&](const dm::journal_record& record) {
+    if (record.kind != dm::journal_kind::TAG) return true;
+    const tag_detail tag = read_tag(record.detail);
+    if (tag.name == name) number = tag.number;
+    return number == 0;
+  };
+  dm::journal_range range;
+  range.newest_first = true;
+  if (!dm::walk_records(store, range, look, why)) return false;
+  if (number != 0) return true;
+  why.sentence = dm::join({"There is no tag ", dm::quoted(name),
+                           "; 'tav_dict log' shows deployments and their tags. A time has a '@' "
+                           "before it."});
+  return false;
+}
+
+static bool find_moment(dm::store& store, const std::string& text, int64_t& record,
+                        dm::problem& why) {
+  std::string moment;
+  if (!read_moment(text, moment, why)) return false;
+  record = 0;
+  const auto look = [&](const dm::journal_record& row) {
+    if (row.time <= moment) record = row.number;
+    return record == 0;
+  };
+  dm::journal_range range;
+  range.newest_first = true;
+  return dm::walk_records(store, range, look, why);
+}
+
+bool find_deployment(dm::store& store, const std::string& text, int64_t& number, dm::problem& why) {
+  int64_t record = 0;
+  const bool is_moment = text.rfind('@', 0) == 0;
+  if (is_moment && !find_moment(store, text, record, why)) return false;
+  if (!is_moment && !read_number(text, record) && !find_tag(store, text, record, why)) return false;
+  bool is_there = false;
+  const auto look = [&](const dm::journal_record& row) {
+    return number = row.deployment, is_there = true, false;
+  };
+  if (!dm::walk_records(store, {record, record}, look, why)) return false;
+  if (is_there) return true;
+  why.sentence = dm::join({"The journal has no deployment ", std::to_string(record),
+                           "; 'tav_dict log' shows those that it has."});
+  return false;
+}
+
+// Interrupted by others, a deployment's last record may stand well behind its first.
+static bool find_last(dm::store& store, int64_t deployment, int64_t& record, dm::problem& why) {
+  const auto look = [&](const dm::journal_record& row) {
+    if (row.deployment == deployment) record = row.number;
+    return true;
+  };
+  return dm::walk_records(store, {deployment}, look, why);
+}
+
+bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::problem& why) {
+  if (text.rfind('@', 0) == 0) return find_moment(store, text, record, why);
+  int64_t deployment = 0;
+  if (read_number(text, deployment) && deployment == 0) return record = 0, true;
+  return find_deployment(store, text, deployment, why) && find_last(store, deployment, record, why);
+}
+
+}  // namespace dict
