@@ -16,13 +16,10 @@ tag_detail read_tag(const std::string& detail) {
   document read;
   read.Parse(detail.c_str());
   if (read.HasParseError() || !read.IsObject()) return {};
-  const auto number = read.FindMember("number");
-  const auto name = read.FindMember("name");
-  if (number == read.MemberEnd() || !number->value.IsInt64() || name == read.MemberEnd() ||
-      !name->value.IsString()) {
-    return {};
-  }
-  return {number->value.GetInt64(), name->value.GetString()};
+  const bool is_whole = read.HasMember("number") && read["number"].IsInt64() &&
+                        read.HasMember("name") && read["name"].IsString();
+  if (!is_whole) return {};
+  return {read["number"].GetInt64(), read["name"].GetString()};
 }
 
 static bool read_number(const std::string& text, int64_t& number) {

@@ -313,5 +313,13 @@ TEST(history, of_random_deployments_is_told_as_it_was) {
     ASSERT_EQ(blame_of(place, name), blame_by_exports(past, name)) << name;
   }
   EXPECT_GT(asked, 2u);
+  const std::string first = past[past.size() / 2].number;
+  EXPECT_EQ(ask(place, {"prune", "--before", first, "--yes"}),
+            "Forgot " + std::to_string(std::stoi(first) - 1) + " records, all before number " +
+                first + ".\n");
+  for (size_t i = past.size() / 2; i < past.size(); ++i) {
+    ASSERT_EQ(ask(place, {"export", "--at", past[i].number}), past[i].exported) << past[i].number;
+  }
+  EXPECT_EQ(ask(place, {"export"}), past.back().exported);
   EXPECT_EQ(ask(place, {"check"}), "No findings.\n");
 }
