@@ -27,6 +27,7 @@ struct judging {
   std::span<const source> sources;
   uint32_t source_number;
   const syntax::definition& definition;
+  size_t most;
   left_out& missing;
   mended result{};
   std::vector<open_block> open{};
@@ -105,7 +106,15 @@ static verdict judge_framed(judging& in, std::string_view part, bool is_head) {
   return result;
 }
 
+static bool is_full(const judging& in) {
+  return in.result.mistakes.size() >= in.most;
+}
+
 static void add_mistake(judging& in, verdict told, uint64_t start) {
+  if (is_full(in)) {
+    ++in.result.untold;
+    return;
+  }
   const span where =
       own_place(in.sources, in.source_number, told.told, start + told.taken, told.ended);
   told.line = 0;  // that of the frame
@@ -130,6 +139,7 @@ static std::string_view entry_name(const judging& in) {
 // Of a part that has no name any word may be one.
 static void leave_out_words(judging& in, token_range range) {
   const std::string_view name = syntax::name_of(in.text(), in.definition, in.at(0));
+  if (is_full(in)) return;
   for (uint32_t i = range.first; i < range.end; ++i)
     if (kind_at(in, i) == DPARSE_TOKEN_WORD)
       leave_out(in.missing, {in.at(0).meant, name, slice(in, {i, i + 1})});
@@ -138,7 +148,7 @@ static void leave_out_words(judging& in, token_range range) {
 static void leave_out_member(judging& in, const node& member) {
   const std::string_view definition = syntax::name_of(in.text(), in.definition, in.at(0));
   const std::string_view name = syntax::name_of(in.text(), in.definition, member);
-  if (member.meant == node_kind::ATTRIBUTE)
+  if (member.meant == node_kind::ATTRIBUTE && !is_full(in))
     leave_out(in.missing, {in.at(0).meant, definition, entry_name(in), name});
   leave_out_words(in, {member.first, end_of(member)});
 }
@@ -211,8 +221,8 @@ static void judge_member(judging& in, uint32_t index) {
 }
 
 mended judge_parts(std::span<const source> sources, uint32_t source, uint32_t definition,
-                   left_out& missing) {
-  judging in{sources, source, sources[source].tree.definitions[definition], missing};
+                   size_t most, left_out& missing) {
+  judging in{sources, source, sources[source].tree.definitions[definition], most, missing};
   for (uint32_t i = 0; i < in.definition.node_count; ++i) {
     while (!in.open.empty() && end_of(in.at(in.open.back().node)) <= in.at(i).first) close_node(in);
     if (has_block(in, i)) {

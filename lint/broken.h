@@ -18,13 +18,15 @@ struct mistake {
 
 struct mended {
   std::vector<mistake> mistakes{};  // in their order
+  uint64_t untold = 0;              // further ones
   // The definition without what is broken; empty where nothing can be said of it.
   std::string text{};
 };
 
-// Has the reader judge each member by itself, so that the work is that of reading once.
+// Has the reader judge each member by itself, so that the work is that of reading once. Of more
+// mistakes than can be told all but the number is dropped, and the text.
 mended judge_parts(std::span<const source> sources, uint32_t source, uint32_t definition,
-                   left_out& missing);
+                   size_t most, left_out& missing);
 
 }  // namespace lint
 

@@ -6,7 +6,7 @@
 namespace lint {
 
 void tell(result& to, finding found) {
-  if (to.told.size() < MOST_TOLD) {
+  if (!is_full(to)) {
     to.told.push_back(std::move(found));
   } else {
     ++to.untold[static_cast<size_t>(found.told)];

@@ -12,6 +12,7 @@ void entry_finder::build(const node_place& of_class) {
   first_.clear();
   entries_.clear();
   built_ = of_class;
+  is_named_ = false;
   for (uint32_t i = 0; i < nodes.size(); ++i) {
     while (!around.empty() &&
            nodes[around.back()].first + nodes[around.back()].count <= nodes[i].first)
@@ -24,18 +25,26 @@ void entry_finder::build(const node_place& of_class) {
       const uint32_t first = first_.add_first({around.back(), name}, place);
       if (first != place) entries_[last[first]].next = place;
       last[first] = place;
-      first_.add_first({ANYWHERE, name}, place);
     }
     if (nodes[i].meant != node_kind::ATTRIBUTE) around.push_back(i);
   }
 }
 
+void entry_finder::name_entries() {
+  const syntax::definition& definition = definition_of(all_, built_);
+  is_named_ = true;
+  named_.clear();
+  for (const chained& each : entries_) {
+    const syntax::node& node = definition.nodes[each.node];
+    named_.add_first(syntax::name_of(text_of(all_, built_), definition, node), each.node);
+  }
+}
+
 node_place entry_finder::find_anywhere(const node_place& of_class, std::string_view name) {
   if (built_.source != of_class.source || built_.definition != of_class.definition) build(of_class);
-  const uint32_t* place = first_.find({ANYWHERE, name});
-  node_place at = of_class;
-  if (place != nullptr) at.node = entries_[*place].node;
-  return at;
+  if (!is_named_) name_entries();
+  const uint32_t* node = named_.find(name);
+  return {of_class.source, of_class.definition, node != nullptr ? *node : of_class.node};
 }
 
 node_place entry_finder::find(const node_place& of_class, std::span<const std::string_view> path,

@@ -23,9 +23,8 @@ class entry_finder {
   node_place find_anywhere(const node_place& of_class, std::string_view name);
 
  private:
-  static constexpr uint32_t ANYWHERE = UINT32_MAX;
   struct key {
-    uint32_t around;  // node; ANYWHERE
+    uint32_t around;  // node
     std::string_view name;
   };
   struct by_key {
@@ -44,11 +43,14 @@ class entry_finder {
   };
 
   void build(const node_place& of_class);
+  void name_entries();
 
   const index& all_;
   node_place built_{UINT32_MAX, 0, 0};
   dd_index<by_key, uint32_t> first_{};  // into entries_
   std::vector<chained> entries_{};
+  dd_index<by_view, uint32_t> named_{};  // nodes; built when it is asked for
+  bool is_named_ = false;
 };
 
 }  // namespace lint

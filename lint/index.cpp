@@ -44,9 +44,22 @@ static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
   if (kind == node_kind::INTERFACE) add_uses(to, at);
 }
 
+// Growing as they are filled, they would take twice as much for a while.
+static void reserve(index& to, std::vector<uint32_t>& last) {
+  size_t counts[3] = {};
+  for (const source& each : to.sources)
+    for (const syntax::definition& definition : each.tree.definitions)
+      if (definition.nodes[0].meant <= node_kind::IMPLEMENTATION)
+        ++counts[static_cast<size_t>(definition.nodes[0].meant)];
+  for (size_t i = 0; i < std::size(counts); ++i) to.by_name[i].reserve(counts[i]);
+  to.definitions.reserve(counts[0] + counts[1] + counts[2]);
+  last.reserve(to.definitions.capacity());
+}
+
 index index_of(std::span<const source> sources) {
   index result{sources};
   std::vector<uint32_t> last;  // of the name of which a definition is the first
+  reserve(result, last);
   for (uint32_t source = 0; source < sources.size(); ++source) {
     const auto count = static_cast<uint32_t>(sources[source].tree.definitions.size());
     for (uint32_t i = 0; i < count; ++i) add(result, {source, i, 0}, last);
@@ -157,9 +170,18 @@ span whole_span(const index& in, const node_place& at) {
   return tokens_span(in, at, 0, node_of(in, at).count);
 }
 
+uint64_t line_at(const syntax::tree& tree, uint64_t byte) {
+  const size_t block = byte / syntax::LINE_BLOCK;
+  if (tree.lines.empty()) return 1;
+  const size_t known = std::min(block, tree.lines.size() - 1);
+  const std::string_view text = std::string_view(tree.text).substr(
+      known * syntax::LINE_BLOCK, byte - known * syntax::LINE_BLOCK);
+  return 1 + tree.lines[known] + static_cast<uint64_t>(std::ranges::count(text, '\n'));
+}
+
 std::string place_text(const index& in, const span& where) {
   const source& from = in.sources[where.source];
-  return from.name + ":" + std::to_string(syntax::place_at(from.tree, where.start).line);
+  return from.name + ":" + std::to_string(line_at(from.tree, where.start));
 }
 
 }  // namespace lint

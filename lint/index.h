@@ -71,6 +71,8 @@ span name_span(const index& in, const node_place& at);   // of a definition or e
 span type_span(const index& in, const node_place& at);   // the first token of a definition or entry
 span value_span(const index& in, const node_place& at);  // of an attribute: between "=" and ";"
 span whole_span(const index& in, const node_place& at);
+// The line of a byte, however long the line is.
+uint64_t line_at(const syntax::tree& tree, uint64_t byte);
 // "NAME:LINE", as sentences refer to other places.
 std::string place_text(const index& in, const span& where);
 

@@ -35,7 +35,7 @@ result lint(const std::vector<source>& sources, const world& against) {
   result found;
   reading read;
   read_sources(all, read, found);
-  if (!sources.empty()) check_definitions(all, read, against, found);
+  if (!sources.empty() && !is_full(found)) check_definitions(all, read, against, found);
   if (against.own)
     for (finding& each : against.own(all)) tell(found, std::move(each));
   put_in_order(found);

@@ -1,5 +1,7 @@
 #include "lint/read.h"
 
+#include <algorithm>
+
 #include "dd/field_ids.h"
 #include "dd/values.h"
 #include "lint/broken.h"
@@ -29,7 +31,9 @@ static std::string subject_of(const source_reading& in, const node_place& at) {
   static constexpr const char* KINDS[] = {"field ", "class ", "implementation of ", "", "", ""};
   const syntax::node& node = node_of(in.all, at);
   const auto name = syntax::name_of(in.tree().text, definition_of(in.all, at), node);
-  return name.empty() ? "syntax" : KINDS[static_cast<size_t>(node.meant)] + std::string(name);
+  constexpr size_t MOST = 240;  // sound names are longer than that nearly never
+  if (name.empty()) return "syntax";
+  return KINDS[static_cast<size_t>(node.meant)] + std::string(name.substr(0, MOST));
 }
 
 // What is defined twice was defined elsewhere first.
@@ -61,10 +65,14 @@ static bool is_about_first(message told) {
 
 static void tell_mistake(source_reading& in, const node_place* at, const mistake& one,
                          const span* noticed = nullptr) {
+  if (is_full(in.told)) {
+    ++in.told.untold[static_cast<size_t>(level::ERROR)];
+    return;
+  }
   finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, ""};
   found.reader_line = one.told.line;
   if (found.reader_line == 0) {
-    found.reader_line = syntax::place_at(in.tree(), one.where.start + one.where.length).line;
+    found.reader_line = line_at(in.tree(), one.where.start + one.where.length);
   }
   found.subject = at != nullptr ? subject_of(in, *at) : "syntax";
   if (at != nullptr && is_about_first(one.told.told)) relate_first(in, *at, found);
@@ -130,12 +138,20 @@ static void read_mended(source_reading& in, const node_place& at, const std::str
   tell_mistake(in, &at, {std::move(again), name_place});
 }
 
+// Where no more can be told the definitions are not checked either: what is sound is not needed.
 static void read_broken(source_reading& in, const node_place& at, verdict told, uint64_t start) {
   const mistake first{
       told, own_place(in.all.sources, in.source, told.told, start + told.taken, told.ended)};
-  const mended parts = judge_parts(in.all.sources, in.source, at.definition, in.into.missing);
+  const mended parts =
+      judge_parts(in.all.sources, in.source, at.definition, room_in(in.told), in.into.missing);
+  uint64_t& untold = in.told.untold[static_cast<size_t>(level::ERROR)];
+  if (is_full(in.told)) {
+    untold += std::max<uint64_t>(parts.untold, 1);
+    return;
+  }
   tell_all(in, at, first, parts.mistakes);
-  read_mended(in, at, parts.text, first);
+  untold += parts.untold;
+  if (!is_full(in.told)) read_mended(in, at, parts.text, first);
 }
 
 // --- Sources -------------------------------------------------------------------------------------
@@ -146,7 +162,8 @@ static void read_alone(source_reading& in, uint32_t definition) {
   const syntax::definition& alone = definition_of(in.all, at);
   const uint64_t start = syntax::place_of(alone, alone.tokens[0]);
   const std::string_view text = in.tree().text;
-  verdict told = judge(text.substr(start, alone.start + alone.length - start), in.into.sound);
+  const std::string_view own = text.substr(start, alone.start + alone.length - start);
+  verdict told = is_full(in.told) ? judge(own) : judge(own, in.into.sound);
   if (told.is_sound()) return;
   told.line = 0;
   read_broken(in, at, std::move(told), start);
