@@ -6,6 +6,7 @@
 #include <tuple>
 #include <unordered_set>
 
+#include "dd/fold.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "lint/collect.h"
@@ -38,8 +39,9 @@ struct checking {
 
 static uint64_t mix(uint64_t hash, const char* text) {
   if (text == nullptr) text = "";
-  return dd_multiply(hash ^ std::hash<std::string_view>()(text), DD_HASH_KEY.factor) ^
-         dd_hash(text);
+  std::string folded(text);  // names are the same in either case
+  for (char& c : folded) c = static_cast<char>(dd_fold(c));
+  return dd_multiply(hash ^ std::hash<std::string>()(folded), DD_HASH_KEY.factor) ^ dd_hash(text);
 }
 
 // Of findings that follow from one mistake only the first is told: of storage that cannot be
