@@ -1,10 +1,12 @@
 #include "lint/check.h"
 
 #include <algorithm>
+#include <map>
 #include <new>
 #include <tuple>
 #include <unordered_set>
 
+#include "dd/fold.h"
 #include "dd/report.h"
 #include "dd/values.h"
 #include "lint/collect.h"
@@ -25,6 +27,8 @@ struct checking {
   deploy::import_state& state;
   subject_finder subjects;
   std::unordered_set<uint64_t> seen{};  // hashes of what was told
+  // How many entries that have the name of the one at a place were told.
+  std::map<std::tuple<uint32_t, uint32_t, uint32_t>, size_t> repeats{};
   std::vector<std::string> printed{};
   bool has_failed = false;
 };
@@ -35,8 +39,9 @@ struct checking {
 
 static uint64_t mix(uint64_t hash, const char* text) {
   if (text == nullptr) text = "";
-  return dd_multiply(hash ^ std::hash<std::string_view>()(text), DD_HASH_KEY.factor) ^
-         dd_hash(text);
+  std::string folded(text);  // names are the same in either case
+  for (char& c : folded) c = static_cast<char>(dd_fold(c));
+  return dd_multiply(hash ^ std::hash<std::string>()(folded), DD_HASH_KEY.factor) ^ dd_hash(text);
 }
 
 // Of findings that follow from one mistake only the first is told: of storage that cannot be
@@ -64,18 +69,27 @@ static bool is_told_later(const sentence_row& row, const finding& found) {
   return std::tie(found.where.source, found.where.start) < std::tie(there.source, there.start);
 }
 
+// The import tells each entry whose name stands there again, the first one too: which one it is.
+static size_t repeat_of(checking& in, const sentence_row& row, const deploy::subject& about) {
+  if (row.second != other::EARLIER) return 0;
+  const auto first = find(in.subjects, about);
+  return first ? in.repeats[{first->source, first->definition, first->node}]++ : 1;
+}
+
 static void tell_record(checking& in, const deploy::finding_record& record) {
   const auto* row =
       std::ranges::find(SENTENCES, std::string_view(record.row.id), &sentence_row::id);
   if (row == std::end(SENTENCES) || is_excused(in.read.missing, row->id, record.about)) return;
-  const uint64_t key = key_of(in, row->id, record.about);
+  const size_t repeat = repeat_of(in, *row, record.about);
+  if (row->second == other::EARLIER && repeat == 0) return;
+  const uint64_t key = key_of(in, row->id, record.about) + repeat;
   // What is only counted is not noted: the import tells some of it twice.
   if (is_full(in.told) ? in.seen.contains(key) : !in.seen.insert(key).second) return;
   if (is_full(in.told)) {
     ++in.told.untold[static_cast<size_t>(row->normal)];
     return;
   }
-  finding found = finding_of(in.subjects, in.state, *row, record.about);
+  finding found = finding_of(in.subjects, in.state, *row, record.about, repeat);
   if (!is_told_later(*row, found)) tell(in.told, std::move(found));
 }
 

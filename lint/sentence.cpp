@@ -389,10 +389,9 @@ static void blame_other_type(telling& t) {
 }
 
 finding finding_of(subject_finder& in, deploy::import_state& state, const sentence_row& row,
-                   const deploy::subject& about) {
+                   const deploy::subject& about, size_t repeat) {
   telling t{in, state, row, about};
-  const bool is_second = row.second == other::EARLIER;
-  t.at = find(in, about, is_second ? 1 : 0);
+  t.at = find(in, about, repeat);
   blame_second(t);
   if (!t.is_twice) find_second(t);
   blame_other_type(t);

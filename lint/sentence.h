@@ -8,8 +8,9 @@
 
 namespace lint {
 
+// `repeat`: of entries that have the same name the n-th behind the first.
 finding finding_of(subject_finder& in, deploy::import_state& state, const sentence_row& row,
-                   const deploy::subject& about);
+                   const deploy::subject& about, size_t repeat);
 
 }  // namespace lint
 

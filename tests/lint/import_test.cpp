@@ -57,6 +57,13 @@ static const import_case CASES[] = {
      "b:3:7 field-outside-array, b:3:7 column-without-table, b:3:20 system-field-in-subclass, "
      "b:5:27 array-in-related-class, b:6:16 class-name-without-slash, b:6:16 missing-class-table, "
      "b:7:16 missing-interface"},
+    // Each but the first of equal names, once, however they are spelled.
+    {"STORABLE CLASS /a/b {\n  ARRAY R {\n    STRING A { }\n    STRING a { }\n    STRING A { }\n"
+     "    STRING A { }\n  }\n}\nSTORABLE CLASS /a { }\n"
+     "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }\n"
+     "STORABLE CLASS /a/b IMPLEMENTATION TESSEL7 {\n  ARRAY R { SQL_TABLE = \"u\"; STRING A { "
+     "SQL_COLUMN = \"a\"; } }\n}\n",
+     "b:4:12 repeated-field, b:4:12 missing-column, b:5:12 repeated-field, b:6:12 repeated-field"},
 };
 
 TEST(import, tells_every_finding_where_it_is) {
