@@ -210,7 +210,7 @@ static tav_flist_t* held_node(telling& t) {
 }
 
 static std::string quoted_or_none(std::string_view text) {
-  return text.empty() ? "none" : "\"" + std::string(text) + "\"";
+  return text.empty() ? "none" : std::string("\"").append(text).append("\"");
 }
 
 static bool has_two_names(const telling& t) {

@@ -62,7 +62,7 @@ static std::string shown(std::string_view text) {
   while (is_cut && end > MOST_SHOWN - 4 && (text[end] & '\xC0') == '\x80') --end;
   std::string result = dd_visible(text.substr(0, end));
   for (const invisible& each : INVISIBLE) {
-    const std::string name = "<" + std::string(each.code) + ">";
+    const std::string name = std::string("<").append(each.code).append(">");
     for (size_t at = 0; (at = result.find(each.bytes, at)) != result.npos; at += name.size())
       result.replace(at, each.bytes.size(), name);
   }
@@ -71,7 +71,7 @@ static std::string shown(std::string_view text) {
 
 static std::string in_quotes(std::string_view text) {
   if (text.starts_with('"')) return shown(text);
-  return "'" + shown(text) + "'";
+  return std::string("'").append(shown(text)).append("'");
 }
 
 static std::string_view token_text(const telling& t, uint32_t token) {

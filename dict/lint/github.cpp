@@ -31,8 +31,8 @@ static std::string line_of(const lint::finding& found, const region& at, places&
   std::string message = written_out(found.sentence);
   for (const lint::related_place& each : found.related) {
     const region other = region_of(there, each.where);
-    message += "\n" + written_out(other.file) + ":" + std::to_string(other.line) + ": " +
-               written_out(each.sentence);
+    message.append("\n").append(written_out(other.file)).append(":");
+    message.append(std::to_string(other.line)).append(": ").append(written_out(each.sentence));
   }
   std::string line = std::string("::") + command_of(found.told) +
                      " file=" + escaped(lint::stable_name(at.file), IN_PROPERTY) +
