@@ -7,6 +7,7 @@
 #include "dparse/write/writer.h"
 #include "tests/dparse/language.h"
 #include "tests/fuzz/target.h"
+#include <algorithm>
 
 // What an export does not carry: the value, or any. What it writes as 0 counts as lost where it is
 // 0.
@@ -59,7 +60,8 @@ static bool define_fields(tav_flist_t* list, dd_list& fields) {
 // which a text has 2,047; a field without a number is not written.
 static bool is_carried(lists& read, const std::string& text, dd_list& fields) {
   tav_ebuf ebuf{};
-  bool carried = text.find("\\\t") == text.npos && text.size() < 2000;
+  const auto tabs = static_cast<size_t>(std::count(text.begin(), text.end(), '\t'));
+  bool carried = text.find("\\\t") == text.npos && text.size() + tabs < 2000;
   dd_walk numbered(read.fields.get(), TAV_FLD_FIELD);
   while (tav_flist_t* field = numbered.next(&ebuf)) {
     carried = carried && dd_int(field, TAV_FLD_FIELD_NUM, &ebuf) != 0;
