@@ -1,13 +1,13 @@
 // The definition language: any text is read or refused with a message, and what was read, written
 // and read again is the same but for what the language loses.
 #include "dparse/read/reader.h"
+#include <algorithm>
 #include "dd/buf_storage.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "dparse/write/writer.h"
 #include "tests/dparse/language.h"
 #include "tests/fuzz/target.h"
-#include <algorithm>
 
 // What an export does not carry: the value, or any. What it writes as 0 counts as lost where it is
 // 0.
