@@ -259,7 +259,7 @@ class two_sessions : public dictionary {
   const std::vector<step> WHOLE = {FETCH_FIELDS, FETCH_CLASSES, TRY_FIELDS, TRY_CLASSES,
                                    END_TRIAL,    FIELDS,        CLASSES};
   std::string kept;
-  int deployed = 0;                         // orders in which somebody committed
+  int deployed = 0;                          // orders in which somebody committed
   const int stride = on_server() ? 150 : 1;  // of the orders: each takes a server half a second
 };
 
