@@ -43,34 +43,92 @@ bool deployment::has_fields_only() const {
 
 namespace {
 
+// A record with what it changed.
+struct counted_record {
+  dm::journal_record record{};
+  change_counts fields{};
+  change_counts classes{};
+  bool is_asked_for = true;  // changes the field or class that was asked for, if any
+};
+
 // Deployments that are being put together, while records are read from the newest.
 struct gathering {
   const deployment_choice& wanted;
-  std::vector<deployment>& found;
-  std::set<int64_t> touching{};             // records that change the field or class asked for
-  std::map<int64_t, deployment> open{};     // whose first record has not come yet
-  std::map<std::string, int64_t> tagged{};  // record number by tag
+  const deployment_visitor& visitor;
+  const std::string field = dm::folded(wanted.field);
+  const std::string class_name = dm::folded(wanted.class_name);
+  std::vector<counted_record> batch{};   // used again for the next one, which spares memory
+  size_t filled = 0;                     // how many of it are in use
+  std::map<int64_t, deployment> open{};  // whose first record has not come yet
+  std::set<std::string> tags{};          // that were met: the newest of a name counts
+  std::map<int64_t, std::vector<std::string>> tags_of{};  // by record
+  int64_t given = 0;
+  bool goes_on = true;
 };
 
 }  // namespace
 
-static bool find_touching(dm::store& store, gathering& all, dm::problem& why) {
-  const std::string field = dm::folded(all.wanted.field);
-  const std::string class_name = dm::folded(all.wanted.class_name);
-  const auto note = [&](int64_t record, const dm::journal_change& change) {
-    const bool is_field = change.what == dm::change_of::FIELD;
-    const std::string& name = is_field ? field : class_name;
-    if (name.size() == change.name.size() && dm::folded(change.name) == name) {
-      all.touching.insert(record);
-    }
-    return true;
+// --- Reading a batch -------------------------------------------------------------------------
+
+// Records are read in batches, so that memory holds one of them only, and the first is small, so
+// that a few deployments cost little. Each batch takes a server two queries.
+static constexpr size_t FIRST_BATCH = 32, LARGEST_BATCH = 1024;
+
+static bool read_batch(dm::store& store, const dm::journal_range& range, size_t size,
+                       gathering& all, dm::problem& why) {
+  const bool asks_for_thing = !all.field.empty() || !all.class_name.empty();
+  all.batch.resize(size);
+  all.filled = 0;
+  const auto take = [&](const dm::journal_record& record) {
+    counted_record& place = all.batch[all.filled++];
+    place.record = record;
+    place.fields = place.classes = {};
+    place.is_asked_for = !asks_for_thing;
+    return all.filled < size;
   };
-  return (field.empty() && class_name.empty()) || dm::walk_changes(store, {}, note, why);
+  return dm::walk_records(store, range, take, why);
 }
 
-static bool is_by(const dm::journal_record& record, const std::string& user) {
-  return user.empty() || record.os_user == user || record.role == user;
+// Who and how are the same in all records of a run.
+static bool may_be_wanted(const gathering& all, const dm::journal_record& record) {
+  const deployment_choice& wanted = all.wanted;
+  const bool is_by =
+      wanted.user.empty() || record.os_user == wanted.user || record.role == wanted.user;
+  return is_by && (wanted.number == 0 || wanted.number == record.deployment);
 }
+
+static void count(change_counts& counts, dm::change_how how) {
+  if (how == dm::change_how::ADDED) ++counts.added;
+  if (how == dm::change_how::CHANGED) ++counts.changed;
+  if (how == dm::change_how::DELETED) ++counts.deleted;
+  if (how == dm::change_how::FOUND) ++counts.found;
+}
+
+static void note(const gathering& all, counted_record& at, const dm::journal_change& change) {
+  const bool is_field = change.what == dm::change_of::FIELD;
+  const std::string& name = is_field ? all.field : all.class_name;
+  count(is_field ? at.fields : at.classes, change.how);
+  if (name.size() == change.name.size() && !name.empty() && dm::folded(change.name) == name) {
+    at.is_asked_for = true;
+  }
+}
+
+// Reads the changes between the oldest and the newest record that may be wanted.
+static bool count_changes(dm::store& store, gathering& all, dm::problem& why) {
+  const auto begin = all.batch.rend() - static_cast<ptrdiff_t>(all.filled);
+  const auto is_in = [&](const counted_record& one) { return may_be_wanted(all, one.record); };
+  auto at = std::find_if(begin, all.batch.rend(), is_in);
+  if (at == all.batch.rend()) return true;
+  const auto newest = std::find_if(all.batch.begin(), all.batch.end(), is_in);
+  const auto take = [&](int64_t record, const dm::journal_change& change) {
+    while (at != all.batch.rend() && at->record.number < record) ++at;
+    if (at != all.batch.rend() && at->record.number == record) note(all, *at, change);
+    return true;
+  };
+  return dm::walk_changes(store, {at->record.number, newest->record.number}, take, why);
+}
+
+// --- Putting deployments together ------------------------------------------------------------
 
 // What is about no database is about all.
 static bool is_about(const deployment& one, const std::string& database) {
@@ -81,96 +139,83 @@ static bool is_about(const deployment& one, const std::string& database) {
 }
 
 // Whether one of its records is what was asked for.
-static bool is_wanted(const gathering& all, const deployment& one) {
-  const deployment_choice& wanted = all.wanted;
-  if (!is_by(one.first, wanted.user) || !is_about(one, wanted.database)) return false;
-  if (wanted.number != 0 && wanted.number != one.number) return false;
-  const bool any_thing = wanted.field.empty() && wanted.class_name.empty();
-  return std::any_of(one.records.begin(), one.records.end(), [&](const deployment_record& record) {
-    return record.time >= wanted.since && (any_thing || all.touching.count(record.number) != 0);
-  });
+static bool is_wanted(const deployment_choice& wanted, const deployment& one) {
+  const auto is_it = [&](const deployment_record& record) {
+    return record.is_asked_for && record.time >= wanted.since;
+  };
+  return is_about(one, wanted.database) &&
+         std::any_of(one.records.begin(), one.records.end(), is_it);
 }
 
-static void note_tags(gathering& all, deployment& one) {
-  for (const auto& [name, number] : all.tagged) {
-    const auto is_it = [at = number](const deployment_record& r) { return r.number == at; };
-    if (std::any_of(one.records.begin(), one.records.end(), is_it)) one.tags.push_back(name);
+static void add_tags(const gathering& all, deployment& one) {
+  for (const deployment_record& record : one.records) {
+    const auto found = all.tags_of.find(record.number);
+    if (found == all.tags_of.end()) continue;
+    one.tags.insert(one.tags.end(), found->second.begin(), found->second.end());
   }
+  std::sort(one.tags.begin(), one.tags.end());
 }
 
-static void finish(gathering& all, deployment one) {
+static void finish(gathering& all, deployment& one) {
+  if (!is_wanted(all.wanted, one)) return;
   std::reverse(one.records.begin(), one.records.end());
-  note_tags(all, one);
-  if (is_wanted(all, one)) all.found.push_back(std::move(one));
-}
-
-static bool is_full(const gathering& all) {
+  add_tags(all, one);
   const int64_t limit = all.wanted.number != 0 ? 1 : all.wanted.limit;
-  return limit != 0 && all.found.size() >= static_cast<size_t>(limit);
+  all.goes_on = all.visitor(one) && ++all.given != limit;
 }
 
-static void add_record(gathering& all, const dm::journal_record& record) {
-  deployment& one = all.open[record.deployment];
-  if (one.number == 0) one.first = record;  // who and how are the same in all of a run
+static void note_tag(gathering& all, const dm::journal_record& record) {
+  if (record.kind != dm::journal_kind::TAG) return;
+  const tag_detail tag = read_tag(record.detail);
+  if (all.tags.insert(tag.name).second) all.tags_of[tag.number].push_back(tag.name);
+}
+
+static void add(change_counts& sum, const change_counts& counts) {
+  sum.added += counts.added;
+  sum.changed += counts.changed;
+  sum.deleted += counts.deleted;
+  sum.found += counts.found;
+}
+
+static void add_record(gathering& all, const counted_record& found) {
+  const dm::journal_record& record = found.record;
+  note_tag(all, record);
+  if (!may_be_wanted(all, record)) return;
+  const auto [at, is_new] = all.open.try_emplace(record.deployment);
+  deployment& one = at->second;
+  if (is_new) one.first = record;
   one.number = record.deployment;
   one.first.number = record.number;
   one.first.time = record.time;
-  one.records.push_back({record.number, record.time, record.database, record.kind, record.detail});
-  if (record.kind == dm::journal_kind::TAG) {
-    const tag_detail tag = read_tag(record.detail);
-    all.tagged.emplace(tag.name, tag.number);  // the newest stays
-  }
+  one.records.push_back({record.number, record.time, record.database, record.kind, record.detail,
+                         found.is_asked_for});
+  add(one.fields, found.fields);
+  add(one.classes, found.classes);
   if (record.number != record.deployment) return;
-  finish(all, std::move(one));
-  all.open.erase(record.deployment);
+  finish(all, one);
+  all.open.erase(at);
 }
 
 // The first record of what is left was forgotten.
 static void finish_rest(gathering& all) {
-  for (auto it = all.open.rbegin(); it != all.open.rend() && !is_full(all); ++it) {
-    finish(all, std::move(it->second));
+  for (auto it = all.open.rbegin(); it != all.open.rend() && all.goes_on; ++it) {
+    finish(all, it->second);
   }
 }
 
-static void count(change_counts& counts, dm::change_how how) {
-  if (how == dm::change_how::ADDED) ++counts.added;
-  if (how == dm::change_how::CHANGED) ++counts.changed;
-  if (how == dm::change_how::DELETED) ++counts.deleted;
-  if (how == dm::change_how::FOUND) ++counts.found;
-}
-
-// Counts the changes of all of them, which read the journal once.
-static bool count_changes(dm::store& store, std::vector<deployment>& found, dm::problem& why) {
-  std::map<int64_t, deployment*> owners;
-  for (deployment& one : found) {
-    for (const deployment_record& record : one.records) owners[record.number] = &one;
-  }
-  if (owners.empty()) return true;
-  auto at = owners.begin();
-  const auto note = [&](int64_t record, const dm::journal_change& change) {
-    while (at != owners.end() && at->first < record) ++at;
-    if (at == owners.end() || at->first != record) return at != owners.end();
-    count(change.what == dm::change_of::FIELD ? at->second->fields : at->second->classes,
-          change.how);
-    return true;
-  };
-  const dm::journal_range range{owners.begin()->first, owners.rbegin()->first};
-  return dm::walk_changes(store, range, note, why);
-}
-
-bool find_deployments(dm::store& store, const deployment_choice& wanted,
-                      std::vector<deployment>& found, dm::problem& why) {
-  gathering all{wanted, found};
-  if (!find_touching(store, all, why)) return false;
-  const auto take = [&](const dm::journal_record& record) {
-    add_record(all, record);
-    return !is_full(all);
-  };
+bool walk_deployments(dm::store& store, const deployment_choice& wanted,
+                      const deployment_visitor& visitor, dm::problem& why) {
+  gathering all{wanted, visitor};
   dm::journal_range range;
   range.newest_first = true;
-  if (!dm::walk_records(store, range, take, why)) return false;
+  for (size_t size = FIRST_BATCH; all.goes_on; size = std::min(2 * size, LARGEST_BATCH)) {
+    if (!read_batch(store, range, size, all, why) || !count_changes(store, all, why)) return false;
+    for (size_t i = 0; i < all.filled && all.goes_on; ++i) add_record(all, all.batch[i]);
+    if (all.filled < size) break;
+    range.to = all.batch[size - 1].record.number - 1;
+  }
   finish_rest(all);
-  return count_changes(store, found, why);
+  return true;
 }
 
 }  // namespace dict

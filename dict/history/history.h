@@ -6,6 +6,7 @@
 #define DICT_HISTORY_HISTORY_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -40,6 +41,7 @@ struct deployment_record {
   std::string database;  // "" for the whole dictionary
   std::string kind;
   std::string detail;
+  bool is_asked_for;  // it changes the field or class of a choice; without one all do
 };
 
 struct deployment {
@@ -66,9 +68,10 @@ struct deployment_choice {
   int64_t number = 0;  // a deployment's
 };
 
-// Appends them, the newest first.
-bool find_deployments(dm::store& store, const deployment_choice& wanted,
-                      std::vector<deployment>& found, dm::problem& why);
+// Gives them, the newest first. A visitor's false ends that.
+using deployment_visitor = std::function<bool(const deployment&)>;
+bool walk_deployments(dm::store& store, const deployment_choice& wanted,
+                      const deployment_visitor& visitor, dm::problem& why);
 
 // --- Points ----------------------------------------------------------------------------------
 

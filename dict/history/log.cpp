@@ -21,39 +21,46 @@ struct request {
 
 }  // namespace
 
-static void put(json_writer& out, const deployment& one) {
-  out.StartObject();
-  put_deployment(out, one);
-  out.EndObject();
+// Prints each deployment as it is found. What reads them may have ended meanwhile: then no more.
+static bool print_texts(dm::store& store, const deployment_choice& wanted, dm::problem& why) {
+  const auto print = [](const deployment& one) {
+    print_deployment(one);
+    return std::cout.good();
+  };
+  return walk_deployments(store, wanted, print, why);
 }
 
-static void print(const std::vector<deployment>& found, bool is_json) {
-  if (!is_json) {
-    for (const deployment& one : found) print_deployment(one);
-    return;
-  }
+static bool print_json(dm::store& store, const deployment_choice& wanted, dm::problem& why) {
   json_page page;
   page.out.StartObject();
-  put_array(page.out, "deployments", found, put);
+  page.out.Key("deployments");
+  page.out.StartArray();
+  const auto put = [&](const deployment& one) {
+    page.out.StartObject();
+    put_deployment(page.out, one);
+    page.out.EndObject();
+    print_so_far(page);
+    return std::cout.good();
+  };
+  if (!walk_deployments(store, wanted, put, why)) return false;
+  page.out.EndArray();
   page.out.EndObject();
-  dict::print(page);
+  print(page);
+  return true;
 }
 
 static int run(request asked) {
   dm::problem why;
   reading from;
-  std::vector<deployment> found;
   uint64_t number = 0;
   if (!asked.since.empty() && !read_moment(asked.since, asked.wanted.since, why)) return fail(why);
   if (!asked.database.empty()) {
     if (!read_database(asked.database, number, why)) return fail(why);
     asked.wanted.database = dd_database_text(number);
   }
-  if (!begin_history(from, why) || !find_deployments(*from.store, asked.wanted, found, why)) {
-    return fail(why);
-  }
-  print(found, asked.is_json);
-  return DONE;
+  if (!begin_history(from, why)) return fail(why);
+  const auto print = asked.is_json ? print_json : print_texts;
+  return print(*from.store, asked.wanted, why) ? DONE : fail(why);
 }
 
 void add_log(CLI::App& app, int& result) {

@@ -49,14 +49,15 @@ static int run(const request& asked) {
   dm::problem why;
   reading from;
   deployment_choice wanted;
-  std::vector<deployment> found;
+  deployment found;
   std::vector<database_changes> changes;
+  const auto keep = [&](const deployment& one) { return found = one, false; };
   if (!begin_history(from, why) || !find_deployment(*from.store, asked.point, wanted.number, why) ||
-      !find_deployments(*from.store, wanted, found, why) ||
-      !find_changes(from, found.at(0), changes, why)) {
+      !walk_deployments(*from.store, wanted, keep, why) ||
+      !find_changes(from, found, changes, why)) {
     return fail(why);
   }
-  (asked.is_json ? print_json : print_text)(found[0], changes);
+  (asked.is_json ? print_json : print_text)(found, changes);
   return DONE;
 }
 

@@ -33,16 +33,18 @@ std::string who_of(const dm::journal_record& record) {
 }
 
 static void add_count(std::string& text, int64_t count, const char* what) {
-  if (count != 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + what;
+  if (count != 0) text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(what);
 }
 
-static void print_counts(const char* kind, const change_counts& counts, const char* behind) {
-  std::string text;
-  add_count(text, counts.added, " added");
-  add_count(text, counts.changed, " changed");
-  add_count(text, counts.deleted, " deleted");
-  add_count(text, counts.found, " found");
-  if (!text.empty()) std::cout << INDENT << kind << ": " << text << behind << '\n';
+static void add_counts(std::string& text, const char* kind, const change_counts& counts,
+                       const char* behind) {
+  std::string all;
+  add_count(all, counts.added, " added");
+  add_count(all, counts.changed, " changed");
+  add_count(all, counts.deleted, " deleted");
+  add_count(all, counts.found, " found");
+  if (all.empty()) return;
+  text.append(INDENT).append(kind).append(": ").append(all).append(behind) += '\n';
 }
 
 static std::set<std::string> databases_of(const deployment& one) {
@@ -52,30 +54,43 @@ static std::set<std::string> databases_of(const deployment& one) {
   return databases;
 }
 
-static void print_line(const char* what, const std::string& text) {
-  if (!text.empty()) std::cout << INDENT << what << ": " << visible{one_line(text)} << '\n';
+static void add_line(std::string& text, const char* what, const std::string& told) {
+  if (told.empty()) return;
+  text.append(INDENT).append(what).append(": ");
+  text.append(visible_in_output(one_line(told))) += '\n';
 }
 
-static void print_tagged(const deployment& one) {
+static void add_tagged(std::string& text, const deployment& one) {
   for (const deployment_record& record : one.records) {
     if (record.kind != dm::journal_kind::TAG) continue;
     const tag_detail tag = read_tag(record.detail);
-    print_line("names", "deployment " + std::to_string(tag.number) + " as " + tag.name);
+    add_line(text, "names",
+             dm::join({"deployment ", std::to_string(tag.number), " as ", tag.name}));
   }
 }
 
-void print_deployment(const deployment& one) {
+static void add_heading(std::string& text, const deployment& one) {
   const dm::journal_record& first = one.first;
   const std::string program = first.mode.empty() ? first.program : first.program + " " + first.mode;
-  std::cout << one.number << "  " << local_time(first.time) << "  " << visible{who_of(first)}
-            << "  " << visible{one_line(program)};
-  for (const std::string& database : databases_of(one)) std::cout << "  " << visible{database};
-  std::cout << '\n';
-  print_counts("fields", one.fields, one.has_fields_only() ? " (fields only)" : "");
-  print_counts("classes", one.classes, "");
-  print_line("reason", first.reason);
-  for (const std::string& tag : one.tags) print_line("tag", tag);
-  print_tagged(one);
+  text.append(std::to_string(one.number)).append("  ").append(local_time(first.time));
+  text.append("  ").append(visible_in_output(who_of(first)));
+  text.append("  ").append(visible_in_output(one_line(program)));
+  for (const std::string& database : databases_of(one)) {
+    text.append("  ").append(visible_in_output(database));
+  }
+  text += '\n';
+}
+
+// Written at once, because on a terminal each piece is a write of its own.
+void print_deployment(const deployment& one) {
+  std::string text;
+  add_heading(text, one);
+  add_counts(text, "fields", one.fields, one.has_fields_only() ? " (fields only)" : "");
+  add_counts(text, "classes", one.classes, "");
+  add_line(text, "reason", one.first.reason);
+  for (const std::string& tag : one.tags) add_line(text, "tag", tag);
+  add_tagged(text, one);
+  std::cout << text;
 }
 
 void print_call(const deployment& one) {
@@ -86,7 +101,9 @@ void print_call(const deployment& one) {
   for (const auto& word : read.GetArray()) {
     if (word.IsString()) call.append(" ").append(word.GetString());
   }
-  print_line("called", call);
+  std::string text;
+  add_line(text, "called", call);
+  std::cout << text;
 }
 
 // --- For programs ----------------------------------------------------------------------------

@@ -57,4 +57,9 @@ void print(const json_page& page) {
   std::cout << visible_lines{text_of(page)};
 }
 
+void print_so_far(json_page& page) {
+  std::cout << visible_lines{{page.text.GetString(), page.text.GetSize()}};
+  page.text.Clear();
+}
+
 }  // namespace dict

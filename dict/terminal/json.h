@@ -52,6 +52,8 @@ void put_array(json_writer& out, const char* key, const Rows& rows, Put put) {
 std::string text_of(const json_page& page);
 // To standard output.
 void print(const json_page& page);
+// What of it is there, to standard output, so that a long page need not be kept.
+void print_so_far(json_page& page);
 
 }  // namespace dict
 

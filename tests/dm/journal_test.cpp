@@ -4,68 +4,15 @@
 #include <sstream>
 #include <vector>
 
-#include "bench.h"
 #include "dict/check/check.h"
 #include "dm/journal/begin.h"
-#include "dm/journal/read.h"
-#include "dm/open.h"
-
-namespace {
-
-// A store with an open transaction.
-struct opened {
-  explicit opened(const dm::settings& settings, bool writes = false, dm::open_options options = {})
-      : store(dm::open_dictionary(settings, options, why)) {
-    EXPECT_TRUE(store != nullptr && store->calls->begin(store.get(), writes, why)) << why.sentence;
-  }
-  dm::problem why{};
-  dm::store_owner store;
-};
-
-}  // namespace
+#include "told.h"
 
 class journal : public dictionary {
  protected:
-  // The records from one on: "NUMBER DEPLOYMENT KIND CHANGES", and each change: how, and name.
-  std::string told_from(int64_t number) const {
-    opened from(settings);
-    std::string told;
-    const auto changes = [&](int64_t, const dm::journal_change& change) {
-      told += dm::join({" ", std::string(1, static_cast<char>(change.how)), ":", change.name});
-      return true;
-    };
-    const auto records = [&](const dm::journal_record& record) {
-      told += dm::join({std::to_string(record.number), " ", std::to_string(record.deployment), " ",
-                        record.kind});
-      EXPECT_TRUE(dm::walk_changes(*from.store, {record.number, record.number}, changes, from.why));
-      told += '\n';
-      return true;
-    };
-    EXPECT_TRUE(dm::walk_records(*from.store, {number}, records, from.why)) << from.why.sentence;
-    return told;
-  }
-
-  // All fields and classes after a record; the highest number stands for the present.
-  std::string state_after(int64_t number) const {
-    opened from(settings);
-    dm::past past;
-    dm::database_row row{1, 1, 0};
-    std::string text;
-    const bool is_present = number == std::numeric_limits<int64_t>::max();
-    EXPECT_TRUE(is_present || dm::look_back(*from.store, row, number, past, from.why))
-        << from.why.sentence;
-    auto field = [&](const dm::field_row& each) {
-      return text += dm::field_state(each) + "\n", true;
-    };
-    auto storable = [&](const dm::class_row& each) {
-      return text += dm::join({each.key, " ", each.name, " ", each.definition, "\n"}), true;
-    };
-    EXPECT_TRUE(dm::past_fields(*from.store, 1, past, dm::visit<dm::field_row>(field), from.why));
-    EXPECT_TRUE(
-        dm::past_classes(*from.store, 1, past, dm::visit<dm::class_row>(storable), from.why));
-    return text;
-  }
-  std::string present() const { return state_after(std::numeric_limits<int64_t>::max()); }
+  std::string told_from(int64_t number) const { return journal_told(settings, number); }
+  std::string state_after(int64_t number) const { return journal_state(settings, number); }
+  std::string present() const { return journal_state(settings, JOURNAL_PRESENT); }
   int64_t last() const {
     opened from(settings);
     dm::journal_head end;

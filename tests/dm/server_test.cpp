@@ -6,6 +6,7 @@
 #include "dm/open.h"
 #include "dm/predefined.h"
 #include "server.h"
+#include "told.h"
 
 int messages_sent = 0;
 std::string last_limit;
@@ -157,6 +158,7 @@ static std::string deploy(const dm::settings& settings) {
 TEST_F(on_a_server, a_line_cut_at_any_message_leaves_nothing_half_done) {
   int unknown = 0;
   bool is_whole = false;
+  int64_t number = 3;  // of the next record
   for (int message = 1; !is_whole || !is_delivered; ++message) {
     if (is_whole) message = 1, is_delivered = true;
     SCOPED_TRACE(message);
@@ -174,6 +176,13 @@ TEST_F(on_a_server, a_line_cut_at_any_message_leaves_nothing_half_done) {
     EXPECT_TRUE(classes == "" || classes == "{name:/a,sql_table:t}\n{name:/b,sql_table:u}\n");
     const bool says_unknown = log("cm").find("UNKNOWN", logged) != std::string::npos;
     EXPECT_TRUE(classes == "" ? result != "ok" : result == "ok" || says_unknown) << log("cm");
+    const std::string run = std::to_string(number) + " ";
+    std::string told;
+    if (fields != "") told += std::to_string(number++) + " " + run + "fields n:F_ONE n:F_TWO\n";
+    if (classes != "") told += std::to_string(number++) + " " + run + "classes n:/a n:/b\n";
+    const std::string next = std::to_string(number++);
+    EXPECT_EQ(journal_told(settings, std::stoll(run)),
+              told + next + " " + next + " fields n:F_NEXT\n");
     unknown += says_unknown ? 1 : 0;
     query(
         "DELETE FROM dd_tables; DELETE FROM dd_classes; DELETE FROM dd_fields WHERE number > 4999");
