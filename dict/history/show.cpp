@@ -7,6 +7,7 @@
 #include "dict/history/changes.h"
 #include "dict/history/telling.h"
 #include "dict/options.h"
+#include "dict/terminal/colour.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
@@ -16,16 +17,18 @@ namespace {
 struct request {
   std::string point;
   bool is_json = false;
+  std::string colour = "auto";
 };
 
 }  // namespace
 
-static void print_text(const deployment& one, const std::vector<database_changes>& changes) {
+static void print_text(const deployment& one, const std::vector<database_changes>& changes,
+                       bool is_coloured) {
   print_deployment(one);
   print_call(one);
   for (const database_changes& each : changes) {
     if (changes.size() > 1) std::cout << "database " << each.database << '\n';
-    std::cout << as_text(each.found, {}, false);
+    std::cout << as_text(each.found, {}, is_coloured);
   }
 }
 
@@ -57,7 +60,11 @@ static int run(const request& asked) {
       !find_changes(from, found, changes, why)) {
     return fail(why);
   }
-  (asked.is_json ? print_json : print_text)(found, changes);
+  if (asked.is_json) {
+    print_json(found, changes);
+  } else {
+    print_text(found, changes, is_coloured(asked.colour));
+  }
   return DONE;
 }
 
@@ -67,6 +74,7 @@ void add_show(CLI::App& app, int& result) {
   command->add_option("N", asked->point, "The deployment's number, its tag, or a time after '@'")
       ->required();
   add_json_option(*command, asked->is_json);
+  add_colour_option(*command, asked->colour);
   command->callback([asked, &result] { result = run(*asked); });
 }
 

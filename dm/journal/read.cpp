@@ -113,15 +113,25 @@ static bool state_now(store& store, int64_t database, const journal_change& chan
   return true;
 }
 
-// Takes the change back. False where the state after it is not the one that it left.
-static bool take_back(const journal_change& change, past_thing& thing) {
-  if (!has_left(change, thing.state ? &*thing.state : nullptr)) return false;
-  if (change.how == change_how::FOUND) return false;  // what was before nobody knows
+// The problem of a way back that ends: the journal began with this record. Gives false.
+static bool ends_here(int64_t record, const past_thing& thing, problem& why) {
+  why.code = TAV_ERR_NOT_FOUND;
+  why.sentence =
+      join({"The way back ends at record ", std::to_string(record), " of the journal: it found ",
+            quoted(thing.name), " there, and what was before is not known."});
+  return false;
+}
+
+// Takes the change of a record back. False where the state after it is not the one that it left.
+static bool take_back(int64_t record, const journal_change& change, past_thing& thing,
+                      problem& why) {
+  if (!has_left(change, thing.state ? &*thing.state : nullptr)) return damaged_record(record, why);
+  if (change.how == change_how::FOUND) return ends_here(record, thing, why);
   if (!was_there(change)) return thing.state.reset(), true;
   std::string before;
   const bool fits = state_before(change, thing.state ? *thing.state : "", before);
   thing.state = std::move(before);
-  return fits;
+  return fits || damaged_record(record, why);
 }
 
 bool look_back(store& store, const database_row& stored, int64_t number, past& found,
@@ -138,7 +148,7 @@ bool look_back(store& store, const database_row& stored, int64_t number, past& f
     const auto [at, is_new] = found.try_emplace(thing_key(change.what, change.name));
     is_sound =
         !is_new || state_now(store, stored.id, change, reads_all ? &all : nullptr, at->second, why);
-    is_sound = is_sound && (take_back(change, at->second) || damaged_record(record, why));
+    is_sound = is_sound && take_back(record, change, at->second, why);
     return is_sound;
   };
   const journal_range range{number + 1, std::numeric_limits<int64_t>::max(), true};

@@ -105,6 +105,11 @@ TEST_F(journal, begins_with_what_an_older_dictionary_holds) {
   EXPECT_EQ(client(settings).set_fields("STRING F_B 5001\n"), "ok");
   EXPECT_EQ(state_after(2), before);
   EXPECT_EQ(told_from(3), "3 3 fields n:F_B\n");
+  opened from(settings);
+  dm::past past;
+  EXPECT_FALSE(dm::look_back(*from.store, {1, 1, 0}, 1, past, from.why));
+  EXPECT_EQ(from.why.code, TAV_ERR_NOT_FOUND);
+  EXPECT_FALSE(from.why.is_damage);
 }
 
 TEST_F(journal, forgets_the_way_and_stays_guarded_and_sound) {

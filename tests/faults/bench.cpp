@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -118,11 +119,16 @@ static std::string query(sqlite3* db, const char* sql) {
   return text;
 }
 
-std::string fault_bench::content() const {
+static sqlite3* open_file(const workshop& place) {
   sqlite3* db = nullptr;
   EXPECT_EQ(
       sqlite3_open_v2(place.path("dictionary.db").c_str(), &db, SQLITE_OPEN_READWRITE, nullptr),
       SQLITE_OK);
+  return db;
+}
+
+std::string fault_bench::content() const {
+  sqlite3* db = open_file(place);
   EXPECT_EQ(query(db, "BEGIN IMMEDIATE; ROLLBACK"), "");
   EXPECT_EQ(query(db, "PRAGMA integrity_check; PRAGMA foreign_key_check"), "ok|\n");
   const std::string text = query(db,
@@ -132,4 +138,48 @@ std::string fault_bench::content() const {
                                  "SELECT record, part, content FROM dd_journal_changes");
   sqlite3_close(db);
   return text;
+}
+
+std::string fault_bench::answer(const char* sql) const {
+  sqlite3* db = open_file(place);
+  std::string text = query(db, sql);
+  sqlite3_close(db);
+  std::erase(text, '|');
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+run_result fault_bench::run_inside(int (*inside)(int, char**), const fault_plan& faults) {
+  place.restore();
+  plan() = faults;
+  run_options options;
+  options.inside = inside;
+  return place.run({"inside"}, options);
+}
+
+int fault_bench::at_every_disk_call(const one_run& run_one, const one_look& look) {
+  static const struct {
+    const char* title;
+    disk_fault fault;
+  } FAULTS[] = {
+      {"an I/O error", disk_fault::IO_ERROR},
+      {"no room", disk_fault::FULL},
+      {"half a write", disk_fault::SHORT_WRITE},
+      {"broken from here on", disk_fault::BROKEN},
+      {"killed", disk_fault::KILL},
+      {"power lost", disk_fault::POWER_LOSS},
+  };
+  int runs = 0;
+  for (const auto& row : FAULTS) {
+    for (long n = 1;; ++n, ++runs) {
+      SCOPED_TRACE(row.title + (" at call " + std::to_string(n)));
+      fault_plan faults;
+      faults.disk = row.fault;
+      faults.failing_disk_call = n;
+      const run_result result = run_one(faults);
+      if (plan().disk_calls < n) break;
+      look(result, row.fault);
+    }
+  }
+  return runs;
 }

@@ -25,6 +25,16 @@ class fault_bench : public testing::TestWithParam<fault_row> {
   run_result run(const fault_plan& faults);
   // Everything that the dictionary holds, as text. The engine must find it sound and unlocked.
   std::string content() const;
+  // What SQL text answers about the dictionary's file: a word for each row, with a blank behind it.
+  std::string answer(const char* sql) const;
+  // Runs a function in a child process, on the dictionary as it was saved last.
+  run_result run_inside(int (*inside)(int, char**), const fault_plan& faults);
+  // Runs something once for each call that it makes of the disk, and each way in which that can
+  // fail, and looks at what each run left. The last run of all meets no fault, and is not looked
+  // at. Gives how many met one.
+  using one_run = std::function<run_result(const fault_plan&)>;
+  using one_look = std::function<void(const run_result&, disk_fault)>;
+  int at_every_disk_call(const one_run& run_one, const one_look& look);
 
   workshop place;
   // What a run may leave: the dictionary before it, with the fields committed, with the classes.

@@ -2,20 +2,6 @@
 // before the process is killed, or before the power fails.
 #include "tests/faults/bench.h"
 
-struct disk_row {
-  const char* title;
-  disk_fault fault;
-};
-
-static const disk_row FAULTS[] = {
-    {"an I/O error", disk_fault::IO_ERROR},
-    {"no room", disk_fault::FULL},
-    {"half a write", disk_fault::SHORT_WRITE},
-    {"broken from here on", disk_fault::BROKEN},
-    {"killed", disk_fault::KILL},
-    {"power lost", disk_fault::POWER_LOSS},
-};
-
 class every_disk_call : public fault_bench {
  protected:
   // Nothing but what the run told is durable. A killed run may not have come to tell of its last
@@ -40,28 +26,20 @@ class every_disk_call : public fault_bench {
 };
 
 TEST_P(every_disk_call, fails_and_nothing_is_lost) {
-  int runs = 0;
-  for (const disk_row& row : FAULTS) {
-    for (long n = 1;; ++n) {
-      SCOPED_TRACE(row.title + (" at call " + std::to_string(n)));
-      fault_plan faults;
-      faults.disk = row.fault;
-      faults.failing_disk_call = n;
-      const run_result result = run(faults);
-      if (plan().disk_calls < n) break;
-      ++runs;
-      const bool dies = row.fault == disk_fault::KILL || row.fault == disk_fault::POWER_LOSS;
-      expect_durable_as_told(result, row.fault);
-      const bool same = result.out == healthy.out && result.err == healthy.err;
-      if (dies) {
-        EXPECT_TRUE(result.exit_status == 128 + 9 || same);
-      } else if (!same) {
-        expect_explained(result);
-      } else {
-        EXPECT_EQ(result.exit_status, healthy.exit_status);
-      }
+  const auto run_one = [&](const fault_plan& faults) { return run(faults); };
+  const auto look = [&](const run_result& result, disk_fault fault) {
+    const bool dies = fault == disk_fault::KILL || fault == disk_fault::POWER_LOSS;
+    expect_durable_as_told(result, fault);
+    const bool same = result.out == healthy.out && result.err == healthy.err;
+    if (dies) {
+      EXPECT_TRUE(result.exit_status == 128 + 9 || same);
+    } else if (!same) {
+      expect_explained(result);
+    } else {
+      EXPECT_EQ(result.exit_status, healthy.exit_status);
     }
-  }
+  };
+  const int runs = at_every_disk_call(run_one, look);
   EXPECT_GT(runs, 50);
   RecordProperty("runs", runs);
 }

@@ -1,6 +1,5 @@
 // A prune of the journal in which every call of the disk fails, is the last before the process is
 // killed, or before the power fails: the journal is as it was, or pruned with the record of that.
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include "dm/journal/write.h"
@@ -29,48 +28,23 @@ static int prune(int, char**) {
   _exit(is_done ? 0 : 1);
 }
 
-class every_disk_call_of_a_prune : public fault_bench {
- protected:
-  std::string answer(const char* sql) const {
-    std::string text;
-    sqlite3* db = nullptr;
-    const auto take = [](void* to, int, char** values, char**) {
-      return *static_cast<std::string*>(to) += std::string(values[0]) + " ", 0;
-    };
-    EXPECT_EQ(sqlite3_open(place.path("dictionary.db").c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql, take, &text, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
-    return text;
-  }
-};
+class every_disk_call_of_a_prune : public fault_bench {};
 
 TEST_P(every_disk_call_of_a_prune, forgets_all_or_nothing) {
   static constexpr char STATE[] =
       "PRAGMA integrity_check; SELECT count(*) || '-' || max(kind = 'prune') FROM dd_journal;"
       "SELECT count(*) FROM sqlite_schema WHERE type = 'trigger'";
+  static constexpr char NEW_STATE[] = "ok 1-1 9 ";  // all guards are there
   place.restore();
   const std::string old_state = answer(STATE);
-  int runs = 0;
-  for (const disk_fault fault : {disk_fault::IO_ERROR, disk_fault::FULL, disk_fault::BROKEN,
-                                 disk_fault::KILL, disk_fault::POWER_LOSS}) {
-    for (long n = 1;; ++n) {
-      SCOPED_TRACE("call " + std::to_string(n));
-      place.restore();
-      plan() = {};
-      plan().disk = fault;
-      plan().failing_disk_call = n;
-      run_options options;
-      options.inside = prune;
-      const run_result result = place.run({"prune"}, options);
-      if (plan().disk_calls < n) break;
-      ++runs;
-      const std::string state = answer(STATE);
-      EXPECT_TRUE(state == "ok 1-1 9 " || (state == old_state && result.exit_status != 0)) << state;
-      EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
-    }
-  }
-  EXPECT_GT(runs, 30);
-  EXPECT_EQ(answer(STATE), "ok 1-1 9 ");  // the last run met no fault; all guards are there
+  const auto run_one = [&](const fault_plan& faults) { return run_inside(prune, faults); };
+  const auto look = [&](const run_result& result, disk_fault) {
+    const std::string state = answer(STATE);
+    EXPECT_TRUE(state == NEW_STATE || (state == old_state && result.exit_status != 0)) << state;
+    EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
+  };
+  EXPECT_GT(at_every_disk_call(run_one, look), 30);
+  EXPECT_EQ(answer(STATE), NEW_STATE);
 }
 
 INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_a_prune, testing::Values(REPLACE), mode_of);

@@ -1,6 +1,5 @@
 // An upgrade of an older dictionary in which every call of the disk fails, is the last before the
 // process is killed, or before the power fails: it leaves the old version or the new one.
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include "dm/journal/begin.h"
@@ -23,27 +22,7 @@ static int upgrade(int, char**) {
   _exit(is_done ? 0 : 1);
 }
 
-class every_disk_call_of_an_upgrade : public fault_bench {
- protected:
-  std::string answer(const char* sql) const {
-    std::string text;
-    sqlite3* db = nullptr;
-    const auto take = [](void* to, int, char** values, char**) {
-      return *static_cast<std::string*>(to) += std::string(values[0]) + " ", 0;
-    };
-    EXPECT_EQ(sqlite3_open(place.path("dictionary.db").c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql, take, &text, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
-    return text;
-  }
-  void make_old() const {
-    place.restore();
-    answer(
-        "DROP TABLE dd_identity; DROP TABLE dd_journal; DROP TABLE dd_journal_changes;"
-        "PRAGMA user_version = 1; PRAGMA wal_checkpoint(TRUNCATE)");
-    place.save();
-  }
-};
+class every_disk_call_of_an_upgrade : public fault_bench {};
 
 TEST_P(every_disk_call_of_an_upgrade, leaves_one_version_or_the_other) {
   static constexpr char STATE[] =
@@ -51,30 +30,21 @@ TEST_P(every_disk_call_of_an_upgrade, leaves_one_version_or_the_other) {
       "SELECT count(*) FROM sqlite_schema WHERE name LIKE 'dd_journal%' OR name LIKE 'dd_id%'";
   const std::string old_state = "ok 1 0 ";
   const std::string new_state = "ok 2 12 ";  // 3 tables, 9 triggers
-  make_old();
-  int runs = 0;
-  for (const disk_fault fault : {disk_fault::IO_ERROR, disk_fault::FULL, disk_fault::BROKEN,
-                                 disk_fault::KILL, disk_fault::POWER_LOSS}) {
-    for (long n = 1;; ++n) {
-      SCOPED_TRACE("call " + std::to_string(n));
-      place.restore();
-      plan() = {};
-      plan().disk = fault;
-      plan().failing_disk_call = n;
-      run_options options;
-      options.inside = upgrade;
-      const run_result result = place.run({"upgrade"}, options);
-      if (plan().disk_calls < n) break;
-      ++runs;
-      const std::string state = answer(STATE);
-      EXPECT_TRUE(state == new_state || (state == old_state && result.exit_status != 0)) << state;
-      if (state == new_state) {
-        EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
-      }
+  place.restore();
+  answer(
+      "DROP TABLE dd_identity; DROP TABLE dd_journal; DROP TABLE dd_journal_changes;"
+      "PRAGMA user_version = 1; PRAGMA wal_checkpoint(TRUNCATE)");
+  place.save();
+  const auto run_one = [&](const fault_plan& faults) { return run_inside(upgrade, faults); };
+  const auto look = [&](const run_result& result, disk_fault) {
+    const std::string state = answer(STATE);
+    EXPECT_TRUE(state == new_state || (state == old_state && result.exit_status != 0)) << state;
+    if (state == new_state) {
+      EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
     }
-  }
-  EXPECT_GT(runs, 50);
-  EXPECT_EQ(answer(STATE), new_state);  // the last run met no fault
+  };
+  EXPECT_GT(at_every_disk_call(run_one, look), 50);
+  EXPECT_EQ(answer(STATE), new_state);
 }
 
 INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_an_upgrade, testing::Values(REPLACE), mode_of);
