@@ -37,26 +37,34 @@ struct checking {
 
 // --- What is told once ---------------------------------------------------------------------------
 
-static uint64_t mix(uint64_t hash, const char* text) {
-  if (text == nullptr) text = "";
+static uint64_t mix(uint64_t hash, std::string_view text) {
   std::string folded(text);  // names are the same in either case
   for (char& c : folded) c = static_cast<char>(dd_fold(c));
-  return dd_multiply(hash ^ std::hash<std::string>()(folded), DD_HASH_KEY.factor) ^ dd_hash(text);
+  return dd_multiply(hash ^ std::hash<std::string>()(folded), DD_HASH_KEY.factor) ^
+         dd_hash(text.data(), text.size());
+}
+
+static uint64_t mix_around(uint64_t hash, const deploy::subject& about) {
+  if (about.around == nullptr) return hash;
+  const deploy::subject around{.field = about.around->name, .around = about.around->around};
+  const auto path = path_to(around);
+  if (path.empty()) return mix(hash, about.around->name);
+  for (const std::string_view name : path) hash = mix(hash, name);
+  return hash;
 }
 
 // Of findings that follow from one mistake only the first is told: of storage that cannot be
 // checked, and of uses of a field whose definition is refused, one for each field; of columns
 // without table one for each node.
 static uint64_t key_of(const checking& in, std::string_view rule, const deploy::subject& about) {
-  uint64_t key = mix(DD_HASH_KEY.start, rule.data());
+  uint64_t key = mix(DD_HASH_KEY.start, rule);
   const bool is_refused = rule == "missing-field-definition" &&
                           find(in.all, syntax::node_kind::FIELD, about.field) != nullptr;
   if (is_refused || rule == "field-not-defined") return mix(key, about.field);
-  key = mix(key, about.class_name);
-  for (const deploy::entry_path* upper = about.around; upper != nullptr; upper = upper->around)
-    key = mix(key, upper->name);
+  key = mix_around(mix(key, about.class_name != nullptr ? about.class_name : ""), about);
   if (rule == "column-without-table") return key;
-  for (const char* text : {about.field, about.attribute, about.related_class}) key = mix(key, text);
+  for (const char* text : {about.field, about.attribute, about.related_class})
+    key = mix(key, text != nullptr ? text : "");
   return key;
 }
 
@@ -148,6 +156,12 @@ static deployment sent_of(deploy::import_state& state) {
   return sent;
 }
 
+static void leave_lists(deploy::import_state& state, reading& read) {
+  for (dd_list* list : {&state.fields, &state.classes, &state.working_fields,
+                        &state.working_classes, &read.sound.implementations})
+    list->leave();
+}
+
 void check_definitions(const index& all, reading& read, const world& against, result& told) {
   static tav_deploy_ctx_t ctx;
   ctx.mode = TAV_DEPLOY_MODE_REPLACE;
@@ -163,6 +177,7 @@ void check_definitions(const index& all, reading& read, const world& against, re
   tell_losses(in.subjects, read.missing, state, told);
   if (against.refuse)
     tell_refusals(in.subjects, read.missing, against.refuse(sent_of(state)), told);
+  if (against.ends_soon) leave_lists(state, read);
   if (in.has_failed) throw std::bad_alloc();
 }
 

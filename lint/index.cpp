@@ -22,15 +22,6 @@ static std::string_view name_at(const index& in, const node_place& at) {
   return syntax::name_of(text_of(in, at), definition_of(in, at), node_of(in, at));
 }
 
-static void add_uses(index& to, node_place at) {
-  const uint32_t count = definition_of(to, at).node_count;
-  for (at.node = 1; at.node < count; ++at.node) {
-    if (node_of(to, at).meant != node_kind::ENTRY) continue;
-    const std::string_view name = name_at(to, at);
-    if (!name.empty()) to.used_by.add_first(name, at);
-  }
-}
-
 static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
   const node_kind kind = node_of(to, at).meant;
   const std::string_view name = name_at(to, at);
@@ -41,7 +32,20 @@ static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
   const uint32_t first = to.by_name[static_cast<size_t>(kind)].add_first(name, place);
   if (first != place) to.definitions[last[first]].next = place;
   last[first] = place;
-  if (kind == node_kind::INTERFACE) add_uses(to, at);
+}
+
+// Each name is marked once, however often it is used.
+static void mark_used(index& to, std::string_view field) {
+  const uint32_t* first = to.by_name[static_cast<size_t>(node_kind::FIELD)].find(field);
+  if (first == nullptr || to.definitions[*first].is_used) return;
+  for (uint32_t i = *first; i != defined::NONE; i = to.definitions[i].next)
+    to.definitions[i].is_used = true;
+}
+
+static void mark_uses(index& to, node_place at) {
+  const uint32_t count = definition_of(to, at).node_count;
+  for (at.node = 1; at.node < count; ++at.node)
+    if (node_of(to, at).meant == node_kind::ENTRY) mark_used(to, name_at(to, at));
 }
 
 // Growing as they are filled, they would take twice as much for a while.
@@ -64,6 +68,9 @@ index index_of(std::span<const source> sources) {
     const auto count = static_cast<uint32_t>(sources[source].tree.definitions.size());
     for (uint32_t i = 0; i < count; ++i) add(result, {source, i, 0}, last);
   }
+  for (size_t i = 0; i < result.definitions.size(); ++i)
+    if (result.definitions[i].kind == node_kind::INTERFACE)
+      mark_uses(result, result.definitions[i].where);
   return result;
 }
 
@@ -78,61 +85,18 @@ const defined* next_of(const index& in, const defined& one) {
   return one.next != defined::NONE ? &in.definitions[one.next] : nullptr;
 }
 
-const node_place* first_use(const index& in, std::string_view field) {
-  return in.used_by.find(field);
-}
-
-const syntax::definition& definition_of(const index& in, const node_place& at) {
-  return in.sources[at.source].tree.definitions[at.definition];
-}
-
-const syntax::node& node_of(const index& in, const node_place& at) {
-  return definition_of(in, at).nodes[at.node];
-}
-
-std::string_view text_of(const index& in, const node_place& at) {
-  return in.sources[at.source].tree.text;
-}
-
-// Calls with each member until that gives false.
-template <class Call>
-static void each_member(const index& in, const node_place& around, Call call) {
-  const syntax::definition& definition = definition_of(in, around);
-  const uint32_t end = syntax::behind(definition, around.node);
-  node_place at = around;
-  for (at.node = around.node + 1; at.node < end; at.node = syntax::behind(definition, at.node))
-    if (!call(at)) return;
-}
-
-std::vector<node_place> members_of(const index& in, const node_place& around) {
-  std::vector<node_place> members;
-  each_member(in, around, [&](const node_place& at) {
-    members.push_back(at);
-    return true;
-  });
-  return members;
-}
-
-static bool find_member(const index& in, const node_place& around, node_kind kind,
-                        std::string_view name, node_place& found, size_t n) {
-  bool is_found = false;
-  each_member(in, around, [&](const node_place& at) {
-    if (node_of(in, at).meant != kind || !by_view::equal(name_at(in, at), name)) return true;
-    found = at;
-    is_found = true;
-    return n-- > 0;
-  });
-  return is_found;
-}
-
-bool find_entry(const index& in, const node_place& around, std::string_view name, node_place& found,
-                size_t n) {
-  return find_member(in, around, node_kind::ENTRY, name, found, n);
-}
-
 bool find_attribute(const index& in, const node_place& around, std::string_view keyword,
                     node_place& found) {
-  return find_member(in, around, node_kind::ATTRIBUTE, keyword, found, SIZE_MAX);
+  const int wanted = dparse::keyword_number(keyword.data(), keyword.size());
+  bool is_found = false;
+  each_member(in, around, [&](const node_place& at) {
+    const bool is_wanted =
+        node_of(in, at).meant == node_kind::ATTRIBUTE && keyword_of(in, at) == wanted &&
+        (wanted != DPARSE_TOKEN_WORD || by_view::equal(name_at(in, at), keyword));
+    if (is_wanted) found = at;
+    is_found = is_found || is_wanted;
+  });
+  return is_found;
 }
 
 // --- Parts ---------------------------------------------------------------------------------------

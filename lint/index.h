@@ -35,13 +35,13 @@ struct defined {
   std::string_view name;
   node_place where;
   uint32_t next = NONE;  // the next one of the same kind and name, in the order of reading
+  bool is_used = false;  // of a field: an entry of an interface has its name
 };
 
 struct index {
   std::span<const source> sources{};
   std::vector<defined> definitions{};        // in the order of reading
   dd_index<by_view, uint32_t> by_name[3]{};  // the first of a name, for each kind
-  dd_index<by_view, node_place> used_by{};   // a field's name: the first entry of an interface
 };
 
 index index_of(std::span<const source> sources);
@@ -49,20 +49,36 @@ index index_of(std::span<const source> sources);
 // The first definition of that kind and name, or null; the next one of the same, or null.
 const defined* find(const index& in, syntax::node_kind kind, std::string_view name);
 const defined* next_of(const index& in, const defined& one);
-// The first entry of an interface that has the field's name, or null: no class uses it.
-const node_place* first_use(const index& in, std::string_view field);
 
-// The definition and the node that a place names, and the text that it is read from.
-const syntax::definition& definition_of(const index& in, const node_place& at);
-const syntax::node& node_of(const index& in, const node_place& at);
-std::string_view text_of(const index& in, const node_place& at);
+// The definition and the node that a place names, and the text that it is read from; the text of a
+// part.
+inline const syntax::definition& definition_of(const index& in, const node_place& at) {
+  return in.sources[at.source].tree.definitions[at.definition];
+}
+inline const syntax::node& node_of(const index& in, const node_place& at) {
+  return definition_of(in, at).nodes[at.node];
+}
+// The token that an attribute begins with, as in dparse/tokens.h.
+inline int keyword_of(const index& in, const node_place& attribute) {
+  return definition_of(in, attribute).tokens[node_of(in, attribute).first].kind();
+}
+inline std::string_view text_of(const index& in, const node_place& at) {
+  return in.sources[at.source].tree.text;
+}
+inline std::string_view text_of(const index& in, const span& where) {
+  return std::string_view(in.sources[where.source].tree.text).substr(where.start, where.length);
+}
 
-// What stands right inside a node (entries, attributes, broken ones), in order.
-std::vector<node_place> members_of(const index& in, const node_place& around);
-// The member that is an entry of that name: the n-th behind the first, or the last where there are
-// fewer; or the last attribute of that keyword, whose value counts. False where there is none.
-bool find_entry(const index& in, const node_place& around, std::string_view name, node_place& found,
-                size_t n = 0);
+// Calls with what stands right inside a node (entries, attributes, broken ones), in order.
+template <class Call>
+void each_member(const index& in, const node_place& around, Call call) {
+  const syntax::definition& definition = definition_of(in, around);
+  const uint32_t end = syntax::behind(definition, around.node);
+  node_place at = around;
+  for (++at.node; at.node < end; at.node = syntax::behind(definition, at.node)) call(at);
+}
+// The last member that is an attribute of that keyword: its value counts. False where there is
+// none.
 bool find_attribute(const index& in, const node_place& around, std::string_view keyword,
                     node_place& found);
 

@@ -40,6 +40,8 @@ struct world {
   tav_flist_t* classes = nullptr;
   // Asks the data manager what it would refuse. May be empty.
   std::function<std::vector<refusal>(const deployment& sent)> refuse{};
+  // The process ends soon: lists are left to its end, which frees them faster.
+  bool ends_soon = false;
   // Lint's own rules. May be empty.
   std::function<std::vector<finding>(const index& all)> own{};
 };

@@ -7,11 +7,8 @@ namespace lint {
 using deploy::definition_side;
 using syntax::node_kind;
 
-// Entries may be nested ten thousand levels deep, each a finding: then the name has to do.
-static constexpr size_t MOST_NAMES = 32;
-
-// The names down to the entry; none where they are too many.
-static std::vector<std::string_view> path_to(const deploy::subject& about) {
+std::vector<std::string_view> path_to(const deploy::subject& about) {
+  constexpr size_t MOST_NAMES = 32;
   std::vector<std::string_view> names;
   if (about.field != nullptr) names.emplace_back(about.field);
   for (const deploy::entry_path* upper = about.around; upper != nullptr; upper = upper->around) {

@@ -29,6 +29,10 @@ std::optional<node_place> find(subject_finder& in, const deploy::subject& about,
 std::optional<node_place> find_on(subject_finder& in, const deploy::subject& about,
                                   deploy::definition_side side, size_t n = 0);
 
+// The names down to the entry; none where they are too many: entries may be nested ten thousand
+// levels deep, each a finding, and then the entry's own name has to do.
+std::vector<std::string_view> path_to(const deploy::subject& about);
+
 // In words that stay when lines move.
 std::string words_of(const deploy::subject& about);
 

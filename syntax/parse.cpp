@@ -21,11 +21,15 @@ static void scan_one(parsing& in) {
   in.at = found.end;
 }
 
-// The kind of the token so many tokens ahead.
-static int kind(parsing& in, size_t distance = 0) {
-  const size_t index = in.next + distance;
+static void look_at(parsing& in, size_t index) {
   while (in.tokens.size() <= index) scan_one(in);
-  in.seen = std::max(in.seen, index + 1);
+  in.seen = index + 1;
+}
+
+// The kind of the token so many tokens ahead.
+static inline int kind(parsing& in, size_t distance = 0) {
+  const size_t index = in.next + distance;
+  if (index >= in.seen) look_at(in, index);
   return in.tokens[index].kind();
 }
 

@@ -278,6 +278,7 @@ static int lint_files(const request& asked) {
   const bool has_world = !asked.against.empty();
   if (has_world && !read_against(asked.against, asked.database, held, why)) return refuse(why);
   lint::world world = has_world ? world_of(held) : lint::world();
+  world.ends_soon = true;
   add_own(config, world, found);
   find(config, world, found);
   leave_out_lower(asked, found);

@@ -106,7 +106,7 @@ static const tav_node* old_of(const asking& in, const char* name) {
 // As dm/ops/set_classes.cpp sets a class, but a refusal does not end it.
 static void ask_class(asking& in, const tav_node* node) {
   dm::class_def definition;
-  dm::class_def old;
+  dm::class_def old{};  // of a new class there is none
   std::vector<std::string> tables;
   dm::read_class(node, 0, definition);
   const char* name = dm::text_of(definition, dm::CLASS_NAME);

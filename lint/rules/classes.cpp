@@ -1,6 +1,5 @@
 // Rules for classes: interface and implementation, order numbers.
 #include <algorithm>
-#include <map>
 
 #include "lint/rules/own.h"
 
@@ -40,27 +39,49 @@ static std::string plain_decimal(std::string_view word) {
   return text;
 }
 
+namespace {
+
+// An entry and the number that its ORDER gives.
+struct numbered {
+  std::string number;
+  node_place entry;
+  span where;
+};
+
+}  // namespace
+
+static std::vector<numbered> numbers_in(const index& all, const node_place& around) {
+  std::vector<numbered> found;
+  each_member(all, around, [&](const node_place& entry) {
+    node_place order;
+    if (kind_of(all, entry) != node_kind::ENTRY || !find_attribute(all, entry, "ORDER", order))
+      return;
+    const span where = value_span(all, order);
+    std::string number = plain_decimal(text_of(all, where));
+    if (!number.empty()) found.push_back({std::move(number), entry, where});
+  });
+  std::ranges::stable_sort(found, {}, &numbered::number);
+  return found;
+}
+
 void check_order(own_run& run, const visit& visited) {
   const node_kind kind = kind_of(run.all, visited.at());
   if (kind != node_kind::INTERFACE && kind != node_kind::ENTRY) return;
   if (kind_of(run.all, visited.way.front()) != node_kind::INTERFACE) return;
-  if (!has_entries(run, visited.at())) return;
-  std::map<std::string, node_place> seen;  // of each number the first entry
-  for (const node_place& entry : members_of(run.all, visited.at())) {
-    node_place order;
-    if (kind_of(run.all, entry) != node_kind::ENTRY) continue;
-    if (!find_attribute(run.all, entry, "ORDER", order)) continue;
-    const span where = value_span(run.all, order);
-    const std::string number =
-        plain_decimal(text_of(run.all, order).substr(where.start, where.length));
-    const auto [first, is_first] = seen.try_emplace(number, entry);
-    if (is_first || number.empty()) continue;
+  const numbered* first = nullptr;  // that has the number
+  const std::vector<numbered> all = numbers_in(run.all, visited.at());
+  for (const numbered& each : all) {
+    if (first == nullptr || first->number != each.number) {
+      first = &each;
+      continue;
+    }
     std::vector<node_place> way = visited.way;
-    way.push_back(entry);
-    report(run, "repeated-order", where, subject_of(run.all, way),
-           "ORDER " + number + " of " + std::string(name_of(run.all, entry)) + " is also that of " +
-               std::string(name_of(run.all, first->second)) + " beside it: give each its own.",
-           {{name_span(run.all, first->second), "The first entry of that number."}});
+    way.push_back(each.entry);
+    report(run, "repeated-order", each.where, subject_of(run.all, way),
+           "ORDER " + each.number + " of " + std::string(name_of(run.all, each.entry)) +
+               " is also that of " + std::string(name_of(run.all, first->entry)) +
+               " beside it: give each its own.",
+           {{name_span(run.all, first->entry), "The first entry of that number."}});
   }
 }
 

@@ -14,13 +14,13 @@ static bool is_field(const own_run& run, const visit& visited) {
 
 void check_description(own_run& run, const visit& visited) {
   if (kind_of(run.all, visited.at()) == node_kind::IMPLEMENTATION) return;
-  if (is_field(run, visited) && is_predefined(name_of(run.all, visited.at()))) return;
   node_place attribute;
   std::string text;
   const bool has_one =
       find_attribute(run.all, visited.at(), "DESCR", attribute) &&
       (!read_text(run.all, attribute, text) || text.find_first_not_of(" \t") != text.npos);
   if (has_one) return;
+  if (is_field(run, visited) && is_predefined(name_of(run.all, visited.at()))) return;
   report(run, "missing-description", name_span(run.all, visited.at()),
          subject_of(run.all, visited.way),
          thing_of(run.all, visited.way) + " has no description: say what it holds in DESCR.");
@@ -49,19 +49,20 @@ void check_field_number(own_run& run, const visit& visited) {
                       " has no number, and the data manager refuses it: give it an ID ('tav_dict "
                       "next-id' tells a free one).");
   }
-  if (node_of(run.all, attribute).kind != node_kind::ATTRIBUTE || is_predefined(name)) return;
+  if (node_of(run.all, attribute).kind != node_kind::ATTRIBUTE) return;
   const span where = value_span(run.all, attribute);
-  const std::string_view word = text_of(run.all, attribute).substr(where.start, where.length);
+  const std::string_view word = text_of(run.all, where);
   int64_t written = 0;
   int32_t number = 0;
   if (!read_number(word, written, number)) return;
   const own_options& options = run.options;
+  const bool is_inside = number >= options.first_number && number <= options.last_number;
+  if ((number == written && is_inside) || is_predefined(name)) return;
   if (number != written)
     return report(run, "number-outside-range", where, subject_of(run.all, visited.way),
                   "ID " + std::to_string(written) + " of " + std::string(name) +
                       " has more than 32 bits and is read as " + std::to_string(number) +
                       ": write the number that is meant.");
-  if (number >= options.first_number && number <= options.last_number) return;
   report(run, "number-outside-range", where, subject_of(run.all, visited.way),
          "ID " + std::to_string(number) + " of " + std::string(name) +
              " is outside the range of your own fields, " + std::to_string(options.first_number) +
@@ -73,8 +74,8 @@ void check_use(own_run& run, const visit& visited) {
   if (!run.has_class || !is_field(run, visited)) return;
   const std::string_view name = name_of(run.all, visited.at());
   const auto& is_used_elsewhere = run.options.is_used_elsewhere;
-  const bool is_used = first_use(run.all, name) != nullptr || is_predefined(name) ||
-                       (is_used_elsewhere && is_used_elsewhere(name));
+  const bool is_used =
+      run.defined->is_used || is_predefined(name) || (is_used_elsewhere && is_used_elsewhere(name));
   if (is_used) return;
   report(run, "unused-field", name_span(run.all, visited.at()), subject_of(run.all, visited.way),
          "No class uses " + std::string(name) + ": remove it, or use it.");
@@ -86,13 +87,12 @@ static int32_t number_of(const own_run& run, const node_place& field) {
   int32_t number = 0;
   if (!find_attribute(run.all, field, "ID", attribute)) return 0;
   const span where = value_span(run.all, attribute);
-  read_number(text_of(run.all, attribute).substr(where.start, where.length), written, number);
+  read_number(text_of(run.all, where), written, number);
   return number;
 }
 
 static std::string_view type_of(const own_run& run, const node_place& field) {
-  const span where = type_span(run.all, field);
-  return text_of(run.all, field).substr(where.start, where.length);
+  return text_of(run.all, type_span(run.all, field));
 }
 
 void check_names_of_files(own_run& run, uint32_t source) {
@@ -106,7 +106,7 @@ void check_names_of_files(own_run& run, uint32_t source) {
 
 // Another type or number is an error already.
 void check_files(own_run& run, const visit& visited) {
-  if (!is_field(run, visited)) return;
+  if (run.all.sources.size() == 1 || !is_field(run, visited)) return;
   const std::string_view name = name_of(run.all, visited.at());
   const defined& first = *find(run.all, node_kind::FIELD, name);
   if (first.where.source == visited.at().source) return;

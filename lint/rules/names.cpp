@@ -12,9 +12,13 @@ static std::string quoted(std::string_view name) {
   return text.append(name).append("\"");
 }
 
+static const std::vector<name_pattern>& patterns_for(const own_run& run, named kind) {
+  return run.options.patterns[static_cast<size_t>(kind)];
+}
+
 static void check_pattern(own_run& run, named kind, std::string_view name, const span& where,
                           const std::vector<node_place>& way) {
-  const std::vector<name_pattern>& patterns = run.options.patterns[static_cast<size_t>(kind)];
+  const std::vector<name_pattern>& patterns = patterns_for(run, kind);
   const auto fit = [name](const name_pattern& one) { return fits(one, name); };
   if (patterns.empty() || std::ranges::any_of(patterns, fit)) return;
   report(run, "name-pattern", where, subject_of(run.all, way),
@@ -32,7 +36,8 @@ void check_name(own_run& run, const visit& visited) {
   const span where = name_span(run.all, visited.at());
   const syntax::node_kind kind = kind_of(run.all, visited.at());
   if (kind == syntax::node_kind::FIELD) {
-    if (!is_predefined(name)) check_pattern(run, named::FIELD, name, where, visited.way);
+    if (!patterns_for(run, named::FIELD).empty() && !is_predefined(name))
+      check_pattern(run, named::FIELD, name, where, visited.way);
   } else if (kind == syntax::node_kind::INTERFACE) {
     check_pattern(run, named::CLASS, name, where, visited.way);
     if (!has_empty_step(name)) return;
@@ -75,15 +80,16 @@ static constexpr std::string_view RESERVED[] = {"all",          "alter",        
 static_assert(std::ranges::is_sorted(RESERVED));
 
 static bool is_reserved(std::string_view word) {
-  return std::ranges::any_of(RESERVED,
-                             [word](std::string_view one) { return by_view::equal(one, word); });
+  return std::ranges::binary_search(RESERVED, word, [](std::string_view a, std::string_view b) {
+    return std::ranges::lexicographical_compare(a, b, {}, dd_fold, dd_fold);
+  });
 }
 
 void check_storage_names(own_run& run, const visit& visited) {
   if (kind_of(run.all, visited.at()) != syntax::node_kind::ATTRIBUTE) return;
-  const std::string_view keyword = name_of(run.all, visited.at());
-  const bool is_table = by_view::equal(keyword, "SQL_TABLE");
-  if (!is_table && !by_view::equal(keyword, "SQL_COLUMN")) return;
+  const int keyword = keyword_of(run.all, visited.at());
+  const bool is_table = keyword == DPARSE_KEY_SQL_TABLE;
+  if (!is_table && keyword != DPARSE_KEY_SQL_COLUMN) return;
   std::string name;
   if (!read_text(run.all, visited.at(), name) || name.empty()) return;
   const span where = value_span(run.all, visited.at());

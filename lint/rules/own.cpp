@@ -43,10 +43,6 @@ std::string_view name_of(const index& all, const node_place& at) {
   return syntax::name_of(text_of(all, at), definition_of(all, at), node_of(all, at));
 }
 
-node_kind kind_of(const index& all, const node_place& at) {
-  return node_of(all, at).meant;
-}
-
 bool is_predefined(std::string_view field) {
   return std::ranges::any_of(
       PREDEFINED, [field](std::string_view name) { return by_view::equal(name, field); });
@@ -109,10 +105,10 @@ bool read_text(const index& all, const node_place& attribute, std::string& text)
   return has_strings;
 }
 
-// Visits all nodes of a definition but broken ones and what is in them.
-static void check_nodes(own_run& run, std::vector<node_place>& way) {
+// Visits all nodes of a definition but broken ones and what is in them. `ends` is memory.
+static void check_nodes(own_run& run, std::vector<node_place>& way, std::vector<uint32_t>& ends) {
   const syntax::definition& in = definition_of(run.all, way.front());
-  std::vector<uint32_t> ends{in.node_count};
+  ends.assign(1, in.node_count);
   for (uint32_t node = 0; node < in.node_count;) {
     while (node >= ends.back()) ends.pop_back(), way.pop_back();
     if (in.nodes[node].kind == node_kind::BROKEN) {
@@ -134,16 +130,20 @@ own_findings check_own(const index& all, const own_options& options) {
   own_findings found;
   const auto is_class = [](const defined& one) { return one.kind == node_kind::INTERFACE; };
   own_run run{all, options, found, std::ranges::any_of(all.definitions, is_class)};
+  run.sound_up_to.resize(all.sources.size());
   for (uint32_t source = 0; source < all.sources.size(); ++source) {
     check_names_of_files(run, source);
     if (!is_read_again(options, source)) check_bytes(run, source);
   }
+  std::vector<node_place> way;
+  std::vector<uint32_t> ends;
   for (const defined& each : all.definitions) {
-    std::vector<node_place> way{each.where};
+    way.assign(1, each.where);
     if (node_of(all, each.where).kind == node_kind::BROKEN) continue;
     if (is_read_again(options, each.where.source)) continue;
+    run.defined = &each;
     for (const check one : OF_DEFINITIONS) one(run, {way});
-    check_nodes(run, way);
+    check_nodes(run, way, ends);
   }
   return found;
 }

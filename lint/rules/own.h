@@ -40,6 +40,9 @@ struct own_run {
   const own_options& options;
   own_findings& found;
   bool has_class;
+  const lint::defined* defined = nullptr;  // whose rules are checked
+  // Of each source: the bytes before that are UTF-8.
+  std::vector<uint64_t> sound_up_to{};
 };
 
 // A node and what it stands in, from the definition down to it.
@@ -56,7 +59,9 @@ std::string subject_of(const index& all, const std::vector<node_place>& way);
 std::string thing_of(const index& all, const std::vector<node_place>& way);
 
 std::string_view name_of(const index& all, const node_place& at);
-syntax::node_kind kind_of(const index& all, const node_place& at);  // of what it is to be
+inline syntax::node_kind kind_of(const index& all, const node_place& at) {  // of what it is to be
+  return node_of(all, at).meant;
+}
 bool is_predefined(std::string_view field);
 // Whether the source's file stands among those before it, too.
 bool is_read_again(const own_options& options, uint32_t source);

@@ -39,6 +39,7 @@ void check_bytes(own_run& run, uint32_t source) {
         "it as UTF-8 without one.");
   }
   size_t at = first_bad_byte(tree.text);
+  run.sound_up_to[source] = std::min(at, tree.text.size());
   while (at != std::string::npos && gap_before(tree, at) == std::string::npos) {
     at = first_bad_byte(tree.text, at + 1);
   }
@@ -48,7 +49,8 @@ void check_bytes(own_run& run, uint32_t source) {
 }
 
 static bool is_utf8(own_run& run, const visit& visited, const span& where) {
-  const std::string_view text = text_of(run.all, visited.at()).substr(where.start, where.length);
+  if (where.start + where.length <= run.sound_up_to[where.source]) return true;
+  const std::string_view text = text_of(run.all, where);
   const size_t at = first_bad_byte(text);
   if (at == text.npos) return true;
   report(
@@ -60,10 +62,10 @@ static bool is_utf8(own_run& run, const visit& visited, const span& where) {
 
 // Of several attributes of one keyword the last counts, but for those that may be repeated.
 static bool counts(const own_run& run, const visit& visited) {
-  const std::string_view keyword = name_of(run.all, visited.at());
+  const int keyword = keyword_of(run.all, visited.at());
   node_place last = visited.at();
-  if (by_view::equal(keyword, "ATTRVAL") || by_view::equal(keyword, "OBJECTCLASS")) return true;
-  find_attribute(run.all, *(visited.way.end() - 2), keyword, last);
+  if (keyword == DPARSE_KEY_ATTRVAL || keyword == DPARSE_KEY_OBJECTCLASS) return true;
+  find_attribute(run.all, *(visited.way.end() - 2), name_of(run.all, visited.at()), last);
   return last.node == visited.at().node;
 }
 
@@ -83,16 +85,15 @@ static size_t size_in_language(std::string_view text) {
 }
 
 void check_text(own_run& run, const visit& visited) {
-  if (is_repeat(run, visited)) return;
-  if (kind_of(run.all, visited.at()) != syntax::node_kind::ATTRIBUTE) {
-    if (visited.way.size() == 1) is_utf8(run, visited, name_span(run.all, visited.at()));
-    return;
-  }
-  const span where = value_span(run.all, visited.at());
-  const std::string_view written = text_of(run.all, visited.at()).substr(where.start, where.length);
-  const bool is_plain = written.size() <= DD_LONGEST_TEXT / 2;
+  const bool is_attribute = kind_of(run.all, visited.at()) == syntax::node_kind::ATTRIBUTE;
+  if (!is_attribute && visited.way.size() > 1) return;
+  const span where =
+      is_attribute ? value_span(run.all, visited.at()) : name_span(run.all, visited.at());
+  const bool is_sound = where.start + where.length <= run.sound_up_to[where.source];
+  if ((is_sound && where.length <= DD_LONGEST_TEXT / 2) || is_repeat(run, visited)) return;
+  if (!is_attribute) return void(is_utf8(run, visited, where));
   std::string text;
-  if ((is_plain && first_bad_byte(written) == written.npos) || !counts(run, visited)) return;
+  if (!counts(run, visited)) return;
   if (!read_text(run.all, visited.at(), text) || first_bad_byte(text) != text.npos) {
     if (!text.empty()) is_utf8(run, visited, where);
     return;

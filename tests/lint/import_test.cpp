@@ -91,6 +91,16 @@ TEST(import, tells_nothing_that_only_follows_from_what_is_broken) {
     EXPECT_NE(found.reader_line, 0u) << found.rule << ": " << found.sentence;
 }
 
+// Far inside, where no place is told apart by the names around it, what has the same name is told
+// once: the findings of a path as long as the file would take time of its square.
+TEST(import, tells_what_is_nested_far_in_once_for_each_name) {
+  static constexpr size_t LEVELS = 1000;
+  std::string text = "STORABLE CLASS /a {\n";
+  for (size_t i = 0; i < LEVELS; ++i) text += "ARRAY A { STRING B { } ";
+  text.append(LEVELS, '}').append("}\n");
+  EXPECT_LT(lint::lint(sources_of({text}), {}).told.size(), LEVELS / 2);
+}
+
 // A second run finds the same, and nothing of the first.
 TEST(import, starts_anew_in_every_run) {
   const std::string first = found_in({FIELDS, CASES[4].text});
