@@ -106,7 +106,7 @@ static const tav_node* old_of(const asking& in, const char* name) {
 // As dm/ops/set_classes.cpp sets a class, but a refusal does not end it.
 static void ask_class(asking& in, const tav_node* node) {
   dm::class_def definition;
-  dm::class_def old;
+  dm::class_def old{};
   std::vector<std::string> tables;
   dm::read_class(node, 0, definition);
   const char* name = dm::text_of(definition, dm::CLASS_NAME);
@@ -120,7 +120,7 @@ static void ask_class(asking& in, const tav_node* node) {
   dm::check_class(definition, in.world, tables, found);
   const size_t unchecked = count_unchecked(definition);
   for (size_t i = 0; i < found.size(); ++i) add(in, definition, found[i], i >= unchecked);
-  in.world.accept(definition, tables, tables_of(old));
+  in.world.accept(definition, tables, dm::tables_of(old));
   in.accepted[dm::folded(name)] = node;
 }
 
