@@ -124,6 +124,11 @@ static std::string unknown(const tav_conf_entry& entry, const std::vector<const 
                keys, "."});
 }
 
+std::string writes_refused(const char* entry) {
+  return join({"The dictionary takes no such writes: set '", entry, " = yes' in section [dm] of ",
+               quoted(tav_conf_file()), "."});
+}
+
 std::vector<std::string> unknown_entries() {
   std::vector<std::string> sentences;
   tav_conf_entry entry{};

@@ -26,6 +26,9 @@ struct settings {
 // an entry that cannot be read.
 bool read_settings(settings& settings, problem& why);
 
+// The sentence about writes that this entry does not allow.
+std::string writes_refused(const char* entry);
+
 // A sentence for each entry above any section or in section [dm] whose key is unknown: it has no
 // effect.
 std::vector<std::string> unknown_entries();

@@ -123,6 +123,8 @@ struct store_calls {
   bool (*delete_field)(store*, int64_t database, int32_t number, problem&);
   // Adds the class if its id is 0, and sets the id; else replaces its definition and stamp.
   bool (*put_class)(store*, int64_t database, class_row&, problem&);
+  // Deletes the class with the row's id. No table may be its any more.
+  bool (*delete_class)(store*, int64_t database, const class_row&, problem&);
   bool (*add_table)(store*, int64_t database, const table_row&, problem&);
   bool (*delete_table)(store*, int64_t database, const char* name, problem&);
 

@@ -80,18 +80,6 @@ static constexpr dm::store_calls CALLS = [] {
 
 // --- Reading the lists ---------------------------------------------------------------------------
 
-std::vector<std::string> tables_of(const dm::class_def& definition) {
-  std::vector<std::string> tables;
-  const char* own = dm::text_of(definition, dm::CLASS_TABLE);
-  if (*own != '\0') tables.emplace_back(own);
-  for (const dm::entry_def& entry : definition.entries) {
-    const char* name = dm::text_of(entry, dm::ENTRY_SQL_NAME);
-    if (entry.type == TAV_FLDT_BUF) tables.emplace_back(dm::storage_of_buf(name).table);
-    if (dd_is_container(entry.type)) tables.emplace_back(name);
-  }
-  return tables;
-}
-
 template <class Call>
 static void each_element(const tav_flist_t* list, uint32_t array, Call call) {
   uint32_t position = 0;
@@ -103,7 +91,7 @@ static void add_tables(listed_store& to) {
   dm::class_def definition;
   for (size_t i = 0; i < to.known.size(); ++i) {
     dm::read_class(to.known[i].node, 0, definition);
-    for (std::string& table : tables_of(definition)) {
+    for (std::string& table : dm::tables_of(definition)) {
       std::string key = dm::folded(table);
       to.tables.push_back({std::move(key), std::move(table), static_cast<int64_t>(i + 1)});
     }

@@ -36,9 +36,6 @@ struct listed_store : dm::store {
   const stored_class* find(const char* name) const;
 };
 
-// The tables that a definition names.
-std::vector<std::string> tables_of(const dm::class_def& definition);
-
 }  // namespace dict
 
 #endif

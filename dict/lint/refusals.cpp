@@ -120,7 +120,7 @@ static void ask_class(asking& in, const tav_node* node) {
   dm::check_class(definition, in.world, tables, found);
   const size_t unchecked = count_unchecked(definition);
   for (size_t i = 0; i < found.size(); ++i) add(in, definition, found[i], i >= unchecked);
-  in.world.accept(definition, tables, tables_of(old));
+  in.world.accept(definition, tables, dm::tables_of(old));
   in.accepted[dm::folded(name)] = node;
 }
 

@@ -60,9 +60,10 @@ namespace journal_kind {
 inline constexpr char FIELDS[] = "fields";                // operation 576
 inline constexpr char CLASSES[] = "classes";              // operation 578
 inline constexpr char DELETE_FIELDS[] = "delete-fields";  // operation 585
-inline constexpr char INIT[] = "init";                    // detail: {"identity": new}
-inline constexpr char RESTORE[] = "restore";              // detail: {"identity": new, "from": old}
-inline constexpr char UPGRADE[] = "upgrade";              // detail: {"identity": new}
+inline constexpr char CHANGE[] = "change";    // dm/changes/; detail says what for: {"undo":17}
+inline constexpr char INIT[] = "init";        // detail: {"identity": new}
+inline constexpr char RESTORE[] = "restore";  // detail: {"identity": new, "from": old}
+inline constexpr char UPGRADE[] = "upgrade";  // detail: {"identity": new}
 inline constexpr char ADD_DATABASE[] = "add-database";
 inline constexpr char PRUNE[] = "prune";  // detail: {"before": number, "hash": of the last removed}
 inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": tag}
@@ -71,7 +72,8 @@ inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": 
 // Whether the record is one of a deployment: changes what the definitions are.
 inline bool is_deployment(const journal_record& record) {
   using namespace journal_kind;
-  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS;
+  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS ||
+         record.kind == CHANGE;
 }
 
 // A part of the packed changes of a record.

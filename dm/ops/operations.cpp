@@ -15,9 +15,7 @@ dd_flist refuse(operation& op, int32_t code, uint32_t field, std::string sentenc
 }
 
 dd_flist refuse_writes(operation& op, const char* entry) {
-  return refuse(op, TAV_ERR_WRITE_REFUSED, 0,
-                join({"The dictionary takes no such writes: set '", entry,
-                      " = yes' in section [dm] of ", quoted(tav_conf_file()), "."}));
+  return refuse(op, TAV_ERR_WRITE_REFUSED, 0, writes_refused(entry));
 }
 
 }  // namespace dm

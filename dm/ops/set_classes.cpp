@@ -3,7 +3,8 @@
 #include <map>
 #include <optional>
 
-#include "dm/folded.h"
+#include "dm/journal/read.h"
+#include "dm/ops/dropped.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/class_rules.h"
 
@@ -37,6 +38,7 @@ struct class_run {
   class_world world;
   class_writer writer{};
   class_reader reader{};
+  key_set dropped{};             // by other sessions since the fetch
   key_set repeated{};            // folded names that the list holds twice
   key_map<std::string> tried{};  // their definitions, in a trial
   // In a real run: their definitions before the first and after the last of the list.
@@ -88,18 +90,6 @@ static bool find_old(class_run& run, const char* name, old_class& old) {
   return old.id == 0 || load_class(run.reader, row, old.list, old.definition, run.op.why);
 }
 
-static std::vector<std::string> tables_of(const class_def& definition) {
-  std::vector<std::string> tables;
-  const char* table = text_of(definition, CLASS_TABLE);
-  if (*table != '\0') tables.emplace_back(table);
-  for (const entry_def& entry : definition.entries) {
-    const char* name = text_of(entry, ENTRY_SQL_NAME);
-    if (entry.type == TAV_FLDT_BUF) tables.emplace_back(storage_of_buf(name).table);
-    if (dd_is_container(entry.type)) tables.emplace_back(name);
-  }
-  return tables;
-}
-
 // A subclass's own table is not stored.
 static void drop_own_table(class_run& run) {
   const char* table = needless_table(run.definition);
@@ -109,17 +99,23 @@ static void drop_own_table(class_run& run) {
   run.definition.values[CLASS_TABLE] = nullptr;
 }
 
-static bool may_replace(class_run& run, const old_class& old) {
-  const bool is_ours = old.id <= 0 || old.stamp > run.database.counter;  // from earlier in the list
-  if (is_ours ||
-      !is_foreign(run.op.session, run.database.number, &seen_database::classes, old.stamp)) {
-    return true;
-  }
+static bool conflict(class_run& run, std::string_view fault) {
   findings conflict;
-  blame(run.definition, TAV_ERR_CONFLICT, TAV_FLD_NAME,
-        "was written by another session since this one fetched the classes; run again", conflict);
+  blame(run.definition, TAV_ERR_CONFLICT, TAV_FLD_NAME, fault, conflict);
   run.op.why = conflict.front();
   return false;
+}
+
+// Whether no other session has written or deleted the class since this one fetched.
+static bool may_set(class_run& run, const char* name, const old_class& old) {
+  if (old.id == 0 && run.dropped.count(thing_key(change_of::CLASS, name)) != 0) {
+    return conflict(run, WAS_DROPPED);
+  }
+  const bool is_ours = old.id <= 0 || old.stamp > run.database.counter;  // from earlier in the list
+  return is_ours ||
+         !is_foreign(run.op.session, run.database.number, &seen_database::classes, old.stamp) ||
+         conflict(run,
+                  "was written by another session since this one fetched the classes; run again");
 }
 
 static bool is_sound(class_run& run) {
@@ -192,7 +188,7 @@ static bool set_class(class_run& run, const tav_node* node, int32_t id) {
   run.world.prefetch_fields(run.definition);
   old_class old;
   const char* name = text_of(run.definition, CLASS_NAME);
-  if (!find_old(run, name, old) || !may_replace(run, old)) return false;
+  if (!find_old(run, name, old) || !may_set(run, name, old)) return false;
   drop_own_table(run);
   if (old.id != 0) {
     for (const std::string& path : keep_old(run.definition, old.definition)) {
@@ -214,6 +210,10 @@ static bool set_all(class_run& run) {
   const field_plan& pending = run.op.session.trial.pending;
   if (pending.database.id == run.database.id) run.world.add_fields(pending.asked);
   find_repeated(run);
+  if (!find_dropped(run.op.session, run.database, &seen_database::classes, run.dropped,
+                    run.op.why)) {
+    return false;
+  }
   const uint32_t cost = run.op.session.store->look_up_cost;
   if (tav_node_count(run.op.input, TAV_FLD_OBJ_DESC) > MANY / cost && !run.world.read_all()) {
     run.op.why = run.world.why;

@@ -1,5 +1,7 @@
 // 576: adds fields and changes descriptions of stored ones, all or nothing.
 #include "dm/field_request.h"
+#include "dm/journal/read.h"
+#include "dm/ops/dropped.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/field.h"
 
@@ -55,13 +57,17 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
 }
 
 // Plans to add or describe the field. Only the first field of each name is planned.
-static bool plan_field(const session& session, field_plan& plan, asked_field& field, problem& why) {
+static bool plan_field(const session& session, field_plan& plan, const key_set& dropped,
+                       asked_field& field, problem& why) {
   if (&field_at(plan.asked, field.first_named) != &field) return true;
   const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
   if (field.is_stored && !describes) return true;
   if (field.is_stored && is_foreign(session, plan.target, &seen_database::fields, field.stamp)) {
     return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
                "was changed by another session since this one fetched the fields; run again");
+  }
+  if (!field.is_stored && dropped.count(thing_key(change_of::FIELD, field.name)) != 0) {
+    return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME, WAS_DROPPED);
   }
   return field.is_planned = true;
 }
@@ -75,8 +81,10 @@ static bool plan_fields(session& session, field_plan& plan, problem& why) {
   for (asked_field& field : asked.fields) {
     if (!is_acceptable(asked, field, why)) return false;
   }
+  key_set dropped;
+  if (!find_dropped(session, plan.database, &seen_database::fields, dropped, why)) return false;
   for (asked_field& field : asked.fields) {
-    if (!plan_field(session, plan, field, why)) return false;
+    if (!plan_field(session, plan, dropped, field, why)) return false;
   }
   return true;
 }

@@ -19,6 +19,7 @@ static constexpr const char* STATEMENTS[] = {
     " WHERE f.database = r.database AND f.number = r.number",
     "DELETE FROM dd_tables t USING unnest($1::bigint[], $2::text[]) AS r (database, folded)"
     " WHERE t.database = r.database AND t.folded = r.folded",
+    "DELETE FROM dd_classes c USING unnest($1::bigint[]) AS r (id) WHERE c.id = r.id",
     "UPDATE dd_fields f SET descr = r.descr, stamp = r.stamp"
     " FROM unnest($1::bigint[], $2::bigint[], $3::text[], $4::bigint[])"
     " AS r (database, number, descr, stamp)"

@@ -21,6 +21,7 @@ namespace dm {
 enum class change {
   DELETE_FIELD,
   DELETE_TABLE,
+  DELETE_CLASS,
   DESCRIBE_FIELD,
   REPLACE_CLASS,
   ADD_FIELD,

@@ -146,6 +146,7 @@ bool postgres_add_fields(store*, int64_t, std::span<const field_row>, problem&);
 bool postgres_set_description(store*, int64_t, const field_row&, problem&);
 bool postgres_delete_field(store*, int64_t, int32_t, problem&);
 bool postgres_put_class(store*, int64_t, class_row&, problem&);
+bool postgres_delete_class(store*, int64_t, const class_row&, problem&);
 bool postgres_add_table(store*, int64_t, const table_row&, problem&);
 bool postgres_delete_table(store*, int64_t, const char*, problem&);
 bool postgres_identity(store*, std::string&, problem&);

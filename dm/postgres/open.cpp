@@ -130,6 +130,7 @@ const store_calls POSTGRES_CALLS = {
     .set_description = postgres_set_description,
     .delete_field = postgres_delete_field,
     .put_class = postgres_put_class,
+    .delete_class = postgres_delete_class,
     .add_table = postgres_add_table,
     .delete_table = postgres_delete_table,
     .identity = postgres_identity,

@@ -84,6 +84,12 @@ bool postgres_put_class(store* base, int64_t database, class_row& row, problem& 
                     {row.id, database, row.key, row.name, row.stamp, row.definition}, why);
 }
 
+bool postgres_delete_class(store* base, int64_t database, const class_row& row, problem& why) {
+  postgres_store& store = postgres_of(base);
+  if (store.kept.database == database) store.kept.rows.erase(row.key);
+  return put_change(store, change::DELETE_CLASS, class_key(row.id), {row.id}, why);
+}
+
 static std::string table_key(int64_t database, const std::string& folded_name) {
   return join({"t", std::to_string(database), ".", folded_name});
 }

@@ -27,6 +27,9 @@ bool may_repeat(const class_def& definition, entry_attribute which);
 // Null where none is named, and for a base class.
 const char* needless_table(const class_def& definition);
 
+// The names of the tables that a sound definition has.
+std::vector<std::string> tables_of(const class_def& definition);
+
 // Checks all rules: texts, name and structure first; fields, hierarchy and storage only if these
 // found nothing.
 void check_class(const class_def& definition, class_world& world, std::vector<std::string>& tables,

@@ -78,6 +78,18 @@ static void check_columns(const class_def& definition, findings& result) {
   }
 }
 
+std::vector<std::string> tables_of(const class_def& definition) {
+  std::vector<std::string> tables;
+  const char* table = text_of(definition, CLASS_TABLE);
+  if (*table != '\0') tables.emplace_back(table);
+  for (const entry_def& entry : definition.entries) {
+    const char* name = text_of(entry, ENTRY_SQL_NAME);
+    if (entry.type == TAV_FLDT_BUF) tables.emplace_back(storage_of_buf(name).table);
+    if (dd_is_container(entry.type)) tables.emplace_back(name);
+  }
+  return tables;
+}
+
 const char* needless_table(const class_def& definition) {
   const bool needs_one = !dd_is_subclass(text_of(definition, CLASS_NAME));
   return needs_one ? nullptr : static_cast<const char*>(definition.values[CLASS_TABLE]);

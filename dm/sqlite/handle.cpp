@@ -20,6 +20,7 @@ static constexpr const char* WRITES[] = {
     "INSERT INTO dd_classes (database, folded, name, stamp, definition) VALUES (?1, ?2, ?3, ?4, "
     "?5)",
     "UPDATE dd_classes SET stamp = ?2, definition = ?3 WHERE id = ?1",
+    "DELETE FROM dd_classes WHERE id = ?1",
     "INSERT INTO dd_tables (database, folded, name, class) VALUES (?1, ?2, ?3, ?4)",
     "DELETE FROM dd_tables WHERE database = ?1 AND folded = ?2",
     "INSERT INTO dd_identity (is_one, identity) VALUES (1, ?1)",

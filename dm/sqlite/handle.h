@@ -21,6 +21,7 @@ enum statement {
   DELETE_FIELD,
   INSERT_CLASS,
   UPDATE_CLASS,
+  DELETE_CLASS,
   INSERT_TABLE,
   DELETE_TABLE,
   INSERT_IDENTITY,
@@ -123,6 +124,7 @@ bool sqlite_add_fields(store*, int64_t, std::span<const field_row>, problem&);
 bool sqlite_set_description(store*, int64_t, const field_row&, problem&);
 bool sqlite_delete_field(store*, int64_t, int32_t, problem&);
 bool sqlite_put_class(store*, int64_t, class_row&, problem&);
+bool sqlite_delete_class(store*, int64_t, const class_row&, problem&);
 bool sqlite_add_table(store*, int64_t, const table_row&, problem&);
 bool sqlite_delete_table(store*, int64_t, const char*, problem&);
 bool sqlite_identity(store*, std::string&, problem&);

@@ -203,6 +203,7 @@ const store_calls SQLITE_CALLS = {
     .set_description = sqlite_set_description,
     .delete_field = sqlite_delete_field,
     .put_class = sqlite_put_class,
+    .delete_class = sqlite_delete_class,
     .add_table = sqlite_add_table,
     .delete_table = sqlite_delete_table,
     .identity = sqlite_identity,

@@ -54,6 +54,10 @@ bool sqlite_put_class(store* base, int64_t database, class_row& row, problem& wh
   return true;
 }
 
+bool sqlite_delete_class(store* base, int64_t, const class_row& row, problem& why) {
+  return sqlite_use(sqlite_of(base), DELETE_CLASS).bind(row.id).write(1, why);
+}
+
 bool sqlite_add_table(store* base, int64_t database, const table_row& row, problem& why) {
   sqlite_use use(sqlite_of(base), INSERT_TABLE);
   return use.bind(database).bind(row.key).bind(row.name).bind(row.class_id).write(1, why);
