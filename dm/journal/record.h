@@ -60,6 +60,7 @@ namespace journal_kind {
 inline constexpr char FIELDS[] = "fields";                // operation 576
 inline constexpr char CLASSES[] = "classes";              // operation 578
 inline constexpr char DELETE_FIELDS[] = "delete-fields";  // operation 585
+inline constexpr char APPLY[] = "apply";                  // detail: {"plan": its digest}
 inline constexpr char INIT[] = "init";                    // detail: {"identity": new}
 inline constexpr char RESTORE[] = "restore";              // detail: {"identity": new, "from": old}
 inline constexpr char UPGRADE[] = "upgrade";              // detail: {"identity": new}
@@ -71,7 +72,8 @@ inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": 
 // Whether the record is one of a deployment: changes what the definitions are.
 inline bool is_deployment(const journal_record& record) {
   using namespace journal_kind;
-  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS;
+  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS ||
+         record.kind == APPLY;
 }
 
 // A part of the packed changes of a record.
