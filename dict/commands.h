@@ -34,6 +34,8 @@ void add_next_id(CLI::App& app, int& result);
 void add_uses(CLI::App& app, int& result);
 void add_log(CLI::App& app, int& result);
 void add_tag(CLI::App& app, int& result);
+void add_apply(CLI::App& app, int& result);
+void add_plan(CLI::App& app, int& result);
 void add_prune(CLI::App& app, int& result);
 void add_blame(CLI::App& app, int& result);
 void add_show(CLI::App& app, int& result);

@@ -21,17 +21,20 @@ static dd_flist get(dm::session& session, uint64_t database, dd_flist (*fetch_al
   return output;
 }
 
-bool fetch(const dm::settings& settings, uint64_t database, definitions& result, dm::problem& why) {
-  dm::session session;
-  session.settings = settings;
-  session.store = dm::open_dictionary(settings, {}, why);
-  if (session.store == nullptr) return false;
+bool fetch(dm::session& session, uint64_t database, definitions& result, dm::problem& why) {
   dd_flist fields = get(session, database, dm::get_fields, why);
   dd_flist classes = fields != nullptr ? get(session, database, dm::get_classes, why) : nullptr;
   if (classes == nullptr) return false;
   result.fields.give(std::move(fields));
   result.classes.give(std::move(classes));
   return true;
+}
+
+bool fetch(const dm::settings& settings, uint64_t database, definitions& result, dm::problem& why) {
+  dm::session session;
+  session.settings = settings;
+  session.store = dm::open_dictionary(settings, {}, why);
+  return session.store != nullptr && fetch(session, database, result, why);
 }
 
 bool read_files(const std::vector<std::string>& files, definitions& result) {

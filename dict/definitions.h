@@ -10,6 +10,10 @@
 #include "deploy/import/entries.h"
 #include "dm/settings.h"
 
+namespace dm {
+struct session;
+}
+
 namespace dict {
 
 struct definitions {
@@ -21,6 +25,9 @@ struct definitions {
 // Fetches a database of the dictionary that the settings name, in one snapshot; false with the
 // reason.
 bool fetch(const dm::settings& settings, uint64_t database, definitions& result, dm::problem& why);
+
+// The same in the snapshot of a session.
+bool fetch(dm::session& session, uint64_t database, definitions& result, dm::problem& why);
 
 // Reads and merges definition files exactly as an import does; without any, standard input. What is
 // wrong with them is printed to standard error. False when they cannot be read, or cannot be

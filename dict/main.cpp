@@ -20,7 +20,10 @@ static constexpr char DESCRIPTION[] =
     "tav.conf is found at $TAV_CONF, else in the working folder, else in /etc/tav.\n"
     "Exit status:\n"
     "  0  done, and nothing found\n"
-    "  1  'check' has findings, 'diff' found differences, 'restore' found its backup damaged,\n"
+    "  1  'check' has findings, 'diff' found differences, 'plan' found changes that can be "
+    "deployed,\n"
+    "     'apply' found something changed since its plan was made, 'restore' found its backup "
+    "damaged,\n"
     "     'explain' does not know the message, 'uses' or 'blame' not the name, 'format' would\n"
     "     change a file, or 'lint' has findings that count\n"
     "  2  wrong usage, or a failure";
@@ -94,6 +97,8 @@ static int run(int argc, char** argv) {
   restore->callback([&] { result = dict::restore(file); });
   dict::add_upgrade(app, result);
   dict::add_diff(app, result);
+  dict::add_plan(app, result);
+  dict::add_apply(app, result);
   dict::add_explain(app, result);
   dict::add_format(app, result);
   dict::add_lint(app, result);

@@ -38,9 +38,11 @@ bool note_change(session& session, change_of what, std::string_view name,
   return note_change(*session.store, session.draft, what, name, states, why);
 }
 
-bool commit_write(session& session, const char* kind, uint64_t database, problem& why) {
+bool commit_write(session& session, const char* kind, uint64_t database, problem& why,
+                  const std::string& detail) {
+  if (session.is_held) return true;
   const uint64_t login = session.settings.has_login ? session.settings.database : 0;
-  const journal_subject subject{kind, database, "", login};
+  const journal_subject subject{kind, database, detail, login};
   if (!finish_record(*session.store, session.draft, session.run, subject, why)) return false;
   if (!session.store->calls->commit(session.store.get(), why)) return false;
   if (session.draft.record.changes > 0) session.run.deployment = session.draft.record.deployment;

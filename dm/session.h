@@ -2,9 +2,11 @@
 #ifndef DM_SESSION_H
 #define DM_SESSION_H
 
+#include <functional>
 #include <map>
 #include <vector>
 
+#include "dm/class_def.h"
 #include "dm/journal/write.h"
 #include "dm/settings.h"
 #include "dm/store.h"
@@ -20,6 +22,14 @@ struct seen_database {
   std::vector<int64_t> own;  // stamps of the session's own writes
 };
 
+// What a 578 makes of one class of its list; borrowed.
+struct accepted_class {
+  const class_def& definition;
+  const std::string* before;  // as it was stored, or stands earlier in the list; null: new
+  std::string_view after;     // as it would be stored
+  const std::vector<std::string>& tables;  // that it has then
+};
+
 struct session {
   dm::settings settings;
   store_owner store;
@@ -30,6 +40,8 @@ struct session {
   std::map<uint64_t, seen_database> seen;
   journal_run run{};      // to which the records of all its transactions belong
   journal_draft draft{};  // the record of the open write transaction
+  bool is_held = false;   // several operations write one transaction: none of them commits it
+  std::function<void(const accepted_class&)> watch{};  // may be empty; is told in trials, too
 };
 
 // Begins a read transaction, unless one is open. Up to the session's first write all fetches share
@@ -48,8 +60,10 @@ bool begin_write(session& session, problem& why);
 bool note_change(session& session, change_of what, std::string_view name,
                  const journal_states& states, problem& why);
 // Commits the write transaction, and in it a record of that kind in the journal, if changes were
-// noted. Where that fails, undo_write must follow.
-bool commit_write(session& session, const char* kind, uint64_t database, problem& why);
+// noted; `detail` is that of the record. Where that fails, undo_write must follow. Does nothing
+// while the transaction is held.
+bool commit_write(session& session, const char* kind, uint64_t database, problem& why,
+                  const std::string& detail = "");
 // Rolls the write transaction back, if one is open.
 void undo_write(session& session);
 

@@ -63,7 +63,7 @@ static void compare_lengths(comparing& to, const pair_of_nodes& nodes, tav_flist
                             tav_flist_t* fresh, const char* name) {
   const int32_t before = length_of(held);
   const int32_t after = length_of(fresh);
-  if (after == 0 || (before != 0 && before <= after)) return;  // 0: any length
+  if (!is_narrower(before, after)) return;
   const deploy::subject about{
       .class_name = to.class_name, .field = name, .around = nodes.around, .attribute = "LENGTH"};
   const auto at = find(to.in, about);

@@ -72,6 +72,12 @@ struct trial_result {
 // what `files` holds. Database 0 is the login's. Throws std::bad_alloc.
 trial_result try_replace(definitions& files, uint64_t database);
 
+// A line for each thing and value, for people; what is destructive (dict/diff/losses.h) may be
+// marked. And a line that says that files are refused, with the reasons.
+std::string lines_of(const std::vector<difference>& found, bool coloured,
+                     bool marks_losses = false);
+std::string lines_of(const trial_result& tried, bool coloured);
+
 // Both give the whole output.
 std::string as_text(const std::vector<difference>& found, const trial_result& tried, bool coloured);
 std::string as_json(const std::vector<difference>& found, const trial_result& tried);

@@ -1,5 +1,6 @@
 // The differences for people: a line for each thing and value, indented by what it belongs to.
 #include "dict/diff/diff.h"
+#include "dict/diff/losses.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
@@ -20,7 +21,10 @@ constexpr char PLAIN[] = "\033[0m";
 struct page {
   std::string text;
   bool coloured;
+  bool marks_losses = false;
 };
+
+constexpr char LOSS[] = "  (destructive)";
 
 }  // namespace
 
@@ -46,12 +50,16 @@ static void put_line(page& out, size_t indent, change kind, const std::string& t
 }
 
 static void put_refusal(page& out, const trial_result& tried) {
-  if (tried.messages.empty()) return;
+  if (tried.given != answer::REFUSED && tried.messages.empty()) return;
   put_marked(out, 0, REFUSED,
              tried.given == answer::REFUSED
                  ? "refused: 'replace' would deploy nothing of these files"
                  : "not tried: whether 'replace' would take these files is unknown");
   for (const std::string& message : tried.messages) put_marked(out, 4, REFUSED, message);
+}
+
+static const char* mark_of(const page& out, bool is_loss) {
+  return out.marks_losses && is_loss ? LOSS : "";
 }
 
 static void put_value(page& out, size_t indent, const value_change& value) {
@@ -62,23 +70,34 @@ static void put_value(page& out, size_t indent, const value_change& value) {
     put_line(out, indent, change::KEPT,
              attribute + ": " + before + " stays (the files say " + after + ")");
   } else {
-    put_line(out, indent, change::CHANGED, attribute + ": " + before + " -> " + after);
+    put_line(out, indent, change::CHANGED,
+             attribute + ": " + before + " -> " + after + mark_of(out, is_loss(value)));
   }
 }
 
 static void put(page& out, size_t indent, const difference& d) {
   std::string head = std::string(d.what) + " " + d.name;
   if (!d.type.empty()) head += " (" + d.type + ")";
-  put_line(out, indent, d.kind, head);
+  put_line(out, indent, d.kind, head + mark_of(out, is_loss(d)));
   for (const value_change& value : d.values) put_value(out, indent + 4, value);
   for (const difference& entry : d.entries) put(out, indent + 4, entry);
 }
 
+std::string lines_of(const std::vector<difference>& found, bool coloured, bool marks_losses) {
+  page out{{}, coloured, marks_losses};
+  for (const difference& d : found) put(out, 0, d);
+  return std::move(out.text);
+}
+
+std::string lines_of(const trial_result& tried, bool coloured) {
+  page out{{}, coloured};
+  put_refusal(out, tried);
+  return std::move(out.text);
+}
+
 std::string as_text(const std::vector<difference>& found, const trial_result& tried,
                     bool coloured) {
-  page out{{}, coloured};
-  for (const difference& d : found) put(out, 0, d);
-  put_refusal(out, tried);
+  const page out{lines_of(found, coloured) + lines_of(tried, coloured), coloured};
   const difference_counts counts = count(found);
   if (counts.added + counts.changed + counts.missing == 0) return out.text + "No differences.\n";
   return out.text + std::to_string(counts.added) + " new, " + std::to_string(counts.changed) +

@@ -9,12 +9,11 @@ namespace dict {
 
 // --- Opening ---------------------------------------------------------------------------------
 
-static bool refuse_without_journal(reading& from, dm::problem& why) {
-  if (dm::has_journal(*from.store)) return true;
-  const auto* calls = from.store->calls;
+bool must_have_journal(dm::store& store, dm::problem& why) {
+  if (dm::has_journal(store)) return true;
   why.sentence =
-      dm::join({"Dictionary ", dm::quoted(calls->name(from.store.get())), " has schema version ",
-                std::to_string(calls->schema_version(from.store.get())),
+      dm::join({"Dictionary ", dm::quoted(store.calls->name(&store)), " has schema version ",
+                std::to_string(store.calls->schema_version(&store)),
                 " and no journal; 'tav_dict upgrade' begins one."});
   return false;
 }
@@ -22,12 +21,12 @@ static bool refuse_without_journal(reading& from, dm::problem& why) {
 bool begin_history(reading& from, dm::problem& why) {
   if (!dm::read_settings(from.settings, why)) return false;
   from.store = dm::open_dictionary(from.settings, {}, why);
-  return from.store != nullptr && refuse_without_journal(from, why) &&
+  return from.store != nullptr && must_have_journal(*from.store, why) &&
          from.store->calls->begin(from.store.get(), false, why);
 }
 
 bool begin_history(const std::string& database, reading& from, dm::problem& why) {
-  return begin_reading(database, from, why) && refuse_without_journal(from, why);
+  return begin_reading(database, from, why) && must_have_journal(*from.store, why);
 }
 
 // --- Deployments -----------------------------------------------------------------------------

@@ -20,6 +20,8 @@ namespace dict {
 
 // --- Opening ---------------------------------------------------------------------------------
 
+// Refuses a dictionary that has no journal: of an older schema version.
+bool must_have_journal(dm::store& store, dm::problem& why);
 // Begins a snapshot of a dictionary that has a journal; false with the reason.
 bool begin_history(reading& from, dm::problem& why);
 // The same with a database chosen, as begin_reading does.

@@ -61,6 +61,7 @@ inline constexpr char FIELDS[] = "fields";                // operation 576
 inline constexpr char CLASSES[] = "classes";              // operation 578
 inline constexpr char DELETE_FIELDS[] = "delete-fields";  // operation 585
 inline constexpr char CHANGE[] = "change";    // dm/changes/; detail says what for: {"undo":17}
+inline constexpr char APPLY[] = "apply";      // detail: {"plan": its digest}
 inline constexpr char INIT[] = "init";        // detail: {"identity": new}
 inline constexpr char RESTORE[] = "restore";  // detail: {"identity": new, "from": old}
 inline constexpr char UPGRADE[] = "upgrade";  // detail: {"identity": new}
@@ -73,7 +74,7 @@ inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": 
 inline bool is_deployment(const journal_record& record) {
   using namespace journal_kind;
   return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS ||
-         record.kind == CHANGE;
+         record.kind == CHANGE || record.kind == APPLY;
 }
 
 // A part of the packed changes of a record.

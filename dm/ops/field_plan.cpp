@@ -4,23 +4,27 @@
 
 namespace dm {
 
-// Notes the new field, or the new description of a stored one.
-static bool note_field(session& session, const field_plan& plan, const asked_field& field,
-                       const field_row& added, problem& why) {
+planned_states states_of(const field_plan& plan, const asked_field& field) {
   if (!field.is_stored) {
-    const std::string state = field_state(added);
-    const std::string_view after = state;
-    return note_change(session, change_of::FIELD, field.name, {nullptr, &after}, why);
+    const field_row added{field.name, *field.number, *field.type, field.descr, 0, 0};
+    return {field.name, nullptr, field_state(added)};
   }
   const std::string& stored = plan.asked.stored_states[static_cast<size_t>(field.stored_state)];
   std::string taken_apart = stored;
   field_row row{};
   read_field_state(taken_apart, row);
   row.descr = field.descr;
-  const std::string described = field_state(row);
-  const std::string_view before = stored;
-  const std::string_view after = described;
-  return note_change(session, change_of::FIELD, row.name, {&before, &after}, why);
+  return {row.name, &stored, field_state(row)};
+}
+
+// Notes the new field, or the new description of a stored one.
+static bool note_field(session& session, const field_plan& plan, const asked_field& field,
+                       problem& why) {
+  const planned_states states = states_of(plan, field);
+  const std::string_view before = states.before != nullptr ? *states.before : std::string_view();
+  const std::string_view after = states.after;
+  return note_change(session, change_of::FIELD, states.name,
+                     {states.before != nullptr ? &before : nullptr, &after}, why);
 }
 
 bool write_fields(session& session, const field_plan& plan, problem& why) {
@@ -32,7 +36,7 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
   for (const asked_field& field : plan.asked.fields) {
     if (!field.is_planned) continue;
     const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
-    if (!note_field(session, plan, field, row, why)) return false;
+    if (!note_field(session, plan, field, why)) return false;
     if (!field.is_stored) added.push_back(row);
     if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
     has_written = true;

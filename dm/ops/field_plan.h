@@ -16,6 +16,14 @@ struct field_plan {
   field_request asked;  // empty when it was refused
 };
 
+// The states of a planned field before it is written and after.
+struct planned_states {
+  std::string name;
+  const std::string* before;  // borrowed from the plan; null: it is not there
+  std::string after;
+};
+planned_states states_of(const field_plan& plan, const asked_field& field);
+
 // Notes and writes the planned fields into the open transaction and, if there are any, raises the
 // counter.
 bool write_fields(session& session, const field_plan& plan, problem& why);

@@ -168,6 +168,13 @@ static bool note_written(class_run& run, const std::string& key, const old_class
   return true;
 }
 
+static void tell_accepted(class_run& run, const old_class& old) {
+  const auto& watch = run.op.session.watch;
+  if (!watch) return;
+  const std::string* before = old.id != 0 ? &old.text : nullptr;
+  watch({run.definition, before, run.writer.write(run.definition), run.tables});
+}
+
 // An unchanged class is not written.
 static bool write_class(class_run& run, const old_class& old,
                         const std::vector<std::string>& old_tables) {
@@ -200,6 +207,7 @@ static bool set_class(class_run& run, const tav_node* node, int32_t id) {
   const std::vector<std::string> old_tables =
       old.id != 0 ? tables_of(old.definition) : std::vector<std::string>();
   run.world.accept(run.definition, run.tables, old_tables);
+  tell_accepted(run, old);
   if (!run.is_trial) return write_class(run, old, old_tables);
   const std::string key = folded(name);
   if (run.repeated.count(key) != 0) run.tried[key] = run.writer.write(run.definition);

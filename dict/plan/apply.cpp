@@ -1,0 +1,218 @@
+// The command apply: carries out a plan exactly, or not at all.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "dd/database_number.h"
+#include "dict/commands.h"
+#include "dict/diff/losses.h"
+#include "dict/options.h"
+#include "dict/plan/stale.h"
+#include "dict/terminal/colour.h"
+#include "dict/terminal/visible.h"
+#include "vantor/binding.h"
+
+namespace dict {
+
+static constexpr char MODULE[] = "tav_dict";
+
+namespace {
+
+struct request {
+  std::string file;
+  std::string database;
+  bool allows_losses = false;
+  bool is_sure = false;
+  bool is_dry = false;
+  std::string colour = "auto";
+};
+
+// What the command is at.
+struct applying {
+  const request& asked;
+  plan made{};
+  snapshot on{};
+  std::vector<lint::source> sources{};
+  judged files{};
+};
+
+}  // namespace
+
+// --- Before anything is asked --------------------------------------------------------------------
+
+static bool is_chosen(const applying& in, dm::problem& why) {
+  uint64_t number = 0;
+  if (in.asked.database.empty()) return true;
+  if (!read_database(in.asked.database, number, why)) return false;
+  if (number == in.made.database) return true;
+  why.sentence = dm::join({"The plan is for database ", dd_database_text(in.made.database),
+                           ", not for ", dd_database_text(number), "."});
+  return false;
+}
+
+static bool is_writeable(const applying& in, dm::problem& why) {
+  const dm::settings& settings = in.on.session.settings;
+  const bool needs_fields = !in.made.results.fields.empty();
+  const bool needs_classes = !in.made.results.classes.empty();
+  const char* entry = needs_fields && !settings.fields_writeable     ? "fields_writeable"
+                      : needs_classes && !settings.objects_writeable ? "objects_writeable"
+                                                                     : nullptr;
+  if (entry == nullptr) return true;
+  why.code = TAV_ERR_WRITE_REFUSED;
+  why.sentence = dm::join({"The entry '", entry, "' of tav.conf does not allow to write."});
+  return false;
+}
+
+static bool open(applying& in, dm::problem& why) {
+  return read_plan(in.asked.file, in.made, why) && is_chosen(in, why) &&
+         open_snapshot(in.on, why) && is_of(in.made, in.on, why) &&
+         choose_database(in.made.database, in.on, why);
+}
+
+// --- What it would do ----------------------------------------------------------------------------
+
+static bool results_fit(const applying& in, const dm::deployment_result& result, dm::problem& why) {
+  const digests_of_things results = results_of(result);
+  if (results.fields == in.made.results.fields && results.classes == in.made.results.classes)
+    return true;
+  why.sentence =
+      "The definitions of the plan would come to something else than when it was made, by another "
+      "version of this program: make it anew.";
+  return false;
+}
+
+static told_plan tell(applying& in) {
+  return {in.sources, in.files};
+}
+
+// Judges what the plan holds as 'plan' judged the files.
+static bool judge_again(applying& in, told_plan& told, dm::problem& why) {
+  if (!fetch_held(in.on, why)) return false;
+  judge(in.on, in.sources, in.files);
+  if (!find_differences(in.on, in.files, told.found, why)) return false;
+  told.rewritten = rewritten(in.files, told.found);
+  told.losses = losses_of(told.found);
+  return true;
+}
+
+static bool is_allowed(const applying& in, const told_plan& told, dm::problem& why) {
+  if (told.losses.empty() || in.asked.allows_losses) return true;
+  why.sentence = dm::join({"The plan is destructive (", told.losses.front(),
+                           told.losses.size() > 1 ? ", and more" : "",
+                           "): --allow-destructive says that this is meant."});
+  return false;
+}
+
+// --- Doing it ------------------------------------------------------------------------------------
+
+// Asks a person. A script must say --yes.
+static bool is_meant(const applying& in, dm::problem& why) {
+  if (in.asked.is_sure) return true;
+  if (isatty(STDIN_FILENO) == 0) {
+    why.sentence = "There is nobody to ask whether to deploy this; --yes says that it is meant.";
+    return false;
+  }
+  std::cerr << "Deploy this? Type yes: ";
+  std::string answer;
+  std::getline(std::cin, answer);
+  if (answer == "yes") return true;
+  why.sentence = "Nothing was deployed.";
+  return false;
+}
+
+static int tell_stale(const std::vector<std::string>& stale) {
+  for (const std::string& sentence : stale) std::cout << visible{sentence} << '\n';
+  std::cout << "Nothing was deployed: make the plan anew.\n";
+  return FOUND;
+}
+
+static bool commit(applying& in, const dm::deployment_result& result, dm::problem& why) {
+  const std::string detail = "{\"plan\":\"" + in.made.digest + "\"}";
+  if (!dm::commit_write(in.on.session, dm::journal_kind::APPLY, in.made.database, why, detail))
+    return false;
+  for (const std::string& note : result.notes)
+    tav_component_log(tav_component::DM, 1, note.c_str(), HERE);
+  return true;
+}
+
+// While a person thinks nobody is kept waiting: what the plan saw must be so under the lock.
+static int deploy(applying& in) {
+  dm::session& session = in.on.session;
+  dm::problem why;
+  std::vector<std::string> stale;
+  dm::deployment_result result;
+  session.seen.clear();  // digests tell more than stamps
+  if (!dm::begin_write(session, why) || !choose_database(in.made.database, in.on, why) ||
+      !find_stale(*session.store, in.on.database, in.made, stale, why))
+    return fail(why);
+  if (!stale.empty()) return tell_stale(stale);
+  const auto lists = lists_of(in.files, in.made.database);
+  if (!dm::write_deployment(session, lists, result, why) || !results_fit(in, result, why) ||
+      !commit(in, result, why))
+    return fail(why);
+  std::cout << "Deployed as deployment " << session.run.deployment << ".\n";
+  return DONE;
+}
+
+// --- The command ---------------------------------------------------------------------------------
+
+static int tell_applied(applying& in) {
+  dm::problem why;
+  int64_t deployment = 0;
+  if (!find_application(*in.on.session.store, in.made, deployment, why)) return fail(why);
+  std::cout << "Nothing to do: ";
+  if (deployment == 0) {
+    std::cout << "everything is as the plan would make it.\n";
+  } else {
+    std::cout << "the plan was applied by deployment " << deployment << ".\n";
+  }
+  return DONE;
+}
+
+static int show_and_deploy(applying& in) {
+  dm::problem why;
+  told_plan told = tell(in);
+  if (!judge_again(in, told, why)) return fail(why);
+  std::cout << as_text(told, is_coloured(in.asked.colour));
+  if (is_refused(in.files)) return FAILED;
+  if (!results_fit(in, in.files.result, why) || !is_allowed(in, told, why) ||
+      !is_writeable(in, why))
+    return fail(why);
+  if (in.asked.is_dry) return std::cout << "Nothing was deployed (--dry-run).\n", DONE;
+  return is_meant(in, why) ? deploy(in) : fail(why);
+}
+
+static int run(const request& asked) {
+  applying in{asked};
+  dm::problem why;
+  bool applied = false;
+  std::vector<std::string> stale;
+  if (!open(in, why) || !is_applied(*in.on.session.store, in.on.database, in.made, applied, why))
+    return fail(why);
+  if (applied) return tell_applied(in);
+  if (!find_stale(*in.on.session.store, in.on.database, in.made, stale, why)) return fail(why);
+  if (!stale.empty()) return tell_stale(stale);
+  in.sources.push_back({asked.file, syntax::read(in.made.definitions)});
+  const int status = show_and_deploy(in);
+  in.on.held.fields.leave();
+  in.on.held.classes.leave();
+  return status;
+}
+
+void add_apply(CLI::App& app, int& result) {
+  const auto asked = std::make_shared<request>();
+  auto* command =
+      app.add_subcommand("apply", "Deploy a plan: exactly what it says, or nothing at all");
+  command->add_option("PLAN", asked->file, "The file that 'plan --output' wrote")->required();
+  command->add_option("-d,--database", asked->database, "The database that the plan must be for");
+  command->add_flag("--allow-destructive", asked->allows_losses,
+                    "Take a plan that drops entries or makes a LENGTH shorter");
+  command->add_flag("--yes", asked->is_sure, "Do not ask");
+  command->add_flag("--dry-run", asked->is_dry, "Show what it would do and whether it would");
+  add_colour_option(*command, asked->colour);
+  command->callback([asked, &result] { result = run(*asked); });
+}
+
+}  // namespace dict

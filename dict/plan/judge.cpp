@@ -1,0 +1,126 @@
+// One snapshot, and what lint and the data manager say of definition files in it.
+#include <algorithm>
+#include <new>
+#include <set>
+
+#include "dd/values.h"
+#include "dict/lint/refusals.h"
+#include "dict/plan/plan.h"
+#include "dm/folded.h"
+#include "dm/open.h"
+#include "lint/lint.h"
+#include "lint/rules.h"
+
+namespace dict {
+
+// --- One snapshot --------------------------------------------------------------------------------
+
+bool open_snapshot(snapshot& on, dm::problem& why) {
+  dm::session& session = on.session;
+  if (!dm::read_settings(session.settings, why)) return false;
+  session.store = dm::open_dictionary(session.settings, {}, why);
+  if (session.store == nullptr || !dm::begin_read(session, why)) return false;
+  dm::store* store = session.store.get();
+  return !dm::has_journal(*store) || (store->calls->identity(store, on.identity, why) &&
+                                      store->calls->journal_end(store, on.head, why));
+}
+
+bool choose_database(uint64_t number, snapshot& on, dm::problem& why) {
+  return dm::find_database(*on.session.store, number, 0, on.database, why);
+}
+
+bool fetch_held(snapshot& on, dm::problem& why) {
+  return fetch(on.session, on.database.number, on.held, why);
+}
+
+// --- Judging -------------------------------------------------------------------------------------
+
+namespace {
+
+// Whether this user may write is asked when a plan is applied.
+struct as_if_writeable {
+  dm::settings& settings;
+  dm::settings before = settings;
+
+  explicit as_if_writeable(dm::settings& changed) : settings(changed) {
+    settings.fields_writeable = settings.objects_writeable = true;
+  }
+  ~as_if_writeable() {
+    settings.fields_writeable = before.fields_writeable;
+    settings.objects_writeable = before.objects_writeable;
+  }
+  as_if_writeable(const as_if_writeable&) = delete;
+  as_if_writeable& operator=(const as_if_writeable&) = delete;
+};
+
+}  // namespace
+
+static void take(const lint::deployment& sent, definitions& to) {
+  tav_ebuf ebuf{};
+  dd_flist classes(tav_flist_create(&ebuf));
+  for (tav_flist_t* storable : sent.classes) {
+    dd_append(classes.get(), TAV_FLD_OBJ_DESC, dd_flist(tav_flist_copy(storable, &ebuf)), &ebuf);
+  }
+  to.fields.give(dd_flist(tav_flist_copy(sent.fields, &ebuf)));
+  to.classes.give(std::move(classes));
+  if (dd_failed(ebuf)) throw std::bad_alloc();
+}
+
+dm::deployment_lists lists_of(const judged& files, uint64_t database) {
+  return {database, files.sent.fields.get(), files.sent.classes.get()};
+}
+
+// The data manager tells its first refusal; which others there are, its rules are asked only then.
+static std::vector<lint::refusal> refused(snapshot& on, const lint::deployment& sent,
+                                          judged& result) {
+  take(sent, result.sent);
+  const as_if_writeable allowed(on.session.settings);
+  const bool is_taken = dm::try_deployment(on.session, lists_of(result, on.database.number),
+                                           result.result, result.refusal);
+  if (is_taken) return {};
+  return refusals_of(on.held.fields.get(), on.held.classes.get(), sent);
+}
+
+static bool is_syntax(const lint::finding& found) {
+  return lint::find_rule(found.rule)->from == lint::origin::SYNTAX;
+}
+
+void judge(snapshot& on, const std::vector<lint::source>& sources, judged& result) {
+  const lint::world world{
+      .fields = on.held.fields.get(),
+      .classes = on.held.classes.get(),
+      .refuse = [&](const lint::deployment& sent) { return refused(on, sent, result); }};
+  lint::result found = lint::lint(sources, world);
+  std::erase_if(found.told, [](const auto& each) { return each.told != lint::level::ERROR; });
+  result.untold = found.untold[static_cast<size_t>(lint::level::ERROR)];
+  result.is_readable =
+      result.sent.fields.get() != nullptr && std::ranges::none_of(found.told, is_syntax);
+  result.errors = lint::outcomes_of(std::move(found.told), sources);
+}
+
+bool is_refused(const judged& files) {
+  return !files.errors.empty() || files.untold > 0 || dm::failed(files.refusal);
+}
+
+// --- Differences ---------------------------------------------------------------------------------
+
+bool find_differences(snapshot& on, judged& files, std::vector<difference>& found,
+                      dm::problem& why) {
+  if (!files.is_readable) return true;
+  progress shown("comparing");
+  return compare(on.held, files.sent, {true, false, shown}, found, why);
+}
+
+std::vector<std::string> rewritten(const judged& files, const std::vector<difference>& found) {
+  std::set<std::string> differing;
+  for (const difference& d : found) {
+    if (d.kind != change::KEPT) differing.insert(dm::folded(d.name));
+  }
+  std::vector<std::string> names;
+  for (const dm::outcome& one : files.result.changes) {
+    if (differing.count(dm::folded(one.name)) == 0) names.push_back(one.name);
+  }
+  return names;
+}
+
+}  // namespace dict
