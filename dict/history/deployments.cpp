@@ -9,7 +9,7 @@ namespace dict {
 
 // --- Opening ---------------------------------------------------------------------------------
 
-static bool refuse_without_journal(reading& from, dm::problem& why) {
+bool needs_journal(reading& from, dm::problem& why) {
   if (dm::has_journal(*from.store)) return true;
   const auto* calls = from.store->calls;
   why.sentence =
@@ -22,12 +22,12 @@ static bool refuse_without_journal(reading& from, dm::problem& why) {
 bool begin_history(reading& from, dm::problem& why) {
   if (!dm::read_settings(from.settings, why)) return false;
   from.store = dm::open_dictionary(from.settings, {}, why);
-  return from.store != nullptr && refuse_without_journal(from, why) &&
+  return from.store != nullptr && needs_journal(from, why) &&
          from.store->calls->begin(from.store.get(), false, why);
 }
 
 bool begin_history(const std::string& database, reading& from, dm::problem& why) {
-  return begin_reading(database, from, why) && refuse_without_journal(from, why);
+  return begin_reading(database, from, why) && needs_journal(from, why);
 }
 
 // --- Deployments -----------------------------------------------------------------------------

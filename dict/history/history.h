@@ -23,6 +23,8 @@ namespace dict {
 bool begin_history(reading& from, dm::problem& why);
 // The same with a database chosen, as begin_reading does.
 bool begin_history(const std::string& database, reading& from, dm::problem& why);
+// Whether the dictionary has a journal; false with the reason.
+bool needs_journal(reading& from, dm::problem& why);
 
 // --- Deployments -----------------------------------------------------------------------------
 
