@@ -39,6 +39,7 @@ void add_plan(CLI::App& app, int& result);
 void add_prune(CLI::App& app, int& result);
 void add_blame(CLI::App& app, int& result);
 void add_show(CLI::App& app, int& result);
+void add_site(CLI::App& app, int& result);
 void add_upgrade(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.

@@ -111,6 +111,7 @@ static int run(int argc, char** argv) {
   dict::add_blame(app, result);
   dict::add_tag(app, result);
   dict::add_prune(app, result);
+  dict::add_site(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

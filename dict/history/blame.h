@@ -23,6 +23,24 @@ struct blamed_thing {
   std::vector<blamed_part> parts{};  // each before its own
 };
 
+// Names from the top level down and the attribute, folded; what stands twice has a number behind.
+using part_key = std::vector<std::string>;
+using part_values = std::map<part_key, std::string>;
+
+// A state, taken apart.
+struct taken_apart {
+  std::vector<blamed_part> parts{};
+  std::vector<part_key> keys{};  // of the parts
+  part_values values{};
+};
+
+bool take_apart(dm::change_of what, const std::string& name, const std::string& state,
+                taken_apart& result, dm::problem& why);
+
+// What of the present is not in `before` as it is now, this record made.
+void settle(taken_apart& present, const part_values& before, const dm::journal_record& record,
+            bool is_found);
+
 // A name that begins with "/" is a class's. False with the reason.
 bool find_blame(reading& from, const std::string& name, blamed_thing& result, dm::problem& why);
 

@@ -1,25 +1,14 @@
 #include "dict/history/changes.h"
 
+#include <algorithm>
+#include <tuple>
+
 #include "dd/database_number.h"
 #include "dm/session.h"
 
 namespace dict {
 
-namespace {
-
-// A field or class that a deployment changed.
-struct changed_thing {
-  dm::change_of what;
-  std::string name;
-  bool is_first = true;  // `before` is not set yet
-  std::optional<std::string> before{};
-  std::optional<std::string> after{};
-};
-
-using changed_things = std::map<std::string, changed_thing>;  // by dm::thing_key
-using states = std::map<std::string, std::string>;            // the same
-
-}  // namespace
+using states = std::map<std::string, std::string>;  // by dm::thing_key
 
 // For more things than this all that is there is read at once (with a local file).
 static constexpr size_t MANY = 500;
@@ -100,19 +89,56 @@ static bool add_record(reading& from, int64_t record, changed_things& all, dm::p
   return true;
 }
 
-static bool compare_all(const changed_things& all, std::vector<difference>& found,
-                        dm::problem& why) {
+// Where a difference stands: fields first, what is missing behind the rest.
+using difference_place = std::tuple<bool, bool, std::string>;
+
+static difference_place place_of(const difference& d) {
+  const bool is_class = std::string_view(d.what) == "class";
+  return {is_class, d.kind == change::MISSING,
+          dm::thing_key(is_class ? dm::change_of::CLASS : dm::change_of::FIELD, d.name)};
+}
+
+static void sort(std::vector<difference>& found) {
+  std::vector<std::pair<difference_place, size_t>> order;
+  for (size_t i = 0; i < found.size(); ++i) order.emplace_back(place_of(found[i]), i);
+  std::sort(order.begin(), order.end());
+  std::vector<difference> sorted;
+  for (const auto& [place, i] : order) sorted.push_back(std::move(found[i]));
+  found = std::move(sorted);
+}
+
+// What has one side alone is told by its name and type. Predefined fields never count.
+static bool add_one_sided(const changed_thing& thing, std::vector<difference>& found,
+                          dm::problem& why) {
+  const change kind = thing.after ? change::NEW : change::MISSING;
+  if (thing.what == dm::change_of::CLASS)
+    return found.push_back({kind, "class", "", thing.name}), true;
+  std::string state = thing.after ? *thing.after : *thing.before;
+  dm::field_row row{};
+  if (!dm::read_field_state(state, row)) return dm::damaged_record(0, why);
+  if ((row.flags & DD_FIELD_PREDEFINED) != 0) return true;
+  const char* keyword = dd_is_field_type(row.type) ? dd_type_keyword(row.type) : nullptr;
+  found.push_back({kind, "field", keyword != nullptr ? keyword : "", row.name});
+  return true;
+}
+
+bool compare_things(const changed_things& all, std::vector<difference>& found, dm::problem& why) {
   definitions before, after;
   definitions_maker make_before(before), make_after(after);
   for (const auto& [key, thing] : all) {
-    if ((thing.before && !make_before.add(thing.what, thing.name, *thing.before, why)) ||
-        (thing.after && !make_after.add(thing.what, thing.name, *thing.after, why))) {
-      return false;
-    }
+    const bool is_added = thing.before && thing.after
+                              ? make_before.add(thing.what, thing.name, *thing.before, why) &&
+                                    make_after.add(thing.what, thing.name, *thing.after, why)
+                              : (!thing.before && !thing.after) || add_one_sided(thing, found, why);
+    if (!is_added) return false;
   }
   progress shown("comparing");
-  return make_before.finish(why) && make_after.finish(why) &&
-         compare(before, after, {false, true, shown}, found, why);
+  if (!make_before.finish(why) || !make_after.finish(why) ||
+      !compare(before, after, {false, true, shown}, found, why)) {
+    return false;
+  }
+  sort(found);
+  return true;
 }
 
 bool find_changes(reading& from, const deployment& one, std::vector<database_changes>& result,
@@ -131,7 +157,7 @@ bool find_changes(reading& from, const deployment& one, std::vector<database_cha
   }
   for (const auto& [database, things] : by_database) {
     if (things.empty()) continue;
-    if (!compare_all(things, result.emplace_back().found, why)) return false;
+    if (!compare_things(things, result.emplace_back().found, why)) return false;
     result.back().database = database;
   }
   return true;

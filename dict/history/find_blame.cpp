@@ -23,17 +23,6 @@ struct kept_change {
   }
 };
 
-// Names from the top level down and the attribute, folded; what stands twice has a number behind.
-using part_key = std::vector<std::string>;
-using part_values = std::map<part_key, std::string>;
-
-// A state, taken apart.
-struct taken_apart {
-  std::vector<blamed_part> parts{};
-  std::vector<part_key> keys{};  // of the parts
-  part_values values{};
-};
-
 }  // namespace
 
 // --- Parts of a state ------------------------------------------------------------------------
@@ -64,8 +53,8 @@ static void note_element(taken_apart& all, const element_kind& kind, tav_flist_t
   }
 }
 
-static bool take_apart(dm::change_of what, const std::string& name, const std::string& state,
-                       taken_apart& result, dm::problem& why) {
+bool take_apart(dm::change_of what, const std::string& name, const std::string& state,
+                taken_apart& result, dm::problem& why) {
   definitions one;
   definitions_maker maker(one);
   if (!maker.add(what, name, state, why) || !maker.finish(why)) return false;
@@ -114,9 +103,8 @@ static bool find_records(reading& from, const std::vector<kept_change>& changes,
   return true;
 }
 
-// What of the present is not in `before` as it is now, this record made.
-static void settle(taken_apart& present, const part_values& before,
-                   const dm::journal_record& record, bool is_found) {
+void settle(taken_apart& present, const part_values& before, const dm::journal_record& record,
+            bool is_found) {
   for (size_t i = 0; i < present.keys.size(); ++i) {
     blamed_part& part = present.parts[i];
     const auto old = before.find(present.keys[i]);

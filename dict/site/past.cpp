@@ -1,0 +1,173 @@
+// The journal is walked once, from its newest record, for the past of all fields and classes.
+#include "dd/database_number.h"
+#include "dict/history/blame.h"
+#include "dict/history/changes.h"
+#include "dict/site/site.h"
+#include "dm/open.h"
+
+namespace dict {
+
+// How many deployments are told with what they changed.
+static constexpr size_t MOST_CHANGES = 50;
+
+namespace {
+
+// A field or class on the way back.
+struct tracked_thing {
+  std::string name;
+  std::optional<std::string> state{};    // where the way back has come to
+  std::optional<taken_apart> present{};  // where more than one deployment made it what it is
+  bool is_settled = true;                // who made what of it is known, or it is not there
+};
+
+struct way_back {
+  site_past& result;
+  std::map<int64_t, int64_t> deployments{};     // of records about the database
+  std::map<int64_t, changed_things> changed{};  // by deployment, of those to be told
+  std::unordered_map<std::string, tracked_thing> things{};
+};
+
+}  // namespace
+
+static bool changes_definitions(const deployment& one) {
+  using namespace dm::journal_kind;
+  return one.has(FIELDS) || one.has(CLASSES) || one.has(DELETE_FIELDS);
+}
+
+static bool find_records(reading& from, int64_t last, way_back& way, dm::problem& why) {
+  deployment_choice wanted;
+  wanted.database = dd_database_text(from.database.number);
+  std::vector<deployment>& found = way.result.deployments;
+  if (!find_deployments(*from.store, wanted, found, why)) return false;
+  std::erase_if(found, [&](const deployment& one) { return one.number > last; });
+  for (const deployment& one : found) {
+    for (const deployment_record& record : one.records) {
+      if (record.database == wanted.database) way.deployments[record.number] = one.number;
+    }
+    const bool is_told = way.changed.size() < MOST_CHANGES && changes_definitions(one);
+    if (is_told) way.changed[one.number];
+  }
+  return true;
+}
+
+// Reads what is there at the end of the way: as definitions, and as states to go back from.
+static bool read_present(reading& from, const dm::past& at, definitions& all, way_back& way,
+                         dm::problem& why) {
+  definitions_maker maker(all);
+  bool is_added = true;
+  const auto track = [&](dm::change_of what, const char* name, std::string state) {
+    way.things[dm::thing_key(what, name)] = {name, std::move(state), {}, false};
+  };
+  auto field = [&](const dm::field_row& row) {
+    track(dm::change_of::FIELD, row.name, dm::field_state(row));
+    return is_added = maker.add(row, why);
+  };
+  auto one = [&](const dm::class_row& row) {
+    track(dm::change_of::CLASS, row.name, row.definition);
+    return is_added = maker.add(row, why);
+  };
+  dm::store& store = *from.store;
+  const int64_t id = from.database.id;
+  return dm::past_fields(store, id, at, dm::visit<dm::field_row>(field), why) && is_added &&
+         dm::past_classes(store, id, at, dm::visit<dm::class_row>(one), why) && is_added &&
+         maker.finish(why);
+}
+
+// --- A change ------------------------------------------------------------------------------------
+
+static void note_change(changed_things& all, const dm::journal_change& change,
+                        const tracked_thing& thing, const std::optional<std::string>& before) {
+  if (change.how == dm::change_how::FOUND) return;
+  changed_thing& one =
+      all.try_emplace(dm::thing_key(change.what, change.name),
+                      changed_thing{change.what, std::string(change.name), true, {}, thing.state})
+          .first->second;
+  one.before = before;
+}
+
+// What was never changed has all of its parts from the change that brought it.
+static bool settle_parts(const dm::journal_change& change, int64_t deployment, tracked_thing& thing,
+                         const std::optional<std::string>& before, thing_past& past,
+                         dm::problem& why) {
+  const bool is_found = change.how == dm::change_how::FOUND;
+  thing.is_settled = !dm::was_there(change);
+  if (thing.is_settled && !thing.present) {
+    past.blame = {is_found ? -deployment : deployment};
+    return true;
+  }
+  taken_apart parts;
+  if (!thing.present &&
+      !take_apart(change.what, thing.name, *thing.state, thing.present.emplace(), why)) {
+    return false;
+  }
+  if (before && !take_apart(change.what, thing.name, *before, parts, why)) return false;
+  dm::journal_record by;
+  by.number = by.deployment = deployment;
+  settle(*thing.present, parts.values, by, is_found);
+  return true;
+}
+
+static bool go_back(way_back& way, int64_t record, const dm::journal_change& change,
+                    dm::problem& why) {
+  const auto deployment = way.deployments.find(record);
+  if (deployment == way.deployments.end()) return true;  // of another database
+  const std::string key = dm::thing_key(change.what, change.name);
+  tracked_thing& thing =
+      way.things.try_emplace(key, tracked_thing{std::string(change.name)}).first->second;
+  std::optional<std::string> before;
+  const std::string after = thing.state.value_or("");
+  if (!dm::has_left(change, thing.state ? &after : nullptr) ||
+      (dm::was_there(change) && !dm::state_before(change, after, before.emplace()))) {
+    return dm::damaged_record(record, why);
+  }
+  thing_past& past = way.result.things[key];
+  if (past.deployments.empty() || past.deployments.back() != deployment->second) {
+    past.deployments.push_back(deployment->second);
+  }
+  const auto told = way.changed.find(deployment->second);
+  if (told != way.changed.end()) note_change(told->second, change, thing, before);
+  if (!thing.is_settled && !settle_parts(change, deployment->second, thing, before, past, why)) {
+    return false;
+  }
+  thing.state = std::move(before);
+  return true;
+}
+
+// --- All -----------------------------------------------------------------------------------------
+
+static void take_blame(way_back& way) {
+  for (auto& [key, thing] : way.things) {
+    if (!thing.present) continue;
+    thing_past& past = way.result.things[key];
+    for (const blamed_part& part : thing.present->parts) {
+      past.blame.push_back(part.is_found ? -part.by.deployment : part.by.deployment);
+    }
+  }
+}
+
+static bool compare_all(way_back& way, dm::problem& why) {
+  for (const auto& [deployment, things] : way.changed) {
+    if (!compare_things(things, way.result.changes[deployment], why)) return false;
+  }
+  return true;
+}
+
+bool read_past(reading& from, int64_t record, site_source& result, dm::problem& why) {
+  way_back way{result.past};
+  dm::past at;
+  const bool is_past = record != std::numeric_limits<int64_t>::max();
+  result.has_past = dm::has_journal(*from.store);
+  if (is_past && !look_back_to(from, record, at, why)) return false;
+  if (!read_present(from, at, result.all, way, why)) return false;
+  if (!result.has_past) return true;
+  if (!find_records(from, record, way, why)) return false;
+  bool is_sound = true;
+  const auto back = [&](int64_t number, const dm::journal_change& change) {
+    return is_sound = go_back(way, number, change, why);
+  };
+  if (!dm::walk_changes(*from.store, {0, record, true}, back, why) || !is_sound) return false;
+  take_blame(way);
+  return compare_all(way, why);
+}
+
+}  // namespace dict

@@ -1,0 +1,172 @@
+"use strict";
+// Search goes through one long text per kind, a line for each name, because a browser looks through
+// megabytes of text in a few milliseconds.
+
+const kinds = [
+  { kind: "classes", one: "class", texts: true },
+  { kind: "fields", one: "field", texts: true },
+  { kind: "tables", one: "table" },
+  { kind: "columns", one: "column" },
+];
+const exact = 0,
+  prefix = 1,
+  word = 2,
+  part = 3,
+  inText = 4;
+const mostOfRank = 500;
+
+function linesOf(texts) {
+  const lines = texts.map((text) => text.replaceAll("\n", " ").toLowerCase());
+  const starts = new Uint32Array(lines.length + 1);
+  lines.forEach((line, i) => (starts[i + 1] = starts[i] + line.length + 1));
+  return { text: lines.join("\n") + "\n", starts };
+}
+
+function searchedOf(database) {
+  database.searched ??= kinds.map(({ kind, texts }) => ({
+    names: linesOf(database[kind].names),
+    texts: texts ? linesOf(database[kind].texts) : null,
+  }));
+  return database.searched;
+}
+
+function lineAt(starts, position) {
+  let low = 0;
+  let high = starts.length - 1;
+  while (high - low > 1) {
+    const middle = (low + high) >> 1;
+    if (starts[middle] <= position) low = middle;
+    else high = middle;
+  }
+  return low;
+}
+
+const divides = /[\s/_.:-]/;
+
+function rankAt({ text, starts }, line, position, length) {
+  const start = starts[line];
+  const first = text[start] === "/" && position === start + 1 ? start + 1 : start;
+  if (position === first) return starts[line + 1] - 1 === position + length ? exact : prefix;
+  return divides.test(text[position - 1]) ? word : part;
+}
+
+// Gives each line with the text, with its best rank.
+function lookThrough(lines, wanted, note) {
+  let position = lines.text.indexOf(wanted);
+  while (position >= 0) {
+    const line = lineAt(lines.starts, position);
+    const end = lines.starts[line + 1];
+    let rank = rankAt(lines, line, position, wanted.length);
+    while (rank === part) {
+      position = lines.text.indexOf(wanted, position + 1);
+      if (position < 0 || position >= end) break;
+      rank = rankAt(lines, line, position, wanted.length);
+    }
+    note(line, rank);
+    position = lines.text.indexOf(wanted, end);
+  }
+}
+
+function searchKind(database, k, wanted, found) {
+  const { names, texts } = searchedOf(database)[k];
+  const seen = new Set();
+  lookThrough(names, wanted, (i, rank) => {
+    seen.add(i);
+    found.add(rank, { k, i });
+  });
+  if (!texts) return;
+  lookThrough(texts, wanted, (i) => seen.has(i) || found.add(inText, { k, i }));
+}
+
+// All that fits, the best first: of each rank and kind at most so many, and how many there are.
+function search(database, text) {
+  const wanted = text.trim().toLowerCase().replaceAll("\n", " ");
+  const ranks = [[], [], [], [], []];
+  const counts = [0, 0, 0, 0, 0];
+  const found = {
+    add(rank, hit) {
+      if (++counts[rank] <= mostOfRank * kinds.length) ranks[rank].push(hit);
+    },
+  };
+  if (wanted === "") return { hits: [], count: 0 };
+  if (/^\d+$/.test(wanted)) {
+    const i = database.fields.numbers.indexOf(Number(wanted));
+    if (i >= 0) found.add(exact, { k: 1, i });
+  }
+  kinds.forEach((_, k) => searchKind(database, k, wanted, found));
+  return { hits: ranks.flat(), count: counts.reduce((a, b) => a + b) };
+}
+
+// --- The page ---------------------------------------------------------------------------------
+
+function hitOf({ k, i }) {
+  const { kind, one } = kinds[k];
+  const rows = current[kind];
+  const name = rows.names[i];
+  if (one === "field") {
+    return { one, name, about: `${rows.numbers[i]} ${current.types[rows.types[i]]}`, text: rows.texts[i] };
+  }
+  if (one === "class") return { one, name, about: "", text: rows.texts[i] };
+  const owner = current.classes.names[rows.classes[i]];
+  const table = one === "column" ? current.tables.names[rows.tables[i]] : name;
+  return { one, name, about: owner, text: one === "column" ? (table ?? "") : "", table: table ?? "" };
+}
+
+function hitLink(hit) {
+  if (hit.one === "column" && hit.table === "") return link("class", hit.about, hit.name);
+  return hit.one === "column" ? link("table", hit.table, hit.name) : link(hit.one, hit.name);
+}
+
+const hitColumns = [
+  { head: "Kind", cell: (hit) => hit.one, class: "kind" },
+  { head: "Name", cell: hitLink, csv: (hit) => hit.name, class: "name" },
+  { head: "About", cell: (hit) => hit.about, class: "name" },
+  { head: "Description", cell: (hit) => hit.text, class: "text" },
+];
+
+function searchPage(text) {
+  const { hits, count } = search(current, text);
+  const note =
+    count > hits.length ? make("p", {}, `${counted(count, "thing")} fit; the best are shown.`) : null;
+  const title = `Search: ${text}`;
+  const list = tableOf("Found", hitColumns, hits.map(hitOf), { none: "Nothing fits." });
+  list.id = "found";
+  return { title, content: [make("h1", {}, title), note, list] };
+}
+
+// --- Keys -------------------------------------------------------------------------------------
+
+const query = () => document.getElementById("query");
+const hitLinks = () => [...document.querySelectorAll("#found td.name:nth-child(2) a")];
+
+function moveIn(links, step) {
+  const at = links.indexOf(document.activeElement);
+  const next = at + step;
+  if (next < 0) query().focus();
+  else links[Math.min(next, links.length - 1)]?.focus();
+}
+
+function isTyping(target) {
+  return target.matches?.("input, textarea, select");
+}
+
+addEventListener("keydown", (event) => {
+  if (event.ctrlKey || event.altKey || event.metaKey) return;
+  const links = hitLinks();
+  const among = event.target === query() || links.includes(event.target);
+  if (event.key === "/" && !isTyping(event.target)) {
+    query().focus();
+    query().select();
+  } else if (event.key === "Escape" && among) {
+    query().value = "";
+    query().focus();
+    if (location.hash.includes("/search/")) location.hash = placeOf("");
+  } else if (event.key === "ArrowDown" && among) {
+    moveIn(links, 1);
+  } else if (event.key === "ArrowUp" && among) {
+    moveIn(links, -1);
+  } else {
+    return;
+  }
+  event.preventDefault();
+});
