@@ -94,8 +94,7 @@ static void tell_record(checking& in, const deploy::finding_record& record) {
   // What is only counted is not noted: the import tells some of it twice.
   if (is_full(in.told) ? in.seen.contains(key) : !in.seen.insert(key).second) return;
   if (is_full(in.told)) {
-    ++in.told.untold[static_cast<size_t>(row->normal)];
-    return;
+    return count_untold(in.told, row->id, row->normal);
   }
   finding found = finding_of(in.subjects, in.state, *row, record.about, repeat);
   if (!is_told_later(*row, found)) tell(in.told, std::move(found));

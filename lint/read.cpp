@@ -66,8 +66,7 @@ static bool is_about_first(message told) {
 static void tell_mistake(source_reading& in, const node_place* at, const mistake& one,
                          const span* noticed = nullptr) {
   if (is_full(in.told)) {
-    ++in.told.untold[static_cast<size_t>(level::ERROR)];
-    return;
+    return count_untold(in.told, dparse::row_of(one.told.told).id, level::ERROR);
   }
   finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, ""};
   found.reader_line = one.told.line;
