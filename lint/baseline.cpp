@@ -1,6 +1,9 @@
 #include "lint/baseline.h"
 
 #include <algorithm>
+#include <set>
+
+#include "lint/rules.h"
 
 namespace lint {
 
@@ -38,14 +41,39 @@ std::string write_baseline(const std::vector<outcome>& findings) {
   return text;
 }
 
-void hide_known(baseline known, std::vector<outcome>& findings) {
+// Whether the key is among the known ones, which then know one less.
+static bool take(baseline& known, const std::string& key) {
+  const auto row = known.find(key);
+  if (row == known.end()) return false;
+  if (--row->second == 0) known.erase(row);
+  return true;
+}
+
+void hide_known(baseline& known, std::vector<outcome>& findings) {
   for (outcome& each : findings) {
     if (each.hidden != hidden_by::NOTHING) continue;
-    const auto row = known.find(each.key);
-    if (row == known.end() || row->second == 0) continue;
-    --row->second;
-    each.hidden = hidden_by::BASELINE;
+    bool is_known = take(known, each.key);
+    for (const std::string& key : each.other_keys) is_known = take(known, key) || is_known;
+    if (is_known) each.hidden = hidden_by::BASELINE;
   }
+}
+
+uint64_t count_outlived(const baseline& left, const std::vector<outcome>& findings,
+                        const std::vector<source>& sources,
+                        const std::function<bool(const rule&)>& is_checked) {
+  if (has_syntax_errors(findings)) return 0;
+  std::set<std::string, std::less<>> names;
+  for (const source& each : sources) names.insert(shown_name(each));
+  uint64_t count = 0;
+  for (const auto& [key, times] : left) {
+    const size_t behind_name = key.find('\t');
+    const size_t behind_rule = key.find('\t', behind_name + 1);
+    const rule* row =
+        find_rule(std::string_view(key).substr(behind_name + 1, behind_rule - behind_name - 1));
+    const bool is_here = names.contains(std::string_view(key).substr(0, behind_name));
+    if (is_here && (row == nullptr || is_checked(*row))) count += times;
+  }
+  return count;
 }
 
 }  // namespace lint

@@ -5,12 +5,14 @@
 #ifndef LINT_BASELINE_H
 #define LINT_BASELINE_H
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lint/outcome.h"
+#include "lint/rule.h"
 
 namespace lint {
 
@@ -23,7 +25,14 @@ uint64_t read_baseline(std::string_view text, baseline& known);
 // Of all findings but those that a comment hides.
 std::string write_baseline(const std::vector<outcome>& findings);
 
-void hide_known(baseline known, std::vector<outcome>& findings);
+// Leaves what was known and was not found.
+void hide_known(baseline& known, std::vector<outcome>& findings);
+
+// How many of those are of the sources and of rules that this run checks. Behind an error of syntax
+// nobody knows.
+uint64_t count_outlived(const baseline& left, const std::vector<outcome>& findings,
+                        const std::vector<source>& sources,
+                        const std::function<bool(const rule&)>& is_checked);
 
 }  // namespace lint
 

@@ -5,12 +5,22 @@
 
 namespace lint {
 
+static bool is_off(const result& to, std::string_view rule, level told) {
+  return told == level::OFF || (to.is_off && to.is_off(rule));
+}
+
+void count_untold(result& to, std::string_view rule, level told) {
+  if (!is_off(to, rule, told)) ++to.untold[static_cast<size_t>(told)];
+}
+
 void tell(result& to, finding found) {
-  if (!is_full(to)) {
-    to.told.push_back(std::move(found));
-  } else {
-    ++to.untold[static_cast<size_t>(found.told)];
+  if (is_off(to, found.rule, found.told)) {
+    if (to.off == MOST_TOLD) return;
+    ++to.off;
+  } else if (is_full(to)) {
+    return count_untold(to, found.rule, found.told);
   }
+  to.told.push_back(std::move(found));
 }
 
 void put_in_order(result& to) {

@@ -34,6 +34,12 @@ struct related_place {
   std::string sentence;
 };
 
+// What another rule says of the same mistake: one finding is told, which is that of both.
+struct alias {
+  std::string_view rule;
+  std::string subject;
+};
+
 struct finding {
   std::string_view rule;  // the id of a row of RULES (lint/rules.h), which lives for ever
   level told;
@@ -43,6 +49,7 @@ struct finding {
   // SQL_COLUMN". Baselines and fingerprints are made of it.
   std::string subject{};
   std::vector<related_place> related{};
+  std::vector<alias> aliases{};
   uint64_t reader_line = 0;  // of a syntax error: the line at which the reader tells it; else 0
 };
 

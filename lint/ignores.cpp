@@ -12,7 +12,7 @@ namespace lint {
 static constexpr std::string_view MARK = "tav-lint:";
 static constexpr std::string_view IGNORE = "ignore=";
 static constexpr char BLANKS[] = " \t\r";
-static constexpr auto MOST_IDS = 100;       // of a comment
+static constexpr size_t MOST_IDS = 100;     // of a comment
 static constexpr auto MOST_COMMENTS = 100;  // below each other, on lines of their own
 
 namespace {
@@ -71,25 +71,43 @@ static void set_range(std::string_view text, const comment& comment, ignore& row
   }
 }
 
-// Reads "ID,ID reason" at the place.
-static void read_rules(const syntax::tree& tree, uint32_t source, const comment& comment,
-                       uint64_t at, ignores& result) {
-  const std::string_view rest = std::string_view(tree.text).substr(at, comment.end - at);
-  std::string_view ids = rest.substr(0, rest.find_first_of(BLANKS));
-  const std::string_view reason = trimmed(rest.substr(ids.size()));
-  if (reason.empty())
-    result.faults.push_back({{source, comment.start, at + ids.size() - comment.start}, false});
+static size_t blanks_at(std::string_view text) {
+  return std::min(text.find_first_not_of(BLANKS), text.size());
+}
+
+// Takes "ID,ID", in which blanks may stand around a comma; false where an id is missing, or there
+// are too many.
+static bool take_ids(std::string_view& text, std::vector<std::string_view>& ids) {
   for (bool goes_on = true; goes_on;) {
-    const std::string_view id = ids.substr(0, ids.find(','));
-    ignore& row = result.rows.emplace_back();
-    row.rule = {source, at, id.size()};
-    row.reason = reason;
-    set_range(tree.text, comment, row);
-    goes_on = id.size() < ids.size();
-    const size_t taken = id.size() + (goes_on ? 1 : 0);
-    ids.remove_prefix(taken);
-    at += taken;
+    text.remove_prefix(ids.empty() ? 0 : blanks_at(text));
+    const std::string_view id = text.substr(0, text.find_first_of(", \t\r"));
+    if (id.empty() || ids.size() == MOST_IDS) return false;
+    ids.push_back(id);
+    text.remove_prefix(id.size());
+    const std::string_view behind = text.substr(blanks_at(text));
+    goes_on = behind.starts_with(',');
+    if (goes_on) text = behind.substr(1);
   }
+  return true;
+}
+
+// Reads "ID,ID reason" at the place; false where it is none.
+static bool read_rules(const syntax::tree& tree, uint32_t source, const comment& comment,
+                       uint64_t at, ignores& result) {
+  std::string_view rest = std::string_view(tree.text).substr(at, comment.end - at);
+  std::vector<std::string_view> ids;
+  if (!take_ids(rest, ids)) return false;
+  const std::string_view reason = trimmed(rest);
+  const uint64_t end = comment.end - rest.size();
+  if (reason.empty())
+    result.faults.push_back({{source, comment.start, end - comment.start}, false});
+  ignore row{.rule = {}, .first = 0, .last = 0, .reason = std::string(reason)};
+  set_range(tree.text, comment, row);
+  for (const std::string_view id : ids) {
+    row.rule = {source, static_cast<uint64_t>(id.data() - tree.text.data()), id.size()};
+    result.rows.push_back(row);
+  }
+  return true;
 }
 
 // The mark counts where nothing but "#" and blanks stands before it.
@@ -106,9 +124,8 @@ static void read_comment(const syntax::tree& tree, uint32_t source, const commen
   uint64_t at = mark + MARK.size();
   while (at < comment.end && (text[at] == ' ' || text[at] == '\t')) ++at;
   const std::string_view order = text.substr(at, comment.end - at);
-  const std::string_view ids = order.substr(0, order.find_first_of(BLANKS));
-  if (order.starts_with(IGNORE) && std::count(ids.begin(), ids.end(), ',') < MOST_IDS)
-    return read_rules(tree, source, comment, at + IGNORE.size(), result);
+  const bool is_order = order.starts_with(IGNORE);
+  if (is_order && read_rules(tree, source, comment, at + IGNORE.size(), result)) return;
   const auto shown = trimmed(text.substr(comment.start, comment.end - comment.start));
   result.faults.push_back({{source, comment.start, shown.size()}, true});
 }
@@ -129,9 +146,14 @@ ignores read_ignores(const syntax::tree& tree, uint32_t source) {
 
 // --- Hiding --------------------------------------------------------------------------------------
 
+static bool is_called(const finding& found, std::string_view id) {
+  return found.rule == id ||
+         std::ranges::find(found.aliases, id, &alias::rule) != found.aliases.end();
+}
+
 static bool is_about(const ignore& row, std::string_view id, const outcome& one) {
   return one.found.where.source == row.rule.source && one.found.where.start >= row.first &&
-         one.found.where.start <= row.last && one.found.rule == id;
+         one.found.where.start <= row.last && is_called(one.found, id);
 }
 
 static void hide(const std::vector<source>& sources, ignore& row, std::vector<outcome>& findings) {
@@ -165,7 +187,7 @@ static void tell(comment_findings& to, std::string_view id, const span& where, s
 static void tell_fault(const ignore_fault& fault, comment_findings& told) {
   if (fault.is_malformed) {
     tell(told, "ignore-malformed", fault.where, "comment",
-         "This comment is no order to lint: write \"# tav-lint: ignore=RULE,RULE reason\".");
+         "This comment is no order to lint: write \"# tav-lint: ignore=RULE, RULE reason\".");
   } else {
     tell(told, "ignore-unexplained", fault.where, "comment",
          "This comment gives no reason: say behind the rules why they may be broken here.");
@@ -183,12 +205,6 @@ static void tell_unused(const ignore& row, const std::string& id, const hiding& 
     tell(told, "ignore-unused", row.rule, id,
          "Nothing here breaks the rule " + id + ": remove it from the comment.");
   }
-}
-
-static bool has_syntax_errors(const std::vector<outcome>& findings) {
-  return std::ranges::any_of(findings, [](const outcome& one) {
-    return find_rule(one.found.rule)->from == origin::SYNTAX;
-  });
 }
 
 comment_findings hide_ignored(const std::vector<source>& sources, const hiding& how,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dparse/tokens.h"
+#include "lint/strays.h"
 
 namespace lint {
 
@@ -64,13 +65,19 @@ index index_of(std::span<const source> sources) {
   index result{sources};
   std::vector<uint32_t> last;  // of the name of which a definition is the first
   reserve(result, last);
+  std::vector<std::string_view> stray_names;
   for (uint32_t source = 0; source < sources.size(); ++source) {
     const auto count = static_cast<uint32_t>(sources[source].tree.definitions.size());
-    for (uint32_t i = 0; i < count; ++i) add(result, {source, i, 0}, last);
+    const std::vector<stray_entry> strays = strays_in(result, source);
+    for (uint32_t i = 0; i < count; ++i)
+      if (find_stray(strays, i) == nullptr) add(result, {source, i, 0}, last);
+    for (const stray_entry& each : strays)
+      stray_names.push_back(name_at(result, {source, each.definition, 0}));
   }
   for (size_t i = 0; i < result.definitions.size(); ++i)
     if (result.definitions[i].kind == node_kind::INTERFACE)
       mark_uses(result, result.definitions[i].where);
+  for (const std::string_view name : stray_names) mark_used(result, name);
   return result;
 }
 

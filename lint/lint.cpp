@@ -33,12 +33,14 @@ result lint(const std::vector<source>& sources, const world& against) {
   const quiet_run run;
   const index all = index_of(sources);
   result found;
+  found.is_off = against.is_off;
   reading read;
   read_sources(all, read, found);
   if (!sources.empty() && !is_full(found)) check_definitions(all, read, against, found);
   if (against.own)
     for (finding& each : against.own(all)) tell(found, std::move(each));
   put_in_order(found);
+  found.is_off = nullptr;
   return found;
 }
 

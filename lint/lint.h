@@ -42,16 +42,21 @@ struct world {
   std::function<std::vector<refusal>(const deployment& sent)> refuse{};
   // The process ends soon: lists are left to its end, which frees them faster.
   bool ends_soon = false;
+  // Whether a rule is switched off. May be empty.
+  std::function<bool(std::string_view rule)> is_off{};
   // Lint's own rules. May be empty.
   std::function<std::vector<finding>(const index& all)> own{};
 };
 
-// So many findings are told; others are counted.
+// So many findings are told; others are counted. Of those that are switched off as many are kept,
+// because others are not told beside them.
 inline constexpr size_t MOST_TOLD = 20'000;
 
 struct result {
-  std::vector<finding> told;  // in the order of sources and places
-  uint64_t untold[4] = {};    // for each level
+  std::vector<finding> told;                            // in the order of sources and places
+  uint64_t untold[4] = {};                              // for each level
+  size_t off = 0;                                       // so many of the told ones are switched off
+  std::function<bool(std::string_view rule)> is_off{};  // as in `world`, during the run
 };
 
 result lint(const std::vector<source>& sources, const world& against);

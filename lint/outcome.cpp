@@ -7,6 +7,7 @@
 
 #include "dd/vantor.h"
 #include "dd/visible.h"
+#include "lint/rules.h"
 
 namespace lint {
 
@@ -21,10 +22,19 @@ std::string stable_name(const std::string& name) {
   return (is_inside ? below : path).string();
 }
 
+std::string shown_name(const source& from) {
+  return dd_visible(stable_name(from.name));
+}
+
 // At one place errors come first.
 static auto order_of(const finding& one) {
   return std::tuple(one.where.source, one.where.start, -static_cast<int>(one.told), one.rule,
                     std::string_view(one.sentence));
+}
+
+static std::string key_of(const std::string& name, std::string_view rule,
+                          const std::string& subject) {
+  return std::string(name).append("\t").append(rule).append("\t").append(dd_visible(subject));
 }
 
 std::vector<outcome> outcomes_of(std::vector<finding> found, const std::vector<source>& sources) {
@@ -37,16 +47,24 @@ std::vector<outcome> outcomes_of(std::vector<finding> found, const std::vector<s
   std::stable_sort(found.begin(), found.end(), is_before);
   found.erase(std::unique(found.begin(), found.end(), is_same), found.end());
   std::vector<std::string> names;
-  for (const source& each : sources) names.push_back(dd_visible(stable_name(each.name)));
+  for (const source& each : sources) names.push_back(shown_name(each));
   std::map<std::string, uint64_t> counts;
   std::vector<outcome> result;
   for (finding& each : found) {
     outcome& one = result.emplace_back(outcome{std::move(each)});
-    one.key.append(names[one.found.where.source]).append("\t").append(one.found.rule);
-    one.key.append("\t").append(dd_visible(one.found.subject));
+    const std::string& name = names[one.found.where.source];
+    one.key = key_of(name, one.found.rule, one.found.subject);
+    for (const alias& other : one.found.aliases)
+      one.other_keys.push_back(key_of(name, other.rule, other.subject));
     one.repeat = counts[one.key]++;
   }
   return result;
+}
+
+bool has_syntax_errors(const std::vector<outcome>& findings) {
+  return std::ranges::any_of(findings, [](const outcome& one) {
+    return find_rule(one.found.rule)->from == origin::SYNTAX;
+  });
 }
 
 void merge(std::vector<outcome> others, std::vector<outcome>& findings) {

@@ -7,6 +7,7 @@
 #include "lint/broken.h"
 #include "lint/collect.h"
 #include "lint/own_place.h"
+#include "lint/strays.h"
 #include "lint/syntax_sentence.h"
 
 namespace lint {
@@ -66,8 +67,7 @@ static bool is_about_first(message told) {
 static void tell_mistake(source_reading& in, const node_place* at, const mistake& one,
                          const span* noticed = nullptr) {
   if (is_full(in.told)) {
-    ++in.told.untold[static_cast<size_t>(level::ERROR)];
-    return;
+    return count_untold(in.told, dparse::row_of(one.told.told).id, level::ERROR);
   }
   finding found{dparse::row_of(one.told.told).id, level::ERROR, one.where, ""};
   found.reader_line = one.told.line;
@@ -169,6 +169,22 @@ static void read_alone(source_reading& in, uint32_t definition) {
   read_broken(in, at, std::move(told), start);
 }
 
+// Of strays the class knows nothing, and those before the one that failed were read as fields.
+static void leave_out_strays(source_reading& in, const std::vector<stray_entry>& strays,
+                             uint32_t failed) {
+  const std::string_view text = in.tree().text;
+  for (const stray_entry& each : strays) {
+    const syntax::definition& stray = in.tree().definitions[each.definition];
+    const syntax::definition& meant_for = in.tree().definitions[each.meant_for];
+    const syntax::node& top = meant_for.nodes[0];
+    const auto class_name = syntax::name_of(text, meant_for, top);
+    for (const syntax::token& token : syntax::tokens_of(stray))
+      if (token.kind() == DPARSE_TOKEN_WORD)
+        leave_out(in.into.missing, {top.meant, class_name, syntax::text_of(text, stray, token)});
+    if (each.definition < failed) number_field(in, syntax::name_of(text, stray, stray.nodes[0]));
+  }
+}
+
 // The first definition that fails is read with everything behind it, so that its mistake is the
 // reader's own.
 static void read_source(source_reading& in) {
@@ -180,8 +196,11 @@ static void read_source(source_reading& in) {
     const span where = own_place(in.all.sources, in.source, told.told, told.taken, told.ended);
     return tell_mistake(in, nullptr, {std::move(told), where});
   }
+  const std::vector<stray_entry> strays = strays_in(in.all, in.source);
+  leave_out_strays(in, strays, next);
   read_broken(in, {in.source, next, 0}, std::move(told), 0);
-  while (++next < count) read_alone(in, next);
+  while (++next < count)
+    if (find_stray(strays, next) == nullptr) read_alone(in, next);
 }
 
 void read_sources(const index& all, reading& into, result& told) {

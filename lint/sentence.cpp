@@ -1,12 +1,12 @@
 #include "lint/sentence.h"
 
-#include "dd/buf_storage.h"
 #include "dd/class_names.h"
 #include "dd/types.h"
 #include "dd/values.h"
 #include "dd/visible.h"
 #include "deploy/lookup.h"
 #include "lint/fill.h"
+#include "lint/kept.h"
 
 namespace lint {
 
@@ -31,17 +31,13 @@ struct telling {
 
 }  // namespace
 
-static std::string_view source_text(const index& all, const span& where) {
-  return std::string_view(all.sources[where.source].tree.text).substr(where.start, where.length);
-}
-
 // As the language writes it, where nothing in it needs an escape.
 static std::string as_string(const char* text) {
   return std::string(1, '"').append(text) += '"';
 }
 
 static std::string type_text(const telling& t, const node_place& at) {
-  return std::string(source_text(t.in.all, type_span(t.in.all, at)));
+  return std::string(text_of(t.in.all, type_span(t.in.all, at)));
 }
 
 static const char* keyword_of(int32_t type) {
@@ -107,7 +103,7 @@ static std::string_view entry_around(const telling& t, node_place at) {
   while (--at.node > 0) {
     const bool is_entry = node_of(t.in.all, at).meant == node_kind::ENTRY;
     if (is_entry && syntax::behind(definition, at.node) > attribute)
-      return source_text(t.in.all, name_span(t.in.all, at));
+      return text_of(t.in.all, name_span(t.in.all, at));
   }
   return {};
 }
@@ -124,9 +120,9 @@ static void find_table(telling& t) {
   const uint32_t count = definition_of(t.in.all, at).node_count;
   for (at.node = 1; at.node < count; ++at.node) {
     if (node_of(t.in.all, at).kind != node_kind::ATTRIBUTE) continue;
-    if (!by_view::equal(source_text(t.in.all, name_span(t.in.all, at)), "SQL_TABLE")) continue;
+    if (!by_view::equal(text_of(t.in.all, name_span(t.in.all, at)), "SQL_TABLE")) continue;
     const span value = value_span(t.in.all, at);
-    if (!by_view::equal(source_text(t.in.all, value), wanted)) continue;
+    if (!by_view::equal(text_of(t.in.all, value), wanted)) continue;
     if (is_own && at.node == own.node) continue;
     t.other_owner = owner_text(entry_around(t, at), t.about.related_class);
     return set_there(t, value, "The table's other user is here.");
@@ -159,7 +155,7 @@ static void find_column(telling& t) {
         !find_attribute(t.in.all, at, "SQL_COLUMN", column))
       continue;
     const span value = value_span(t.in.all, column);
-    if (by_view::equal(source_text(t.in.all, value), wanted))
+    if (by_view::equal(text_of(t.in.all, value), wanted))
       return set_there(t, value, "The column stands here first.");
   }
 }
@@ -187,72 +183,15 @@ static void find_second(telling& t) {
   }
 }
 
-// --- Storage that stays --------------------------------------------------------------------------
-
-static tav_flist_t* held_entry(telling& t, tav_flist_t* node, const char* name) {
-  if (t.in.held_node != node) {
-    t.in.held_entries = dd_list(DD_ENTRIES, node);
-    t.in.held_node = node;
-  }
-  return tav_deploy_get_class_field_by_name(t.in.held_entries, name);
-}
-
-// The class or entry in the dictionary, or null.
-static tav_flist_t* held_node(telling& t) {
-  std::vector<const char*> names;
-  if (t.about.field != nullptr) names.push_back(t.about.field);
-  for (const deploy::entry_path* upper = t.about.around; upper != nullptr; upper = upper->around)
-    names.push_back(upper->name);
-  tav_flist_t* node = tav_deploy_get_class_by_name(t.state.working_classes, t.about.class_name);
-  for (; node != nullptr && !names.empty(); names.pop_back())
-    node = held_entry(t, node, names.back());
-  return node;
-}
-
-static std::string quoted_or_none(std::string_view text) {
-  return text.empty() ? "none" : std::string("\"").append(text).append("\"");
-}
-
-static bool has_two_names(const telling& t) {
-  return t.row.id == "buf-table-or-column-kept";
-}
-
-static std::string held_storage(telling& t) {
-  tav_ebuf ebuf{};
-  const bool is_clause = std::string_view(t.about.attribute) == "SQL_STORAGE";
-  tav_flist_t* node = held_node(t);
-  if (node == nullptr) return "none";
-  const std::string_view text =
-      dd_text(node, is_clause ? TAV_FLD_SQL_STORAGE : TAV_FLD_SQL_TABLE, &ebuf);
-  if (!has_two_names(t)) return quoted_or_none(text);
-  const dd_buf_storage parts = dd_split_buf(text);
-  return quoted_or_none(parts.table) + " and " + quoted_or_none(parts.column);
-}
-
-static std::string own_value(const telling& t, const char* keyword) {
-  node_place attribute;
-  const auto at = find_on(t.in, t.about, definition_side::IMPLEMENTATION);
-  if (!at || !find_attribute(t.in.all, *at, keyword, attribute)) return "none";
-  return std::string(source_text(t.in.all, value_span(t.in.all, attribute)));
-}
-
-static std::string own_storage(const telling& t) {
-  if (!has_two_names(t)) return own_value(t, t.about.attribute);
-  return own_value(t, "SQL_TABLE") + " and " + own_value(t, "SQL_COLUMN");
-}
+// --- What the dictionary has ---------------------------------------------------------------------
 
 static bool is_kept(const telling& t) {
   return t.row.text.find("{remedy}") != t.row.text.npos;
 }
 
-static std::string remedy_text(const telling& t) {
-  if (t.old == "none") return "Remove it here, or move the storage by hand.";
-  return "Write " + t.old + " here, or move the storage by hand.";
-}
-
 // What a field definition has in the dictionary.
 static void find_old(telling& t) {
-  if (is_kept(t)) t.old = held_storage(t);
+  if (is_kept(t)) t.old = held_storage(t.in, t.state, t.about, t.row.id);
   if (t.about.class_name != nullptr || !t.old.empty()) return;
   tav_ebuf ebuf{};
   tav_flist_t* known = tav_deploy_get_field_by_name(t.state.working_fields, t.about.field);
@@ -284,7 +223,7 @@ static std::string there_text(const telling& t) {
 static std::string number_text(const telling& t) {
   node_place attribute;
   if (!t.at || !find_attribute(t.in.all, *t.at, "ID", attribute)) return "0";
-  return std::string(source_text(t.in.all, value_span(t.in.all, attribute)));
+  return std::string(text_of(t.in.all, value_span(t.in.all, attribute)));
 }
 
 // The type is told first; the number would be found only when that is corrected.
@@ -300,7 +239,7 @@ static std::string number_too(const telling& t) {
 static bool is_system(const telling& t, const char* keyword) {
   node_place attribute;
   return t.at && find_attribute(t.in.all, *t.at, keyword, attribute) &&
-         by_view::equal(source_text(t.in.all, value_span(t.in.all, attribute)), "SYSTEM");
+         by_view::equal(text_of(t.in.all, value_span(t.in.all, attribute)), "SYSTEM");
 }
 
 static std::string system_text(const telling& t) {
@@ -319,8 +258,8 @@ static std::string part_text(const telling& t, std::string_view name) {
   if (name == "type") return t.at ? type_text(t, *t.at) : "";
   if (name == "number") return number_text(t);
   if (name == "old") return t.old;
-  if (name == "new") return own_storage(t);
-  if (name == "remedy") return remedy_text(t);
+  if (name == "new") return own_storage(t.in, t.about, t.row.id);
+  if (name == "remedy") return storage_remedy(t.old);
   if (name == "owner") return owner_text(text(t.about.field), t.about.class_name);
   if (name == "other_owner")
     return t.other_owner.empty() ? owner_text("", t.about.related_class) : t.other_owner;
@@ -396,7 +335,8 @@ finding finding_of(subject_finder& in, deploy::import_state& state, const senten
   if (!t.is_twice) find_second(t);
   blame_other_type(t);
   find_old(t);
-  finding found{row.id, row.normal, own_span(t), sentence_of(t), words_of(about)};
+  const level told = changes_nothing(state, about, row.id) ? level::OFF : row.normal;
+  finding found{row.id, told, own_span(t), sentence_of(t), words_of(about)};
   if (t.there) found.related.push_back({*t.there, t.remark});
   return found;
 }

@@ -8,7 +8,8 @@
 
 namespace lint {
 
-// `repeat`: of entries that have the same name the n-th behind the first.
+// Of no level where nothing comes of it. `repeat`: of entries that have the same name the n-th
+// behind the first.
 finding finding_of(subject_finder& in, deploy::import_state& state, const sentence_row& row,
                    const deploy::subject& about, size_t repeat);
 

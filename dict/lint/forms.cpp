@@ -16,6 +16,12 @@ bool level_of(std::string_view name, lint::level& level) {
   return false;
 }
 
+std::vector<std::string> alias_names(const lint::finding& found) {
+  std::vector<std::string> names;
+  for (const lint::alias& each : found.aliases) names.emplace_back(each.rule);
+  return names;
+}
+
 lint_counts count(const lint_report& report) {
   lint_counts counts;
   for (const lint::outcome& each : report.findings) {

@@ -31,6 +31,8 @@ const char* name_of(lint::level level);
 // The level of that name; false where there is none.
 bool level_of(std::string_view name, lint::level& level);
 
+std::vector<std::string> alias_names(const lint::finding& found);
+
 struct lint_counts {
   uint64_t errors = 0, warnings = 0, notes = 0;
   uint64_t hidden = 0;

@@ -24,6 +24,7 @@ static void put_finding(json_writer& out, const lint::outcome& each, places& her
   const lint::finding& found = each.found;
   out.StartObject();
   put_member(out, "rule", std::string(found.rule));
+  if (!found.aliases.empty()) put_texts(out, "aliases", alias_names(found));
   put_member(out, "level", name_of(found.told));
   put_member(out, "sentence", written_out(found.sentence));
   put_member(out, "subject", written_out(found.subject));

@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
-#include <map>
 #include <memory>
 
 #include "dict/commands.h"
@@ -12,6 +11,7 @@
 #include "dict/lint/against.h"
 #include "dict/lint/excerpt.h"
 #include "dict/lint/rules.h"
+#include "dict/lint/same_files.h"
 #include "dict/lint/spared.h"
 #include "dict/lint/used.h"
 #include "dict/options.h"
@@ -48,7 +48,8 @@ struct linted {
   std::vector<lint::source> sources{};
   std::vector<struct stat> statuses{};  // of the sources
   std::vector<lint::outcome> findings{};
-  uint64_t untold[4] = {};  // by lint::level
+  uint64_t untold[4] = {};                              // by lint::level
+  std::function<bool(const lint::rule&)> is_checked{};  // whether this run could find it
 };
 
 }  // namespace
@@ -132,7 +133,8 @@ static int read_sources(const request& asked, const lint_config& config, linted&
 // --- Findings ------------------------------------------------------------------------------------
 
 static void set_levels(const lint_config& config, std::vector<lint::finding>& found) {
-  for (lint::finding& each : found) each.told = level_of(config, each.rule);
+  for (lint::finding& each : found)
+    if (each.told != lint::level::OFF) each.told = level_of(config, each.rule);
   std::erase_if(found, [](const lint::finding& each) { return each.told == lint::level::OFF; });
 }
 
@@ -150,19 +152,36 @@ static void find(const lint_config& config, const lint::world& world, linted& to
   set_levels(config, result.told);
   lint::drop_echoes(result.told);
   to.findings = lint::outcomes_of(std::move(result.told), to.sources);
-  const auto is_checked = [&](const lint::rule& rule) {
+  to.is_checked = [&config, has_dictionary = world.fields != nullptr](const lint::rule& rule) {
     const bool needs_dictionary =
         rule.from == lint::origin::DICTIONARY || rule.from == lint::origin::LOSS;
-    return (!needs_dictionary || world.fields != nullptr) &&
-           level_of(config, rule.id) != lint::level::OFF;
+    return (!needs_dictionary || has_dictionary) && level_of(config, rule.id) != lint::level::OFF;
   };
-  auto about_comments = lint::hide_ignored(to.sources, {is_checked}, to.findings);
+  auto about_comments = lint::hide_ignored(to.sources, {to.is_checked}, to.findings);
   to.untold[static_cast<size_t>(lint::level::WARNING)] += about_comments.untold;
   std::erase_if(about_comments.told, [&](const lint::finding& each) {
     return lint::is_read_again(config.own, each.where.source);
   });
   set_levels(config, about_comments.told);
   lint::merge(lint::outcomes_of(std::move(about_comments.told), to.sources), to.findings);
+}
+
+static uint64_t untold(const linted& found) {
+  uint64_t sum = 0;
+  for (const uint64_t count : found.untold) sum += count;
+  return sum;
+}
+
+// A baseline that is not pruned hides the same mistakes when they are made again.
+static void tell_outlived(const request& asked, const lint::baseline& left, const linted& found) {
+  if (untold(found) > 0 || asked.lowest != "note") return;
+  const uint64_t count =
+      lint::count_outlived(left, found.findings, found.sources, found.is_checked);
+  if (count == 0) return;
+  std::cerr << "Note: baseline " << written_out(asked.baseline) << " knows " << count
+            << (count == 1 ? " finding of these files that occurs"
+                           : " findings of these files that occur")
+            << " no more: --write-baseline writes it anew.\n";
 }
 
 static bool hide_known(const request& asked, linted& found, dm::problem& why) {
@@ -177,14 +196,9 @@ static bool hide_known(const request& asked, linted& found, dm::problem& why) {
                   std::to_string(line), " is none of its lines. --write-baseline writes it anew."});
     return false;
   }
-  lint::hide_known(std::move(known), found.findings);
+  lint::hide_known(known, found.findings);
+  tell_outlived(asked, known, found);
   return true;
-}
-
-static uint64_t untold(const linted& found) {
-  uint64_t sum = 0;
-  for (const uint64_t count : found.untold) sum += count;
-  return sum;
 }
 
 static int write_baseline(const request& asked, const linted& found) {
@@ -222,19 +236,6 @@ static bool has_failed(const request& asked, const linted& found) {
   return has_untold || std::ranges::any_of(found.findings, counts);
 }
 
-static std::vector<uint32_t> same_files(const linted& in) {
-  std::map<std::pair<dev_t, ino_t>, uint32_t> known;
-  std::vector<uint32_t> first;
-  for (const struct stat& each : in.statuses) {
-    const auto number = static_cast<uint32_t>(first.size());
-    const bool is_file = S_ISREG(each.st_mode);
-    first.push_back(is_file
-                        ? known.emplace(std::pair(each.st_dev, each.st_ino), number).first->second
-                        : number);
-  }
-  return first;
-}
-
 // Lint's own rules, which also want to know which fields the dictionary's classes use.
 static void add_own(lint_config& config, lint::world& world, linted& to) {
   if (world.classes != nullptr) {
@@ -242,7 +243,7 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
       return names.contains(dm::folded(field));
     };
   }
-  config.own.same_file = same_files(to);
+  config.own.same_file = same_files(to.statuses);
   config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
   world.own = [&config, &to](const lint::index& all) {
     lint::own_findings found = lint::check_own(all, config.own);
@@ -260,7 +261,7 @@ static bool may_write(const request& asked, const lint_config& config, const lin
     return is_spared("--write-baseline", asked.baseline, read, why) &&
            takes_baseline(asked.baseline, why);
   read.push_back(asked.baseline);
-  return is_spared("--output", asked.output, read, why);
+  return is_spared("--output", asked.output, read, why) && spares_database(asked.output, why);
 }
 
 static int lint_files(const request& asked) {
@@ -279,6 +280,9 @@ static int lint_files(const request& asked) {
   if (has_world && !read_against(asked.against, asked.database, held, why)) return refuse(why);
   lint::world world = has_world ? world_of(held) : lint::world();
   world.ends_soon = true;
+  world.is_off = [&config](std::string_view rule) {
+    return level_of(config, rule) == lint::level::OFF;
+  };
   add_own(config, world, found);
   find(config, world, found);
   leave_out_lower(asked, found);

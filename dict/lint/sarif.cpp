@@ -129,6 +129,12 @@ static void put_result(page& to, const lint::outcome& each,
   put_member(out, FINGERPRINT, lint::fingerprint(each));
   out.EndObject();
   put_suppressions(out, each);
+  if (!each.found.aliases.empty()) {
+    out.Key("properties");
+    out.StartObject();
+    put_texts(out, "aliases", alias_names(each.found));
+    out.EndObject();
+  }
   out.EndObject();
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "dict/files.h"
 #include "lint/baseline.h"
@@ -20,6 +21,18 @@ bool is_spared(const char* option, const std::string& written, const std::vector
   if (std::ranges::none_of(read, is_same)) return true;
   why.sentence = dm::join({option, " would replace ", dm::quoted(written),
                            ", which this run reads: name another file."});
+  return false;
+}
+
+bool spares_database(const std::string& written, dm::problem& why) {
+  static constexpr std::string_view HEAD = "SQLite format 3";
+  std::error_code error;
+  if (!fs::is_regular_file(written, error)) return true;
+  std::string head(HEAD.size(), '\0');
+  std::ifstream(written, std::ios::binary).read(head.data(), static_cast<ptrdiff_t>(head.size()));
+  if (head != HEAD) return true;
+  why.sentence = dm::join({"--output would replace ", dm::quoted(written),
+                           ", which is a database: name another file."});
   return false;
 }
 

@@ -14,6 +14,10 @@ namespace dict {
 bool is_spared(const char* option, const std::string& written, const std::vector<std::string>& read,
                dm::problem& why);
 
+// Whether it is no file of a database: a dictionary is one, which a run may not even read. False
+// with the reason.
+bool spares_database(const std::string& written, dm::problem& why);
+
 // Whether a baseline may be written there: to a new file, an empty one, or over a baseline. False
 // with the reason.
 bool takes_baseline(const std::string& file, dm::problem& why);

@@ -11,7 +11,7 @@ namespace lint {
 namespace {
 
 // A rule that is silent where an error of somebody else is at the same place, or about the same
-// thing.
+// thing. A named one is of the same mistake, and gets the rule as an alias.
 struct echo_row {
   std::string_view rule;
   std::string_view error;  // "": any
@@ -28,6 +28,7 @@ constexpr echo_row ECHOES[] = {
     {"text-too-long", "field-refused", true, true},
     {"text-too-long", "class-refused", true, true},
     {"name-refused", "class-refused", true, true},
+    {"field-not-defined", "missing-field-definition", false, false},
 };
 
 using errors_by_key = std::unordered_map<std::string, finding*>;
@@ -59,7 +60,10 @@ static bool is_echo(const errors_by_key& errors, const finding& one) {
     const auto found = errors.find(row.is_by_subject ? key_of_subject(row.error, one)
                                                      : key_of_place(row.error, one.where));
     if (found == errors.end()) continue;
-    if (row.has_better_sentence) found->second->sentence = one.sentence;
+    finding& error = *found->second;
+    if (row.has_better_sentence) error.sentence = one.sentence;
+    if (!row.error.empty() && one.told == error.told)
+      error.aliases.push_back({one.rule, one.subject});
     return true;
   }
   return false;

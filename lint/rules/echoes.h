@@ -1,4 +1,4 @@
-// Findings of lint's own rules that say again what an error says.
+// Findings that say again what an error says.
 #ifndef LINT_RULES_ECHOES_H
 #define LINT_RULES_ECHOES_H
 
@@ -9,7 +9,7 @@
 namespace lint {
 
 // Drops them: of one mistake one finding is told. Where their sentences name the remedy and the
-// errors' do not, the errors take them.
+// errors' do not, the errors take them. Errors that are of the same mistake take their ids, too.
 void drop_echoes(std::vector<finding>& told);
 
 }  // namespace lint

@@ -73,3 +73,20 @@ TEST(against, refuses_an_export_that_cannot_be_read) {
   EXPECT_FALSE(lint::read_held("STRING A { ID = 1 }\n", fields, classes, fault));
   EXPECT_EQ(fault, "line 1: ; Expected");
 }
+
+// The modes print the id all the same, so that it is among those found.
+TEST(against, says_nothing_of_a_field_that_stays_as_it_is) {
+  dd_list fields{DD_FIELDS};
+  dd_list classes{DD_CLASSES};
+  std::string fault;
+  ASSERT_TRUE(lint::read_held(HELD, fields, classes, fault)) << fault;
+  const auto sources = sources_of(
+      {"STRING A { ID = 20001; DESCR = \"a\"; }\nINT B { ID = 20002; DESCR = \"new\"; }\n"
+       "ARRAY R { ID = 20003; }\n"});
+  std::string levels;
+  for (const lint::finding& each :
+       lint::lint(sources, {.fields = fields.get(), .classes = classes.get()}).told)
+    if (each.rule == "field-description-replaced")
+      levels += each.told == lint::level::OFF ? "-" : "+";
+  EXPECT_EQ(levels, "-+-");
+}

@@ -1,9 +1,13 @@
 // Findings that comments and baselines hide.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "lint/baseline.h"
+#include "lint/collect.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
+#include "lint/rules/echoes.h"
 #include "lint/rules/own.h"
 #include "tests/lint/findings.h"
 
@@ -44,7 +48,10 @@ static const std::pair<const char*, const char*> COMMENTS[] = {
     {"# tav-lint: ignore=unknown,unused-field old\n", "1:20 ignore-unknown, 1:28 ignore-unused"},
     {"# tav-lint: ignore = unused-field\n# tav-lint:\n",
      "1:1 ignore-malformed, 2:1 ignore-malformed"},
-    {"# tav-lint: ignore=,x old\n", "1:20 ignore-unknown, 1:21 ignore-unknown"},
+    {"INT F { ID = 1; } # tav-lint: ignore=missing-description, number-outside-range\t,x old",
+     "1:81 ignore-unknown"},
+    {"# tav-lint: ignore=,x old\n# tav-lint: ignore=x, \n",
+     "1:1 ignore-malformed, 2:1 ignore-malformed"},
 };
 
 TEST(comments, hide_what_they_name_on_their_line_and_the_next) {
@@ -82,7 +89,8 @@ TEST(baselines, know_findings_when_lines_move_but_no_more_of_them) {
   ASSERT_EQ(outcomes.size(), 6u);
   EXPECT_EQ(lint::fingerprint(outcomes[0]), lint::fingerprint(outcomes_in(before)[0]));
   EXPECT_NE(lint::fingerprint(outcomes[0]), lint::fingerprint(outcomes[2]));
-  lint::hide_known(baseline_of(text), outcomes);
+  lint::baseline known = baseline_of(text);
+  lint::hide_known(known, outcomes);
   std::string told;
   for (const lint::outcome& each : outcomes) {
     told += each.hidden == lint::hidden_by::BASELINE ? "-" : "+";
@@ -97,4 +105,50 @@ TEST(baselines, are_told_from_other_files) {
   EXPECT_EQ(lint::read_baseline("a\tb\tc\n", known), 1u);
   EXPECT_EQ(lint::read_baseline(head + "a\tb\n", known), 2u);
   EXPECT_EQ(lint::read_baseline("a\tb\tc\r\n" + head, known), 0u);
+}
+
+// One mistake, two rules: the finding goes by the names of both.
+TEST(aliases, are_taken_for_the_rule_by_comments_and_baselines) {
+  for (const char* rule : {"missing-field-definition", "field-not-defined"}) {
+    const auto sources = sources_of(
+        {"STORABLE CLASS /a { STRING X { } } # tav-lint: ignore=" + std::string(rule) + " why\n"});
+    lint::result found = lint::lint(sources, {});
+    lint::drop_echoes(found.told);
+    auto outcomes = lint::outcomes_of(std::move(found.told), sources);
+    const auto both = std::ranges::find(outcomes, "missing-field-definition",
+                                        [](const lint::outcome& one) { return one.found.rule; });
+    ASSERT_NE(both, outcomes.end());
+    ASSERT_EQ(both->other_keys.size(), 1u);
+    const auto nothing = lint::hide_ignored(sources, {[](const auto&) { return true; }}, outcomes);
+    EXPECT_EQ(both->hidden, lint::hidden_by::COMMENT) << rule;
+    EXPECT_TRUE(nothing.told.empty());
+    both->hidden = lint::hidden_by::NOTHING;
+    lint::baseline known{{both->other_keys[0], 1}};
+    lint::hide_known(known, outcomes);
+    EXPECT_EQ(both->hidden, lint::hidden_by::BASELINE);
+    EXPECT_TRUE(known.empty());
+  }
+}
+
+TEST(baselines, count_what_occurs_no_more_in_the_files_at_hand) {
+  const auto sources = sources_of({"INT F { ID = 20001; }"});
+  auto outcomes = outcomes_in(sources);
+  lint::baseline known{{"a.def\tmissing-description\tfield F", 2},
+                       {"a.def\tname-pattern\tfield F", 4},
+                       {"a.def\tgone-rule\tfield F", 8},
+                       {"b.def\tmissing-description\tfield F", 16}};
+  lint::hide_known(known, outcomes);
+  const auto checks = [](const lint::rule& rule) { return rule.id != "name-pattern"; };
+  EXPECT_EQ(lint::count_outlived(known, outcomes, sources, checks), 1u + 8u);
+}
+
+TEST(limit, counts_no_finding_that_is_switched_off) {
+  lint::result found;
+  found.is_off = [](std::string_view rule) { return rule == "off"; };
+  for (size_t i = 0; i <= lint::MOST_TOLD; ++i)
+    lint::tell(found, {"off", lint::level::ERROR, {0, 0, 0}, ""});
+  lint::tell(found, {"on", lint::level::ERROR, {0, 0, 0}, ""});
+  EXPECT_EQ(found.told.back().rule, "on");
+  EXPECT_EQ(found.told.size(), lint::MOST_TOLD + 1);
+  EXPECT_EQ(found.untold[static_cast<size_t>(lint::level::ERROR)], 0u);
 }

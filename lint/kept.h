@@ -1,0 +1,26 @@
+// What a replace keeps: what the dictionary has, what the files say, and what to do.
+#ifndef LINT_KEPT_H
+#define LINT_KEPT_H
+
+#include "deploy/import/import.h"
+#include "lint/subjects.h"
+
+namespace lint {
+
+// Of the finding with that id about a class or an entry: the names or the clause, as SQL_TABLE and
+// the like write them, or "none".
+std::string held_storage(subject_finder& in, deploy::import_state& state,
+                         const deploy::subject& about, std::string_view id);
+std::string own_storage(subject_finder& in, const deploy::subject& about, std::string_view id);
+
+// `held` as held_storage gives it.
+std::string storage_remedy(const std::string& held);
+
+// Whether nothing comes of the finding: the import tells it of each field that is there, and the
+// description is none, or the dictionary's own.
+bool changes_nothing(deploy::import_state& state, const deploy::subject& about,
+                     std::string_view id);
+
+}  // namespace lint
+
+#endif
