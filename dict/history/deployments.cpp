@@ -2,6 +2,7 @@
 
 #include "dd/fold.h"
 #include "dict/history/history.h"
+#include "dict/history/renames.h"
 #include "dm/folded.h"
 #include "dm/open.h"
 
@@ -55,17 +56,21 @@ struct gathering {
 }  // namespace
 
 static bool find_touching(dm::store& store, gathering& all, dm::problem& why) {
-  const std::string field = dm::folded(all.wanted.field);
-  const std::string class_name = dm::folded(all.wanted.class_name);
+  std::vector<past_name> fields, classes;
+  const bool has_field = !all.wanted.field.empty();
+  const bool has_class = !all.wanted.class_name.empty();
   const auto note = [&](int64_t record, const dm::journal_change& change) {
     const bool is_field = change.what == dm::change_of::FIELD;
-    const std::string& name = is_field ? field : class_name;
-    if (name.size() == change.name.size() && dm::folded(change.name) == name) {
-      all.touching.insert(record);
-    }
+    if (is_of(is_field ? fields : classes, record, change.name)) all.touching.insert(record);
     return true;
   };
-  return (field.empty() && class_name.empty()) || dm::walk_changes(store, {}, note, why);
+  if (has_field && !find_names(store, dm::change_of::FIELD, all.wanted.field, fields, why)) {
+    return false;
+  }
+  if (has_class && !find_names(store, dm::change_of::CLASS, all.wanted.class_name, classes, why)) {
+    return false;
+  }
+  return (!has_field && !has_class) || dm::walk_changes(store, {}, note, why);
 }
 
 static bool is_by(const dm::journal_record& record, const std::string& user) {
