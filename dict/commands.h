@@ -41,6 +41,11 @@ void add_blame(CLI::App& app, int& result);
 void add_show(CLI::App& app, int& result);
 void add_site(CLI::App& app, int& result);
 void add_upgrade(CLI::App& app, int& result);
+void add_undo(CLI::App& app, int& result);
+void add_revert_to(CLI::App& app, int& result);
+void add_drop(CLI::App& app, int& result);
+void add_rename(CLI::App& app, int& result);
+void add_move_storage(CLI::App& app, int& result);
 
 // Reads a database number, N.N.N.N; false with the reason.
 bool read_database(const std::string& text, uint64_t& number, dm::problem& why);

@@ -25,7 +25,8 @@ static constexpr char DESCRIPTION[] =
     "     'apply' found something changed since its plan was made, 'restore' found its backup "
     "damaged,\n"
     "     'explain' does not know the message, 'uses' or 'blame' not the name, 'format' would\n"
-    "     change a file, or 'lint' has findings that count\n"
+    "     change a file, 'lint' has findings that count, or 'undo', 'revert-to', 'drop', 'rename'\n"
+    "     or 'move-storage' was refused\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -111,6 +112,11 @@ static int run(int argc, char** argv) {
   dict::add_blame(app, result);
   dict::add_tag(app, result);
   dict::add_prune(app, result);
+  dict::add_undo(app, result);
+  dict::add_revert_to(app, result);
+  dict::add_drop(app, result);
+  dict::add_rename(app, result);
+  dict::add_move_storage(app, result);
   dict::add_site(app, result);
   try {
     app.parse(argc, argv);

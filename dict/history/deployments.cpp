@@ -2,7 +2,7 @@
 
 #include "dd/fold.h"
 #include "dict/history/history.h"
-#include "dm/folded.h"
+#include "dict/history/renames.h"
 #include "dm/open.h"
 
 namespace dict {
@@ -54,8 +54,8 @@ struct counted_record {
 struct gathering {
   const deployment_choice& wanted;
   const deployment_visitor& visitor;
-  const std::string field = dm::folded(wanted.field);
-  const std::string class_name = dm::folded(wanted.class_name);
+  std::vector<past_name> field_names{};  // of the field, or class, that was asked for
+  std::vector<past_name> class_names{};
   std::vector<counted_record> batch{};   // used again for the next one, which spares memory
   size_t filled = 0;                     // how many of it are in use
   std::map<int64_t, deployment> open{};  // whose first record has not come yet
@@ -73,16 +73,27 @@ struct gathering {
 // that a few deployments cost little. Each batch takes a server two queries.
 static constexpr size_t FIRST_BATCH = 32, LARGEST_BATCH = 1024;
 
+static bool asks_for_thing(const deployment_choice& wanted) {
+  return !wanted.field.empty() || !wanted.class_name.empty();
+}
+
+static bool find_all_names(dm::store& store, gathering& all, dm::problem& why) {
+  const deployment_choice& wanted = all.wanted;
+  return (wanted.field.empty() ||
+          find_names(store, dm::change_of::FIELD, wanted.field, all.field_names, why)) &&
+         (wanted.class_name.empty() ||
+          find_names(store, dm::change_of::CLASS, wanted.class_name, all.class_names, why));
+}
+
 static bool read_batch(dm::store& store, const dm::journal_range& range, size_t size,
                        gathering& all, dm::problem& why) {
-  const bool asks_for_thing = !all.field.empty() || !all.class_name.empty();
   all.batch.resize(size);
   all.filled = 0;
   const auto take = [&](const dm::journal_record& record) {
     counted_record& place = all.batch[all.filled++];
     place.record = record;
     place.fields = place.classes = {};
-    place.is_asked_for = !asks_for_thing;
+    place.is_asked_for = !asks_for_thing(all.wanted);
     return all.filled < size;
   };
   return dm::walk_records(store, range, take, why);
@@ -105,11 +116,9 @@ static void count(change_counts& counts, dm::change_how how) {
 
 static void note(const gathering& all, counted_record& at, const dm::journal_change& change) {
   const bool is_field = change.what == dm::change_of::FIELD;
-  const std::string& name = is_field ? all.field : all.class_name;
+  const auto& names = is_field ? all.field_names : all.class_names;
   count(is_field ? at.fields : at.classes, change.how);
-  if (name.size() == change.name.size() && !name.empty() && dm::folded(change.name) == name) {
-    at.is_asked_for = true;
-  }
+  if (is_of(names, at.record.number, change.name)) at.is_asked_for = true;
 }
 
 // Reads the changes between the oldest and the newest record that may be wanted.
@@ -205,6 +214,7 @@ static void finish_rest(gathering& all) {
 bool walk_deployments(dm::store& store, const deployment_choice& wanted,
                       const deployment_visitor& visitor, dm::problem& why) {
   gathering all{wanted, visitor};
+  if (!find_all_names(store, all, why)) return false;
   dm::journal_range range;
   range.newest_first = true;
   for (size_t size = FIRST_BATCH; all.goes_on; size = std::min(2 * size, LARGEST_BATCH)) {

@@ -1,8 +1,11 @@
+#include <algorithm>
+
 #include "dd/database_number.h"
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "dict/diff/values.h"
 #include "dict/history/blame.h"
+#include "dict/history/renames.h"
 #include "dm/folded.h"
 
 namespace dict {
@@ -73,12 +76,20 @@ bool take_apart(dm::change_of what, const std::string& name, const std::string& 
 
 // --- The way back ----------------------------------------------------------------------------
 
+// A rename is two changes of a record: the new name's comes first.
+static void put_new_names_first(std::vector<kept_change>& found) {
+  std::ranges::stable_sort(found, [](const kept_change& a, const kept_change& b) {
+    const bool is_added = a.how == dm::change_how::ADDED && b.how != dm::change_how::ADDED;
+    return a.record != b.record ? a.record > b.record : is_added;
+  });
+}
+
 static bool find_changes_of(reading& from, const blamed_thing& thing,
                             std::vector<kept_change>& found, dm::problem& why) {
-  const std::string key = dm::folded(thing.name);
+  std::vector<past_name> names;
+  if (!find_names(*from.store, thing.what, thing.name, names, why)) return false;
   const auto note = [&](int64_t record, const dm::journal_change& change) {
-    if (change.what == thing.what && change.name.size() == key.size() &&
-        dm::folded(change.name) == key) {
+    if (change.what == thing.what && is_of(names, record, change.name)) {
       found.push_back({record, change.how, change.head, change.tail, std::string(change.middle),
                        std::string(change.digest)});
     }
@@ -86,7 +97,9 @@ static bool find_changes_of(reading& from, const blamed_thing& thing,
   };
   dm::journal_range range;
   range.newest_first = true;
-  return dm::walk_changes(*from.store, range, note, why);
+  if (!dm::walk_changes(*from.store, range, note, why)) return false;
+  put_new_names_first(found);
+  return true;
 }
 
 // Those records of the database that changed the thing.
@@ -124,15 +137,26 @@ static bool take_back(const dm::journal_change& change, std::string& state) {
   return true;
 }
 
+// Whether the change is one half of a rename, whose other half comes behind it.
+static bool is_renamed(const std::vector<kept_change>& changes, size_t at) {
+  return at + 1 < changes.size() && changes[at].how == dm::change_how::ADDED &&
+         changes[at + 1].record == changes[at].record;
+}
+
 static bool go_back(const blamed_thing& thing, taken_apart& present, std::string state,
                     const std::vector<kept_change>& changes,
                     const std::map<int64_t, dm::journal_record>& records, dm::problem& why) {
-  for (const kept_change& kept : changes) {
+  for (size_t i = 0; i < changes.size(); ++i) {
+    const kept_change& kept = changes[i];
     const auto record = records.find(kept.record);
-    if (record == records.end()) continue;  // of another database
+    const bool is_elsewhere = record == records.end();  // of another database
+    if (is_elsewhere || is_renamed(changes, i)) continue;
     const dm::journal_change change = kept.borrowed(thing.what, thing.name);
     taken_apart before;
-    if (!take_back(change, state)) return dm::damaged_record(kept.record, why);
+    const bool is_old_name =
+        kept.how == dm::change_how::DELETED && i > 0 && is_renamed(changes, i - 1);
+    if (is_old_name) state = kept.middle;
+    if (!is_old_name && !take_back(change, state)) return dm::damaged_record(kept.record, why);
     const bool goes_on = dm::was_there(change);
     if (goes_on && !take_apart(thing.what, thing.name, state, before, why)) return false;
     settle(present, before.values, record->second, kept.how == dm::change_how::FOUND);

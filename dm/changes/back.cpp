@@ -103,14 +103,4 @@ bool find_undone(store& store, const database_row& database, int64_t deployment,
   return true;
 }
 
-bool find_reverted(store& store, const database_row& database, int64_t record,
-                   std::vector<wanted_thing>& wanted, problem& why) {
-  past then;
-  if (!look_back(store, database, record, then, why)) return false;
-  for (const auto& [key, thing] : then) {
-    wanted.push_back({change_of{key[0]}, thing.name, thing.state});
-  }
-  return true;
-}
-
 }  // namespace dm

@@ -1,6 +1,4 @@
-// The changes that lead back: from a deployment to what was before it, or to the state after one.
-// Both need an open transaction of a dictionary that has a journal. They give false with the reason
-// when the store fails or the journal does not reach back so far (TAV_ERR_NOT_FOUND).
+// The changes that lead back to what was before a deployment.
 #ifndef DM_CHANGES_BACK_H
 #define DM_CHANGES_BACK_H
 
@@ -10,14 +8,11 @@ namespace dm {
 
 // What gives the things that the deployment changed in the database the states that they had before
 // it. One that somebody else has changed since, and that is not as the deployment left it, is
-// refused.
+// refused. Needs an open transaction of a dictionary that has a journal. False with the reason when
+// the store fails or the journal does not reach back so far (TAV_ERR_NOT_FOUND).
 bool find_undone(store& store, const database_row& database, int64_t deployment,
                  std::vector<wanted_thing>& wanted, std::vector<refused_change>& refused,
                  problem& why);
-
-// What gives the database the state after the record.
-bool find_reverted(store& store, const database_row& database, int64_t record,
-                   std::vector<wanted_thing>& wanted, problem& why);
 
 }  // namespace dm
 

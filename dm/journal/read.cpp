@@ -1,7 +1,6 @@
 #include "dm/journal/read.h"
 
-#include <algorithm>
-#include <vector>
+#include <list>
 
 #include "dd/database_number.h"
 #include "dm/folded.h"
@@ -167,7 +166,7 @@ struct kept_field {
 
 bool past_fields(store& store, int64_t database, const past& at, visitor<field_row> visitor,
                  problem& why) {
-  std::vector<kept_field> kept;
+  std::list<kept_field> kept;  // short texts would move with what holds them
   for (const auto& [key, thing] : at) {
     if (key[0] == static_cast<char>(change_of::FIELD) && thing.state)
       kept.push_back({*thing.state});
@@ -175,8 +174,7 @@ bool past_fields(store& store, int64_t database, const past& at, visitor<field_r
   for (kept_field& field : kept) {
     if (!read_field_state(field.state, field.row)) return damaged_record(0, why);
   }
-  std::sort(kept.begin(), kept.end(),
-            [](const kept_field& a, const kept_field& b) { return a.row.number < b.row.number; });
+  kept.sort([](const kept_field& a, const kept_field& b) { return a.row.number < b.row.number; });
   auto next = kept.begin();
   bool goes_on = true;
   const auto give_to = [&](int64_t number) {

@@ -1,9 +1,13 @@
 // What the operations cannot do: any state that keeps the rules, in one transaction; and what a
 // session meets that fetched before.
+#include <algorithm>
+#include <map>
+#include <random>
 #include <sstream>
 
 #include "bench.h"
 #include "dict/check/check.h"
+#include "dm/changes/back.h"
 #include "dm/changes/changes.h"
 #include "dm/journal/hash.h"
 #include "dm/journal/read.h"
@@ -162,4 +166,181 @@ TEST_F(changes, of_others_that_took_something_away_are_a_conflict) {
   EXPECT_EQ(late.set_classes("/a/b\n", 128), "CONFLICT TAV_FLD_NAME");
   EXPECT_EQ(fresh.set_fields("STRING F_A 5008\n"), "ok");
   EXPECT_EQ(fresh.set_classes("/a/b\n"), "ok");
+}
+
+// --- Random sequences ----------------------------------------------------------------------------
+
+using things = std::map<std::string, std::string>;  // states by name
+
+namespace {
+
+// A naive model of the dictionary, and of the ways to change it.
+struct model {
+  std::mt19937 chance{23};
+  things now{};
+  int serial = 0;
+
+  int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(chance); }
+  std::string a_field() { return "F_" + std::to_string(below(6)); }
+  std::string a_class() {
+    static const char* const NAMES[] = {"/a", "/b", "/a/x", "/b/x"};
+    return NAMES[below(4)];
+  }
+  bool is_used(const std::string& name) const {
+    const bool is_class = name[0] == '/';
+    return std::any_of(now.begin(), now.end(), [&](const auto& each) {
+      return each.first[0] == '/' &&
+             (is_class ? each.first.rfind(name + "/", 0) == 0
+                       : each.second.find("\"" + name + "\"") != each.second.npos);
+    });
+  }
+  void put(const wanted_thing& thing) { now[thing.name] = *thing.state; }
+
+  void put_class() {
+    const std::string name = a_class(), top = name.substr(0, 2);
+    std::vector<std::string> entries;
+    for (int i = 0; i < 6; ++i) {
+      const std::string field = "F_" + std::to_string(i);
+      if (now.count(field) != 0 && below(2) == 0) entries.push_back(field);
+    }
+    if (name == top) put(storable(name, "t_" + std::to_string(++serial), entries));
+    if (name != top && now.count(top) != 0) now[name] = "{\"name\":\"" + name + "\"}";
+  }
+  void put_field() {
+    const std::string name = a_field();
+    const int number = now.count(name) != 0 ? std::stoi(now[name]) : 5010 + below(1000000);
+    put(field(name, number, TAV_FLDT_STRING, below(3) == 0 ? "" : std::to_string(below(9))));
+  }
+  void drop() {
+    const std::string name = below(2) == 0 ? a_field() : a_class();
+    if (!is_used(name)) now.erase(name);
+  }
+  // A field wherever its name stands, columns too; the class /a and what is below it.
+  void rename() {
+    const bool is_field = below(2) == 0;
+    const std::string from = is_field ? a_field() : "/a", to = is_field ? a_field() : "/b";
+    if (now.count(from) == 0 || now.count(to) != 0 || is_used(to)) return;
+    const std::string mark = is_field ? from : "\"name\":\"" + from;
+    const std::string put = is_field ? to : "\"name\":\"" + to;
+    things renamed;
+    for (auto [name, state] : now) {
+      for (size_t at = 0; (at = state.find(mark, at)) != state.npos; at += put.size()) {
+        state.replace(at, mark.size(), put);
+      }
+      const bool is_it = name.rfind(from, 0) == 0;
+      renamed[is_it ? to + name.substr(from.size()) : name] = state;
+    }
+    now = std::move(renamed);
+  }
+  void step() {
+    switch (below(5)) {
+      case 0:
+        return put_field();
+      case 1:
+        return put_class();
+      case 2:
+        return drop();
+      case 3:
+        return rename();
+      default:
+        put_field(), put_class(), put_field();
+    }
+  }
+};
+
+}  // namespace
+
+static std::vector<wanted_thing> difference(const things& before, const things& after) {
+  std::vector<wanted_thing> wanted;
+  for (const auto& [name, state] : before) {
+    if (after.count(name) == 0) wanted.push_back(gone(name));
+  }
+  for (const auto& [name, state] : after) {
+    const change_of what = name[0] == '/' ? change_of::CLASS : change_of::FIELD;
+    const auto old = before.find(name);
+    if (old == before.end() || old->second != state) wanted.push_back({what, name, state});
+  }
+  return wanted;
+}
+
+class sequences_of_changes : public changes {
+ protected:
+  things stored() const {
+    things found;
+    dm::problem why;
+    const dm::store_owner store = dm::open_dictionary(settings, {}, why);
+    auto take_field = [&](const dm::field_row& row) {
+      if (row.flags == 0) found[row.name] = dm::field_state(row);
+      return true;
+    };
+    auto take_class = [&](const dm::class_row& row) {
+      return found[row.name] = row.definition, true;
+    };
+    EXPECT_TRUE(
+        store->calls->begin(store.get(), false, why) &&
+        store->calls->fields(store.get(), 1, {}, dm::visit<dm::field_row>(take_field), why) &&
+        store->calls->classes(store.get(), 1, {}, dm::visit<dm::class_row>(take_class), why));
+    return found;
+  }
+
+  // By a deployment where that can do it: a new field.
+  std::string apply(const std::vector<wanted_thing>& wanted, const things& before) {
+    const wanted_thing& first = wanted.front();
+    const bool is_new = first.what == change_of::FIELD && before.count(first.name) == 0;
+    if (wanted.size() != 1 || !is_new) return change(wanted);
+    std::string state = *first.state;
+    dm::field_row row{};
+    dm::read_field_state(state, row);
+    client admin(settings);
+    admin.set_fields(dm::join({"STRING ", row.name, " ", std::to_string(row.number), " ",
+                               row.descr != nullptr ? row.descr : ""}));
+    return admin.close();
+  }
+
+  std::string undo_last() {
+    dm::problem why;
+    dm::journal_head end;
+    dm::change_result result;
+    std::vector<wanted_thing> wanted;
+    const dm::store_owner store = dm::open_dictionary(settings, {}, why);
+    EXPECT_TRUE(store->calls->begin(store.get(), false, why) &&
+                store->calls->journal_end(store.get(), end, why) &&
+                dm::find_undone(*store, {1, 1, 0}, end.number, wanted, result.refused, why))
+        << why.sentence;
+    EXPECT_TRUE(result.refused.empty());
+    return change(wanted);
+  }
+};
+
+TEST_F(sequences_of_changes, are_undone_one_by_one) {
+  model all;
+  all.now = stored();
+  const int rounds = on_server() ? 20 : 200;
+  int steps = 0;
+  for (int round = 0; round < rounds; ++round) {
+    std::vector<things> past;  // not undone yet
+    for (int i = all.below(4); i >= 0; --i) {
+      const things before = all.now;
+      all.step();
+      if (all.now == before) continue;
+      past.push_back(before);
+      ++steps;
+      ASSERT_EQ(apply(difference(before, all.now), before), "ok");
+      ASSERT_EQ(stored(), all.now);
+    }
+    if (past.empty()) continue;
+    const things last = all.now;
+    ASSERT_EQ(undo_last(), "ok");
+    ASSERT_EQ(stored(), past.back()) << round;
+    if (round % 2 == 0) {  // undo of the undo
+      ASSERT_EQ(undo_last(), "ok");
+      ASSERT_EQ(stored(), last) << round;
+    }
+    all.now = stored();
+    if (round % 10 == 0) {
+      ASSERT_EQ(check(), "");
+    }
+  }
+  EXPECT_EQ(check(), "");
+  EXPECT_GT(steps, rounds);
 }

@@ -1,0 +1,153 @@
+#include <unistd.h>
+
+#include <iostream>
+
+#include "dict/change/change.h"
+#include "dict/diff/json.h"
+#include "dict/terminal/visible.h"
+
+namespace dict {
+
+namespace {
+
+// What came of it.
+struct outcome {
+  const change_options& how;
+  std::vector<difference> found{};
+  dm::change_result result{};
+  bool is_done = false;
+};
+
+}  // namespace
+
+// --- What differs --------------------------------------------------------------------------------
+
+static bool add_pair(intended_change& change, const dm::wanted_thing& thing,
+                     definitions_maker& before, definitions_maker& after, dm::problem& why) {
+  std::optional<std::string> state;
+  if (!dm::present_state(*change.from.store, change.from.database.id, thing.what, thing.name, state,
+                         why)) {
+    return false;
+  }
+  return state == thing.state ||
+         ((!state || before.add(thing.what, thing.name, *state, why)) &&
+          (!thing.state || after.add(thing.what, thing.name, *thing.state, why)));
+}
+
+static bool compare_all(intended_change& change, std::vector<difference>& found, dm::problem& why) {
+  definitions before, after;
+  definitions_maker make_before(before), make_after(after);
+  for (const dm::wanted_thing& thing : change.wanted) {
+    if (!add_pair(change, thing, make_before, make_after, why)) return false;
+  }
+  progress shown("comparing");
+  return make_before.finish(why) && make_after.finish(why) &&
+         compare(before, after, {false, true, shown}, found, why);
+}
+
+// --- Telling -------------------------------------------------------------------------------------
+
+static void put_refused(json_writer& out, const dm::refused_change& refused) {
+  out.StartObject();
+  put_member(out, "what", refused.what == dm::change_of::FIELD ? "field" : "class");
+  put_member(out, "name", refused.name);
+  put_member(out, "sentence", refused.why.sentence);
+  put_number(out, "deployment", refused.by.deployment);
+  out.EndObject();
+}
+
+static void print_json(const outcome& all) {
+  json_page page;
+  page.out.StartObject();
+  put_flag(page.out, "dry_run", all.how.is_trial);
+  put_flag(page.out, "done", all.is_done && !all.how.is_trial && all.result.record != 0);
+  put_number(page.out, "deployment", all.how.is_trial ? 0 : all.result.record);
+  put_array(page.out, "refused", all.result.refused, put_refused);
+  put_differences(page.out, all.found);
+  page.out.EndObject();
+  print(page);
+}
+
+static void print_refused(const outcome& all) {
+  for (const dm::refused_change& refused : all.result.refused) {
+    std::cerr << "tav_dict: " << visible{refused.why.sentence} << '\n';
+  }
+  std::cerr << "tav_dict: Refused: nothing was changed.\n";
+}
+
+static int tell_end(const outcome& all) {
+  if (all.how.is_json) print_json(all);
+  if (dm::failed(all.result.failure)) return fail(all.result.failure);
+  if (!all.result.refused.empty()) {
+    if (!all.how.is_json) print_refused(all);
+    return FOUND;
+  }
+  if (all.how.is_json) return DONE;
+  if (all.result.record == 0 && all.result.changes == 0) {
+    std::cout << "There is nothing to do.\n";
+  } else if (all.how.is_trial) {
+    std::cout << "Nothing was changed: this was a dry run.\n";
+  } else {
+    std::cout << "Done: this is deployment " << all.result.record << ".\n";
+  }
+  return DONE;
+}
+
+static void tell_beginning(const intended_change& change, const outcome& all) {
+  for (const std::string& note : change.notes) {
+    std::cerr << "tav_dict: Note: " << visible{note} << '\n';
+  }
+  if (!all.how.is_json && !change.wanted.empty()) std::cout << as_text(all.found, {}, false);
+  std::cout.flush();
+}
+
+// --- Doing ---------------------------------------------------------------------------------------
+
+static bool change_all(intended_change& change, bool is_trial, outcome& all) {
+  dm::change_purpose purpose;
+  purpose.detail = change.detail;
+  purpose.is_trial = is_trial;
+  purpose.seen_end = change.seen_end;
+  return dm::change_things(*change.from.store, change.from.settings, change.from.database.number,
+                           change.wanted, purpose, all.result);
+}
+
+// Asks a person.
+static bool is_meant() {
+  std::cout.flush();
+  std::cerr << "Do that? Type yes: ";
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "yes";
+}
+
+// A person is asked only about what would be done. While one thinks nobody is kept waiting.
+static int try_and_ask(intended_change& change, outcome& all) {
+  if (!change_all(change, true, all) || all.result.changes == 0) return tell_end(all);
+  if (!is_meant()) {
+    dm::problem why;
+    why.sentence = "Nothing was changed.";
+    return fail(why);
+  }
+  all.is_done = change_all(change, false, all);
+  return tell_end(all);
+}
+
+int carry_out(intended_change& change, const change_options& how) {
+  outcome all{how};
+  dm::problem why;
+  const bool asks = !how.is_trial && !how.is_sure;
+  if (asks && isatty(STDIN_FILENO) == 0) {
+    why.sentence = "There is nobody to ask; --yes says that it is meant, --dry-run only tells.";
+    return fail(why);
+  }
+  all.result.refused = change.refused;
+  if (change.refused.empty() && !compare_all(change, all.found, why)) return fail(why);
+  if (change.refused.empty()) tell_beginning(change, all);
+  if (!change.refused.empty()) return tell_end(all);
+  if (asks) return try_and_ask(change, all);
+  all.is_done = change_all(change, how.is_trial, all);
+  return tell_end(all);
+}
+
+}  // namespace dict

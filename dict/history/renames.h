@@ -1,0 +1,28 @@
+// The names that a field or class had before 'tav_dict rename'.
+#ifndef DICT_HISTORY_RENAMES_H
+#define DICT_HISTORY_RENAMES_H
+
+#include <string>
+#include <vector>
+
+#include "dm/journal/read.h"
+
+namespace dict {
+
+// A folded name, and the first and last record in which it is the thing's.
+struct past_name {
+  std::string key;
+  int64_t from;
+  int64_t to;
+};
+
+// The names of what has that name now, the newest first. False with the reason.
+bool find_names(dm::store& store, dm::change_of what, const std::string& name,
+                std::vector<past_name>& names, dm::problem& why);
+
+// Whether the change of the record is one of the thing with those names.
+bool is_of(const std::vector<past_name>& names, int64_t record, std::string_view changed);
+
+}  // namespace dict
+
+#endif

@@ -1,0 +1,71 @@
+// An undo of a deployment in which every call of the disk fails, is the last before the process is
+// killed, or before the power fails: all of it is done, or nothing.
+#include <unistd.h>
+
+#include "dm/changes/back.h"
+#include "dm/open.h"
+#include "dm/session.h"
+#include "tests/faults/bench.h"
+
+// What 'tav_dict undo' does about the last deployment.
+static bool undo_last(dm::problem& why) {
+  dm::settings settings;
+  dm::database_row database{};
+  dm::journal_head end;
+  dm::change_result result;
+  std::vector<dm::wanted_thing> wanted;
+  if (!dm::read_settings(settings, why)) return false;
+  const dm::store_owner store = dm::open_dictionary(settings, {}, why);
+  const bool is_found =
+      store != nullptr && store->calls->begin(store.get(), false, why) &&
+      store->calls->journal_end(store.get(), end, why) &&
+      dm::find_database(*store, settings.database, 0, database, why) &&
+      dm::find_undone(*store, database, end.number - 1, wanted, result.refused, why);
+  dm::change_purpose purpose;
+  purpose.seen_end = end.number;
+  return is_found && !wanted.empty() &&
+         dm::change_things(*store, settings, settings.database, wanted, purpose, result);
+}
+
+static int undo(int, char**) {
+  put_disk_under_plan();
+  dm::problem why;
+  _exit(undo_last(why) ? 0 : 1);
+}
+
+class every_disk_call_of_an_undo : public fault_bench {
+ protected:
+  run_result undo_with(disk_fault fault, long call) {
+    place.restore();
+    plan() = {};
+    plan().disk = fault;
+    plan().failing_disk_call = call;
+    run_options options;
+    options.inside = undo;
+    return place.run({"undo"}, options);
+  }
+};
+
+TEST_P(every_disk_call_of_an_undo, does_all_or_nothing) {
+  place.restore();
+  const std::string before = content();
+  EXPECT_EQ(undo_with(disk_fault::NONE, 0).exit_status, 0);
+  const std::string after = content();
+  EXPECT_NE(before, after);
+  int runs = 0;
+  for (const disk_fault fault : {disk_fault::IO_ERROR, disk_fault::FULL, disk_fault::SHORT_WRITE,
+                                 disk_fault::BROKEN, disk_fault::KILL, disk_fault::POWER_LOSS}) {
+    for (long n = 1;; ++n, ++runs) {
+      SCOPED_TRACE("call " + std::to_string(n));
+      const run_result result = undo_with(fault, n);
+      if (plan().disk_calls < n) break;
+      const std::string state = content();
+      EXPECT_TRUE(state == after || (state == before && result.exit_status != 0));
+      if (fault < disk_fault::KILL) continue;
+      EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
+    }
+  }
+  EXPECT_GT(runs, 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_an_undo, testing::Values(REPLACE), mode_of);
