@@ -72,6 +72,12 @@ struct gathering {
 // Records are read in batches, so that memory holds one of them only, and the first is small, so
 // that a few deployments cost little. Each batch takes a server two queries.
 static constexpr size_t FIRST_BATCH = 32, LARGEST_BATCH = 1024;
+static constexpr size_t RECORDS_OF_A_RUN = 3;  // at most, as a rule
+
+static size_t first_batch(int64_t limit) {
+  if (limit == 0 || limit > static_cast<int64_t>(FIRST_BATCH)) return FIRST_BATCH;
+  return std::min(FIRST_BATCH, RECORDS_OF_A_RUN * static_cast<size_t>(limit));
+}
 
 static bool asks_for_thing(const deployment_choice& wanted) {
   return !wanted.field.empty() || !wanted.class_name.empty();
@@ -217,7 +223,8 @@ bool walk_deployments(dm::store& store, const deployment_choice& wanted,
   if (!find_all_names(store, all, why)) return false;
   dm::journal_range range;
   range.newest_first = true;
-  for (size_t size = FIRST_BATCH; all.goes_on; size = std::min(2 * size, LARGEST_BATCH)) {
+  for (size_t size = first_batch(wanted.limit); all.goes_on;
+       size = std::min(2 * size, LARGEST_BATCH)) {
     if (!read_batch(store, range, size, all, why) || !count_changes(store, all, why)) return false;
     for (size_t i = 0; i < all.filled && all.goes_on; ++i) add_record(all, all.batch[i]);
     if (all.filled < size) break;

@@ -8,6 +8,12 @@
 extern int messages_sent;
 extern std::string last_limit;
 
+// Cuts the client library's line to the server at its message of that number: the message does not
+// reach the server, or it does, and the answer does not come back.
+void cut_line_at(int message, bool delivered);
+// Ends that, and gives whether the line was cut.
+bool mend_line();
+
 class on_a_server : public dictionary {
  protected:
   // Waits until the server says so.

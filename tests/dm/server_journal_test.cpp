@@ -1,5 +1,6 @@
-// A server that refuses one row of a deployment, whichever: what is stored and what the journal
-// tells stay the same thing.
+// What a server that refuses one row of a deployment, or is lost in an upgrade or a prune, keeps of
+// the journal: all of it or nothing.
+#include "dm/journal/begin.h"
 #include "server.h"
 #include "told.h"
 
@@ -90,4 +91,75 @@ TEST_F(on_a_server, that_refuses_a_row_keeps_change_and_record_or_neither) {
   EXPECT_GT(kept[0], 5);
   EXPECT_GT(kept[1], 5);
   EXPECT_GT(kept[2], 3);
+}
+
+// --- Upgrade and prune -----------------------------------------------------------------------
+
+static bool forget_all_before(dm::store& store, dm::problem& why) {
+  dm::journal_head end;
+  dm::journal_draft draft;
+  dm::journal_run run;
+  if (!store.calls->journal_end(&store, end, why)) return false;
+  const std::string next = std::to_string(end.number + 1);
+  const std::string detail = "{\"before\":" + next + ",\"hash\":\"" + end.hash + "\"}";
+  return dm::add_event(store, draft, run, {dm::journal_kind::PRUNE, 0, detail}, why) &&
+         store.calls->forget_records(&store, end.number + 1, why);
+}
+
+namespace {
+
+struct whole_work {
+  bool (*carry_out)(dm::store&, dm::problem&);
+  std::string prepare;  // SQL that brings about the state before
+  std::string state;    // SQL that tells of it, with how many guards there are
+  std::string before, after;
+};
+
+}  // namespace
+
+static constexpr char GUARDS[] =
+    " || (SELECT count(*)::TEXT FROM pg_trigger WHERE tgenabled = 'O' AND NOT tgisinternal AND"
+    " tgrelid IN (SELECT c.oid FROM pg_class c JOIN pg_namespace n ON n.oid = relnamespace"
+    " WHERE nspname = current_schema()))";
+
+static const whole_work WORKS[] = {
+    {forget_all_before,
+     "INSERT INTO dd_journal SELECT max(number) + 1, 1, 0, '', '', '', '', '', '', session_user,"
+     " '', '', '', '', '', '', '', '', '' FROM dd_journal HAVING count(*) = 1",
+     dm::join({"SELECT CASE WHEN count(*) > 1 THEN 'long' ELSE min(kind) END", GUARDS,
+               " FROM dd_journal"}),
+     "long4\n", "prune4\n"},
+    {dm::upgrade_dictionary,
+     "DROP TABLE IF EXISTS dd_identity, dd_journal, dd_journal_changes;"
+     "DROP FUNCTION IF EXISTS dd_journal_keep, dd_journal_role; UPDATE dd_schema SET version = 1",
+     dm::join({"SELECT version", GUARDS, " FROM dd_schema"}), "10\n", "24\n"},
+};
+
+TEST_F(on_a_server, a_line_cut_in_a_prune_or_an_upgrade_leaves_all_or_nothing) {
+  dm::open_options options;
+  options.may_upgrade = true;
+  // Gives whether the work took that many messages.
+  const auto cut = [&](const whole_work& work, int message, bool delivered) {
+    SCOPED_TRACE(work.before + std::to_string(message));
+    dm::problem why;
+    EXPECT_EQ(query(work.prepare + ";" + work.state), work.before);
+    cut_line_at(message, delivered);
+    dm::store_owner store = dm::open_dictionary(settings, options, why);
+    const bool is_done = store != nullptr && store->calls->begin(store.get(), true, why) &&
+                         work.carry_out(*store, why) && store->calls->commit(store.get(), why);
+    store.reset();
+    const bool is_cut = mend_line();
+    opened(settings, true, options);  // waits until the server has ended what was begun
+    const std::string state = query(work.state);
+    EXPECT_TRUE(state == work.after || (state == work.before && !is_done)) << state;
+    EXPECT_TRUE(is_cut || is_done) << why.sentence;
+    return is_cut;
+  };
+  for (const whole_work& work : WORKS) {
+    for (const bool delivered : {false, true}) {
+      int message = 1;
+      while (cut(work, message, delivered)) ++message;
+      EXPECT_GT(message, 10);
+    }
+  }
 }

@@ -11,10 +11,20 @@
 int messages_sent = 0;
 std::string last_limit;
 
-// The client library's line to the server is cut at its message of that number: the message does
-// not reach the server, or it does, and the answer does not come back.
 static int messages_to_cut = 0, cut_line = -1;
 static bool is_delivered = false;
+
+void cut_line_at(int message, bool delivered) {
+  messages_to_cut = message;
+  is_delivered = delivered;
+}
+
+bool mend_line() {
+  const bool is_cut = messages_to_cut <= 0;
+  messages_to_cut = 0;
+  cut_line = -1;
+  return is_cut;
+}
 
 extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags) {
   ++messages_sent;
@@ -157,17 +167,15 @@ static std::string deploy(const dm::settings& settings) {
 
 TEST_F(on_a_server, a_line_cut_at_any_message_leaves_nothing_half_done) {
   int unknown = 0;
-  bool is_whole = false;
+  bool is_whole = false, delivered = false;
   int64_t number = 3;  // of the next record
-  for (int message = 1; !is_whole || !is_delivered; ++message) {
-    if (is_whole) message = 1, is_delivered = true;
+  for (int message = 1; !is_whole || !delivered; ++message) {
+    if (is_whole) message = 1, delivered = true;
     SCOPED_TRACE(message);
     const size_t logged = log("cm").size();
-    messages_to_cut = message;
+    cut_line_at(message, delivered);
     const std::string result = deploy(settings);
-    is_whole = messages_to_cut > 0;
-    messages_to_cut = 0;
-    cut_line = -1;
+    is_whole = !mend_line();
     // No lock is left, once the server knows.
     EXPECT_EQ(client(settings, 5000).set_fields("STRING F_NEXT 5002\n"), "ok");
     client reader(settings);
