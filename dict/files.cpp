@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -201,14 +202,28 @@ static bool cannot_be_written(const std::string& name, dm::problem& why) {
   return false;
 }
 
+// The mode that a new file gets. Nobody else makes files meanwhile: there is one thread.
+static mode_t new_mode() {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
+// Gives the file its name, unless there is one of that name by now.
+static bool name_new(new_file& made, const std::string& name) {
+  if (::renameat2(AT_FDCWD, made.path.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0) {
+    made.path.clear();
+    return true;
+  }
+  return errno == EINVAL && ::link(made.path.c_str(), name.c_str()) == 0;
+}
+
+// It has its name only once it is whole.
 static bool write_new(const std::string& name, std::string_view text, dm::problem& why) {
   new_file made;
-  made.open.number = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (made.open.number < 0) return cannot_be_written(name, why);
-  made.path = name;
-  if (!write_all(made.open.number, text)) return cannot_be_written(name, why);
-  made.path.clear();
-  return true;
+  const bool is_named = make_beside(name, made) && ::fchmod(made.open.number, new_mode()) == 0 &&
+                        write_all(made.open.number, text) && name_new(made, name);
+  return is_named || cannot_be_written(name, why);
 }
 
 static bool write_to(const std::string& name, std::string_view text, dm::problem& why) {

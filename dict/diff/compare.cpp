@@ -27,9 +27,18 @@ struct matched {
 
 }  // namespace
 
+// What only `before` has.
+static void add_missing(const both& sides, const std::unordered_set<tav_flist_t*>& taken,
+                        std::vector<matched>& pairs, tav_ebuf* ebuf) {
+  dd_walk rest(sides.before, sides.array);
+  while (tav_flist_t* element = rest.next(at(ebuf, HERE))) {
+    if (taken.count(element) == 0) pairs.push_back({element, nullptr});
+  }
+}
+
 // Pairs the elements. Of several with the same name the first is paired with the first, and so on.
-// Gives the pairs in the order of `after`, then what only `before` has.
-static std::vector<matched> match(const both& sides, tav_ebuf* ebuf) {
+// Gives the pairs in the order of `after`, then, if it is wanted, what only `before` has.
+static std::vector<matched> match(const both& sides, bool with_missing, tav_ebuf* ebuf) {
   dd_index<dd_by_name> unmatched;
   std::vector<matched> result;
   std::unordered_set<tav_flist_t*> taken;
@@ -45,10 +54,7 @@ static std::vector<matched> match(const both& sides, tav_ebuf* ebuf) {
     if (old != nullptr) unmatched.remove(name, old), taken.insert(old);
     result.push_back({old, element});
   }
-  dd_walk rest(sides.before, sides.array);
-  while (tav_flist_t* element = rest.next(at(ebuf, HERE))) {
-    if (taken.count(element) == 0) result.push_back({element, nullptr});
-  }
+  if (with_missing) add_missing(sides, taken, result, ebuf);
   return result;
 }
 
@@ -76,7 +82,7 @@ static void compare_pair(const element_kind& kind, const matched& pair, bool is_
 static void compare_entries(const matched& parent, bool is_deployment,
                             std::vector<difference>& found, tav_ebuf* ebuf) {
   const both sides{ENTRY, TAV_FLD_OBJ_ELEM, parent.before, parent.after};
-  for (const matched& pair : match(sides, ebuf)) {
+  for (const matched& pair : match(sides, true, ebuf)) {
     compare_pair(ENTRY, pair, is_deployment, found, ebuf);
   }
 }
@@ -101,19 +107,18 @@ static bool is_predefined(tav_flist_t* field, tav_ebuf* ebuf) {
 }
 
 // Whether the pair is one that the comparison passes over.
-static bool is_left_out(const matched& pair, const comparison& how, tav_ebuf* ebuf) {
+static bool is_left_out(const matched& pair, tav_ebuf* ebuf) {
   if (pair.before != nullptr && pair.after != nullptr) return false;
-  if (pair.after == nullptr && !how.lists_missing) return true;
   return is_predefined(pair.after != nullptr ? pair.after : pair.before, ebuf);
 }
 
 static void compare_lists(const both& sides, const comparison& how, const char* doing,
                           std::vector<difference>& found, tav_ebuf* ebuf) {
-  const std::vector<matched> pairs = match(sides, ebuf);
+  const std::vector<matched> pairs = match(sides, how.lists_missing, ebuf);
   next(how.shown, doing, pairs.size());
   for (const matched& pair : pairs) {
     if (dd_failed(*ebuf)) return;
-    if (!is_left_out(pair, how, ebuf)) {
+    if (!is_left_out(pair, ebuf)) {
       compare_pair(sides.kind, pair, how.is_deployment, found, ebuf);
     }
     step(how.shown);

@@ -70,14 +70,16 @@ dm::deployment_lists lists_of(const judged& files, uint64_t database) {
   return {database, files.sent.fields.get(), files.sent.classes.get()};
 }
 
+bool try_lists(snapshot& on, judged& files, dm::problem& why) {
+  const as_if_writeable allowed(on.session.settings);
+  return dm::try_deployment(on.session, lists_of(files, on.database.number), files.result, why);
+}
+
 // The data manager tells its first refusal; which others there are, its rules are asked only then.
 static std::vector<lint::refusal> refused(snapshot& on, const lint::deployment& sent,
                                           judged& result) {
   take(sent, result.sent);
-  const as_if_writeable allowed(on.session.settings);
-  const bool is_taken = dm::try_deployment(on.session, lists_of(result, on.database.number),
-                                           result.result, result.refusal);
-  if (is_taken) return {};
+  if (try_lists(on, result, result.refusal)) return {};
   return refusals_of(on.held.fields.get(), on.held.classes.get(), sent);
 }
 

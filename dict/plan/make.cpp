@@ -93,16 +93,14 @@ static bool look_at_class(looking& in, const dm::outcome& storable) {
 
 // --- The plan ------------------------------------------------------------------------------------
 
-// Whether the definitions, read again, come to the same as the files. What the data manager stores
-// is compared, so that nothing that was lost on the way is missed.
-static bool means_the_same(snapshot& on, const plan& made, dm::problem& why) {
-  std::vector<lint::source> again;
-  again.push_back({"plan", syntax::read(made.definitions)});
-  judged read;
-  judge(on, again, read);
-  const digests_of_things results = results_of(read.result);
-  if (!is_refused(read) && results.fields == made.results.fields &&
-      results.classes == made.results.classes)
+// Whether the definitions, read again, come to the same as the files. What the data manager would
+// store is compared, so that nothing that was lost on the way is missed.
+static bool means_the_same(snapshot& on, const judged& files, const plan& made, dm::problem& why) {
+  judged again;
+  const bool is_read = read_again(made.definitions, files, again.sent);
+  const bool is_taken = is_read && try_lists(on, again, why);
+  const digests_of_things results = results_of(again.result);
+  if (is_taken && results.fields == made.results.fields && results.classes == made.results.classes)
     return true;
   why.sentence =
       "The definitions of what changes mean something else without the rest of these files; deploy "
@@ -141,7 +139,7 @@ bool make_plan(snapshot& on, const std::vector<lint::source>& sources, const jud
     const bool is_field = one.what == dm::change_of::FIELD;
     if (!(is_field ? look_at_field : look_at_class)(in, one)) return false;
   }
-  return files.result.changes.empty() || means_the_same(on, made, why);
+  return files.result.changes.empty() || means_the_same(on, files, made, why);
 }
 
 }  // namespace dict

@@ -52,6 +52,9 @@ dm::deployment_lists lists_of(const judged& files, uint64_t database);
 // Lets lint and the data manager judge the sources in the snapshot. Locks and writes nothing.
 void judge(snapshot& on, const std::vector<lint::source>& sources, judged& result);
 
+// Asks the data manager alone what becomes of the lists. False with its refusal.
+bool try_lists(snapshot& on, judged& files, dm::problem& why);
+
 // The differences, as `diff` finds them; of definitions that cannot be read, none.
 bool find_differences(snapshot& on, judged& files, std::vector<difference>& found,
                       dm::problem& why);
@@ -95,6 +98,9 @@ struct plan {
 
 // The definitions of what changes, as exports lay them out.
 std::string changed_definitions(const std::vector<lint::source>& sources, const judged& files);
+
+// Reads them again, in the order in which those of the files are sent. False where they cannot be.
+bool read_again(const std::string& text, const judged& files, definitions& result);
 
 // Makes the plan; false with the reason.
 bool make_plan(snapshot& on, const std::vector<lint::source>& sources, const judged& files,

@@ -46,10 +46,18 @@ static bool compare_things(search& in, present_digests& present, dm::change_of w
   return true;
 }
 
+static dm::key_set keys_of(const digests& all) {
+  dm::key_set keys;
+  for (const auto& [name, unused] : all) keys.insert(dm::folded(name));
+  return keys;
+}
+
+// A field of the plan's own name is told by its name.
 static bool compare_numbers(search& in) {
+  const dm::key_set own = keys_of(in.made.known.fields);
   for (const auto& [number, unused] : in.made.numbers) {
     auto note = [&, taken = number](const dm::field_row& row) {
-      if (in.made.known.fields.count(row.name) == 0)
+      if (own.count(dm::folded(row.name)) == 0)
         in.found.push_back(
             {dm::change_of::FIELD, row.name, "was added", " with the number " + taken});
       return true;
@@ -89,8 +97,7 @@ static bool compare_tables(search& in) {
 }
 
 static bool compare_below(search& in) {
-  dm::key_set known;
-  for (const auto& [name, unused] : in.made.known.classes) known.insert(dm::folded(name));
+  dm::key_set known = keys_of(in.made.known.classes);
   for (const std::string& upper : in.made.complete) {
     auto note = [&](const dm::class_row& row) {
       if (known.insert(dm::folded(row.name)).second)

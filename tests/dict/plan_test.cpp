@@ -1,6 +1,8 @@
 // A plan is stale exactly where something that it touches or depends on changed since.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/tool/workshop.h"
 
 static const char BASE[] =
@@ -127,6 +129,7 @@ TEST_F(planning, is_stale_exactly_where_something_changed) {
     }
     EXPECT_EQ(done.out.rfind(std::string(row.stale) + " by deployment 5 at ", 0), 0u) << done.out;
     EXPECT_EQ(last_line(done.out), "Nothing was deployed: make the plan anew.");
+    EXPECT_EQ(std::count(done.out.begin(), done.out.end(), '\n'), 2) << done.out;
     EXPECT_EQ(place.dictionary(), before);
   }
   EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
@@ -193,4 +196,21 @@ TEST_F(planning, is_done_where_everything_is_so_already) {
   make(WANTED);
   deploy(WANTED);
   EXPECT_EQ(apply().out, "Nothing to do: everything is as the plan would make it.\n");
+}
+
+// While a person thinks, somebody else deploys: what was looked at before the question does not
+// count.
+TEST_F(planning, looks_again_when_the_question_is_answered) {
+  make(WANTED);
+  place.write("other.def", "STORABLE CLASS /a/b { DESCR = \"x\"; }");
+  place.write("job.sh", "until grep -q 'Type yes' asked; do sleep 0.05; done; " TAV_DEPLOY
+                        " replace other.def >/dev/null 2>&1; echo yes; sleep 0.2\n");
+  place.write("ask.sh", "touch asked; sh job.sh | script -qefc '" TAV_DICT
+                        " apply a.plan' /dev/null | tee asked\n");
+  run_options options;
+  options.program = "/bin/sh";
+  const std::string out = place.run({"ask.sh"}, options).out;
+  EXPECT_NE(out.find("Type yes"), out.npos) << out;
+  EXPECT_NE(out.find("Class '/a/b' was changed by deployment 5 at "), out.npos) << out;
+  EXPECT_NE(out.find("Nothing was deployed: make the plan anew."), out.npos) << out;
 }

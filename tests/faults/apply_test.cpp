@@ -91,7 +91,7 @@ TEST_P(every_disk_call_of_an_apply, deploys_all_or_nothing) {
       ++runs;
       const std::string state = answer(STATE);
       EXPECT_TRUE(state == new_state || (state == old_state && result.exit_status != 0)) << state;
-      EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
+      if (n % 4 == 0) EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
     }
   }
   EXPECT_GT(runs, 30);

@@ -247,22 +247,25 @@ TEST(examples, tell_a_pipeline_what_is_to_be_done) {
   const auto ci = [&](words files) {
     return shell(place, TAV_EXAMPLES "/ci.sh", files).exit_status;
   };
-  EXPECT_EQ(ci({"fields.def"}), 1);
-  ASSERT_EQ(place.run({"create", "fields.def"}).exit_status, 0);
-  EXPECT_EQ(ci({"fields.def"}), 0);
-  EXPECT_EQ(ci({"fields.def", "none.def"}), 2);
+  EXPECT_EQ(ci({"plan", "a.plan", "fields.def"}), 1);
+  EXPECT_EQ(ci({"apply", "a.plan"}), 0);
+  EXPECT_EQ(ci({"plan", "b.plan", "fields.def"}), 0);
+  EXPECT_EQ(ci({"plan", "b.plan", "fields.def", "none.def"}), 2);
   // Annotations: what is wrong, and no word of the fields that are there already.
   place.write("fields.def", place.read("fields.def") + "INT X { ID = ; }\n");
   const run_result annotated =
-      shell(place, "/usr/bin/env", {"GITHUB_ACTIONS=true", TAV_EXAMPLES "/ci.sh", "fields.def"});
+      shell(place, "/usr/bin/env",
+            {"GITHUB_ACTIONS=true", TAV_EXAMPLES "/ci.sh", "plan", "a.plan", "fields.def"});
   EXPECT_EQ(annotated.out.rfind("::error file=fields.def,line=117,", 0), 0u) << annotated.out;
   EXPECT_EQ(std::count(annotated.out.begin(), annotated.out.end(), '\n'), 1) << annotated.out;
-  shell(place, "/usr/bin/env", {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "fields.def"});
+  shell(place, "/usr/bin/env",
+        {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "plan", "a.plan", "fields.def"});
   EXPECT_NE(place.read("gl-code-quality-report.json").find("\"begin\": 117"), std::string::npos);
   ASSERT_TRUE(fs::remove(place.path("gl-code-quality-report.json")));
   ASSERT_TRUE(fs::create_directory(place.path("gl-code-quality-report.json")));
   const run_result unwritten =
-      shell(place, "/usr/bin/env", {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "fields.def"});
+      shell(place, "/usr/bin/env",
+            {"GITLAB_CI=true", TAV_EXAMPLES "/ci.sh", "plan", "a.plan", "fields.def"});
   EXPECT_NE(unwritten.err.find("gl-code-quality-report.json"), std::string::npos);
 }
 

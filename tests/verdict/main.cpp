@@ -29,6 +29,15 @@ static bool check(const workshop& in, const std::string& what,
   return result == agreement::COMMITTED;
 }
 
+static void check_plan(const workshop& in, const std::string& what,
+                       const std::vector<std::string>& files, const std::string& input) {
+  const std::string difference = compare_plan(in, files, input);
+  ++compared;
+  if (difference.empty()) return;
+  ++different;
+  std::cout << what << ", plan: " << difference << '\n';
+}
+
 // --- Case files ----------------------------------------------------------------------------------
 
 namespace {
@@ -99,6 +108,8 @@ static void check_case(const case_of_files& one) {
   for (const case_run& run : one.runs) {
     if (is_import(in, run)) {
       in.save();
+      check_plan(in, one.title, {run.words.begin() + 1, run.words.end()}, run.input);
+      in.restore();
       check(in, one.title, {run.words.begin() + 1, run.words.end()}, run.input);
       in.restore();
     }
@@ -219,6 +230,8 @@ static void check_mutations(size_t count, uint64_t seed) {
       mutate(text, random);
       in.write(name, text);
     }
+    if (i % 10 == 0) check_plan(in, "mutation " + std::to_string(i), NAMES, "");
+    in.restore();
     if (check(in, "mutation " + std::to_string(i), NAMES)) in.restore();
   }
 }

@@ -15,4 +15,9 @@ enum class agreement { SAME, DIFFERENT, COMMITTED };
 agreement compare(const workshop& in, const std::vector<std::string>& files,
                   const std::string& input, std::string& difference);
 
+// In what plan, diff and replace of the files do not agree, and apply with replace; "" for nothing.
+// The dictionary must be saved; it is as it was afterwards, unless they disagree.
+std::string compare_plan(const workshop& in, const std::vector<std::string>& files,
+                         const std::string& input);
+
 #endif
