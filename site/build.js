@@ -42,9 +42,16 @@ addEventListener("beforeprint", () => [...waiting].forEach((showAll) => showAll(
 // {head, cell(row) -> text or element, csv(row) -> text}.
 function tableOf(title, columns, rows, options = {}) {
   const body = make("tbody");
-  const row = (item) => make("tr", options.row?.(item) ?? {}, columns.map((c) => cellOf(c, item)));
+  const row = (item) =>
+    make(
+      "tr",
+      options.row?.(item) ?? {},
+      columns.map((c) => cellOf(c, item)),
+    );
   const whole = (button) => make("tr", {}, make("td", { colspan: columns.length }, button));
-  const heads = columns.map((column) => make("th", { scope: "col", class: column.class }, column.head));
+  const heads = columns.map((column) =>
+    make("th", { scope: "col", class: column.class }, column.head),
+  );
   const table = make("table", {}, make("thead", {}, make("tr", {}, heads)), body);
   appendPieces(body, rows, row, whole);
   const take = make(
@@ -56,7 +63,13 @@ function tableOf(title, columns, rows, options = {}) {
   return make(
     "section",
     {},
-    make("h2", {}, `${title} `, make("span", { class: "count" }, rows.length.toLocaleString("en")), take),
+    make(
+      "h2",
+      {},
+      `${title} `,
+      make("span", { class: "count" }, rows.length.toLocaleString("en")),
+      take,
+    ),
     rows.length === 0
       ? make("p", { class: "none" }, options.none ?? "None.")
       : make("div", { class: "wide", tabindex: "0", role: "region", "aria-label": title }, table),
@@ -75,7 +88,11 @@ function csvRows(columns, rows) {
 
 function facts(pairs) {
   const given = pairs.filter(([, value]) => value !== "" && value !== undefined && value !== null);
-  return make("dl", {}, given.map(([name, value]) => [make("dt", {}, name), make("dd", {}, value)]));
+  return make(
+    "dl",
+    {},
+    given.map(([name, value]) => [make("dt", {}, name), make("dd", {}, value)]),
+  );
 }
 
 // Paragraphs of a description.

@@ -34,9 +34,16 @@ function showHead() {
   const home = document.getElementById("home");
   home.textContent = shown(site.title);
   home.href = placeOf("");
-  const names = [["classes", "Classes"], ["fields", "Fields"], ["tables", "Tables"], ["changes", "Changes"]];
+  const names = [
+    ["classes", "Classes"],
+    ["fields", "Fields"],
+    ["tables", "Tables"],
+    ["changes", "Changes"],
+  ];
   const kind = route().kind;
-  const links = names.map(([place, text]) => make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text));
+  const links = names.map(([place, text]) =>
+    make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text),
+  );
   document.getElementById("nav").replaceChildren(...links);
 }
 

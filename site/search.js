@@ -104,12 +104,23 @@ function hitOf({ k, i }) {
   const rows = current[kind];
   const name = rows.names[i];
   if (one === "field") {
-    return { one, name, about: `${rows.numbers[i]} ${current.types[rows.types[i]]}`, text: rows.texts[i] };
+    return {
+      one,
+      name,
+      about: `${rows.numbers[i]} ${current.types[rows.types[i]]}`,
+      text: rows.texts[i],
+    };
   }
   if (one === "class") return { one, name, about: "", text: rows.texts[i] };
   const owner = current.classes.names[rows.classes[i]];
   const table = one === "column" ? current.tables.names[rows.tables[i]] : name;
-  return { one, name, about: owner, text: one === "column" ? (table ?? "") : "", table: table ?? "" };
+  return {
+    one,
+    name,
+    about: owner,
+    text: one === "column" ? (table ?? "") : "",
+    table: table ?? "",
+  };
 }
 
 function hitLink(hit) {
@@ -127,7 +138,9 @@ const hitColumns = [
 function searchPage(text) {
   const { hits, count } = search(current, text);
   const note =
-    count > hits.length ? make("p", {}, `${counted(count, "thing")} fit; the best are shown.`) : null;
+    count > hits.length
+      ? make("p", {}, `${counted(count, "thing")} fit; the best are shown.`)
+      : null;
   const title = `Search: ${text}`;
   const list = tableOf("Found", hitColumns, hits.map(hitOf), { none: "Nothing fits." });
   list.id = "found";
