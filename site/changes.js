@@ -19,10 +19,10 @@ const deploymentColumns = [
   { head: "When", cell: (one) => timeOf(one.time), class: "when" },
   { head: "Who", cell: (one) => one.who },
   { head: "With", cell: (one) => `${one.program} ${one.mode}` },
-  { head: "Fields", cell: (one) => countsText(one.fields) },
-  { head: "Classes", cell: (one) => countsText(one.classes) },
-  { head: "Tags", cell: (one) => one.tags.join(", ") },
-  { head: "Reason", cell: (one) => one.reason, class: "text" },
+  { head: "Fields", optional: true, cell: (one) => countsText(one.fields) },
+  { head: "Classes", optional: true, cell: (one) => countsText(one.classes) },
+  { head: "Tags", optional: true, cell: (one) => one.tags.join(", ") },
+  { head: "Reason", optional: true, cell: (one) => one.reason, class: "text" },
 ];
 
 async function changesPage() {

@@ -148,12 +148,12 @@ function entryFolds(rows) {
 function entriesSection(details) {
   const rows = rowsOfEntries(details);
   const folds = entryFolds(rows);
-  const name = (row) =>
-    indented(
-      row.depth - 1,
-      row.isHolder ? folds.button(row) : make("span", { class: "leaf" }),
-      fieldLink(row.name),
-    );
+  const name = (row) => {
+    const fold = row.isHolder ? folds.button(row) : make("span", { class: "leaf" });
+    const cell = indented(row.depth - 1, fold, fieldLink(row.name));
+    cell.classList.add("entry");
+    return cell;
+  };
   const value = (k, head, kind) => ({ head, cell: (row) => row.values[k], class: kind });
   const columns = [
     { head: "Entry", cell: name, csv: (row) => row.name, class: "name" },
@@ -179,10 +179,8 @@ function entriesSection(details) {
       csv: (row) => blameText(row.by),
       class: "number",
     });
-  const used = columns.filter(
-    (column, i) => i < 4 || rows.some((row) => column.csv?.(row) || column.cell(row)),
-  );
-  const section = tableOf("Entries", used, rows);
+  columns.slice(4).forEach((column) => (column.optional = true));
+  const section = tableOf("Entries", columns, rows);
   return watchRows(section, rows, folds);
 }
 

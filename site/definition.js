@@ -67,7 +67,7 @@ function definitionSection(details) {
       pieces.map((p) => (typeof p === "string" ? p : make("span", { class: p[0] }, p[1]))),
       "\n",
     );
-  appendPieces(text, lines, lineOf);
+  appendPieces(text, lines, lineOf, undefined, 400);
   const button = make("button", { type: "button", class: "take" }, "Copy");
   button.addEventListener("click", async () => {
     button.textContent = (await copy(plain(lines))) ? "Copied" : "Cannot be copied";

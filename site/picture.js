@@ -76,11 +76,10 @@ function picture(details, tables) {
     parts.push(line(boxWidth, one.middle, 310, middle), one.all);
   for (const one of rights.place(middle)) parts.push(line(560, middle, 620, one.middle), one.all);
   const label = `${shown(details.name)}: ${above === "" ? "no superclass" : "superclass " + shown(above)}, ${counted(children.length, "subclass", "subclasses")}, ${counted(tables.length, "table")}`;
-  const frame = {
-    viewBox: `-5 0 880 ${height}`,
-    class: "picture",
-    role: "group",
-    "aria-label": label,
-  };
-  return draw("svg", frame, parts);
+  const left = children.length === 0 ? 305 : -5; // nothing is drawn left of the class
+  const frame = { viewBox: `${left} 0 ${875 - left} ${height}`, class: "picture", role: "group" };
+  const whole = draw("svg", { ...frame, "aria-label": label }, parts);
+  whole.style.maxWidth = `${(875 - left) * 1.1}px`;
+  whole.style.minWidth = `${(875 - left) * 0.7}px`;
+  return whole;
 }

@@ -167,6 +167,7 @@ class Site(unittest.TestCase):
         text = ""
         for name in ("subscriber", "subscriber/invoiced", "device", "order"):
             self.open(self.folder, "class/" + name, "/" + name)
+            self.browser.run("dispatchEvent(new Event('beforeprint'))")
             text += self.browser.run("return document.querySelector('#definition pre').textContent")
         with open(os.path.join(self.work, "shown.def"), "w", encoding="utf-8") as out:
             out.write(text)
