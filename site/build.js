@@ -1,7 +1,7 @@
 "use strict";
 // Long lists come in pieces: the next one when the reader comes near, or asks for it.
 
-const piece = 200;
+const piece = 100;
 const waiting = new Set(); // lists that have more; print shows all
 
 const nearEnd = new IntersectionObserver(
@@ -10,7 +10,7 @@ const nearEnd = new IntersectionObserver(
 );
 
 // Appends what `build` makes of each item to the parent, and a button for the rest.
-function appendPieces(parent, items, build, wrapButton = (button) => button) {
+function appendPieces(parent, items, build, wrapButton = (button) => button, size = piece) {
   let next = 0;
   const button = make("button", { type: "button", class: "more" });
   const holder = wrapButton(button);
@@ -27,24 +27,33 @@ function appendPieces(parent, items, build, wrapButton = (button) => button) {
   };
   const showAll = () => show(Infinity);
   parent.append(holder);
-  button.showMore = () => show(piece);
+  button.showMore = () => show(size);
   button.addEventListener("click", button.showMore);
-  if (items.length > piece) {
+  if (items.length > size) {
     waiting.add(showAll);
     nearEnd.observe(button);
   }
-  show(piece);
+  show(size);
 }
 
 addEventListener("beforeprint", () => [...waiting].forEach((showAll) => showAll()));
 
 // A table with a heading above it and its rows to take along. A column is
-// {head, cell(row) -> text or element, csv(row) -> text}.
-function tableOf(title, columns, rows, options = {}) {
+// {head, cell(row) -> text or element, csv(row) -> text, optional: only where a row has a value}.
+function tableOf(title, offered, rows, options = {}) {
+  const isFilled = (column) => rows.some((item) => (column.csv ?? column.cell)(item) !== "");
+  const columns = offered.filter((column) => !column.optional || isFilled(column));
   const body = make("tbody");
-  const row = (item) => make("tr", options.row?.(item) ?? {}, columns.map((c) => cellOf(c, item)));
+  const row = (item) =>
+    make(
+      "tr",
+      options.row?.(item) ?? {},
+      columns.map((c) => cellOf(c, item)),
+    );
   const whole = (button) => make("tr", {}, make("td", { colspan: columns.length }, button));
-  const heads = columns.map((column) => make("th", { scope: "col", class: column.class }, column.head));
+  const heads = columns.map((column) =>
+    make("th", { scope: "col", class: column.class }, column.head),
+  );
   const table = make("table", {}, make("thead", {}, make("tr", {}, heads)), body);
   appendPieces(body, rows, row, whole);
   const take = make(
@@ -56,7 +65,13 @@ function tableOf(title, columns, rows, options = {}) {
   return make(
     "section",
     {},
-    make("h2", {}, `${title} `, make("span", { class: "count" }, rows.length.toLocaleString("en")), take),
+    make(
+      "h2",
+      {},
+      `${title} `,
+      make("span", { class: "count" }, rows.length.toLocaleString("en")),
+      take,
+    ),
     rows.length === 0
       ? make("p", { class: "none" }, options.none ?? "None.")
       : make("div", { class: "wide", tabindex: "0", role: "region", "aria-label": title }, table),
@@ -65,7 +80,7 @@ function tableOf(title, columns, rows, options = {}) {
 
 function cellOf(column, item) {
   const content = column.cell(item);
-  return make("td", { class: column.class, "data-head": column.head }, content);
+  return make("td", { class: column.class }, content);
 }
 
 function csvRows(columns, rows) {
@@ -75,7 +90,11 @@ function csvRows(columns, rows) {
 
 function facts(pairs) {
   const given = pairs.filter(([, value]) => value !== "" && value !== undefined && value !== null);
-  return make("dl", {}, given.map(([name, value]) => [make("dt", {}, name), make("dd", {}, value)]));
+  return make(
+    "dl",
+    {},
+    given.map(([name, value]) => [make("dt", {}, name), make("dd", {}, value)]),
+  );
 }
 
 // Paragraphs of a description.

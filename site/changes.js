@@ -10,18 +10,26 @@ function countsText(counts) {
 }
 
 const deploymentColumns = [
-  { head: "Deployment", cell: (one) => link("changes", one.number, `${one.number}`), csv: (one) => one.number, class: "number" },
+  {
+    head: "Deployment",
+    cell: (one) => link("changes", one.number, `${one.number}`),
+    csv: (one) => one.number,
+    class: "number",
+  },
   { head: "When", cell: (one) => timeOf(one.time), class: "when" },
   { head: "Who", cell: (one) => one.who },
   { head: "With", cell: (one) => `${one.program} ${one.mode}` },
-  { head: "Fields", cell: (one) => countsText(one.fields) },
-  { head: "Classes", cell: (one) => countsText(one.classes) },
-  { head: "Tags", cell: (one) => one.tags.join(", ") },
-  { head: "Reason", cell: (one) => one.reason, class: "text" },
+  { head: "Fields", optional: true, cell: (one) => countsText(one.fields) },
+  { head: "Classes", optional: true, cell: (one) => countsText(one.classes) },
+  { head: "Tags", optional: true, cell: (one) => one.tags.join(", ") },
+  { head: "Reason", optional: true, cell: (one) => one.reason, class: "text" },
 ];
 
 async function changesPage() {
-  const none = current.database === "" ? "Definition files have no history." : "The dictionary has no journal.";
+  const none =
+    current.database === ""
+      ? "Definition files have no history."
+      : "The dictionary has no journal.";
   const list = tableOf("Deployments", deploymentColumns, await deploymentsOf(), { none });
   return { title: "Changes", content: [make("h1", {}, "Changes"), list] };
 }
@@ -46,7 +54,8 @@ function changeRows(differences, depth = 0, rows = []) {
 
 function changedName(row) {
   if (row.what === "class" && find("classes", row.name) !== undefined) return classLink(row.name);
-  if (row.what !== "class" && row.what !== "" && find("fields", row.name) !== undefined) return fieldLink(row.name);
+  if (row.what !== "class" && row.what !== "" && find("fields", row.name) !== undefined)
+    return fieldLink(row.name);
   return row.name;
 }
 
@@ -55,7 +64,12 @@ function changeLine(row) {
 }
 
 const changeColumns = [
-  { head: "Change", cell: changeLine, csv: (row) => `${"  ".repeat(row.depth)}${row.what} ${row.name}${row.text}`, class: "name" },
+  {
+    head: "Change",
+    cell: changeLine,
+    csv: (row) => `${"  ".repeat(row.depth)}${row.what} ${row.name}${row.text}`,
+    class: "name",
+  },
 ];
 
 async function differencesSection(one) {

@@ -36,7 +36,8 @@ function blameLink(number) {
   return link("changes", number, `${number}`);
 }
 
-const blameText = (number) => (number === undefined ? "" : number === 0 ? "before the journal" : Math.abs(number));
+const blameText = (number) =>
+  number === undefined ? "" : number === 0 ? "before the journal" : Math.abs(number);
 
 function blameSection(details) {
   const blame = blameOf(details);
@@ -52,8 +53,18 @@ function blameSection(details) {
     add(depth, `${current.types[type]} ${name}`, flat, blame[i + 1]),
   );
   const columns = [
-    { head: "Deployment", cell: (row) => blameLink(row.by), csv: (row) => blameText(row.by), class: "number" },
-    { head: "Part", cell: (row) => indented(row.depth, row.text), csv: (row) => row.text, class: "name" },
+    {
+      head: "Deployment",
+      cell: (row) => blameLink(row.by),
+      csv: (row) => blameText(row.by),
+      class: "number",
+    },
+    {
+      head: "Part",
+      cell: (row) => indented(row.depth, row.text),
+      csv: (row) => row.text,
+      class: "name",
+    },
   ];
   return folding("Who made which part what it is", () => tableOf("Blame", columns, rows));
 }
@@ -68,7 +79,11 @@ async function historySection(details) {
   if (!current.deployments) return null;
   const all = await deploymentsOf();
   const own = new Set(details.history ?? []);
-  return tableOf("History", deploymentColumns, all.filter((one) => own.has(one.number)));
+  return tableOf(
+    "History",
+    deploymentColumns,
+    all.filter((one) => own.has(one.number)),
+  );
 }
 
 // --- Entries ----------------------------------------------------------------------------------
@@ -81,7 +96,9 @@ function rowsOfEntries(details) {
   return details.entries.map(([depth, name, type, flat, table, column], i) => {
     const attributes = attributesOf(flat);
     const value = (wanted) => attributes.find(([keyword]) => keyword === wanted)?.[1] ?? "";
-    const rest = attributes.filter(([keyword, text]) => !shownElsewhere.has(keyword) && text !== "0");
+    const rest = attributes.filter(
+      ([keyword, text]) => !shownElsewhere.has(keyword) && text !== "0",
+    );
     return {
       i,
       depth,
@@ -131,8 +148,12 @@ function entryFolds(rows) {
 function entriesSection(details) {
   const rows = rowsOfEntries(details);
   const folds = entryFolds(rows);
-  const name = (row) =>
-    indented(row.depth - 1, row.isHolder ? folds.button(row) : make("span", { class: "leaf" }), fieldLink(row.name));
+  const name = (row) => {
+    const fold = row.isHolder ? folds.button(row) : make("span", { class: "leaf" });
+    const cell = indented(row.depth - 1, fold, fieldLink(row.name));
+    cell.classList.add("entry");
+    return cell;
+  };
   const value = (k, head, kind) => ({ head, cell: (row) => row.values[k], class: kind });
   const columns = [
     { head: "Entry", cell: name, csv: (row) => row.name, class: "name" },
@@ -141,14 +162,25 @@ function entriesSection(details) {
     value(1, "Length", "number"),
     value(2, "Create"),
     value(3, "Modify"),
-    { head: "Table", cell: (row) => (row.table === "" ? "" : tableLink(row.table)), csv: (row) => row.table, class: "name" },
+    {
+      head: "Table",
+      cell: (row) => (row.table === "" ? "" : tableLink(row.table)),
+      csv: (row) => row.table,
+      class: "name",
+    },
     { head: "Column", cell: (row) => row.column, class: "name" },
     { head: "Description", cell: (row) => row.text, class: "text" },
     { head: "Others", cell: (row) => row.rest, class: "text" },
   ];
-  if (details.blame) columns.push({ head: "Changed by", cell: (row) => blameLink(row.by), csv: (row) => blameText(row.by), class: "number" });
-  const used = columns.filter((column, i) => i < 4 || rows.some((row) => column.csv?.(row) || column.cell(row)));
-  const section = tableOf("Entries", used, rows);
+  if (details.blame)
+    columns.push({
+      head: "Changed by",
+      cell: (row) => blameLink(row.by),
+      csv: (row) => blameText(row.by),
+      class: "number",
+    });
+  columns.slice(4).forEach((column) => (column.optional = true));
+  const section = tableOf("Entries", columns, rows);
   return watchRows(section, rows, folds);
 }
 
@@ -158,7 +190,11 @@ function watchRows(section, rows, folds) {
   if (!body) return section;
   let count = 0;
   const note = () => {
-    for (; count < rows.length && body.rows[count] && !body.rows[count].querySelector(".more"); ++count) {
+    for (
+      ;
+      count < rows.length && body.rows[count] && !body.rows[count].querySelector(".more");
+      ++count
+    ) {
       folds.note(rows[count], body.rows[count]);
     }
   };
@@ -173,7 +209,12 @@ function placeInTree(name) {
   const steps = [];
   for (let at = aboveOf(name); at !== ""; at = aboveOf(at)) steps.unshift(at);
   if (steps.length === 0) return null;
-  return make("nav", { "aria-label": "Superclasses", class: "row" }, steps.map((step) => [classLink(step), " \u203a "]), name);
+  return make(
+    "nav",
+    { "aria-label": "Superclasses", class: "row" },
+    steps.map((step) => [classLink(step), " \u203a "]),
+    name,
+  );
 }
 
 async function classPage(wanted) {
@@ -190,9 +231,17 @@ async function classPage(wanted) {
       heading("Class", details.name),
       description(current.classes.texts[position]),
       facts(attributes.map(([keyword, value]) => [keyword, unquoted(value)])),
-      make("div", { class: "wide", tabindex: "0", role: "region", "aria-label": "Picture" }, picture(details, tablesOf(details))),
+      make(
+        "div",
+        { class: "wide", tabindex: "0", role: "region", "aria-label": "Picture" },
+        picture(details, tablesOf(details)),
+      ),
       entriesSection(details),
-      children.length === 0 ? null : folding(counted(children.length, "subclass", "subclasses"), () => tableOf("Subclasses", columns, children)),
+      children.length === 0
+        ? null
+        : folding(counted(children.length, "subclass", "subclasses"), () =>
+            tableOf("Subclasses", columns, children),
+          ),
       definitionSection(details),
       await historySection(details),
       details.blame ? blameSection(details) : null,

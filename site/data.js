@@ -45,14 +45,8 @@ function askToLoadAgain() {
 const nameOfData = (database) => database.database || "files";
 
 async function openDatabase(database) {
-  current = database;
   if (database.fields) return;
-  const index = await load(database.index, `${nameOfData(database)}/index`);
-  Object.assign(database, index);
-  for (const kind of ["fields", "classes", "tables"]) {
-    database[kind].positions = positionsOf(database[kind].names);
-  }
-  database.below = subclassesOf(database.classes);
+  Object.assign(database, await load(database.index, `${nameOfData(database)}/index`));
 }
 
 function positionsOf(names) {
@@ -63,6 +57,7 @@ function positionsOf(names) {
 
 // The position of a name, or undefined.
 function find(kind, name) {
+  current[kind].positions ??= positionsOf(current[kind].names);
   return current[kind].positions.get(folded(name));
 }
 
@@ -76,16 +71,19 @@ function aboveOf(name) {
 }
 
 function subclassesOf(classes) {
-  const below = new Map([["", []]]);
+  const found = new Map([["", []]]);
   for (const name of classes.names) {
     const above = folded(aboveOf(name));
-    if (!below.has(above)) below.set(above, []);
-    below.get(above).push(name);
+    if (!found.has(above)) found.set(above, []);
+    found.get(above).push(name);
   }
-  return below;
+  return found;
 }
 
-const below = (name) => current.below.get(folded(name)) ?? [];
+function below(name) {
+  current.below ??= subclassesOf(current.classes);
+  return current.below.get(folded(name)) ?? [];
+}
 
 // --- Details ----------------------------------------------------------------------------------
 

@@ -6,14 +6,21 @@ const [inInterface, inImplementation] = [0, 1];
 // [keyword, value, number of the keyword] of each attribute.
 function attributesOf(flat) {
   const attributes = [];
-  for (let i = 0; i < flat.length; i += 2) attributes.push([current.keywords[flat[i]], flat[i + 1], flat[i]]);
+  for (let i = 0; i < flat.length; i += 2)
+    attributes.push([current.keywords[flat[i]], flat[i + 1], flat[i]]);
   return attributes;
 }
 
 function attributeLines(lines, indent, flat, block) {
   for (const [keyword, value, number] of attributesOf(flat)) {
     if (current.blocks[number] !== block) continue;
-    lines.push([indent, ["key", keyword], " = ", [value[0] === '"' ? "text" : "value", value], ";"]);
+    lines.push([
+      indent,
+      ["key", keyword],
+      " = ",
+      [value[0] === '"' ? "text" : "value", value],
+      ";",
+    ]);
   }
 }
 
@@ -39,7 +46,11 @@ function definitionLines(details) {
   return [
     ...blockLines(details, [...head, " {"], inInterface),
     [],
-    ...blockLines(details, [...head, " ", ["key", "IMPLEMENTATION TESSEL7"], " {"], inImplementation),
+    ...blockLines(
+      details,
+      [...head, " ", ["key", "IMPLEMENTATION TESSEL7"], " {"],
+      inImplementation,
+    ),
   ];
 }
 
@@ -50,8 +61,13 @@ function definitionSection(details) {
   const lines = definitionLines(details);
   const text = make("pre", { tabindex: "0", "aria-label": "Definition" });
   const lineOf = (pieces) =>
-    make("code", {}, pieces.map((p) => (typeof p === "string" ? p : make("span", { class: p[0] }, p[1]))), "\n");
-  appendPieces(text, lines, lineOf);
+    make(
+      "code",
+      {},
+      pieces.map((p) => (typeof p === "string" ? p : make("span", { class: p[0] }, p[1]))),
+      "\n",
+    );
+  appendPieces(text, lines, lineOf, undefined, 400);
   const button = make("button", { type: "button", class: "take" }, "Copy");
   button.addEventListener("click", async () => {
     button.textContent = (await copy(plain(lines))) ? "Copied" : "Cannot be copied";

@@ -34,19 +34,33 @@ function showHead() {
   const home = document.getElementById("home");
   home.textContent = shown(site.title);
   home.href = placeOf("");
-  const names = [["classes", "Classes"], ["fields", "Fields"], ["tables", "Tables"], ["changes", "Changes"]];
+  const names = [
+    ["classes", "Classes"],
+    ["fields", "Fields"],
+    ["tables", "Tables"],
+    ["changes", "Changes"],
+  ];
   const kind = route().kind;
-  const links = names.map(([place, text]) => make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text));
+  const links = names.map(([place, text]) =>
+    make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text),
+  );
   document.getElementById("nav").replaceChildren(...links);
 }
 
 let turn = 0; // a page that comes too late is dropped
+
+// What the first search needs is made before somebody types.
+function prepareSearch() {
+  setTimeout(() => searchedOf(current));
+}
 
 async function show() {
   const own = ++turn;
   const { database, kind, name } = route();
   try {
     await openDatabase(database);
+    if (own !== turn) return;
+    current = database;
     waiting.clear();
     nearEnd.disconnect();
     const page = await pages[kind](name);
@@ -66,6 +80,7 @@ function put({ title, content }, kind) {
   if (kind === "search" && document.activeElement !== query) query.value = route().name;
   if (kind === "search") return;
   scrollTo(0, 0);
+  prepareSearch();
   if (kind === "") query.focus();
   else main.focus({ preventScroll: true });
 }

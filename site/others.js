@@ -3,7 +3,14 @@
 
 function missingPage(kind, name) {
   const text = "There is none of this name here; it may have been dropped or renamed.";
-  return { title: name, content: [heading(kind, name), make("p", {}, text), make("p", {}, link("search", name, "Search for it"))] };
+  return {
+    title: name,
+    content: [
+      heading(kind, name),
+      make("p", {}, text),
+      make("p", {}, link("search", name, "Search for it")),
+    ],
+  };
 }
 
 async function fieldPage(wanted) {
@@ -19,7 +26,9 @@ async function fieldPage(wanted) {
     title: name,
     content: [
       heading("Field", name),
-      i === undefined ? make("p", {}, "It is not defined here; classes use it nevertheless.") : fieldFacts(i),
+      i === undefined
+        ? make("p", {}, "It is not defined here; classes use it nevertheless.")
+        : fieldFacts(i),
       tableOf("Used by", columns, details?.users ?? [], { none: "No class uses it." }),
       await historySection(details ?? {}),
     ],
@@ -48,7 +57,12 @@ async function tablePage(wanted) {
   const table = tablesOf(details).find((one) => folded(one.name) === folded(name));
   const columns = [
     { head: "Column", cell: (one) => one.column, class: "name" },
-    { head: "Field", cell: (one) => fieldLink(one.path.at(-1)), csv: (one) => one.path.at(-1), class: "name" },
+    {
+      head: "Field",
+      cell: (one) => fieldLink(one.path.at(-1)),
+      csv: (one) => one.path.at(-1),
+      class: "name",
+    },
     { head: "Type", cell: (one) => one.type },
     { head: "Path", cell: (one) => one.path.join(" \u203a "), class: "name" },
   ];
@@ -57,7 +71,10 @@ async function tablePage(wanted) {
     ["Class", classLink(owner)],
     ["Entry", entry],
   ]);
-  return { title: name, content: [heading("Table", name), about, tableOf("Columns", columns, table.columns)] };
+  return {
+    title: name,
+    content: [heading("Table", name), about, tableOf("Columns", columns, table.columns)],
+  };
 }
 
 // --- Lists ------------------------------------------------------------------------------------

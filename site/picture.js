@@ -14,7 +14,11 @@ function cut(text, length = 32) {
 function box(x, y, kind, name, lines = [], place = undefined) {
   const height = lineHeight * (lines.length + 1) + 12;
   const texts = [name, ...lines].map((text, i) =>
-    draw("text", { x: x + 10, y: y + 6 + lineHeight * (i + 0.75), class: i === 0 ? "head" : "" }, cut(text)),
+    draw(
+      "text",
+      { x: x + 10, y: y + 6 + lineHeight * (i + 0.75), class: i === 0 ? "head" : "" },
+      cut(text),
+    ),
   );
   const shape = draw("rect", { x, y, width: boxWidth, height, rx: 4, class: kind });
   const all = draw("g", {}, draw("title", {}, name), shape, texts);
@@ -22,23 +26,24 @@ function box(x, y, kind, name, lines = [], place = undefined) {
   return { all: draw("a", { href: place }, all), height };
 }
 
-const line = (x1, y1, x2, y2) => draw("path", { d: `M${x1} ${y1}H${(x1 + x2) / 2}V${y2}H${x2}`, class: "line" });
+const line = (x1, y1, x2, y2) =>
+  draw("path", { d: `M${x1} ${y1}H${(x1 + x2) / 2}V${y2}H${x2}`, class: "line" });
 
-// Those that have room, and a box for the rest.
-function column(x, items, draw1, rest) {
-  let y = 10;
-  const placed = items.slice(0, mostBoxes).map((item) => {
-    const made = draw1(x, y, item);
-    const middle = y + made.height / 2;
-    y += made.height + 10;
-    return { ...made, middle };
-  });
-  if (items.length > mostBoxes) {
-    const made = box(x, y, "rest", rest(items.length - mostBoxes));
-    placed.push({ ...made, middle: y + made.height / 2 });
-    y += made.height + 10;
-  }
-  return { placed, height: y };
+// Those that have room, and a box for the rest; all of them once their place is known.
+function column(items, build, rest) {
+  const builds = items.slice(0, mostBoxes).map((item) => (y) => build(y, item));
+  if (items.length > mostBoxes) builds.push((y) => rest(y, items.length - mostBoxes));
+  const heights = builds.map((at) => at(0).height + 10);
+  const height = heights.reduce((a, b) => a + b, 0);
+  const place = (middle) => {
+    let y = middle - height / 2 + 5;
+    return builds.map((at, i) => {
+      const made = at(y);
+      y += heights[i];
+      return { all: made.all, middle: y - heights[i] + made.height / 2 };
+    });
+  };
+  return { height, place };
 }
 
 function tableLines({ columns }) {
@@ -50,20 +55,31 @@ function picture(details, tables) {
   const above = aboveOf(details.name);
   const children = below(details.name);
   const classBox = (x, y, name) => box(x, y, "class", name, [], placeOf("class", name));
-  const tableBox = (x, y, table) => box(x, y, "table", table.name, tableLines(table), placeOf("table", table.name));
-  const lefts = column(0, children, classBox, (count) => `${counted(count, "more subclass", "more subclasses")}`);
-  const rights = column(620, tables, tableBox, (count) => counted(count, "more table"));
-  const height = Math.max(lefts.height, rights.height, 130);
-  const middle = height / 2 + (above === "" ? 0 : 30);
+  const tableBox = (x, y, table) =>
+    box(x, y, "table", table.name, tableLines(table), placeOf("table", table.name));
+  const restBox = (x, one, many) => (y, count) => box(x, y, "rest", counted(count, one, many));
+  const lefts = column(
+    children,
+    (y, name) => classBox(0, y, name),
+    restBox(0, "more subclass", "more subclasses"),
+  );
+  const rights = column(tables, (y, table) => tableBox(620, y, table), restBox(620, "more table"));
+  const height = Math.max(lefts.height, rights.height, above === "" ? 50 : 180) + 10;
+  const middle = height / 2;
   const own = box(310, middle - 15, "own", details.name);
   const parts = [own.all];
   if (above !== "") {
     const top = classBox(310, middle - 85, above);
     parts.push(draw("path", { d: `M435 ${middle - 55}V${middle - 15}`, class: "line" }), top.all);
   }
-  for (const one of lefts.placed) parts.push(line(boxWidth, one.middle, 310, middle), one.all);
-  for (const one of rights.placed) parts.push(line(560, middle, 620, one.middle), one.all);
+  for (const one of lefts.place(middle))
+    parts.push(line(boxWidth, one.middle, 310, middle), one.all);
+  for (const one of rights.place(middle)) parts.push(line(560, middle, 620, one.middle), one.all);
   const label = `${shown(details.name)}: ${above === "" ? "no superclass" : "superclass " + shown(above)}, ${counted(children.length, "subclass", "subclasses")}, ${counted(tables.length, "table")}`;
-  const frame = { viewBox: `-5 0 880 ${Math.max(height, middle + 30)}`, class: "picture", role: "group", "aria-label": label };
-  return draw("svg", frame, parts);
+  const left = children.length === 0 ? 305 : -5; // nothing is drawn left of the class
+  const frame = { viewBox: `${left} 0 ${875 - left} ${height}`, class: "picture", role: "group" };
+  const whole = draw("svg", { ...frame, "aria-label": label }, parts);
+  whole.style.maxWidth = `${(875 - left) * 1.1}px`;
+  whole.style.minWidth = `${(875 - left) * 0.7}px`;
+  return whole;
 }

@@ -30,8 +30,10 @@ function searchedOf(database) {
   return database.searched;
 }
 
-function lineAt(starts, position) {
-  let low = 0;
+// The line of a position that is not before line `low`: mostly that or one of the next.
+function lineAt(starts, position, low) {
+  if (position < starts[low + 1]) return low;
+  if (position < starts[low + 2]) return low + 1;
   let high = starts.length - 1;
   while (high - low > 1) {
     const middle = (low + high) >> 1;
@@ -41,20 +43,21 @@ function lineAt(starts, position) {
   return low;
 }
 
-const divides = /[\s/_.:-]/;
+const divides = new Set(" \t/_.:-");
 
 function rankAt({ text, starts }, line, position, length) {
   const start = starts[line];
   const first = text[start] === "/" && position === start + 1 ? start + 1 : start;
   if (position === first) return starts[line + 1] - 1 === position + length ? exact : prefix;
-  return divides.test(text[position - 1]) ? word : part;
+  return divides.has(text[position - 1]) ? word : part;
 }
 
 // Gives each line with the text, with its best rank.
 function lookThrough(lines, wanted, note) {
   let position = lines.text.indexOf(wanted);
+  let line = 0;
   while (position >= 0) {
-    const line = lineAt(lines.starts, position);
+    line = lineAt(lines.starts, position, line);
     const end = lines.starts[line + 1];
     let rank = rankAt(lines, line, position, wanted.length);
     while (rank === part) {
@@ -67,34 +70,29 @@ function lookThrough(lines, wanted, note) {
   }
 }
 
-function searchKind(database, k, wanted, found) {
-  const { names, texts } = searchedOf(database)[k];
-  const seen = new Set();
-  lookThrough(names, wanted, (i, rank) => {
-    seen.add(i);
-    found.add(rank, { k, i });
-  });
-  if (!texts) return;
-  lookThrough(texts, wanted, (i) => seen.has(i) || found.add(inText, { k, i }));
-}
-
-// All that fits, the best first: of each rank and kind at most so many, and how many there are.
+// The best first, of each rank so many at most. Descriptions are looked at where names are few.
 function search(database, text) {
   const wanted = text.trim().toLowerCase().replaceAll("\n", " ");
   const ranks = [[], [], [], [], []];
-  const counts = [0, 0, 0, 0, 0];
-  const found = {
-    add(rank, hit) {
-      if (++counts[rank] <= mostOfRank * kinds.length) ranks[rank].push(hit);
-    },
+  let count = 0;
+  const add = (rank, k, i) => {
+    ++count;
+    if (ranks[rank].length < mostOfRank) ranks[rank].push({ k, i });
   };
-  if (wanted === "") return { hits: [], count: 0 };
-  if (/^\d+$/.test(wanted)) {
-    const i = database.fields.numbers.indexOf(Number(wanted));
-    if (i >= 0) found.add(exact, { k: 1, i });
-  }
-  kinds.forEach((_, k) => searchKind(database, k, wanted, found));
-  return { hits: ranks.flat(), count: counts.reduce((a, b) => a + b) };
+  if (wanted === "") return { hits: [], count };
+  const numbered = /^\d+$/.test(wanted) ? database.fields.numbers.indexOf(Number(wanted)) : -1;
+  if (numbered >= 0) add(exact, 1, numbered);
+  const searched = searchedOf(database);
+  searched.forEach(({ names }, k) => lookThrough(names, wanted, (i, rank) => add(rank, k, i)));
+  if (count < mostOfRank) addTexts(searched, wanted, ranks, add);
+  return { hits: ranks.flat(), count };
+}
+
+function addTexts(searched, wanted, ranks, add) {
+  const named = new Set(ranks.flat().map(({ k, i }) => `${k} ${i}`));
+  searched.forEach(({ texts }, k) => {
+    if (texts) lookThrough(texts, wanted, (i) => named.has(`${k} ${i}`) || add(inText, k, i));
+  });
 }
 
 // --- The page ---------------------------------------------------------------------------------
@@ -104,12 +102,23 @@ function hitOf({ k, i }) {
   const rows = current[kind];
   const name = rows.names[i];
   if (one === "field") {
-    return { one, name, about: `${rows.numbers[i]} ${current.types[rows.types[i]]}`, text: rows.texts[i] };
+    return {
+      one,
+      name,
+      about: `${rows.numbers[i]} ${current.types[rows.types[i]]}`,
+      text: rows.texts[i],
+    };
   }
   if (one === "class") return { one, name, about: "", text: rows.texts[i] };
   const owner = current.classes.names[rows.classes[i]];
   const table = one === "column" ? current.tables.names[rows.tables[i]] : name;
-  return { one, name, about: owner, text: one === "column" ? (table ?? "") : "", table: table ?? "" };
+  return {
+    one,
+    name,
+    about: owner,
+    text: one === "column" ? (table ?? "") : "",
+    table: table ?? "",
+  };
 }
 
 function hitLink(hit) {
@@ -121,13 +130,13 @@ const hitColumns = [
   { head: "Kind", cell: (hit) => hit.one, class: "kind" },
   { head: "Name", cell: hitLink, csv: (hit) => hit.name, class: "name" },
   { head: "About", cell: (hit) => hit.about, class: "name" },
-  { head: "Description", cell: (hit) => hit.text, class: "text" },
+  { head: "Description", optional: true, cell: (hit) => hit.text, class: "text" },
 ];
 
 function searchPage(text) {
   const { hits, count } = search(current, text);
   const note =
-    count > hits.length ? make("p", {}, `${counted(count, "thing")} fit; the best are shown.`) : null;
+    count > hits.length ? make("p", {}, `More fit; the best ${hits.length} are shown.`) : null;
   const title = `Search: ${text}`;
   const list = tableOf("Found", hitColumns, hits.map(hitOf), { none: "Nothing fits." });
   list.id = "found";

@@ -33,8 +33,17 @@ function strip(all) {
   });
   const used = all.filter((one) => one[2]).length;
   const label = `Field numbers: ${counted(used, "stretch", "stretches")} used`;
-  const picture = { viewBox: "0 0 1000 28", preserveAspectRatio: "none", class: "strip", role: "img" };
-  return draw("svg", { ...picture, "aria-label": label }, boxes.length > 2000 ? merged(all) : boxes);
+  const picture = {
+    viewBox: "0 0 1000 28",
+    preserveAspectRatio: "none",
+    class: "strip",
+    role: "img",
+  };
+  return draw(
+    "svg",
+    { ...picture, "aria-label": label },
+    boxes.length > 2000 ? merged(all) : boxes,
+  );
 }
 
 // Too many stretches to tell apart: how much of each slice is used.
@@ -68,7 +77,14 @@ function numbersSection() {
     make("span", { class: "swatch free" }),
     `free. A stretch is drawn the wider, the more digits its length has.`,
   );
-  return make("section", {}, make("h2", {}, "Field numbers"), strip(all), legend, folding("Free stretches", () => tableOf("Free numbers", columns, free)));
+  return make(
+    "section",
+    {},
+    make("h2", {}, "Field numbers"),
+    strip(all),
+    legend,
+    folding("Free stretches", () => tableOf("Free numbers", columns, free)),
+  );
 }
 
 // What is made when the reader opens it.
@@ -83,13 +99,24 @@ function folding(title, build, isOpen = false) {
 
 // The last that changed fields or classes.
 function lastOf(deployments) {
-  const changes = (one) => [...one.fields.slice(0, 3), ...one.classes.slice(0, 3)].some((n) => n > 0);
+  const changes = (one) =>
+    [...one.fields.slice(0, 3), ...one.classes.slice(0, 3)].some((n) => n > 0);
   return deployments.find(changes);
 }
 
 function databaseLinks() {
   if (site.databases.length < 2) return null;
-  const items = site.databases.map((one) => make("li", {}, make("a", { href: `#/@${one.database}/`, "aria-current": one === current ? "page" : false }, `Database ${one.database}`)));
+  const items = site.databases.map((one) =>
+    make(
+      "li",
+      {},
+      make(
+        "a",
+        { href: `#/@${one.database}/`, "aria-current": one === current ? "page" : false },
+        `Database ${one.database}`,
+      ),
+    ),
+  );
   return make("ul", { class: "row" }, items);
 }
 
@@ -104,7 +131,16 @@ async function startPage() {
     ["Fields", count("fields", "field")],
     ["Classes", count("classes", "class", "classes")],
     ["Tables", count("tables", "table")],
-    ["Last deployment", last && make("span", {}, link("changes", last.number, `${last.number}`), ` of ${timeOf(last.time)} by ${last.who}`)],
+    [
+      "Last deployment",
+      last &&
+        make(
+          "span",
+          {},
+          link("changes", last.number, `${last.number}`),
+          ` of ${timeOf(last.time)} by ${last.who}`,
+        ),
+    ],
   ]);
   return {
     title: "",

@@ -3,7 +3,8 @@
 // never as markup.
 
 // Characters that would hide or reorder others: controls, and marks of direction.
-const unseen = /[\u0000-\u0008\u000b-\u001f\u007f-\u009f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]/g;
+const unseen =
+  /[\u0000-\u0008\u000b-\u001f\u007f-\u009f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]/g;
 
 function codeOf(character) {
   const code = character.codePointAt(0).toString(16).toUpperCase().padStart(4, "0");

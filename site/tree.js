@@ -42,7 +42,11 @@ function branch(name, above, open) {
     remember(name, isOpen);
     setOpen(isOpen);
   });
-  item.append(toggle, link("class", name, label), make("span", { class: "count" }, children.length));
+  item.append(
+    toggle,
+    link("class", name, label),
+    make("span", { class: "count" }, children.length),
+  );
   setOpen(open.has(name));
   return item;
 }

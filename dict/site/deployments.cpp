@@ -1,4 +1,6 @@
 // What the page of changes tells.
+#include <array>
+
 #include "dict/history/telling.h"
 #include "dict/site/parts.h"
 
@@ -6,7 +8,7 @@ namespace dict {
 
 static void put_counts(data_writer& out, const char* key, const change_counts& counts) {
   out.Key(key);
-  put_rows(out, std::initializer_list{counts.added, counts.changed, counts.deleted, counts.found},
+  put_rows(out, std::array{counts.added, counts.changed, counts.deleted, counts.found},
            [&](int64_t count) { out.Int64(count); });
 }
 

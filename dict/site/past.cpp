@@ -75,12 +75,15 @@ static bool read_present(reading& from, const dm::past& at, definitions& all, wa
 
 // --- A change ------------------------------------------------------------------------------------
 
+// Takes the state after the change over.
 static void note_change(changed_things& all, const dm::journal_change& change,
-                        const tracked_thing& thing, const std::optional<std::string>& before) {
+                        std::optional<std::string> after,
+                        const std::optional<std::string>& before) {
   if (change.how == dm::change_how::FOUND) return;
   changed_thing& one =
-      all.try_emplace(dm::thing_key(change.what, change.name),
-                      changed_thing{change.what, std::string(change.name), true, {}, thing.state})
+      all.try_emplace(
+             dm::thing_key(change.what, change.name),
+             changed_thing{change.what, std::string(change.name), true, {}, std::move(after)})
           .first->second;
   one.before = before;
 }
@@ -115,20 +118,21 @@ static bool go_back(way_back& way, int64_t record, const dm::journal_change& cha
   tracked_thing& thing =
       way.things.try_emplace(key, tracked_thing{std::string(change.name)}).first->second;
   std::optional<std::string> before;
-  const std::string after = thing.state.value_or("");
-  if (!dm::has_left(change, thing.state ? &after : nullptr) ||
-      (dm::was_there(change) && !dm::state_before(change, after, before.emplace()))) {
+  const std::string* after = thing.state ? &*thing.state : nullptr;
+  if (!dm::has_left(change, after) ||
+      (dm::was_there(change) &&
+       !dm::state_before(change, after != nullptr ? *after : "", before.emplace()))) {
     return dm::damaged_record(record, why);
   }
   thing_past& past = way.result.things[key];
   if (past.deployments.empty() || past.deployments.back() != deployment->second) {
     past.deployments.push_back(deployment->second);
   }
-  const auto told = way.changed.find(deployment->second);
-  if (told != way.changed.end()) note_change(told->second, change, thing, before);
   if (!thing.is_settled && !settle_parts(change, deployment->second, thing, before, past, why)) {
     return false;
   }
+  const auto told = way.changed.find(deployment->second);
+  if (told != way.changed.end()) note_change(told->second, change, std::move(thing.state), before);
   thing.state = std::move(before);
   return true;
 }
