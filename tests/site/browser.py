@@ -9,7 +9,8 @@ import urllib.request
 
 DOWN, ENTER, ESCAPE, CONTROL = "\ue015", "\ue007", "\ue00c", "\ue009"
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
-OPTIONS = {"args": ["--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1200,900"]}
+OPTIONS = {"args": ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+                    "--window-size=1200,900"]}
 CAPABILITIES = {"browserName": "chrome", "goog:chromeOptions": OPTIONS,
                 "goog:loggingPrefs": {"browser": "ALL", "performance": "ALL"}}
 

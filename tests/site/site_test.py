@@ -5,6 +5,7 @@
 """
 import functools
 import http.server
+import json
 import os
 import shutil
 import subprocess
@@ -172,6 +173,28 @@ class Site(unittest.TestCase):
         with open(os.path.join(self.work, "shown.def"), "w", encoding="utf-8") as out:
             out.write(text)
         self.assertIn("No differences", self.tool("tav_dict", "diff", "shown.def"))
+
+    def test_history_as_the_commands_tell(self):
+        with open(os.path.join(EXAMPLES, "devices.def"), encoding="utf-8") as source:
+            text = source.read().replace("A phone or tablet.", "A phone.")
+        with open(os.path.join(self.work, "devices.def"), "w", encoding="utf-8") as out:
+            out.write(text)
+        self.tool("tav_deploy", "replace", "devices.def")
+        self.tool("tav_dict", "site", "changed")
+        self.addCleanup(self.tool, "tav_deploy", "replace", os.path.join(EXAMPLES, "devices.def"))
+        self.open(self.folder, "class/device", "/device", "changed")
+        shown = self.browser.call("POST", "/execute/async", {"args": [], "script":
+                                  "detailsOf('classes', '/device').then("
+                                  "(d) => arguments[0](blameOf(d).flat()))"})
+        told = json.loads(self.tool("tav_dict", "blame", "--json", "/device"))["parts"]
+        self.assertEqual(shown, [part["deployment"] for part in told])
+        self.assertEqual(set(shown), {3, 5})
+        self.open(self.folder, "changes/5", "Deployment 5", "changed")
+        lines = [line.strip() for line in self.tool("tav_dict", "show", "5").splitlines()]
+        rows = self.browser.run("return [...document.querySelectorAll('tbody td')].map("
+                                "(cell) => cell.innerText.replace('→', '->'))")
+        self.assertEqual(rows, [line for line in lines if line.startswith("~")])
+        self.assertEqual(len(rows), 2)
 
     def test_ranks(self):
         self.open(self.folder, "", "")
