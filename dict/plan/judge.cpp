@@ -98,6 +98,8 @@ void judge(snapshot& on, const std::vector<lint::source>& sources, judged& resul
   result.is_readable =
       result.sent.fields.get() != nullptr && std::ranges::none_of(found.told, is_syntax);
   result.errors = lint::outcomes_of(std::move(found.told), sources);
+  // It is one of these, or was asked of what the reader left.
+  if (!result.errors.empty() || result.untold > 0) result.refusal = {};
 }
 
 bool is_refused(const judged& files) {

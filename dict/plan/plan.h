@@ -41,7 +41,7 @@ struct judged {
   std::vector<lint::outcome> errors{};  // lint's, sorted by place
   uint64_t untold = 0;                  // further ones
   bool is_readable = true;              // there is none of syntax
-  dm::problem refusal{};                // the data manager's
+  dm::problem refusal{};                // the data manager's, where no error tells it
   definitions sent{};                   // what `replace` would send, in that order
   dm::deployment_result result{};       // what becomes of it, where nothing is refused
 };
