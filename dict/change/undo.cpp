@@ -20,16 +20,10 @@ struct request {
 
 }  // namespace
 
-static bool is_change(const deployment_record& record) {
-  dm::journal_record same;
-  same.kind = record.kind;
-  return dm::is_deployment(same);
-}
-
 // The one database that the deployment changed; false where there is none, or more than one.
 static bool find_changed(const deployment& one, uint64_t& number, dm::problem& why) {
   for (const deployment_record& record : one.records) {
-    if (is_change(record)) continue;
+    if (dm::is_deployment(record.kind)) continue;
     why.sentence = dm::join({"Deployment ", std::to_string(one.number), " (", record.kind,
                              ") cannot be undone: only what changed fields or classes can."});
     return false;

@@ -234,4 +234,10 @@ bool walk_deployments(dm::store& store, const deployment_choice& wanted,
   return true;
 }
 
+bool find_deployments(dm::store& store, const deployment_choice& wanted,
+                      std::vector<deployment>& found, dm::problem& why) {
+  const auto keep = [&](const deployment& one) { return found.push_back(one), true; };
+  return walk_deployments(store, wanted, keep, why);
+}
+
 }  // namespace dict

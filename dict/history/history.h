@@ -74,6 +74,9 @@ struct deployment_choice {
 using deployment_visitor = std::function<bool(const deployment&)>;
 bool walk_deployments(dm::store& store, const deployment_choice& wanted,
                       const deployment_visitor& visitor, dm::problem& why);
+// Appends them all.
+bool find_deployments(dm::store& store, const deployment_choice& wanted,
+                      std::vector<deployment>& found, dm::problem& why);
 
 // --- Points ----------------------------------------------------------------------------------
 

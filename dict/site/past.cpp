@@ -1,4 +1,6 @@
 // The journal is walked once, from its newest record, for the past of all fields and classes.
+#include <algorithm>
+
 #include "dd/database_number.h"
 #include "dict/history/blame.h"
 #include "dict/history/changes.h"
@@ -30,8 +32,8 @@ struct way_back {
 }  // namespace
 
 static bool changes_definitions(const deployment& one) {
-  using namespace dm::journal_kind;
-  return one.has(FIELDS) || one.has(CLASSES) || one.has(DELETE_FIELDS);
+  return std::ranges::any_of(
+      one.records, [](const deployment_record& record) { return dm::is_deployment(record.kind); });
 }
 
 static bool find_records(reading& from, int64_t last, way_back& way, dm::problem& why) {

@@ -39,7 +39,7 @@ static bool count(dm::store& store, dictionary_status& found, dm::problem& why) 
 static bool read_journal(dm::store& store, dictionary_status& found, dm::problem& why) {
   if (!dm::has_journal(store)) return true;
   const auto look = [&](const dm::journal_record& record) {
-    if (!dm::is_deployment(record)) return true;
+    if (!dm::is_deployment(record.kind)) return true;
     found.deployment = record.deployment;
     found.deployment_time = record.time;
     return false;

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace dm {
 
@@ -70,11 +71,11 @@ inline constexpr char PRUNE[] = "prune";  // detail: {"before": number, "hash": 
 inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": tag}
 }  // namespace journal_kind
 
-// Whether the record is one of a deployment: changes what the definitions are.
-inline bool is_deployment(const journal_record& record) {
+// Whether records of the kind are a deployment's: change what the definitions are.
+inline bool is_deployment(std::string_view kind) {
   using namespace journal_kind;
-  return record.kind == FIELDS || record.kind == CLASSES || record.kind == DELETE_FIELDS ||
-         record.kind == CHANGE || record.kind == APPLY;
+  return kind == FIELDS || kind == CLASSES || kind == DELETE_FIELDS || kind == CHANGE ||
+         kind == APPLY;
 }
 
 // A part of the packed changes of a record.
