@@ -10,20 +10,15 @@
 #include <cstring>
 #include <filesystem>
 
+#include "dm/descriptor.h"
 #include "syntax/tree.h"
 
 namespace dict {
 
 namespace fs = std::filesystem;
+using dm::descriptor;
 
 namespace {
-
-struct descriptor {
-  int number;
-  ~descriptor() {
-    if (number >= 0) ::close(number);
-  }
-};
 
 // A file that is gone with the record, unless it has got its name.
 struct new_file {
@@ -115,12 +110,12 @@ bool read_file(const std::string& name, const std::string& shown, file_content& 
   const bool is_input = name == STANDARD_INPUT;
   const descriptor file{is_input ? ::dup(STDIN_FILENO)
                                  : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)};
-  if (file.number < 0 || ::fstat(file.number, &content.status) != 0)
+  if (file.fd < 0 || ::fstat(file.fd, &content.status) != 0)
     return cannot_be_read(shown, std::strerror(errno), why);
   // One more than it holds, so that the end shows without more room.
   const auto size = static_cast<uint64_t>(std::max<off_t>(content.status.st_size, 1 << 16));
   content.text.reserve(std::min<uint64_t>(size, syntax::MOST_BYTES) + 1);
-  const int error = read_all(file.number, content.text);
+  const int error = read_all(file.fd, content.text);
   return error == 0 || cannot_be_read(shown, std::strerror(error), why);
 }
 
@@ -142,35 +137,29 @@ static bool may_be_replaced(const std::string& name, const char* path, const fil
 
 static bool make_beside(const fs::path& path, new_file& made) {
   std::string pattern = (path.parent_path() / ".tav_dict.XXXXXX").string();
-  made.open.number = ::mkostemp(pattern.data(), O_CLOEXEC);
-  if (made.open.number >= 0) made.path = pattern;
-  return made.open.number >= 0;
+  made.open.fd = ::mkostemp(pattern.data(), O_CLOEXEC);
+  if (made.open.fd >= 0) made.path = pattern;
+  return made.open.fd >= 0;
 }
 
 // Gives the file the owner and then the mode of the other, whose bits a new owner may take away.
 static bool give_owner_and_mode(const new_file& made, const struct stat& status, bool& has_owner) {
   struct stat own;
-  if (::fstat(made.open.number, &own) != 0) return false;
+  if (::fstat(made.open.fd, &own) != 0) return false;
   has_owner = (own.st_uid == status.st_uid && own.st_gid == status.st_gid) ||
-              ::fchown(made.open.number, status.st_uid, status.st_gid) == 0;
-  return has_owner && ::fchmod(made.open.number, status.st_mode & 07777) == 0;
+              ::fchown(made.open.fd, status.st_uid, status.st_gid) == 0;
+  return has_owner && ::fchmod(made.open.fd, status.st_mode & 07777) == 0;
 }
 
-static bool write_all(int to, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = ::write(to, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    text.remove_prefix(static_cast<size_t>(count));
-  }
-  return ::fsync(to) == 0;
+static bool write_and_sync(int to, std::string_view text) {
+  return dm::write_all(to, text) && ::fsync(to) == 0;
 }
 
 static bool rename_to(new_file& made, const fs::path& path) {
   if (::rename(made.path.c_str(), path.c_str()) != 0) return false;
   made.path.clear();
   const descriptor folder{::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY)};
-  if (folder.number >= 0) ::fsync(folder.number);  // the file is whole either way
+  if (folder.fd >= 0) ::fsync(folder.fd);  // the file is whole either way
   return true;
 }
 
@@ -187,7 +176,7 @@ bool replace_file(const std::string& name, const file_content& before, std::stri
     return is_left(name, has_owner ? std::strerror(errno) : "its owner and group cannot be kept",
                    why);
   }
-  if (!write_all(made.open.number, text)) return is_left(name, std::strerror(errno), why);
+  if (!write_and_sync(made.open.fd, text)) return is_left(name, std::strerror(errno), why);
   struct stat now;
   if (::stat(path.c_str(), &now) != 0 || !is_same(now, before.status))
     return is_left(name, "somebody has changed it since it was read", why);
@@ -221,16 +210,16 @@ static bool name_new(new_file& made, const std::string& name) {
 // It has its name only once it is whole.
 static bool write_new(const std::string& name, std::string_view text, dm::problem& why) {
   new_file made;
-  const bool is_named = make_beside(name, made) && ::fchmod(made.open.number, new_mode()) == 0 &&
-                        write_all(made.open.number, text) && name_new(made, name);
+  const bool is_named = make_beside(name, made) && ::fchmod(made.open.fd, new_mode()) == 0 &&
+                        write_and_sync(made.open.fd, text) && name_new(made, name);
   return is_named || cannot_be_written(name, why);
 }
 
 static bool write_to(const std::string& name, std::string_view text, dm::problem& why) {
   const descriptor open{::open(name.c_str(), O_WRONLY | O_CLOEXEC)};
-  const bool is_open = open.number >= 0;
+  const bool is_open = open.fd >= 0;
   // A pipe or a terminal cannot be synchronised (EINVAL), and need not.
-  return (is_open && (write_all(open.number, text) || errno == EINVAL)) ||
+  return (is_open && (write_and_sync(open.fd, text) || errno == EINVAL)) ||
          cannot_be_written(name, why);
 }
 

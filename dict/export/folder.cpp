@@ -12,8 +12,11 @@
 #include <sstream>
 
 #include "dict/export/export.h"
+#include "dm/descriptor.h"
 
 namespace dict {
+
+using dm::descriptor;
 
 static constexpr char MANIFEST[] = "export.manifest";
 static constexpr char PASSING[] = ".tav_dict_export";  // is written, and then given its name
@@ -23,17 +26,6 @@ static constexpr char HEAD[] =
 static constexpr std::string_view DATABASE = "# database ";
 
 namespace {
-
-struct descriptor {
-  explicit descriptor(int opened) : fd(opened) {}
-  ~descriptor() {
-    if (fd >= 0) close(fd);
-  }
-  descriptor(const descriptor&) = delete;
-  descriptor& operator=(const descriptor&) = delete;
-
-  int fd;
-};
 
 struct folder {
   const std::string& path;
@@ -89,22 +81,12 @@ static bool read_file(folder& in, const std::string& name, std::string& text) {
   return size == 0 || fail_at(in, name, " cannot be read: ");
 }
 
-static bool write_all(int fd, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t size = write(fd, text.data(), text.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size < 0) return false;
-    text.remove_prefix(static_cast<size_t>(size));
-  }
-  return true;
-}
-
 // An interrupted run may have left its passing file.
 static bool replace_file(folder& in, const std::string& name, std::string_view text) {
   if (look(in, PASSING) == standing::FILE) unlinkat(in.fd, PASSING, 0);
   constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   const descriptor file(openat(in.fd, PASSING, FLAGS, 0666));
-  if (file.fd >= 0 && write_all(file.fd, text) &&
+  if (file.fd >= 0 && dm::write_all(file.fd, text) &&
       renameat(in.fd, PASSING, in.fd, name.c_str()) == 0) {
     return true;
   }

@@ -14,8 +14,11 @@
 #include <set>
 
 #include "dict/site/site.h"
+#include "dm/descriptor.h"
 
 namespace dict {
+
+using dm::descriptor;
 
 static constexpr char MARK[] = "site.manifest";
 static constexpr char HEAD[] =
@@ -23,17 +26,6 @@ static constexpr char HEAD[] =
 static constexpr char DATA[] = "data";
 
 namespace {
-
-struct descriptor {
-  explicit descriptor(int opened) : fd(opened) {}
-  ~descriptor() {
-    if (fd >= 0) close(fd);
-  }
-  descriptor(const descriptor&) = delete;
-  descriptor& operator=(const descriptor&) = delete;
-
-  int fd;
-};
 
 using names = std::set<std::string>;  // "index.html", "data/x.js"
 
@@ -150,16 +142,6 @@ static void remove_folder(const std::string& folder) {
   rmdir(folder.c_str());
 }
 
-static bool write_all(int fd, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t size = write(fd, text.data(), text.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size < 0) return false;
-    text.remove_prefix(static_cast<size_t>(size));
-  }
-  return true;
-}
-
 // Owner and group of the folder before, if it has others.
 static bool keeps_owner(int fd, const standing& before) {
   struct stat own {};
@@ -172,7 +154,7 @@ static bool keeps_owner(int fd, const standing& before) {
 static bool write_file(const std::string& folder, const site_file& file, const standing& before) {
   const std::string path = folder + "/" + file.name;
   const descriptor made(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-  return made.fd >= 0 && write_all(made.fd, file.text) && keeps_owner(made.fd, before);
+  return made.fd >= 0 && dm::write_all(made.fd, file.text) && keeps_owner(made.fd, before);
 }
 
 static mode_t usual_mode() {

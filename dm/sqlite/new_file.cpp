@@ -12,6 +12,8 @@
 #include <memory>
 #include <string_view>
 
+#include "dm/descriptor.h"
+
 namespace dm {
 
 // A file without a name (O_TMPFILE), or with a temporary one where the file system cannot do that.
@@ -67,16 +69,6 @@ struct nameless_file {
     errno = kept;
   }
 };
-
-static bool write_all(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(written));
-  }
-  return true;
-}
 
 // Syncs the folder too: the file's name must be on the disk.
 static bool sync_folder(const std::string& folder) {
