@@ -23,18 +23,10 @@ struct wanted_thing {
   std::optional<std::string> state{};
 };
 
-// What a caller has looked at, before anybody was shut out.
-struct seen_thing {
-  change_of what = change_of::FIELD;
-  std::string name{};
-  std::string digest{};  // hash_of its state; "": it was not there
-};
-
 struct change_purpose {
   std::string detail{};    // JSON object of the record: {"undo":17}
   bool is_trial = false;   // everything is carried out and then rolled back
   int64_t seen_end = ANY;  // last record that the caller saw: a later one of the database conflicts
-  std::vector<seen_thing> seen{};  // what must still be so
 
   static constexpr int64_t ANY = -1;
 };
@@ -60,10 +52,6 @@ struct change_result {
 bool change_things(store& store, const settings& settings, uint64_t database,
                    std::span<const wanted_thing> wanted, const change_purpose& purpose,
                    change_result& result);
-
-// The last record of the database that changed the thing; number 0: the journal tells none.
-bool find_last_change(store& store, uint64_t database, change_of what, std::string_view name,
-                      journal_record& found, problem& why);
 
 // "by deployment 17 of 2026-11-01T10:42:07.000Z by user@host".
 std::string told_by(const journal_record& record);

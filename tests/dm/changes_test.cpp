@@ -9,7 +9,6 @@
 #include "dict/check/check.h"
 #include "dm/changes/back.h"
 #include "dm/changes/changes.h"
-#include "dm/journal/hash.h"
 #include "dm/journal/read.h"
 #include "dm/open.h"
 
@@ -136,21 +135,15 @@ TEST_F(changes, leave_nothing_after_a_trial_or_where_there_is_nothing_to_do) {
   EXPECT_EQ(query("SELECT max(number) FROM dd_journal"), "4\n");
 }
 
-TEST_F(changes, are_refused_where_somebody_changed_what_was_seen) {
+TEST_F(changes, are_refused_where_somebody_changed_the_dictionary_since) {
   dm::change_purpose seen;
   seen.seen_end = 4;
-  seen.seen = {{change_of::FIELD, "F_B", dm::hash_of(*field("F_B", 5001).state)},
-               {change_of::FIELD, "F_X", ""},
-               {change_of::CLASS, "/a/c", ""}};
   dm::change_purpose trial = seen;
   trial.is_trial = true;
   EXPECT_EQ(change({field("F_C", 5005)}, trial), "ok");
   client(settings).set_fields("STRING F_B 5001 Described.\nSTRING F_X 5009\n");
   const std::string told = change({field("F_C", 5005)}, seen);
   EXPECT_EQ(told.find("The dictionary was changed by deployment 5 of "), 0u) << told;
-  EXPECT_NE(told.find("\nField 'F_B' was changed by deployment 5 of "), told.npos) << told;
-  EXPECT_NE(told.find("\nField 'F_X' was changed by deployment 5 of "), told.npos) << told;
-  EXPECT_EQ(told.find("/a/c"), told.npos) << told;
 }
 
 TEST_F(changes, of_others_that_took_something_away_are_a_conflict) {
