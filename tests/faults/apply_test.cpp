@@ -1,6 +1,5 @@
 // A deployment of fields and classes in one transaction, in which every call of the disk fails, is
 // the last before the process is killed, or before the power fails: it leaves all or nothing.
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include "dd/values.h"
@@ -52,20 +51,7 @@ static int apply(int, char**) {
   _exit(is_done ? 0 : 1);
 }
 
-class every_disk_call_of_an_apply : public fault_bench {
- protected:
-  std::string answer(const char* sql) const {
-    std::string text;
-    sqlite3* db = nullptr;
-    const auto take = [](void* to, int, char** values, char**) {
-      return *static_cast<std::string*>(to) += std::string(values[0]) + " ", 0;
-    };
-    EXPECT_EQ(sqlite3_open(place.path("dictionary.db").c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql, take, &text, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
-    return text;
-  }
-};
+class every_disk_call_of_an_apply : public fault_bench {};
 
 TEST_P(every_disk_call_of_an_apply, deploys_all_or_nothing) {
   static constexpr char STATE[] =
@@ -73,29 +59,15 @@ TEST_P(every_disk_call_of_an_apply, deploys_all_or_nothing) {
       "SELECT count(*) FROM dd_classes WHERE name = '/applied';"
       "SELECT count(*) FROM dd_tables WHERE name = 'applied_t';"
       "SELECT count(*) || '-' || coalesce(sum(changes), 0) FROM dd_journal WHERE kind = 'apply'";
-  const std::string old_state = "ok 0 0 0 0-0 ";
-  const std::string new_state = "ok 1 1 1 1-2 ";
-  int runs = 0;
-  for (const disk_fault fault : {disk_fault::IO_ERROR, disk_fault::FULL, disk_fault::BROKEN,
-                                 disk_fault::KILL, disk_fault::POWER_LOSS}) {
-    for (long n = 1;; ++n) {
-      SCOPED_TRACE("call " + std::to_string(n));
-      place.restore();
-      plan() = {};
-      plan().disk = fault;
-      plan().failing_disk_call = n;
-      run_options options;
-      options.inside = apply;
-      const run_result result = place.run({"apply"}, options);
-      if (plan().disk_calls < n) break;
-      ++runs;
-      const std::string state = answer(STATE);
-      EXPECT_TRUE(state == new_state || (state == old_state && result.exit_status != 0)) << state;
-      if (n % 4 == 0) EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
-    }
-  }
-  EXPECT_GT(runs, 30);
-  EXPECT_EQ(answer(STATE), new_state);  // the last run met no fault
+  static constexpr char OLD_STATE[] = "ok 0 0 0 0-0 ", NEW_STATE[] = "ok 1 1 1 1-2 ";
+  const auto run_one = [&](const fault_plan& faults) { return run_inside(apply, faults); };
+  const auto look = [&](const run_result& result, disk_fault) {
+    const std::string state = answer(STATE);
+    EXPECT_TRUE(state == NEW_STATE || (state == OLD_STATE && result.exit_status != 0)) << state;
+    EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
+  };
+  EXPECT_GT(at_every_disk_call(run_one, look), 30);
+  EXPECT_EQ(answer(STATE), NEW_STATE);  // the last run met no fault
 }
 
 INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_an_apply, testing::Values(REPLACE), mode_of);

@@ -33,39 +33,22 @@ static int undo(int, char**) {
   _exit(undo_last(why) ? 0 : 1);
 }
 
-class every_disk_call_of_an_undo : public fault_bench {
- protected:
-  run_result undo_with(disk_fault fault, long call) {
-    place.restore();
-    plan() = {};
-    plan().disk = fault;
-    plan().failing_disk_call = call;
-    run_options options;
-    options.inside = undo;
-    return place.run({"undo"}, options);
-  }
-};
+class every_disk_call_of_an_undo : public fault_bench {};
 
 TEST_P(every_disk_call_of_an_undo, does_all_or_nothing) {
   place.restore();
   const std::string before = content();
-  EXPECT_EQ(undo_with(disk_fault::NONE, 0).exit_status, 0);
+  const auto run_one = [&](const fault_plan& faults) { return run_inside(undo, faults); };
+  EXPECT_EQ(run_one({}).exit_status, 0);
   const std::string after = content();
   EXPECT_NE(before, after);
-  int runs = 0;
-  for (const disk_fault fault : {disk_fault::IO_ERROR, disk_fault::FULL, disk_fault::SHORT_WRITE,
-                                 disk_fault::BROKEN, disk_fault::KILL, disk_fault::POWER_LOSS}) {
-    for (long n = 1;; ++n, ++runs) {
-      SCOPED_TRACE("call " + std::to_string(n));
-      const run_result result = undo_with(fault, n);
-      if (plan().disk_calls < n) break;
-      const std::string state = content();
-      EXPECT_TRUE(state == after || (state == before && result.exit_status != 0));
-      if (fault < disk_fault::KILL) continue;
-      EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
-    }
-  }
-  EXPECT_GT(runs, 30);
+  const auto look = [&](const run_result& result, disk_fault fault) {
+    const std::string state = content();
+    EXPECT_TRUE(state == after || (state == before && result.exit_status != 0));
+    if (fault < disk_fault::KILL) return;
+    EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
+  };
+  EXPECT_GT(at_every_disk_call(run_one, look), 30);
 }
 
 INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_an_undo, testing::Values(REPLACE), mode_of);
