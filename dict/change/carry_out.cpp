@@ -1,9 +1,8 @@
-#include <unistd.h>
-
 #include <iostream>
 
 #include "dict/change/change.h"
 #include "dict/diff/json.h"
+#include "dict/terminal/question.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
@@ -112,19 +111,10 @@ static bool change_all(intended_change& change, bool is_trial, outcome& all) {
                            change.wanted, purpose, all.result);
 }
 
-// Asks a person.
-static bool is_meant() {
-  std::cout.flush();
-  std::cerr << "Do that? Type yes: ";
-  std::string answer;
-  std::getline(std::cin, answer);
-  return answer == "yes";
-}
-
 // A person is asked only about what would be done. While one thinks nobody is kept waiting.
 static int try_and_ask(intended_change& change, outcome& all) {
   if (!change_all(change, true, all) || all.result.changes == 0) return tell_end(all);
-  if (!is_meant()) {
+  if (!agrees("Do that?")) {
     dm::problem why;
     why.sentence = "Nothing was changed.";
     return fail(why);
@@ -137,7 +127,7 @@ int carry_out(intended_change& change, const change_options& how) {
   outcome all{how};
   dm::problem why;
   const bool asks = !how.is_trial && !how.is_sure;
-  if (asks && isatty(STDIN_FILENO) == 0) {
+  if (asks && !can_ask()) {
     why.sentence = "There is nobody to ask; --yes says that it is meant, --dry-run only tells.";
     return fail(why);
   }

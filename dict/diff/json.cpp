@@ -38,13 +38,24 @@ static void put_refused(json_writer& out, const trial_result& tried) {
   put_texts(out, "messages", tried.messages);
 }
 
-void put_differences(json_writer& out, const std::vector<difference>& found) {
-  const difference_counts counts = count(found);
-  put_flag(out, "same", counts.added + counts.changed + counts.missing == 0);
+static void put_counts(json_writer& out, bool is_same, const difference_counts& counts) {
+  put_flag(out, "same", is_same);
   put_number(out, "new", static_cast<int64_t>(counts.added));
   put_number(out, "changed", static_cast<int64_t>(counts.changed));
   put_number(out, "missing", static_cast<int64_t>(counts.missing));
+}
+
+void put_differences(json_writer& out, const std::vector<difference>& found) {
+  const difference_counts counts = count(found);
+  put_counts(out, counts.added + counts.changed + counts.missing == 0, counts);
   put_array(out, "differences", found, put);
+}
+
+void put_refused_differences(json_writer& out, const std::vector<difference>* found) {
+  put_counts(out, false, found != nullptr ? count(*found) : difference_counts{});
+  if (found != nullptr) return put_array(out, "differences", *found, put);
+  out.Key("differences");
+  out.Null();
 }
 
 std::string as_json(const std::vector<difference>& found, const trial_result& tried) {

@@ -1,6 +1,4 @@
 // prune: forgets the way to a state, and keeps the state.
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 
@@ -8,7 +6,7 @@
 #include "dict/history/moments.h"
 #include "dict/history/writing.h"
 #include "dict/options.h"
-#include "dict/terminal/visible.h"
+#include "dict/terminal/question.h"
 
 namespace dict {
 
@@ -59,16 +57,15 @@ static bool find_forgotten(const std::string& text, forgotten& found, dm::proble
 
 // Asks a person. A script must say --yes.
 static bool is_meant(const forgotten& found, dm::problem& why) {
-  if (isatty(STDIN_FILENO) == 0) {
+  if (!can_ask()) {
     why.sentence =
         "'prune' cannot be taken back, and there is nobody to ask; --yes says that it is meant.";
     return false;
   }
-  std::cerr << "Forget " << found.records << " records, all before number " << found.before
-            << "? What they tell is lost for good. Type yes: ";
-  std::string answer;
-  std::getline(std::cin, answer);
-  if (answer == "yes") return true;
+  const std::string question = "Forget " + std::to_string(found.records) +
+                               " records, all before number " + std::to_string(found.before) +
+                               "? What they tell is lost for good.";
+  if (agrees(question)) return true;
   why.sentence = "Nothing was forgotten.";
   return false;
 }

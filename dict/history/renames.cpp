@@ -17,19 +17,31 @@ static std::string text_in(const document& read, const char* key) {
   return read.HasMember(key) && read[key].IsString() ? read[key].GetString() : "";
 }
 
-// The name before the rename that the detail tells of; empty where it is not about that name. With
-// a class those below it were renamed.
-static std::string name_before(const std::string& detail, dm::change_of what,
-                               const std::string& key) {
+// The name on the other side of the rename that the detail tells of, whose members those are; empty
+// where it is not about that name. With a class those below it were renamed.
+static std::string renamed(const std::string& detail, dm::change_of what, const std::string& name,
+                           const char* from, const char* to) {
   document read;
   read.Parse(detail.c_str());
   if (read.HasParseError() || !read.IsObject()) return "";
   const bool is_class = what == dm::change_of::CLASS;
   if (text_in(read, "rename") != (is_class ? "class" : "field")) return "";
-  const std::string to = dm::folded(text_in(read, "to"));
-  const std::string from = dm::folded(text_in(read, "from"));
-  if (key == to) return from;
-  return is_class && key.rfind(to + "/", 0) == 0 ? from + key.substr(to.size()) : "";
+  const std::string key = dm::folded(name);
+  const std::string old = dm::folded(text_in(read, from));
+  if (key == old) return text_in(read, to);
+  return is_class && key.rfind(old + "/", 0) == 0 ? text_in(read, to) + name.substr(old.size())
+                                                  : "";
+}
+
+static std::string name_before(const std::string& detail, dm::change_of what,
+                               const std::string& key) {
+  return dm::folded(renamed(detail, what, key, "to", "from"));
+}
+
+std::string name_after(const dm::journal_record& record, dm::change_of what,
+                       const std::string& name) {
+  return record.kind == dm::journal_kind::CHANGE ? renamed(record.detail, what, name, "from", "to")
+                                                 : "";
 }
 
 bool find_names(dm::store& store, dm::change_of what, const std::string& name,

@@ -20,6 +20,10 @@ struct past_name {
 bool find_names(dm::store& store, dm::change_of what, const std::string& name,
                 std::vector<past_name>& names, dm::problem& why);
 
+// The name that the record gave what was called that; "" where it did not rename it.
+std::string name_after(const dm::journal_record& record, dm::change_of what,
+                       const std::string& name);
+
 // Whether the change of the record is one of the thing with those names.
 bool is_of(const std::vector<past_name>& names, int64_t record, std::string_view changed);
 

@@ -1,16 +1,14 @@
 // The command apply: carries out a plan exactly, or not at all.
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 
 #include "dd/database_number.h"
 #include "dict/commands.h"
-#include "dict/diff/losses.h"
 #include "dict/options.h"
 #include "dict/plan/stale.h"
 #include "dict/terminal/colour.h"
+#include "dict/terminal/question.h"
 #include "dict/terminal/visible.h"
 #include "vantor/binding.h"
 
@@ -40,6 +38,32 @@ struct applying {
 
 }  // namespace
 
+// --- Where there is nothing to deploy ------------------------------------------------------------
+
+static bool can_deploy(const standing& now) {
+  return !now.is_done && now.stale.empty();
+}
+
+static int tell_stale(const standing& now) {
+  if (now.application != 0)
+    std::cout << "The plan was applied by deployment " << now.application
+              << ", and what it changed was changed again since:\n";
+  for (const std::string& sentence : now.stale) std::cout << visible{sentence} << '\n';
+  std::cout << "Nothing was deployed: make the plan anew.\n";
+  return FOUND;
+}
+
+static int tell(const standing& now) {
+  if (!now.is_done) return tell_stale(now);
+  std::cout << "Nothing to do: ";
+  if (now.application == 0) {
+    std::cout << "everything is as the plan would make it.\n";
+  } else {
+    std::cout << "the plan was applied by deployment " << now.application << ".\n";
+  }
+  return DONE;
+}
+
 // --- Before anything is asked --------------------------------------------------------------------
 
 static bool is_chosen(const applying& in, dm::problem& why) {
@@ -52,14 +76,20 @@ static bool is_chosen(const applying& in, dm::problem& why) {
   return false;
 }
 
-static bool is_writeable(const applying& in, dm::problem& why) {
+// Begins to write only where the store will refuse that, before it locks anything: it says why.
+static bool is_store_writeable(applying& in, dm::problem& why) {
+  dm::store* store = in.on.session.store.get();
+  return store->calls->writeable(store) || dm::begin_write(in.on.session, why);
+}
+
+static bool is_writeable(applying& in, dm::problem& why) {
   const dm::settings& settings = in.on.session.settings;
   const bool needs_fields = !in.made.results.fields.empty();
   const bool needs_classes = !in.made.results.classes.empty();
   const char* entry = needs_fields && !settings.fields_writeable     ? "fields_writeable"
                       : needs_classes && !settings.objects_writeable ? "objects_writeable"
                                                                      : nullptr;
-  if (entry == nullptr) return true;
+  if (entry == nullptr) return is_store_writeable(in, why);
   why.code = TAV_ERR_WRITE_REFUSED;
   why.sentence = dm::join({"The entry '", entry, "' of tav.conf does not allow to write."});
   return false;
@@ -83,20 +113,6 @@ static bool results_fit(const applying& in, const dm::deployment_result& result,
   return false;
 }
 
-static told_plan tell(applying& in) {
-  return {in.sources, in.files};
-}
-
-// Judges what the plan holds as 'plan' judged the files.
-static bool judge_again(applying& in, told_plan& told, dm::problem& why) {
-  if (!fetch_held(in.on, why)) return false;
-  judge(in.on, in.sources, in.files);
-  if (!find_differences(in.on, in.files, told.found, why)) return false;
-  told.rewritten = rewritten(in.files, told.found);
-  told.losses = losses_of(told.found);
-  return true;
-}
-
 static bool is_allowed(const applying& in, const told_plan& told, dm::problem& why) {
   if (told.losses.empty() || in.asked.allows_losses) return true;
   why.sentence = dm::join({"The plan is destructive (", told.losses.front(),
@@ -110,22 +126,13 @@ static bool is_allowed(const applying& in, const told_plan& told, dm::problem& w
 // Asks a person. A script must say --yes.
 static bool is_meant(const applying& in, dm::problem& why) {
   if (in.asked.is_sure) return true;
-  if (isatty(STDIN_FILENO) == 0) {
+  if (!can_ask()) {
     why.sentence = "There is nobody to ask whether to deploy this; --yes says that it is meant.";
     return false;
   }
-  std::cerr << "Deploy this? Type yes: ";
-  std::string answer;
-  std::getline(std::cin, answer);
-  if (answer == "yes") return true;
+  if (agrees("Deploy this?")) return true;
   why.sentence = "Nothing was deployed.";
   return false;
-}
-
-static int tell_stale(const std::vector<std::string>& stale) {
-  for (const std::string& sentence : stale) std::cout << visible{sentence} << '\n';
-  std::cout << "Nothing was deployed: make the plan anew.\n";
-  return FOUND;
 }
 
 static bool commit(applying& in, const dm::deployment_result& result, dm::problem& why) {
@@ -141,13 +148,13 @@ static bool commit(applying& in, const dm::deployment_result& result, dm::proble
 static int deploy(applying& in) {
   dm::session& session = in.on.session;
   dm::problem why;
-  std::vector<std::string> stale;
+  standing now;
   dm::deployment_result result;
   session.seen.clear();  // digests tell more than stamps
   if (!dm::begin_write(session, why) || !choose_database(in.made.database, in.on, why) ||
-      !find_stale(*session.store, in.on.database, in.made, stale, why))
+      !find_standing(*session.store, in.on.database, in.made, now, why))
     return fail(why);
-  if (!stale.empty()) return tell_stale(stale);
+  if (!can_deploy(now)) return tell(now);
   const auto lists = lists_of(in.files, in.made.database);
   if (!dm::write_deployment(session, lists, result, why) || !results_fit(in, result, why) ||
       !commit(in, result, why))
@@ -158,23 +165,10 @@ static int deploy(applying& in) {
 
 // --- The command ---------------------------------------------------------------------------------
 
-static int tell_applied(applying& in) {
-  dm::problem why;
-  int64_t deployment = 0;
-  if (!find_application(*in.on.session.store, in.made, deployment, why)) return fail(why);
-  std::cout << "Nothing to do: ";
-  if (deployment == 0) {
-    std::cout << "everything is as the plan would make it.\n";
-  } else {
-    std::cout << "the plan was applied by deployment " << deployment << ".\n";
-  }
-  return DONE;
-}
-
 static int show_and_deploy(applying& in) {
   dm::problem why;
-  told_plan told = tell(in);
-  if (!judge_again(in, told, why)) return fail(why);
+  told_plan told{in.sources, in.files};
+  if (!fetch_held(in.on, why) || !judge_and_tell(in.on, in.files, told, why)) return fail(why);
   std::cout << as_text(told, is_coloured(in.asked.colour));
   if (is_refused(in.files)) return FAILED;
   if (!results_fit(in, in.files.result, why) || !is_allowed(in, told, why) ||
@@ -187,13 +181,10 @@ static int show_and_deploy(applying& in) {
 static int run(const request& asked) {
   applying in{asked};
   dm::problem why;
-  bool applied = false;
-  std::vector<std::string> stale;
-  if (!open(in, why) || !is_applied(*in.on.session.store, in.on.database, in.made, applied, why))
+  standing now;
+  if (!open(in, why) || !find_standing(*in.on.session.store, in.on.database, in.made, now, why))
     return fail(why);
-  if (applied) return tell_applied(in);
-  if (!find_stale(*in.on.session.store, in.on.database, in.made, stale, why)) return fail(why);
-  if (!stale.empty()) return tell_stale(stale);
+  if (!can_deploy(now)) return tell(now);
   in.sources.push_back({asked.file, syntax::read(in.made.definitions)});
   const int status = show_and_deploy(in);
   in.on.held.fields.leave();

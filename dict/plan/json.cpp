@@ -17,6 +17,11 @@ static void put_error(json_writer& out, places& here, const lint::finding& found
   out.EndObject();
 }
 
+static void put_differences(json_writer& out, const told_plan& told) {
+  if (!is_refused(told.files)) return put_differences(out, told.found);
+  put_refused_differences(out, told.files.is_readable ? &told.found : nullptr);
+}
+
 std::string as_json(const told_plan& told) {
   json_page page;
   json_writer& out = page.out;
@@ -26,7 +31,7 @@ std::string as_json(const told_plan& told) {
   };
   out.StartObject();
   put_flag(out, "refused", is_refused(told.files));
-  put_differences(out, told.found);
+  put_differences(out, told);
   put_texts(out, "rewritten", told.rewritten);
   put_texts(out, "destructive", told.losses);
   put_array(out, "errors", told.files.errors, put);

@@ -3,7 +3,9 @@
 #include <new>
 #include <set>
 
+#include "dd/database_number.h"
 #include "dd/values.h"
+#include "dict/diff/losses.h"
 #include "dict/lint/refusals.h"
 #include "dict/plan/plan.h"
 #include "dm/folded.h"
@@ -108,14 +110,15 @@ bool is_refused(const judged& files) {
 
 // --- Differences ---------------------------------------------------------------------------------
 
-bool find_differences(snapshot& on, judged& files, std::vector<difference>& found,
-                      dm::problem& why) {
+static bool find_differences(snapshot& on, judged& files, std::vector<difference>& found,
+                             dm::problem& why) {
   if (!files.is_readable) return true;
   progress shown("comparing");
   return compare(on.held, files.sent, {true, false, shown}, found, why);
 }
 
-std::vector<std::string> rewritten(const judged& files, const std::vector<difference>& found) {
+static std::vector<std::string> rewritten(const judged& files,
+                                          const std::vector<difference>& found) {
   std::set<std::string> differing;
   for (const difference& d : found) {
     if (d.kind != change::KEPT) differing.insert(dm::folded(d.name));
@@ -125,6 +128,16 @@ std::vector<std::string> rewritten(const judged& files, const std::vector<differ
     if (differing.count(dm::folded(one.name)) == 0) names.push_back(one.name);
   }
   return names;
+}
+
+bool judge_and_tell(snapshot& on, judged& files, told_plan& told, dm::problem& why) {
+  judge(on, told.sources, files);
+  if (!find_differences(on, files, told.found, why)) return false;
+  if (!is_refused(files)) told.rewritten = rewritten(files, told.found);
+  told.losses = losses_of(told.found);
+  if (on.database.number != on.session.settings.database)
+    told.database = dd_database_text(on.database.number);
+  return true;
 }
 
 }  // namespace dict

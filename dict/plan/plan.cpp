@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "dict/commands.h"
-#include "dict/diff/losses.h"
 #include "dict/files.h"
 #include "dict/history/history.h"
 #include "dict/lint/spared.h"
@@ -82,11 +81,8 @@ static int run(request asked) {
     return fail(why);
   if (!read_sources(asked.files, sources, why) || !open(asked, on, why)) return fail(why);
   judged files;
-  judge(on, sources, files);
   told_plan told{sources, files};
-  if (!find_differences(on, files, told.found, why)) return fail(why);
-  told.rewritten = rewritten(files, told.found);
-  told.losses = losses_of(told.found);
+  if (!judge_and_tell(on, files, told, why)) return fail(why);
   const int status = conclude(asked, on, told);
   on.held.fields.leave();
   on.held.classes.leave();

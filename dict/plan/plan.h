@@ -55,13 +55,6 @@ void judge(snapshot& on, const std::vector<lint::source>& sources, judged& resul
 // Asks the data manager alone what becomes of the lists. False with its refusal.
 bool try_lists(snapshot& on, judged& files, dm::problem& why);
 
-// The differences, as `diff` finds them; of definitions that cannot be read, none.
-bool find_differences(snapshot& on, judged& files, std::vector<difference>& found,
-                      dm::problem& why);
-// The classes that are stored anew though `diff` finds no difference: the order of entries, the
-// case of letters, or what exports do not show.
-std::vector<std::string> rewritten(const judged& files, const std::vector<difference>& found);
-
 // --- Plans ---------------------------------------------------------------------------------------
 
 using digests = std::map<std::string, std::string>;  // by name; ABSENT: it must not be there
@@ -113,8 +106,8 @@ digests_of_things results_of(const dm::deployment_result& result);
 std::string file_of(const plan& made);
 // False with the reason, which calls the file what it is named.
 bool read_plan(const std::string& file, plan& result, dm::problem& why);
-// Whether a plan may be written there: to a new file, an empty one, or over a plan. False with the
-// reason.
+// Whether a plan may be written there: to a new file, or over a plan that nobody has changed. False
+// with the reason.
 bool takes_plan(const std::string& file, dm::problem& why);
 
 // --- Telling -------------------------------------------------------------------------------------
@@ -122,14 +115,21 @@ bool takes_plan(const std::string& file, dm::problem& why);
 struct told_plan {
   const std::vector<lint::source>& sources;
   const judged& files;
+  // The differences, as `diff` finds them; of definitions that cannot be read, none.
   std::vector<difference> found{};
+  // What is stored anew though `diff` finds no difference: the order of entries, the case of
+  // letters, or what exports do not show. Of refused files nobody knows.
   std::vector<std::string> rewritten{};
   std::vector<std::string> losses{};
+  std::string database{};  // where it is not the login's
 };
+
+// Judges the sources, and finds out what there is to tell. False with the reason.
+bool judge_and_tell(snapshot& on, judged& files, told_plan& told, dm::problem& why);
 
 // All that changes, a line each.
 std::string lines_of(const told_plan& told, bool coloured);
-// "1 field to add, 2 classes to change, 1 destructive." or "Nothing to do."
+// "1 field to add, 2 classes to change, 1 destructive."; "" where there is nothing to do.
 std::string sum_of(const told_plan& told);
 std::string as_text(const told_plan& told, bool coloured);
 std::string as_json(const told_plan& told);

@@ -102,10 +102,18 @@ static bool refuse(const std::string& file, std::string_view fault, dm::problem&
   return false;
 }
 
+// A pipe might never be opened by anybody else, and a device never end.
+static bool is_other_than_file(const std::string& name) {
+  struct stat status;
+  return ::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
 bool read_plan(const std::string& file, plan& result, dm::problem& why) {
   file_content content;
   document read;
   int64_t version = 0;
+  if (file != STANDARD_INPUT && is_other_than_file(file))
+    return refuse(file, "is no regular file, and a plan is always one; - is standard input.", why);
   if (!read_file(file, file, content, why)) return false;
   parse(content.text, read);
   if (!is_plan(read)) return refuse(file, "is no plan; 'tav_dict plan --output' makes one.", why);
@@ -120,17 +128,22 @@ bool read_plan(const std::string& file, plan& result, dm::problem& why) {
 }
 
 bool takes_plan(const std::string& file, dm::problem& why) {
+  if (file == STANDARD_INPUT) {
+    why.sentence = "--output names the file for the plan, and standard output is none.";
+    return false;
+  }
+  if (is_other_than_file(file))
+    return refuse(file, "is no regular file, and a plan is always one.", why);
   struct stat status;
-  if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return true;
+  if (::stat(file.c_str(), &status) != 0) return true;
   file_content content;
   document read;
   if (!read_file(file, file, content, why)) return false;
-  if (content.text.empty()) return true;
   parse(content.text, read);
-  if (is_plan(read)) return true;
+  if (is_plan(read) && !sound_digest(content.text).empty()) return true;
   return refuse(file,
-                "is no plan, and --output replaces nothing else: name another file, or remove this "
-                "one.",
+                "is no plan, or was changed after it was made, and --output replaces nothing else: "
+                "name another file, or remove this one.",
                 why);
 }
 

@@ -3,6 +3,7 @@
 #include "dd/database_number.h"
 #include "dict/history/history.h"
 #include "dict/history/moments.h"
+#include "dict/history/renames.h"
 #include "dict/history/telling.h"
 #include "dict/plan/present.h"
 #include "dm/folded.h"
@@ -32,8 +33,10 @@ struct search {
 
 // --- What is different ---------------------------------------------------------------------------
 
+static constexpr char REMOVED[] = "was removed";
+
 static std::string verb_of(const std::string& before, const std::string& now) {
-  return before == ABSENT ? "was added" : now == ABSENT ? "was removed" : "was changed";
+  return before == ABSENT ? "was added" : now == ABSENT ? REMOVED : "was changed";
 }
 
 static bool compare_things(search& in, present_digests& present, dm::change_of what,
@@ -146,21 +149,26 @@ static bool find_changers(search& in, changers& by) {
          dm::walk_changes(in.store, range, note_change, in.why);
 }
 
+static std::string event_of(const stale_thing& thing, const dm::journal_record* record) {
+  const std::string name =
+      record != nullptr && thing.verb == REMOVED ? name_after(*record, thing.what, thing.name) : "";
+  return name.empty() ? thing.verb + thing.behind : dm::join({"was renamed to ", dm::quoted(name)});
+}
+
 static std::string sentence_of(const stale_thing& thing, const changers& by) {
   const char* what = thing.what == dm::change_of::FIELD ? "Field " : "Class ";
-  std::string sentence = dm::join({what, dm::quoted(thing.name), " ", thing.verb, thing.behind});
   const auto found = by.find(dm::thing_key(thing.what, thing.name));
-  if (found == by.end()) return sentence + "; the journal no longer tells by whom.";
+  const bool is_known = found != by.end();
+  const std::string event = event_of(thing, is_known ? &found->second : nullptr);
+  const std::string sentence = dm::join({what, dm::quoted(thing.name), " ", event});
+  if (!is_known) return sentence + "; the journal no longer tells by whom.";
   const dm::journal_record& record = found->second;
   return sentence + dm::join({" by deployment ", std::to_string(record.deployment), " at ",
                               local_time(record.time), " by ", who_of(record), "."});
 }
 
-bool find_stale(dm::store& store, const dm::database_row& database, const plan& made,
-                std::vector<std::string>& stale, dm::problem& why) {
-  search in{store, database, made, why};
+static bool tell(search& in, std::vector<std::string>& stale) {
   changers by;
-  if (!compare_all(in)) return false;
   if (!in.found.empty() && !find_changers(in, by)) return false;
   for (const stale_thing& thing : in.found) stale.push_back(sentence_of(thing, by));
   return true;
@@ -168,17 +176,14 @@ bool find_stale(dm::store& store, const dm::database_row& database, const plan& 
 
 // --- What is done already ------------------------------------------------------------------------
 
-bool is_applied(dm::store& store, const dm::database_row& database, const plan& made, bool& applied,
-                dm::problem& why) {
-  search in{store, database, made, why};
-  present_digests present(store, database.id, count(made.results));
-  const bool is_read = compare_things(in, present, dm::change_of::FIELD, made.results.fields) &&
-                       compare_things(in, present, dm::change_of::CLASS, made.results.classes);
-  applied = is_read && in.found.empty();
-  return is_read;
+static bool compare_results(search& in) {
+  present_digests present(in.store, in.database.id, count(in.made.results));
+  return compare_things(in, present, dm::change_of::FIELD, in.made.results.fields) &&
+         compare_things(in, present, dm::change_of::CLASS, in.made.results.classes);
 }
 
-bool find_application(dm::store& store, const plan& made, int64_t& deployment, dm::problem& why) {
+static bool find_application(dm::store& store, const plan& made, int64_t& deployment,
+                             dm::problem& why) {
   dm::journal_range range;
   range.from = made.record + 1;
   const auto look = [&](const dm::journal_record& record) {
@@ -190,11 +195,38 @@ bool find_application(dm::store& store, const plan& made, int64_t& deployment, d
   return dm::walk_records(store, range, look, why);
 }
 
+// A plan that was applied and taken back is not deployed again: who took it back meant that.
+bool find_standing(dm::store& store, const dm::database_row& database, const plan& made,
+                   standing& result, dm::problem& why) {
+  search results{store, database, made, why};
+  result = {};
+  if (!compare_results(results) || !find_application(store, made, result.application, why))
+    return false;
+  result.is_done = results.found.empty();
+  if (result.is_done) return true;
+  if (result.application != 0) return tell(results, result.stale);
+  search known{store, database, made, why};
+  return compare_all(known) && tell(known, result.stale);
+}
+
 // --- Which dictionary it is ----------------------------------------------------------------------
 
 static bool refuse(std::string sentence, dm::problem& why) {
   why.sentence = std::move(sentence);
   return false;
+}
+
+// Where only the identities tell the two apart, they are told.
+static bool is_another(const plan& made, const std::string& name, const std::string& identity,
+                       dm::problem& why) {
+  const std::string planned = dm::quoted(made.name);
+  const bool is_alike = planned == name;
+  return refuse(
+      dm::join({"The plan was made for dictionary ", planned,
+                is_alike ? " with identity " + made.identity : "",
+                ", and this is another one, or one that was made anew from a backup: ", name,
+                is_alike ? " with identity " + identity : "", ". Make the plan anew."}),
+      why);
 }
 
 // The record that was the last when the plan was made, or those behind it where it was forgotten.
@@ -214,11 +246,7 @@ bool is_of(const plan& made, snapshot& on, dm::problem& why) {
   dm::store& store = *on.session.store;
   const std::string name = dm::quoted(store.calls->name(&store));
   if (!must_have_journal(store, why)) return false;
-  if (made.identity != on.identity)
-    return refuse(dm::join({"The plan was made for dictionary ", dm::quoted(made.name),
-                            ", and this is another one, or one that was made anew from a backup: ",
-                            name, ". Make the plan anew."}),
-                  why);
+  if (made.identity != on.identity) return is_another(made, name, on.identity, why);
   bool found = false;
   if (!has_record(store, made, found, why)) return false;
   return found ||

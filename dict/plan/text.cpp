@@ -58,7 +58,7 @@ std::string sum_of(const told_plan& told) {
   add(sum, counts.classes_added, "class", "classes", " to add");
   add(sum, counts.classes_changed, "class", "classes", " to change");
   add(sum, told.losses.size(), "", "", "destructive");
-  return sum.empty() ? "Nothing to do." : sum + ".";
+  return sum.empty() ? "" : sum + ".";
 }
 
 // --- All -----------------------------------------------------------------------------------------
@@ -75,9 +75,12 @@ static std::string refusal_of(const told_plan& told, bool coloured) {
 }
 
 std::string as_text(const told_plan& told, bool coloured) {
-  const std::string refusal = refusal_of(told, coloured);
-  const bool has_sum = refusal.empty() || !told.found.empty();
-  return lines_of(told, coloured) + refusal + (has_sum ? sum_of(told) + "\n" : "");
+  std::string sum = sum_of(told);
+  if (sum.empty() && !is_refused(told.files)) sum = "Nothing to do.";
+  if (!sum.empty()) sum += '\n';
+  const std::string place =
+      told.database.empty() ? "" : dm::join({"database ", told.database, ":\n"});
+  return place + lines_of(told, coloured) + refusal_of(told, coloured) + sum;
 }
 
 }  // namespace dict

@@ -1,7 +1,10 @@
 // A plan is stale exactly where something that it touches or depends on changed since.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <regex>
 
 #include "tests/tool/workshop.h"
 
@@ -157,8 +160,12 @@ TEST_F(planning, is_refused_in_another_place_or_by_another_right) {
   for (const char* part : {"dictionary.db", "dictionary.db-wal", "dictionary.db-shm"})
     std::filesystem::remove(place.path(part));
   EXPECT_EQ(place.run({"dict", "restore", "copy.db"}).exit_status, 0);
-  EXPECT_NE(refusal().find("this is another one, or one that was made anew from a backup"),
-            std::string::npos);
+  const std::regex another(
+      "tav_dict: The plan was made for dictionary './dictionary.db' with identity ([0-9a-f]{32}), "
+      "and this is another one, or one that was made anew from a backup: './dictionary.db' with "
+      "identity (?!\\1)[0-9a-f]{32}. Make the plan anew.\n");
+  const std::string told = refusal();
+  EXPECT_TRUE(std::regex_match(told, another)) << told;
 }
 
 // Another database has things of its own, which are nobody else's.
@@ -168,9 +175,74 @@ TEST_F(planning, is_for_one_database) {
   make(WANTED, {"-d", "0.0.0.2"});
   deploy("STORABLE CLASS /a/b { DESCR = \"x\"; }");
   const std::string before = place.run({"dict", "export"}).out;
+  for (const run_result& shown :
+       {place.run({"dict", "plan", "-d", "0.0.0.2", "wanted.def"}), apply({"--dry-run"})})
+    EXPECT_EQ(shown.out.rfind("database 0.0.0.2:\n+ field F_NEW", 0), 0u) << shown.out;
   EXPECT_EQ(apply({"-d", "0.0.0.2"}).exit_status, 0);
   EXPECT_EQ(place.run({"dict", "export"}).out, before);
   EXPECT_EQ(place.run({"dict", "plan", "-d", "0.0.0.2", "wanted.def"}).exit_status, 0);
+}
+
+TEST_F(planning, tells_whom_the_dictionary_does_not_take) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  make(WANTED);
+  for (const char* name : {"a.plan", "tav.conf", "dictionary.db"})
+    ASSERT_EQ(::chmod(place.path(name).c_str(), 0644), 0);
+  ASSERT_EQ(::chmod(place.path(".").c_str(), 0755), 0);
+  run_options other;
+  other.program = "/usr/bin/setpriv";
+  for (const char* how : {"--dry-run", "--yes"}) {
+    const run_result done = place.run(
+        {"--reuid=65534", "--regid=65534", "--clear-groups", TAV_DICT, "apply", "a.plan", how},
+        other);
+    EXPECT_EQ(done.exit_status, 2) << how << done.out;
+    EXPECT_NE(done.err.find("it cannot be written; check the permissions"), done.err.npos)
+        << how << done.err;
+  }
+}
+
+TEST_F(planning, takes_regular_files_alone) {
+  make(WANTED);
+  const std::string sound = place.read("a.plan");
+  const std::string no_plan =
+      " is no plan, or was changed after it was made, and --output replaces nothing else: name "
+      "another file, or remove this one.\n";
+  const std::string no_file = " is no regular file, and a plan is always one";
+  ASSERT_EQ(::mkfifo(place.path("pipe").c_str(), 0600), 0);
+  for (const char* name : {"pipe", "/dev/zero"}) {
+    const run_result read = place.run({"dict", "apply", name, "--yes"});
+    EXPECT_EQ(read.exit_status, 2);
+    EXPECT_EQ(read.err,
+              "tav_dict: File '" + std::string(name) + "'" + no_file + "; - is standard input.\n");
+    const run_result written = place.run({"dict", "plan", "wanted.def", "--output", name});
+    EXPECT_EQ(written.exit_status, 2);
+    EXPECT_EQ(written.err, "tav_dict: File '" + std::string(name) + "'" + no_file + ".\n");
+  }
+  const run_result dash = place.run({"dict", "plan", "wanted.def", "--output", "-"});
+  EXPECT_EQ(dash.exit_status, 2);
+  EXPECT_EQ(dash.err,
+            "tav_dict: --output names the file for the plan, and standard output is none.\n");
+  for (const std::string& text :
+       {std::string(), std::string("{\"tav_plan\": 1, \"mine\": 2}\n"), sound + " "}) {
+    place.write("mine", text);
+    EXPECT_EQ(place.run({"dict", "plan", "wanted.def", "--output", "mine"}).err,
+              "tav_dict: File 'mine'" + no_plan);
+    EXPECT_EQ(place.read("mine"), text);
+  }
+  make(WANTED);  // over the older one
+  run_options input;
+  input.input = "a.plan";
+  EXPECT_EQ(place.run({"dict", "apply", "-", "--yes"}, input).exit_status, 0);
+}
+
+TEST_F(planning, tells_what_was_renamed) {
+  make(WANTED);
+  EXPECT_EQ(place.run({"dict", "rename", "class", "/A", "/n", "--yes"}).exit_status, 0);
+  EXPECT_EQ(std::regex_replace(apply().out, std::regex(" at .*"), ""),
+            "Class '/a' was renamed to '/n' by deployment 5\n"
+            "Class '/a/b' was renamed to '/n/b' by deployment 5\n"
+            "Class '/a/b/c' was renamed to '/n/b/c' by deployment 5\n"
+            "Nothing was deployed: make the plan anew.\n");
 }
 
 TEST_F(planning, notices_a_changed_byte) {
@@ -198,19 +270,51 @@ TEST_F(planning, is_done_where_everything_is_so_already) {
   EXPECT_EQ(apply().out, "Nothing to do: everything is as the plan would make it.\n");
 }
 
+TEST_F(planning, is_not_deployed_again_where_it_was_taken_back) {
+  make(WANTED);
+  EXPECT_EQ(apply().exit_status, 0);
+  EXPECT_EQ(place.run({"dict", "undo", "5", "--yes"}).exit_status, 0);
+  const std::string before = place.dictionary();
+  for (const auto& more : {std::vector<std::string>{}, {"--dry-run"}}) {
+    const run_result again = apply(more);
+    EXPECT_EQ(again.exit_status, 1) << again.err;
+    EXPECT_EQ(std::regex_replace(again.out, std::regex(" at .*"), ""),
+              "The plan was applied by deployment 5, and what it changed was changed again since:\n"
+              "Field 'F_NEW' was removed by deployment 6\n"
+              "Class '/a/b' was changed by deployment 6\n"
+              "Nothing was deployed: make the plan anew.\n");
+  }
+  EXPECT_EQ(place.dictionary(), before);
+}
+
+// Answers the question of apply once that was done; gives what it showed.
+static std::string answer_after(workshop& place, const std::string& done) {
+  place.write("job.sh", "until grep -q 'Type yes' asked; do sleep 0.05; done; " + done +
+                            " >/dev/null 2>&1; echo yes; sleep 0.2\n");
+  place.write("ask.sh", "touch asked; sh job.sh | script -qefc '" TAV_DICT
+                        " apply a.plan' /dev/null | tee asked\n");
+  run_options options;
+  options.program = "/bin/sh";
+  return place.run({"ask.sh"}, options).out;
+}
+
 // While a person thinks, somebody else deploys: what was looked at before the question does not
 // count.
 TEST_F(planning, looks_again_when_the_question_is_answered) {
   make(WANTED);
   place.write("other.def", "STORABLE CLASS /a/b { DESCR = \"x\"; }");
-  place.write("job.sh", "until grep -q 'Type yes' asked; do sleep 0.05; done; " TAV_DEPLOY
-                        " replace other.def >/dev/null 2>&1; echo yes; sleep 0.2\n");
-  place.write("ask.sh", "touch asked; sh job.sh | script -qefc '" TAV_DICT
-                        " apply a.plan' /dev/null | tee asked\n");
-  run_options options;
-  options.program = "/bin/sh";
-  const std::string out = place.run({"ask.sh"}, options).out;
+  const std::string out = answer_after(place, TAV_DEPLOY " replace other.def");
   EXPECT_NE(out.find("Type yes"), out.npos) << out;
   EXPECT_NE(out.find("Class '/a/b' was changed by deployment 5 at "), out.npos) << out;
   EXPECT_NE(out.find("Nothing was deployed: make the plan anew."), out.npos) << out;
+  make(WANTED);
+  // Nobody is asked who does not see what about.
+  run_options shell;
+  shell.program = "/bin/sh";
+  const std::string unseen =
+      place.run({"-c", "script -qefc '" TAV_DICT " apply a.plan | cat' /dev/null"}, shell).out;
+  EXPECT_NE(unseen.find("There is nobody to ask whether to deploy this"), unseen.npos) << unseen;
+  EXPECT_NE(answer_after(place, TAV_DICT " apply a.plan --yes")
+                .find("\nNothing to do: the plan was applied by deployment 6."),
+            out.npos);
 }
