@@ -4,6 +4,7 @@
 
 #include "dd/database_number.h"
 #include "dict/change/change.h"
+#include "dict/history/renames.h"
 #include "dict/options.h"
 #include "dm/changes/back.h"
 #include "dm/session.h"
@@ -39,6 +40,21 @@ static bool find_changed(const deployment& one, uint64_t& number, dm::problem& w
   return dd_read_database(database.c_str(), number) || dm::damaged_record(one.number, why);
 }
 
+// What takes a rename back is a rename, too: the history follows the name.
+static std::string detail_of_undo(const deployment& undone) {
+  const std::string detail = "{\"undo\":" + std::to_string(undone.number);
+  for (const deployment_record& record : undone.records) {
+    dm::journal_record told;
+    told.kind = record.kind;
+    told.detail = record.detail;
+    const told_rename rename = read_rename(told);
+    if (rename.what.empty()) continue;
+    return detail + "," +
+           detail_of({{"rename", rename.what}, {"from", rename.to}, {"to", rename.from}}).substr(1);
+  }
+  return detail + "}";
+}
+
 static bool find_undo(const std::string& point, intended_change& change, dm::problem& why) {
   deployment_choice wanted;
   std::vector<deployment> found;
@@ -50,7 +66,7 @@ static bool find_undo(const std::string& point, intended_change& change, dm::pro
       !dm::find_database(*from.store, database, 0, from.database, why)) {
     return false;
   }
-  change.detail = "{\"undo\":" + std::to_string(wanted.number) + "}";
+  change.detail = detail_of_undo(found.at(0));
   return dm::find_undone(*from.store, from.database, wanted.number, change.wanted, change.refused,
                          why);
 }

@@ -17,27 +17,32 @@ static std::string text_in(const document& read, const char* key) {
   return read.HasMember(key) && read[key].IsString() ? read[key].GetString() : "";
 }
 
-// The name before the rename that the detail tells of; empty where it is not about that name. With
-// a class those below it were renamed.
-static std::string name_before(const std::string& detail, dm::change_of what,
-                               const std::string& key) {
+told_rename read_rename(const dm::journal_record& record) {
   document read;
-  read.Parse(detail.c_str());
-  if (read.HasParseError() || !read.IsObject()) return "";
+  if (record.kind != dm::journal_kind::CHANGE) return {};
+  read.Parse(record.detail.c_str());
+  if (read.HasParseError() || !read.IsObject()) return {};
+  return {text_in(read, "rename"), dm::folded(text_in(read, "from")),
+          dm::folded(text_in(read, "to"))};
+}
+
+// The name before the record; empty where that is no rename of the name. With a class those below
+// it were renamed.
+static std::string name_before(const dm::journal_record& record, dm::change_of what,
+                               const std::string& key) {
   const bool is_class = what == dm::change_of::CLASS;
-  if (text_in(read, "rename") != (is_class ? "class" : "field")) return "";
-  const std::string to = dm::folded(text_in(read, "to"));
-  const std::string from = dm::folded(text_in(read, "from"));
-  if (key == to) return from;
-  return is_class && key.rfind(to + "/", 0) == 0 ? from + key.substr(to.size()) : "";
+  const told_rename told = read_rename(record);
+  if (told.what != (is_class ? "class" : "field")) return "";
+  if (key == told.to) return told.from;
+  const bool is_below = is_class && key.rfind(told.to + "/", 0) == 0;
+  return is_below ? told.from + key.substr(told.to.size()) : "";
 }
 
 bool find_names(dm::store& store, dm::change_of what, const std::string& name,
                 std::vector<past_name>& names, dm::problem& why) {
   names = {{dm::folded(name), 0, std::numeric_limits<int64_t>::max()}};
   const auto look = [&](const dm::journal_record& record) {
-    if (record.kind != dm::journal_kind::CHANGE) return true;
-    const std::string before = name_before(record.detail, what, names.back().key);
+    const std::string before = name_before(record, what, names.back().key);
     if (before.empty() || before == names.back().key) return true;
     names.back().from = record.number;
     names.push_back({before, 0, record.number});
