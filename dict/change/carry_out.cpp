@@ -4,6 +4,7 @@
 
 #include "dict/change/change.h"
 #include "dict/diff/json.h"
+#include "dict/history/moments.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
@@ -88,9 +89,17 @@ static void print_json(const intended_change& change, const outcome& all) {
   print(page);
 }
 
+// With the time on the clock of whoever reads it.
+static std::string sentence_of(const dm::refused_change& refused) {
+  std::string sentence = refused.why.sentence;
+  const std::string& time = refused.by.time;
+  const size_t at = time.empty() ? sentence.npos : sentence.find(time);
+  return at == sentence.npos ? sentence : sentence.replace(at, time.size(), local_time(time));
+}
+
 static void print_refused(const outcome& all) {
   for (const dm::refused_change& refused : all.result.refused) {
-    std::cerr << "tav_dict: " << visible{refused.why.sentence} << '\n';
+    std::cerr << "tav_dict: " << visible{sentence_of(refused)} << '\n';
   }
   std::cerr << "tav_dict: Refused: nothing was changed.\n";
 }
