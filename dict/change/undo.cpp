@@ -78,10 +78,27 @@ static int run_undo(const request& asked) {
   return carry_out(change, asked.how);
 }
 
+// Before the database was made there is nothing to go back to.
+static bool is_within(const reading& from, int64_t record, dm::problem& why) {
+  const std::string about = dd_database_text(from.database.number);
+  int64_t made = 0;
+  const auto look = [&](const dm::journal_record& row) {
+    const bool makes_it = row.kind == dm::journal_kind::INIT ||
+                          (row.kind == dm::journal_kind::ADD_DATABASE && row.database == about);
+    if (makes_it) made = row.deployment;
+    return true;
+  };
+  if (!dm::walk_records(*from.store, {record + 1}, look, why)) return false;
+  if (made == 0) return true;
+  why.sentence = dm::join(
+      {"Database ", about, " was not there yet: deployment ", std::to_string(made), " made it."});
+  return false;
+}
+
 static bool find_revert(const std::string& point, intended_change& change, dm::problem& why) {
   int64_t record = 0;
   dm::past then;
-  if (!find_point(*change.from.store, point, record, why) ||
+  if (!find_point(*change.from.store, point, record, why) || !is_within(change.from, record, why) ||
       !look_back_to(change.from, record, then, why)) {
     return false;
   }
