@@ -2,6 +2,7 @@
 
 #include "dict/change/change.h"
 #include "dict/diff/json.h"
+#include "dict/history/moments.h"
 #include "dict/terminal/question.h"
 #include "dict/terminal/visible.h"
 
@@ -14,6 +15,7 @@ struct outcome {
   const change_options& how;
   std::vector<difference> found{};
   dm::change_result result{};
+  bool differs = false;  // what is wanted is not what is there, be it in spelling alone
   bool is_done = false;
 };
 
@@ -22,29 +24,36 @@ struct outcome {
 // --- What differs --------------------------------------------------------------------------------
 
 static bool add_pair(intended_change& change, const dm::wanted_thing& thing,
-                     definitions_maker& before, definitions_maker& after, dm::problem& why) {
+                     definitions_maker& before, definitions_maker& after, bool& differs,
+                     dm::problem& why) {
   std::optional<std::string> state;
   if (!dm::present_state(*change.from.store, change.from.database.id, thing.what, thing.name, state,
                          why)) {
     return false;
   }
-  return state == thing.state ||
-         ((!state || before.add(thing.what, thing.name, *state, why)) &&
+  if (state == thing.state) return true;
+  differs = true;
+  return ((!state || before.add(thing.what, thing.name, *state, why)) &&
           (!thing.state || after.add(thing.what, thing.name, *thing.state, why)));
 }
 
-static bool compare_all(intended_change& change, std::vector<difference>& found, dm::problem& why) {
+static bool compare_all(intended_change& change, outcome& all, dm::problem& why) {
   definitions before, after;
   definitions_maker make_before(before), make_after(after);
   for (const dm::wanted_thing& thing : change.wanted) {
-    if (!add_pair(change, thing, make_before, make_after, why)) return false;
+    if (!add_pair(change, thing, make_before, make_after, all.differs, why)) return false;
   }
   progress shown("comparing");
   return make_before.finish(why) && make_after.finish(why) &&
-         compare(before, after, {false, true, shown}, found, why);
+         compare(before, after, {false, true, shown}, all.found, why);
 }
 
 // --- Telling -------------------------------------------------------------------------------------
+
+// Whether anything would be changed, or was.
+static bool is_changing(const outcome& all) {
+  return all.result.record != 0 || all.result.changes != 0;
+}
 
 static void put_refused(json_writer& out, const dm::refused_change& refused) {
   out.StartObject();
@@ -55,34 +64,54 @@ static void put_refused(json_writer& out, const dm::refused_change& refused) {
   out.EndObject();
 }
 
-static void print_json(const outcome& all) {
+static void put_told(json_writer& out, const intended_change& change, const outcome& all) {
+  const bool is_told = is_changing(all);
+  put_texts(out, "notes", is_told ? change.notes : std::vector<std::string>());
+  out.Key("respelled");
+  if (!is_told || change.respelled.first.empty()) return (void)out.Null();
+  out.StartObject();
+  put_member(out, "from", change.respelled.first);
+  put_member(out, "to", change.respelled.second);
+  out.EndObject();
+}
+
+static void print_json(const intended_change& change, const outcome& all) {
   json_page page;
   page.out.StartObject();
   put_flag(page.out, "dry_run", all.how.is_trial);
   put_flag(page.out, "done", all.is_done && !all.how.is_trial && all.result.record != 0);
   put_number(page.out, "deployment", all.how.is_trial ? 0 : all.result.record);
   put_array(page.out, "refused", all.result.refused, put_refused);
+  put_told(page.out, change, all);
   put_differences(page.out, all.found);
   page.out.EndObject();
   print(page);
 }
 
+// With the time on the clock of whoever reads it.
+static std::string sentence_of(const dm::refused_change& refused) {
+  std::string sentence = refused.why.sentence;
+  const std::string& time = refused.by.time;
+  const size_t at = time.empty() ? sentence.npos : sentence.find(time);
+  return at == sentence.npos ? sentence : sentence.replace(at, time.size(), local_time(time));
+}
+
 static void print_refused(const outcome& all) {
   for (const dm::refused_change& refused : all.result.refused) {
-    std::cerr << "tav_dict: " << visible{refused.why.sentence} << '\n';
+    std::cerr << "tav_dict: " << visible{sentence_of(refused)} << '\n';
   }
   std::cerr << "tav_dict: Refused: nothing was changed.\n";
 }
 
-static int tell_end(const outcome& all) {
-  if (all.how.is_json) print_json(all);
+static int tell_end(const intended_change& change, const outcome& all) {
+  if (all.how.is_json) print_json(change, all);
   if (dm::failed(all.result.failure)) return fail(all.result.failure);
   if (!all.result.refused.empty()) {
     if (!all.how.is_json) print_refused(all);
     return FOUND;
   }
   if (all.how.is_json) return DONE;
-  if (all.result.record == 0 && all.result.changes == 0) {
+  if (!is_changing(all)) {
     std::cout << "There is nothing to do.\n";
   } else if (all.how.is_trial) {
     std::cout << "Nothing was changed: this was a dry run.\n";
@@ -92,12 +121,26 @@ static int tell_end(const outcome& all) {
   return DONE;
 }
 
-static void tell_beginning(const intended_change& change, const outcome& all) {
+// Where definitions would be told apart by nothing, that is said of it what can be said.
+static void tell_differences(const intended_change& change, const outcome& all) {
+  if (all.how.is_json || !all.differs) return;
+  const auto& [old_name, new_name] = change.respelled;
+  if (!all.found.empty()) {
+    std::cout << as_text(all.found, {}, false);
+  } else if (!old_name.empty()) {
+    std::cout << "Only the spelling changes: " << visible{old_name} << " -> " << visible{new_name}
+              << ".\n";
+  } else {
+    std::cout << "Only what is no difference between definitions changes, such as spelling.\n";
+  }
+  std::cout.flush();
+}
+
+static void tell_notes(const intended_change& change, const outcome& all) {
+  if (all.how.is_json || !is_changing(all)) return;
   for (const std::string& note : change.notes) {
     std::cerr << "tav_dict: Note: " << visible{note} << '\n';
   }
-  if (!all.how.is_json && !change.wanted.empty()) std::cout << as_text(all.found, {}, false);
-  std::cout.flush();
 }
 
 // --- Doing ---------------------------------------------------------------------------------------
@@ -113,31 +156,41 @@ static bool change_all(intended_change& change, bool is_trial, outcome& all) {
 
 // A person is asked only about what would be done. While one thinks nobody is kept waiting.
 static int try_and_ask(intended_change& change, outcome& all) {
-  if (!change_all(change, true, all) || all.result.changes == 0) return tell_end(all);
+  if (!change_all(change, true, all) || all.result.changes == 0) return tell_end(change, all);
+  tell_notes(change, all);
   if (!agrees("Do that?")) {
     dm::problem why;
     why.sentence = "Nothing was changed.";
     return fail(why);
   }
   all.is_done = change_all(change, false, all);
-  return tell_end(all);
+  return tell_end(change, all);
+}
+
+// Whether a person could be asked who has seen what would be done.
+static bool may_ask(const change_options& how, dm::problem& why) {
+  if (how.is_json) {
+    why.sentence =
+        "With --json nobody is asked; --yes says that it is meant, --dry-run only tells.";
+  } else if (!can_ask()) {
+    why.sentence = "There is nobody to ask; --yes says that it is meant, --dry-run only tells.";
+  }
+  return why.sentence.empty();
 }
 
 int carry_out(intended_change& change, const change_options& how) {
   outcome all{how};
   dm::problem why;
   const bool asks = !how.is_trial && !how.is_sure;
-  if (asks && !can_ask()) {
-    why.sentence = "There is nobody to ask; --yes says that it is meant, --dry-run only tells.";
-    return fail(why);
-  }
+  if (asks && !may_ask(how, why)) return fail(why);
   all.result.refused = change.refused;
-  if (change.refused.empty() && !compare_all(change, all.found, why)) return fail(why);
-  if (change.refused.empty()) tell_beginning(change, all);
-  if (!change.refused.empty()) return tell_end(all);
+  if (!change.refused.empty()) return tell_end(change, all);
+  if (!compare_all(change, all, why)) return fail(why);
+  tell_differences(change, all);
   if (asks) return try_and_ask(change, all);
   all.is_done = change_all(change, how.is_trial, all);
-  return tell_end(all);
+  tell_notes(change, all);
+  return tell_end(change, all);
 }
 
 }  // namespace dict

@@ -28,7 +28,9 @@ struct intended_change {
   std::vector<dm::wanted_thing> wanted{};
   std::vector<dm::refused_change> refused{};
   std::vector<std::string> notes{};  // what a person should know before agreeing
-  std::string detail{};              // of the record
+  // How what is changed was and will be spelled, where nothing but that differs.
+  std::pair<std::string, std::string> respelled{};
+  std::string detail{};  // of the record
 };
 
 // Begins the snapshot: of the dictionary, or with a database chosen as begin_reading does. False

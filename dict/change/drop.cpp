@@ -3,6 +3,7 @@
 
 #include "dict/change/change.h"
 #include "dict/options.h"
+#include "dm/folded.h"
 
 namespace dict {
 
@@ -17,9 +18,15 @@ struct request {
 
 }  // namespace
 
-static bool drop_below(intended_change& change, const std::string& name, dm::problem& why) {
+static void want_gone(intended_change& change, dm::change_of what, const std::string& name,
+                      dm::key_set& seen) {
+  if (seen.insert(dm::folded(name)).second) change.wanted.push_back({what, name, {}});
+}
+
+static bool drop_below(intended_change& change, const std::string& name, dm::key_set& seen,
+                       dm::problem& why) {
   auto drop = [&](const dm::class_row& row) {
-    return change.wanted.push_back({dm::change_of::CLASS, row.name, {}}), true;
+    return want_gone(change, dm::change_of::CLASS, row.name, seen), true;
   };
   dm::store* store = change.from.store.get();
   return store->calls->classes(store, change.from.database.id,
@@ -27,13 +34,16 @@ static bool drop_below(intended_change& change, const std::string& name, dm::pro
                                dm::visit<dm::class_row>(drop), why);
 }
 
+// What is named twice, or stands below what is named, is one thing.
 static bool drop_all(dm::change_of what, const request& asked, intended_change& change,
                      dm::problem& why) {
+  dm::key_set named, seen;
   for (const std::string& name : asked.names) {
     std::optional<std::string> state;
+    if (!named.insert(dm::folded(name)).second) continue;
     if (!find_there(change, what, name, state, why)) return false;
-    change.wanted.push_back({what, name, {}});
-    if (asked.with_subclasses && !drop_below(change, name, why)) return false;
+    want_gone(change, what, name, seen);
+    if (asked.with_subclasses && !drop_below(change, name, seen, why)) return false;
   }
   return true;
 }

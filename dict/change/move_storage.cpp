@@ -2,11 +2,13 @@
 #include <memory>
 
 #include "dd/buf_storage.h"
+#include "dd/class_names.h"
 #include "dd/fold.h"
 #include "dict/change/change.h"
 #include "dict/options.h"
 #include "dm/folded.h"
 #include "dm/rules/class_rules.h"
+#include "dm/rules/text.h"
 
 namespace dict {
 
@@ -22,7 +24,7 @@ struct request {
 // The class that the place names, with what follows the name: the way to an entry.
 struct found_place {
   std::string name{};
-  std::string path{};
+  std::optional<std::string> path{};  // none: the class itself
   dm::class_reader reader{};
   dd_flist list{};
   dm::class_def definition{};
@@ -58,7 +60,7 @@ static bool find_place(intended_change& change, const std::string& place, found_
 
 static dm::entry_def* find_entry(found_place& at) {
   for (dm::entry_def& entry : at.definition.entries) {
-    if (dd_equal(dm::path_of(at.definition, entry).c_str(), at.path.c_str())) return &entry;
+    if (dd_equal(dm::path_of(at.definition, entry).c_str(), at.path->c_str())) return &entry;
   }
   return nullptr;
 }
@@ -66,14 +68,38 @@ static dm::entry_def* find_entry(found_place& at) {
 // What is wrong with the options for this class or entry; null when nothing is.
 static const char* fault_of(const request& asked, const found_place& at,
                             const dm::entry_def* entry) {
-  if (!at.path.empty() && entry == nullptr) return "has no such entry";
   const bool is_buf = entry != nullptr && entry->type == TAV_FLDT_BUF;
   const bool has_column = entry != nullptr && !dd_is_container(entry->type);
-  if (!asked.column.empty() && !has_column) return "has a table there and no column: use --table";
+  if (!asked.column.empty() && !has_column) return "has a table and no column: use --table";
   if (!asked.table.empty() && has_column && !is_buf) {
-    return "has a column there and no table: use --column";
+    return "has a column and no table: use --column";
+  }
+  if (entry == nullptr && dd_is_subclass(at.name.c_str())) {
+    return "has no table of its own: it is kept in that of its base class";
   }
   return nullptr;
+}
+
+// "Entry 'F_A' of class '/a' FAULT."
+static void refuse_place(intended_change& change, const found_place& at, std::string_view fault) {
+  if (!at.path) return refuse(change, dm::change_of::CLASS, at.name, fault);
+  dm::problem why;
+  why.sentence = dm::join(
+      {"Entry ", dm::quoted(*at.path), " of class ", dm::quoted(at.name), " ", fault, "."});
+  change.refused.push_back({why, dm::change_of::CLASS, at.name, {}});
+}
+
+// Refuses names that no definition file could hold. Gives whether none was refused.
+static bool judge_names(const request& asked, intended_change& change, const found_place& at,
+                        const dm::entry_def* entry) {
+  const bool is_buf = entry != nullptr && entry->type == TAV_FLDT_BUF;
+  for (const auto& [kind, name] : {std::pair("cannot have the table ", &asked.table),
+                                   {"cannot have the column ", &asked.column}}) {
+    const char* fault = dm::storage_name_fault(name->c_str(), is_buf);
+    if (fault == nullptr) continue;
+    refuse_place(change, at, dm::join({kind, dm::quoted(*name), ": it ", fault}));
+  }
+  return change.refused.empty();
 }
 
 static std::string storage_of(const request& asked, const dm::entry_def& entry) {
@@ -84,22 +110,40 @@ static std::string storage_of(const request& asked, const dm::entry_def& entry) 
   return dm::join({DD_COLUMN_MARK, column, " ", DD_TABLE_MARK, table});
 }
 
+static bool is_movable(const request& asked, intended_change& change, const found_place& at,
+                       const dm::entry_def* entry) {
+  if (at.path && entry == nullptr) return refuse_place(change, at, "does not exist"), false;
+  if (const char* fault = fault_of(asked, at, entry)) {
+    return refuse_place(change, at, fault), false;
+  }
+  return judge_names(asked, change, at, entry);
+}
+
+// A name that is spelled differently is none that differs.
+static void note_move(intended_change& change, const char* old_name, const std::string& name) {
+  if (old_name == name) return;
+  if (dd_equal(old_name, name.c_str())) {
+    change.respelled = {old_name, name};
+  } else {
+    change.notes.emplace_back(
+        "What a server keeps in the old place does not move with it: move that data there, too.");
+  }
+}
+
 static bool move(const request& asked, intended_change& change, dm::problem& why) {
   found_place at;
   if (!find_place(change, asked.place, at, why)) return false;
   if (!at.is_there) return true;
-  dm::entry_def* entry = at.path.empty() ? nullptr : find_entry(at);
-  if (const char* fault = fault_of(asked, at, entry)) {
-    return refuse(change, dm::change_of::CLASS, asked.place, fault), true;
-  }
+  dm::entry_def* entry = at.path ? find_entry(at) : nullptr;
+  if (!is_movable(asked, change, at, entry)) return true;
   const std::string storage = entry != nullptr ? storage_of(asked, *entry) : asked.table;
-  (entry != nullptr ? entry->values[dm::ENTRY_SQL_NAME] : at.definition.values[dm::CLASS_TABLE]) =
-      storage.c_str();
+  const void*& place =
+      entry != nullptr ? entry->values[dm::ENTRY_SQL_NAME] : at.definition.values[dm::CLASS_TABLE];
+  if (place != nullptr) note_move(change, static_cast<const char*>(place), storage);
+  place = storage.c_str();
   dm::class_writer writer;
   change.wanted.push_back(
       {dm::change_of::CLASS, at.name, std::string(writer.write(at.definition))});
-  change.notes.emplace_back(
-      "What a server keeps in the old place does not move with it: move that data there, too.");
   return true;
 }
 

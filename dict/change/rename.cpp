@@ -45,15 +45,19 @@ static bool judge_name(intended_change& change, dm::change_of what, const reques
   if (fault != nullptr) {
     refuse(change, what, asked.new_name, dm::join({"cannot have this name: it ", fault}));
   }
-  if (is_only_respelled(asked)) {
-    change.notes.emplace_back("Only the spelling of the name changes, which is no difference.");
-    return true;
-  }
+  if (is_only_respelled(asked)) return true;
   if (!dm::present_state(*change.from.store, change.from.database.id, what, name, state, why)) {
     return false;
   }
   if (state) refuse(change, what, asked.new_name, "exists already");
   return true;
+}
+
+// Of the thing that was named, whose name is stored as `stored`.
+static void note_spelling(intended_change& change, const request& asked, const char* stored) {
+  if (dd_equal(stored, asked.new_name.c_str()) && stored != asked.new_name) {
+    change.respelled = {stored, asked.new_name};
+  }
 }
 
 // The old name goes, the new one comes.
@@ -72,6 +76,7 @@ static bool rename_state(intended_change& change, const request& asked, std::str
   if ((row.flags & DD_FIELD_PREDEFINED) != 0) {
     refuse(change, dm::change_of::FIELD, asked.old_name, "is predefined and keeps its name");
   }
+  note_spelling(change, asked, row.name);
   row.name = asked.new_name.c_str();
   want(change, asked, dm::change_of::FIELD, asked.old_name, asked.new_name, dm::field_state(row));
   return true;
@@ -114,6 +119,7 @@ static bool rename_one(rewriting& with, const request& asked, const dm::class_ro
                        dm::problem& why) {
   const std::string name = asked.new_name + std::string(row.name).substr(asked.old_name.size());
   if (!dm::load_class(with.reader, row, with.list, with.definition, why)) return false;
+  if (name == asked.new_name) note_spelling(with.change, asked, row.name);
   with.definition.values[dm::CLASS_NAME] = name.c_str();
   want(with.change, asked, dm::change_of::CLASS, row.name, name,
        std::string(with.writer.write(with.definition)));

@@ -4,6 +4,7 @@
 
 #include "dd/database_number.h"
 #include "dict/change/change.h"
+#include "dict/history/renames.h"
 #include "dict/options.h"
 #include "dm/changes/back.h"
 #include "dm/session.h"
@@ -39,6 +40,21 @@ static bool find_changed(const deployment& one, uint64_t& number, dm::problem& w
   return dd_read_database(database.c_str(), number) || dm::damaged_record(one.number, why);
 }
 
+// What takes a rename back is a rename, too: the history follows the name.
+static std::string detail_of_undo(const deployment& undone) {
+  const std::string detail = "{\"undo\":" + std::to_string(undone.number);
+  for (const deployment_record& record : undone.records) {
+    dm::journal_record told;
+    told.kind = record.kind;
+    told.detail = record.detail;
+    const told_rename rename = read_rename(told);
+    if (rename.what.empty()) continue;
+    return detail + "," +
+           detail_of({{"rename", rename.what}, {"from", rename.to}, {"to", rename.from}}).substr(1);
+  }
+  return detail + "}";
+}
+
 static bool find_undo(const std::string& point, intended_change& change, dm::problem& why) {
   deployment_choice wanted;
   std::vector<deployment> found;
@@ -50,7 +66,7 @@ static bool find_undo(const std::string& point, intended_change& change, dm::pro
       !dm::find_database(*from.store, database, 0, from.database, why)) {
     return false;
   }
-  change.detail = "{\"undo\":" + std::to_string(wanted.number) + "}";
+  change.detail = detail_of_undo(found.at(0));
   return dm::find_undone(*from.store, from.database, wanted.number, change.wanted, change.refused,
                          why);
 }
@@ -62,10 +78,27 @@ static int run_undo(const request& asked) {
   return carry_out(change, asked.how);
 }
 
+// Before the database was made there is nothing to go back to.
+static bool is_within(const reading& from, int64_t record, dm::problem& why) {
+  const std::string about = dd_database_text(from.database.number);
+  int64_t made = 0;
+  const auto look = [&](const dm::journal_record& row) {
+    const bool makes_it = row.kind == dm::journal_kind::INIT ||
+                          (row.kind == dm::journal_kind::ADD_DATABASE && row.database == about);
+    if (makes_it) made = row.deployment;
+    return true;
+  };
+  if (!dm::walk_records(*from.store, {record + 1}, look, why)) return false;
+  if (made == 0) return true;
+  why.sentence = dm::join(
+      {"Database ", about, " was not there yet: deployment ", std::to_string(made), " made it."});
+  return false;
+}
+
 static bool find_revert(const std::string& point, intended_change& change, dm::problem& why) {
   int64_t record = 0;
   dm::past then;
-  if (!find_point(*change.from.store, point, record, why) ||
+  if (!find_point(*change.from.store, point, record, why) || !is_within(change.from, record, why) ||
       !look_back_to(change.from, record, then, why)) {
     return false;
   }

@@ -128,6 +128,27 @@ void settle(taken_apart& present, const part_values& before, const dm::journal_r
   }
 }
 
+// The entries of older states are called as they are called now. `passed` are the renames on the
+// way back, the newest first.
+static void rename_entries(const std::vector<told_rename>& passed, part_values& values) {
+  part_values renamed;
+  for (auto& [key, value] : values) {
+    part_key now = key;
+    for (size_t i = 0; i + 1 < now.size(); ++i) {
+      for (auto past = passed.rbegin(); past != passed.rend(); ++past) {
+        if (now[i] == past->from) now[i] = past->to;
+      }
+    }
+    renamed[std::move(now)] = std::move(value);
+  }
+  values = std::move(renamed);
+}
+
+static void note_rename(const dm::journal_record& record, std::vector<told_rename>& passed) {
+  told_rename told = read_rename(record);
+  if (told.what == "field") passed.push_back(std::move(told));
+}
+
 // Makes the state that of before the change.
 static bool take_back(const dm::journal_change& change, std::string& state) {
   std::string before;
@@ -146,6 +167,7 @@ static bool is_renamed(const std::vector<kept_change>& changes, size_t at) {
 static bool go_back(const blamed_thing& thing, taken_apart& present, std::string state,
                     const std::vector<kept_change>& changes,
                     const std::map<int64_t, dm::journal_record>& records, dm::problem& why) {
+  std::vector<told_rename> passed;
   for (size_t i = 0; i < changes.size(); ++i) {
     const kept_change& kept = changes[i];
     const auto record = records.find(kept.record);
@@ -159,6 +181,8 @@ static bool go_back(const blamed_thing& thing, taken_apart& present, std::string
     if (!is_old_name && !take_back(change, state)) return dm::damaged_record(kept.record, why);
     const bool goes_on = dm::was_there(change);
     if (goes_on && !take_apart(thing.what, thing.name, state, before, why)) return false;
+    note_rename(record->second, passed);
+    if (!passed.empty()) rename_entries(passed, before.values);
     settle(present, before.values, record->second, kept.how == dm::change_how::FOUND);
     if (!goes_on) return true;
   }

@@ -71,6 +71,10 @@ bool find_deployment(dm::store& store, const std::string& text, int64_t& number,
   };
   if (!dm::walk_records(store, {record, record}, look, why)) return false;
   if (is_there) return true;
+  if (is_moment) {
+    why.sentence = dm::join({"There was no deployment by ", dm::quoted(text), "."});
+    return false;
+  }
   why.sentence = dm::join({"The journal has no deployment ", std::to_string(record),
                            "; 'tav_dict log' shows those that it has."});
   return false;

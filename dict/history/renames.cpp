@@ -17,39 +17,49 @@ static std::string text_in(const document& read, const char* key) {
   return read.HasMember(key) && read[key].IsString() ? read[key].GetString() : "";
 }
 
-// The name on the other side of the rename that the detail tells of, whose members those are; empty
-// where it is not about that name. With a class those below it were renamed.
-static std::string renamed(const std::string& detail, dm::change_of what, const std::string& name,
-                           const char* from, const char* to) {
+// With the names as they are written.
+static told_rename read_names(const dm::journal_record& record) {
   document read;
-  read.Parse(detail.c_str());
-  if (read.HasParseError() || !read.IsObject()) return "";
-  const bool is_class = what == dm::change_of::CLASS;
-  if (text_in(read, "rename") != (is_class ? "class" : "field")) return "";
-  const std::string key = dm::folded(name);
-  const std::string old = dm::folded(text_in(read, from));
-  if (key == old) return text_in(read, to);
-  return is_class && key.rfind(old + "/", 0) == 0 ? text_in(read, to) + name.substr(old.size())
-                                                  : "";
+  if (record.kind != dm::journal_kind::CHANGE) return {};
+  read.Parse(record.detail.c_str());
+  if (read.HasParseError() || !read.IsObject()) return {};
+  return {text_in(read, "rename"), text_in(read, "from"), text_in(read, "to")};
 }
 
-static std::string name_before(const std::string& detail, dm::change_of what,
+told_rename read_rename(const dm::journal_record& record) {
+  const told_rename told = read_names(record);
+  return {told.what, dm::folded(told.from), dm::folded(told.to)};
+}
+
+// What is called `name` when `from` becomes `to`; empty where that is not about it. With a class
+// those below it are renamed. `from` is folded.
+static std::string renamed(const told_rename& told, dm::change_of what, const std::string& name,
+                           const std::string& from, const std::string& to) {
+  const bool is_class = what == dm::change_of::CLASS;
+  if (told.what != (is_class ? "class" : "field")) return "";
+  const std::string key = dm::folded(name);
+  if (key == from) return to;
+  return is_class && key.rfind(from + "/", 0) == 0 ? to + name.substr(from.size()) : "";
+}
+
+// The folded name before the record; empty where that is no rename of the name.
+static std::string name_before(const dm::journal_record& record, dm::change_of what,
                                const std::string& key) {
-  return dm::folded(renamed(detail, what, key, "to", "from"));
+  const told_rename told = read_rename(record);
+  return renamed(told, what, key, told.to, told.from);
 }
 
 std::string name_after(const dm::journal_record& record, dm::change_of what,
                        const std::string& name) {
-  return record.kind == dm::journal_kind::CHANGE ? renamed(record.detail, what, name, "from", "to")
-                                                 : "";
+  const told_rename told = read_names(record);
+  return renamed(told, what, name, dm::folded(told.from), told.to);
 }
 
 bool find_names(dm::store& store, dm::change_of what, const std::string& name,
                 std::vector<past_name>& names, dm::problem& why) {
   names = {{dm::folded(name), 0, std::numeric_limits<int64_t>::max()}};
   const auto look = [&](const dm::journal_record& record) {
-    if (record.kind != dm::journal_kind::CHANGE) return true;
-    const std::string before = name_before(record.detail, what, names.back().key);
+    const std::string before = name_before(record, what, names.back().key);
     if (before.empty() || before == names.back().key) return true;
     names.back().from = record.number;
     names.push_back({before, 0, record.number});

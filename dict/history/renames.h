@@ -1,4 +1,4 @@
-// The names that a field or class had before 'tav_dict rename'.
+// The names that a field or class had before 'tav_dict rename', or before that was undone.
 #ifndef DICT_HISTORY_RENAMES_H
 #define DICT_HISTORY_RENAMES_H
 
@@ -8,6 +8,15 @@
 #include "dm/journal/read.h"
 
 namespace dict {
+
+// A rename as a record's detail tells it: "field" or "class", and folded names; `what` is empty in
+// any other record.
+struct told_rename {
+  std::string what{};
+  std::string from{};
+  std::string to{};
+};
+told_rename read_rename(const dm::journal_record& record);
 
 // A folded name, and the first and last record in which it is the thing's.
 struct past_name {

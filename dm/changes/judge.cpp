@@ -119,6 +119,7 @@ static lost_fields find_lost(const change_plan& plan) {
   lost_fields lost;
   for (const auto& [key, field] : plan.fields) {
     if (!field.before || (field.after && field.row.type == field.old.type)) continue;
+    if (is_predefined(field)) continue;  // refused as such, which says it all
     lost[key] = field.after ? field.row.type : 0;
   }
   return lost;

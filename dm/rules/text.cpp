@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "dd/buf_storage.h"
 #include "dd/utf8.h"
 #include "dm/keywords.h"
 
@@ -59,6 +60,20 @@ const char* class_name_fault(const char* name) {
     return "has an empty step";
   }
   return field_name_fault(name);
+}
+
+static bool has_control(const char* name) {
+  while (*name != '\0' && static_cast<unsigned char>(*name) >= ' ' && *name != '\177') ++name;
+  return *name != '\0';
+}
+
+const char* storage_name_fault(const char* name, bool is_of_buf) {
+  if (std::strpbrk(name, "\"\\") != nullptr) return "holds a double quote or a backslash";
+  if (has_control(name)) return "holds a control character";
+  if (is_of_buf && std::strchr(name, ' ') != nullptr) return "holds white space";
+  if (is_of_buf && std::strstr(name, DD_TABLE_MARK.data()) != nullptr) return "holds 'T='";
+  if (std::strlen(name) > DD_LONGEST_STORAGE_NAME) return STORAGE_NAME_TOO_LONG;
+  return text_fault(name);
 }
 
 }  // namespace dm

@@ -1,5 +1,6 @@
 // The values of implementation blocks that are more than a text or a number.
 #include "dd/buf_storage.h"
+#include "dd/longest_text.h"
 #include "dd/values.h"
 #include "dparse/read/element.h"
 #include "dparse/read/forms.h"
@@ -10,7 +11,7 @@ static constexpr char MODULE[] = "dparse";
 
 namespace dparse {
 
-static constexpr int SQL_NAME_LENGTH = 30;  // bytes
+static constexpr int SQL_NAME_LENGTH = DD_LONGEST_STORAGE_NAME;
 
 static int read_name(FILE* stream, const attribute& row, token_text& name) {
   if (read_string(stream, name) < 1) return -1;
