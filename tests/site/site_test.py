@@ -196,6 +196,18 @@ class Site(unittest.TestCase):
         self.assertEqual(rows, [line for line in lines if line.startswith("~")])
         self.assertEqual(len(rows), 2)
 
+    def test_what_was_renamed(self):
+        self.tool("tav_dict", "rename", "class", "/order", "/purchase", "--yes")
+        self.addCleanup(self.tool, "tav_dict", "rename", "class", "/purchase", "/order", "--yes")
+        self.tool("tav_dict", "site", "renamed")
+        self.open(self.folder, "class/purchase", "/purchase", "renamed")
+        past = self.browser.call("POST", "/execute/async", {"args": [], "script":
+                                 "detailsOf('classes', '/purchase').then((d) => "
+                                 "arguments[0]([d.history.length, blameOf(d).flat()]))"})
+        told = json.loads(self.tool("tav_dict", "blame", "--json", "/purchase"))["parts"]
+        self.assertEqual(past, [2, [part["deployment"] for part in told]])
+        self.assertEqual(set(past[1]), {3})
+
     def test_ranks(self):
         self.open(self.folder, "", "")
         found = "return search(current, arguments[0]).hits.map(hitOf).map((hit) => hit.name)"
