@@ -80,18 +80,60 @@ function search(database, text) {
     if (ranks[rank].length < mostOfRank) ranks[rank].push({ k, i });
   };
   if (wanted === "") return { hits: [], count };
-  const numbered = /^\d+$/.test(wanted) ? database.fields.numbers.indexOf(Number(wanted)) : -1;
+  const numberlike = /^\d+$/.test(wanted);
+  const numbered = numberlike ? database.fields.numbers.indexOf(Number(wanted)) : -1;
   if (numbered >= 0) add(exact, 1, numbered);
+  if (numberlike) addNumbers(database, wanted, numbered, add);
   const searched = searchedOf(database);
   searched.forEach(({ names }, k) => lookThrough(names, wanted, (i, rank) => add(rank, k, i)));
+  addOldNames(database, wanted, ranks, add);
   if (count < mostOfRank) addTexts(searched, wanted, ranks, add);
+  if (count < mostOfRank) addWords(searched, wanted.split(/\s+/), ranks, add);
   return { hits: ranks.flat(), count };
 }
 
+const keysOf = (ranks) => new Set(ranks.flat().map(({ k, i }) => `${k} ${i}`));
+
 function addTexts(searched, wanted, ranks, add) {
-  const named = new Set(ranks.flat().map(({ k, i }) => `${k} ${i}`));
+  const named = keysOf(ranks);
   searched.forEach(({ texts }, k) => {
     if (texts) lookThrough(texts, wanted, (i) => named.has(`${k} ${i}`) || add(inText, k, i));
+  });
+}
+
+function addNumbers({ fields }, wanted, numbered, add) {
+  fields.numbers.forEach((number, i) => {
+    if (i !== numbered && String(number).startsWith(wanted)) add(prefix, 1, i);
+  });
+}
+
+// By the name that it had before.
+function addOldNames(database, wanted, ranks, add) {
+  const known = keysOf(database.left.length === 0 ? [] : ranks);
+  for (const [key, now] of database.left) {
+    const k = key[0] === "c" ? 0 : 1;
+    const i = key.slice(1).includes(wanted) ? find(kinds[k].kind, now) : undefined;
+    if (i === undefined || known.has(`${k} ${i}`)) continue;
+    known.add(`${k} ${i}`);
+    add(word, k, i);
+  }
+}
+
+// What has all of several words, in the name or the description.
+function addWords(searched, words, ranks, add) {
+  if (words.length < 2) return;
+  const known = keysOf(ranks);
+  const longest = words.reduce((a, b) => (b.length > a.length ? b : a));
+  const lineOf = (lines, i) => lines?.text.slice(lines.starts[i], lines.starts[i + 1]) ?? "";
+  searched.forEach(({ names, texts }, k) => {
+    const note = (i) => {
+      const whole = lineOf(names, i) + lineOf(texts, i);
+      if (known.has(`${k} ${i}`) || !words.every((one) => whole.includes(one))) return;
+      known.add(`${k} ${i}`);
+      add(words.every((one) => lineOf(names, i).includes(one)) ? part : inText, k, i);
+    };
+    lookThrough(names, longest, note);
+    if (texts) lookThrough(texts, longest, note);
   });
 }
 
