@@ -86,7 +86,8 @@ function tableOf(title, offered, rows, options = {}) {
 function cellOf(column, item) {
   const content = column.cell(item);
   const isName = column.class === "name" && typeof content === "string";
-  return make("td", { class: column.class }, isName ? breakable(content) : content);
+  const attributes = { class: column.class, "data-head": column.optional && column.head };
+  return make("td", attributes, isName ? breakable(content) : content);
 }
 
 function csvRows(columns, rows) {

@@ -95,9 +95,7 @@ const takenColumns = [
 ];
 
 async function differencesSection(one) {
-  const changes = [...one.fields.slice(0, 3), ...one.classes.slice(0, 3)];
-  if (changes.every((count) => count === 0))
-    return make("p", {}, "It changed no field and no class of this database.");
+  if (!one.deploys) return make("p", {}, "It deployed no definitions.");
   if (!one.file) {
     const text = `What it changed is not kept here; 'tav_dict show ${one.number}' tells it.`;
     return make("p", {}, text);

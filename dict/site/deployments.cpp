@@ -69,6 +69,8 @@ static void put_deployment(const site_parts& parts, const std::string& name, dat
   out.Key("tags");
   put_rows(out, one.tags, [&](const std::string& tag) { put(out, tag); });
   put_named(out, one);
+  out.Key("deploys");
+  out.Bool(changes_definitions(one));
   const auto changes = parts.source.past.changes.find(one.number);
   if (changes != parts.source.past.changes.end()) {
     put(out, "file", add_changes(name + "/" + number, changes->second, files));

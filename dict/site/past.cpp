@@ -39,7 +39,7 @@ struct way_back {
 
 }  // namespace
 
-static bool changes_definitions(const deployment& one) {
+bool changes_definitions(const deployment& one) {
   return std::ranges::any_of(
       one.records, [](const deployment_record& record) { return dm::is_deployment(record.kind); });
 }

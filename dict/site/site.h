@@ -28,6 +28,9 @@ struct left_name {
   int64_t deployment;  // that called it so
 };
 
+// It may have changed definitions; others tell of the journal or the dictionary itself.
+bool changes_definitions(const deployment& one);
+
 struct site_past {
   std::vector<left_name> left{};
   std::vector<deployment> deployments{};                 // the newest first
