@@ -92,18 +92,23 @@ function search(database, text) {
   return { hits: ranks.flat(), count };
 }
 
-const keysOf = (ranks) => new Set(ranks.flat().map(({ k, i }) => `${k} ${i}`));
+const keyOf = (k, i) => k * 2 ** 32 + i;
+const keysOf = (ranks) => new Set(ranks.flat().map(({ k, i }) => keyOf(k, i)));
 
 function addTexts(searched, wanted, ranks, add) {
   const named = keysOf(ranks);
   searched.forEach(({ texts }, k) => {
-    if (texts) lookThrough(texts, wanted, (i) => named.has(`${k} ${i}`) || add(inText, k, i));
+    if (texts) lookThrough(texts, wanted, (i) => named.has(keyOf(k, i)) || add(inText, k, i));
   });
 }
 
 function addNumbers({ fields }, wanted, numbered, add) {
+  const ranges = []; // 20 to 20, 200 to 209, 2000 to 2099, ...
+  for (let low = Number(wanted), size = 1; low <= highestNumber && low > 0; low *= 10, size *= 10)
+    ranges.push([low, low + size]);
   fields.numbers.forEach((number, i) => {
-    if (i !== numbered && String(number).startsWith(wanted)) add(prefix, 1, i);
+    for (const [low, end] of ranges)
+      if (number >= low && number < end && i !== numbered) add(prefix, 1, i);
   });
 }
 
@@ -113,27 +118,41 @@ function addOldNames(database, wanted, ranks, add) {
   for (const [key, now] of database.left) {
     const k = key[0] === "c" ? 0 : 1;
     const i = key.slice(1).includes(wanted) ? find(kinds[k].kind, now) : undefined;
-    if (i === undefined || known.has(`${k} ${i}`)) continue;
-    known.add(`${k} ${i}`);
+    if (i === undefined || known.has(keyOf(k, i))) continue;
+    known.add(keyOf(k, i));
     add(word, k, i);
   }
+}
+
+// The word that stands in the fewest places; counting ends where that no longer matters.
+function rarestOf(searched, words) {
+  const most = 5000;
+  const texts = searched.flatMap((each) => [each.names.text, each.texts?.text ?? ""]);
+  const counts = words.map((one) => {
+    let count = 0;
+    for (const text of texts)
+      for (let at = text.indexOf(one); at >= 0 && count < most; at = text.indexOf(one, at + 1))
+        ++count;
+    return count;
+  });
+  return words[counts.indexOf(Math.min(...counts))];
 }
 
 // What has all of several words, in the name or the description.
 function addWords(searched, words, ranks, add) {
   if (words.length < 2) return;
   const known = keysOf(ranks);
-  const longest = words.reduce((a, b) => (b.length > a.length ? b : a));
+  const rarest = rarestOf(searched, words);
   const lineOf = (lines, i) => lines?.text.slice(lines.starts[i], lines.starts[i + 1]) ?? "";
   searched.forEach(({ names, texts }, k) => {
     const note = (i) => {
       const whole = lineOf(names, i) + lineOf(texts, i);
-      if (known.has(`${k} ${i}`) || !words.every((one) => whole.includes(one))) return;
-      known.add(`${k} ${i}`);
+      if (known.has(keyOf(k, i)) || !words.every((one) => whole.includes(one))) return;
+      known.add(keyOf(k, i));
       add(words.every((one) => lineOf(names, i).includes(one)) ? part : inText, k, i);
     };
-    lookThrough(names, longest, note);
-    if (texts) lookThrough(texts, longest, note);
+    lookThrough(names, rarest, note);
+    if (texts) lookThrough(texts, rarest, note);
   });
 }
 
