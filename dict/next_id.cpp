@@ -1,4 +1,6 @@
 // next-id: numbers that no field has.
+#include "dict/next_id.h"
+
 #include <charconv>
 #include <iostream>
 #include <memory>
@@ -10,9 +12,6 @@
 #include "dict/reading.h"
 
 namespace dict {
-
-// Below it numbers are left to predefined fields; those of today end at 1908.
-static constexpr int32_t FIRST_OF_ADMINISTRATORS = 10000;
 
 namespace {
 

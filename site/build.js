@@ -40,6 +40,7 @@ addEventListener("beforeprint", () => [...waiting].forEach((showAll) => showAll(
 
 // A table with a heading above it and its rows to take along. A column is
 // {head, cell(row) -> text or element, csv(row) -> text, optional: only where a row has a value}.
+// options.csv: other columns of what is taken along.
 function tableOf(title, offered, rows, options = {}) {
   const isFilled = (column) => rows.some((item) => (column.csv ?? column.cell)(item) !== "");
   const columns = offered.filter((column) => !column.optional || isFilled(column));
@@ -58,13 +59,17 @@ function tableOf(title, offered, rows, options = {}) {
   appendPieces(body, rows, row, whole);
   const take = make(
     "button",
-    { type: "button", class: "take", click: () => save(title, csvRows(columns, rows)) },
+    {
+      type: "button",
+      class: "take",
+      click: () => save(title, csvRows(options.csv ?? columns, rows)),
+    },
     "CSV",
   );
   take.setAttribute("aria-label", `Take the list of ${title} along as CSV`);
   return make(
     "section",
-    {},
+    { class: options.class },
     make(
       "h2",
       {},
@@ -80,7 +85,9 @@ function tableOf(title, offered, rows, options = {}) {
 
 function cellOf(column, item) {
   const content = column.cell(item);
-  return make("td", { class: column.class }, content);
+  const isName = column.class === "name" && typeof content === "string";
+  const attributes = { class: column.class, "data-head": column.optional && column.head };
+  return make("td", attributes, isName ? breakable(content) : content);
 }
 
 function csvRows(columns, rows) {
@@ -103,5 +110,11 @@ function description(text) {
 }
 
 function heading(kind, name) {
-  return make("h1", {}, make("small", {}, kind), " ", make("span", { class: "name" }, name));
+  return make(
+    "h1",
+    {},
+    make("small", {}, kind),
+    " ",
+    make("span", { class: "name" }, breakable(name)),
+  );
 }

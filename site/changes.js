@@ -9,6 +9,8 @@ function countsText(counts) {
     .join(", ");
 }
 
+const namedText = ({ named }) => (named ? `deployment ${named[0]} as ${named[1]}` : "");
+
 const deploymentColumns = [
   {
     head: "Deployment",
@@ -22,16 +24,23 @@ const deploymentColumns = [
   { head: "Fields", optional: true, cell: (one) => countsText(one.fields) },
   { head: "Classes", optional: true, cell: (one) => countsText(one.classes) },
   { head: "Tags", optional: true, cell: (one) => one.tags.join(", ") },
+  { head: "Names", optional: true, cell: namedText },
   { head: "Reason", optional: true, cell: (one) => one.reason, class: "text" },
 ];
 
 async function changesPage() {
-  const none =
-    current.database === ""
-      ? "Definition files have no history."
-      : "The dictionary has no journal.";
-  const list = tableOf("Deployments", deploymentColumns, await deploymentsOf(), { none });
-  return { title: "Changes", content: [make("h1", {}, "Changes"), list] };
+  let none = "The dictionary has no journal.";
+  if (current.database === "") none = "Definition files have no history.";
+  else if (current.deployments) none = "There was no deployment yet.";
+  const options = { none, class: "stacked" };
+  const list = tableOf("Deployments", deploymentColumns, await deploymentsOf(), options);
+  return { title: "Changes", content: [make("h1", {}, "Changes"), beginNote(), list] };
+}
+
+function beginNote() {
+  if (!current.begin) return null;
+  const text = `The journal begins with number ${current.begin}: what was before is forgotten.`;
+  return make("p", {}, text);
 }
 
 // --- One --------------------------------------------------------------------------------------
@@ -40,14 +49,17 @@ const signs = ["+", "~", "-", "="];
 const signClasses = ["new", "changed", "missing", "kept"];
 
 // A row for each line that `show` tells.
-function changeRows(differences, depth = 0, rows = []) {
+function changeRows(differences, path = [], rows = []) {
+  const depth = path.length;
   for (const [kind, what, name, type, values, entries] of differences) {
-    rows.push({ depth, kind, what, name, text: type === "" ? "" : ` (${type})` });
+    const own = [...path, name];
+    rows.push({ depth, kind, what, name, path: own, text: type === "" ? "" : ` (${type})`, type });
     for (const [attribute, before, after] of values) {
       const text = `${attribute}: ${before || "none"} \u2192 ${after || "none"}`;
-      rows.push({ depth: depth + 1, kind: 1, what: "", name: "", text });
+      const change = { path: own, attribute, before, after };
+      rows.push({ depth: depth + 1, kind: 1, what: "", name: "", text, ...change });
     }
-    changeRows(entries, depth + 1, rows);
+    changeRows(entries, own, rows);
   }
   return rows;
 }
@@ -67,19 +79,31 @@ const changeColumns = [
   {
     head: "Change",
     cell: changeLine,
-    csv: (row) => `${"  ".repeat(row.depth)}${row.what} ${row.name}${row.text}`,
     class: "name",
   },
 ];
 
+const changeWords = ["added", "changed", "removed", "found"];
+const takenColumns = [
+  { head: "Change", cell: (row) => changeWords[row.kind] },
+  { head: "Kind", cell: (row) => row.what || "attribute" },
+  { head: "Path", cell: (row) => row.path.join(" > ") },
+  { head: "Type", cell: (row) => row.type },
+  { head: "Attribute", cell: (row) => row.attribute },
+  { head: "Before", cell: (row) => row.before },
+  { head: "After", cell: (row) => row.after },
+];
+
 async function differencesSection(one) {
+  if (!one.deploys) return make("p", {}, "It deployed no definitions.");
   if (!one.file) {
     const text = `What it changed is not kept here; 'tav_dict show ${one.number}' tells it.`;
     return make("p", {}, text);
   }
   const told = await load(one.file, `${nameOfData(current)}/deployments/${one.number}`);
   const row = (item) => ({ class: signClasses[item.kind] });
-  return tableOf("Differences", changeColumns, changeRows(told), { row, none: "No differences." });
+  const options = { row, none: "No differences.", csv: takenColumns };
+  return tableOf("Differences", changeColumns, changeRows(told), options);
 }
 
 function callOf(one) {
@@ -90,9 +114,15 @@ function callOf(one) {
   }
 }
 
+function noDeploymentPage(number) {
+  const title = `Deployment ${number}`;
+  const text = "These pages tell of no deployment of this number in this database.";
+  return { title, content: [make("h1", {}, title), make("p", {}, text), beginNote()] };
+}
+
 async function changePage(number) {
   const one = (await deploymentsOf()).find((each) => String(each.number) === number);
-  if (!one) return missingPage("deployment", number);
+  if (!one) return noDeploymentPage(number);
   const about = facts([
     ["When", timeOf(one.time)],
     ["Who", one.who],
@@ -100,6 +130,7 @@ async function changePage(number) {
     ["Fields", countsText(one.fields)],
     ["Classes", countsText(one.classes)],
     ["Tags", one.tags.join(", ")],
+    ["Names", namedText(one)],
     ["Reason", one.reason],
   ]);
   const title = `Deployment ${number}`;

@@ -1,18 +1,21 @@
 "use strict";
 
-// The tables of a class: {name, path, columns: [{column, path, type}]}. A column stands in the table of
+// The tables of a class: {name, path, columns: [{column, path, type, length, text}]}. A column stands in the table of
 // the entry around it, that of a BUF in its own.
 function tablesOf(details) {
   const tables = details.table === "" ? [] : [{ name: details.table, path: [], columns: [] }];
   const around = [tables[0]];
   const path = [];
-  for (const [depth, name, type, , table, column] of details.entries) {
+  for (const [depth, name, type, flat, table, column] of details.entries) {
     path.length = depth - 1;
     around.length = depth;
     path.push(name);
     let own = around.at(-1);
     if (table !== "") tables.push((own = { name: table, path: [...path], columns: [] }));
-    if (column !== "") own?.columns.push({ column, path: [...path], type: current.types[type] });
+    const value = (wanted) => attributesOf(flat).find(([keyword]) => keyword === wanted)?.[1] ?? "";
+    const about = { length: value("LENGTH"), text: unquoted(value("DESCR")) || textOfField(name) };
+    const told = { column, path: [...path], type: current.types[type], ...about };
+    if (column !== "") own?.columns.push(told);
     around.push(own);
   }
   return tables;
@@ -66,7 +69,10 @@ function blameSection(details) {
       class: "name",
     },
   ];
-  return folding("Who made which part what it is", () => tableOf("Blame", columns, rows));
+  return folding("Who made which part what it is", () => [
+    beginNote(),
+    tableOf("Blame", columns, rows),
+  ]);
 }
 
 function indented(depth, ...content) {
@@ -79,11 +85,8 @@ async function historySection(details) {
   if (!current.deployments) return null;
   const all = await deploymentsOf();
   const own = new Set(details.history ?? []);
-  return tableOf(
-    "History",
-    deploymentColumns,
-    all.filter((one) => own.has(one.number)),
-  );
+  const rows = all.filter((one) => own.has(one.number));
+  return tableOf("History", deploymentColumns, rows, { class: "stacked" });
 }
 
 // --- Entries ----------------------------------------------------------------------------------
@@ -91,9 +94,17 @@ async function historySection(details) {
 const entryKeywords = ["ORDER", "LENGTH", "CREATE", "MODIFY"];
 const shownElsewhere = new Set([...entryKeywords, "DESCR", "SQL_TABLE", "SQL_COLUMN"]);
 
+function textOfField(name) {
+  const i = find("fields", name);
+  return i === undefined ? "" : current.fields.texts[i];
+}
+
 function rowsOfEntries(details) {
   const blame = blameOf(details);
+  const path = [];
   return details.entries.map(([depth, name, type, flat, table, column], i) => {
+    path.length = depth - 1;
+    path.push(name);
     const attributes = attributesOf(flat);
     const value = (wanted) => attributes.find(([keyword]) => keyword === wanted)?.[1] ?? "";
     const rest = attributes.filter(
@@ -105,7 +116,9 @@ function rowsOfEntries(details) {
       name,
       type: current.types[type],
       values: entryKeywords.map(value),
+      path: path.join(" > "),
       text: unquoted(value("DESCR")),
+      fieldText: textOfField(name),
       rest: rest.map(([keyword, text]) => `${keyword} = ${text}`).join("; "),
       table,
       column,
@@ -169,7 +182,12 @@ function entriesSection(details) {
       class: "name",
     },
     { head: "Column", cell: (row) => row.column, class: "name" },
-    { head: "Description", cell: (row) => row.text, class: "text" },
+    {
+      head: "Description",
+      cell: (row) => row.text || (row.fieldText && make("span", { class: "none" }, row.fieldText)),
+      csv: (row) => row.text || row.fieldText,
+      class: "text",
+    },
     { head: "Others", cell: (row) => row.rest, class: "text" },
   ];
   if (details.blame)
@@ -180,7 +198,9 @@ function entriesSection(details) {
       class: "number",
     });
   columns.slice(4).forEach((column) => (column.optional = true));
-  const section = tableOf("Entries", columns, rows);
+  const taken = [...columns];
+  taken.splice(1, 0, { head: "Path", cell: (row) => row.path });
+  const section = tableOf("Entries", columns, rows, { csv: taken });
   return watchRows(section, rows, folds);
 }
 

@@ -70,9 +70,15 @@ function aboveOf(name) {
   return "";
 }
 
+// Those of definition files come in the files' order.
+function sortedClasses() {
+  const keys = current.classes.names.map(folded);
+  return keys.map((_, i) => i).sort((a, b) => (keys[a] < keys[b] ? -1 : keys[a] > keys[b] ? 1 : 0));
+}
+
 function subclassesOf(classes) {
   const found = new Map([["", []]]);
-  for (const name of classes.names) {
+  for (const name of sortedClasses().map((i) => classes.names[i])) {
     const above = folded(aboveOf(name));
     if (!found.has(above)) found.set(above, []);
     found.get(above).push(name);
@@ -100,6 +106,13 @@ async function detailsOf(kind, name) {
   const number = hashOf(key) % current.details.length;
   const all = await load(current.details[number], `${nameOfData(current)}/details/${number}`);
   return all[kind].find((one) => folded(one.name) === folded(name));
+}
+
+// [name, deployment]: what a class or field of that name is called today, and since when.
+function renamed(kind, name) {
+  const left = current.left.find(([key]) => key === kind[0] + folded(name));
+  const position = left && find(kind, left[1]);
+  return position === undefined ? undefined : [current[kind].names[position], left[2]];
 }
 
 async function deploymentsOf() {

@@ -7,7 +7,7 @@ const [inInterface, inImplementation] = [0, 1];
 function attributesOf(flat) {
   const attributes = [];
   for (let i = 0; i < flat.length; i += 2)
-    attributes.push([current.keywords[flat[i]], flat[i + 1], flat[i]]);
+    attributes.push([current.keywords[flat[i]] ?? flat[i], flat[i + 1], flat[i]]);
   return attributes;
 }
 

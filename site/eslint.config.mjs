@@ -12,7 +12,7 @@ const declared = scripts.flatMap((name) =>
   ].flatMap((found) => found.slice(1).filter(Boolean)),
 );
 const browser = `Blob IntersectionObserver MutationObserver Node TextEncoder URL addEventListener
-  document history localStorage location navigator scrollTo setTimeout`.split(/\s+/);
+  document history localStorage location matchMedia navigator scrollTo setTimeout`.split(/\s+/);
 
 export default [
   {

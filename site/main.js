@@ -3,6 +3,7 @@
 // first step is one's number behind a "@".
 
 const pages = {
+  unknown: unknownPage,
   "": startPage,
   search: searchPage,
   class: (name) => classPage("/" + name),
@@ -25,9 +26,20 @@ function decoded(step) {
 function route() {
   const steps = location.hash.replace(/^#\/?/, "").split("/").map(decoded);
   const named = steps[0].startsWith("@") ? steps.shift().slice(1) : "";
-  const database = site.databases.find((one) => one.database === named) ?? site.databases[0];
+  const found = site.databases.find((one) => one.database === named);
+  const database = found ?? site.databases[0];
   const [kind = "", ...rest] = steps;
-  return { database, kind: Object.hasOwn(pages, kind) ? kind : "", name: rest.join("/") };
+  const name = rest.join("/");
+  if (named !== "" && !found) return { database, kind: "unknown", name: `database ${named}` };
+  if (!Object.hasOwn(pages, kind)) return { database, kind: "unknown", name: `page "${kind}"` };
+  return { database, kind, name };
+}
+
+function unknownPage(what) {
+  return {
+    title: "Not here",
+    content: [make("h1", {}, "Not here"), make("p", {}, `These pages hold no ${what}.`)],
+  };
 }
 
 function showHead() {
@@ -41,10 +53,15 @@ function showHead() {
     ["changes", "Changes"],
   ];
   const kind = route().kind;
-  const links = names.map(([place, text]) =>
-    make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text),
-  );
+  const has = ([place]) => place !== "changes" || current.deployments;
+  const links = names
+    .filter(has)
+    .map(([place, text]) =>
+      make("a", { href: placeOf(place), "aria-current": kind === place ? "page" : false }, text),
+    );
   document.getElementById("nav").replaceChildren(...links);
+  const which = whichContent().filter((one) => one !== null);
+  document.getElementById("which").replaceChildren(...which);
 }
 
 let turn = 0; // a page that comes too late is dropped
@@ -74,7 +91,11 @@ function put({ title, content }, kind) {
   const main = document.getElementById("main");
   main.replaceChildren(...content.flat().filter((one) => one !== null && one !== undefined));
   main.dataset.page = kind;
-  document.title = title === "" ? shown(site.title) : `${shown(title)} \u00b7 ${shown(site.title)}`;
+  const database = site.databases.length > 1 ? `Database ${current.database}` : "";
+  document.title = [title, site.title, database, whenText()]
+    .filter((text) => text !== "")
+    .map(shown)
+    .join(" \u00b7 ");
   showHead();
   const query = document.getElementById("query");
   if (kind === "search" && document.activeElement !== query) query.value = route().name;

@@ -2,7 +2,12 @@
 // The pages of a field and of a table, and the lists of all.
 
 function missingPage(kind, name) {
-  const text = "There is none of this name here; it may have been dropped or renamed.";
+  const now = { class: () => renamed("classes", name), field: () => renamed("fields", name) }[
+    kind
+  ]?.();
+  const text = now
+    ? ["It is called ", link(kind, now[0]), " since deployment ", link("changes", now[1]), "."]
+    : "There is none of this name here; it may have been dropped or renamed.";
   return {
     title: name,
     content: [
@@ -17,7 +22,8 @@ async function fieldPage(wanted) {
   const details = await detailsOf("fields", wanted);
   const i = find("fields", wanted);
   if (!details && i === undefined) return missingPage("field", wanted);
-  const name = i === undefined ? details.name : current.fields.names[i];
+  const name = i === undefined ? details.users[0].at(-1) : current.fields.names[i];
+  const own = { ...details, ...partsOfField(i) };
   const columns = [
     { head: "Class", cell: ([owner]) => classLink(owner), csv: ([owner]) => owner, class: "name" },
     { head: "Path", cell: ([, ...path]) => path.join(" \u203a "), class: "name" },
@@ -26,13 +32,31 @@ async function fieldPage(wanted) {
     title: name,
     content: [
       heading("Field", name),
-      i === undefined
-        ? make("p", {}, "It is not defined here; classes use it nevertheless.")
-        : fieldFacts(i),
+      i === undefined ? undefinedFacts(name) : fieldFacts(i),
       tableOf("Used by", columns, details?.users ?? [], { none: "No class uses it." }),
       await historySection(details ?? {}),
+      own.blame ? blameSection(own) : null,
     ],
   };
+}
+
+// As blameSection takes them.
+function partsOfField(i) {
+  if (i === undefined) return {};
+  const { names, numbers, types, texts } = current.fields;
+  const text = texts[i] === "" ? [] : ["DESCR", texts[i]];
+  const name = `${current.types[types[i]]} ${names[i]}`;
+  return { name, attributes: ["ID", numbers[i], ...text], entries: [] };
+}
+
+function undefinedFacts(name) {
+  const found = current.predefined?.find((row) => folded(row[0]) === folded(name));
+  if (!found) return make("p", {}, "It is not defined here; classes use it nevertheless.");
+  return facts([
+    ["Type", found[2]],
+    ["Number", `${found[1]}`],
+    ["Predefined", "yes: every dictionary has it"],
+  ]);
 }
 
 function fieldFacts(i) {
@@ -64,7 +88,9 @@ async function tablePage(wanted) {
       class: "name",
     },
     { head: "Type", cell: (one) => one.type },
+    { head: "Length", optional: true, cell: (one) => one.length, class: "number" },
     { head: "Path", cell: (one) => one.path.join(" \u203a "), class: "name" },
+    { head: "Description", optional: true, cell: (one) => one.text, class: "text" },
   ];
   const entry = table.path.length === 0 ? "" : table.path.join(" \u203a ");
   const about = facts([
@@ -81,19 +107,47 @@ async function tablePage(wanted) {
 
 const indexes = (names) => names.map((_, i) => i);
 
-function listPage(title, columns, count) {
-  return { title, content: [make("h1", {}, title), tableOf(title, columns, indexes(count))] };
+function listPage(title, columns, rows) {
+  return { title, content: [make("h1", {}, title), tableOf(title, columns, rows)] };
 }
 
+const hidesKey = "tav site hides predefined";
+
+// A box that hides predefined fields, and what it was at last.
+function predefinedBox(count) {
+  const box = make("input", { type: "checkbox" });
+  box.checked = kept(hidesKey) === true;
+  box.addEventListener("change", () => {
+    keep(hidesKey, box.checked);
+    show();
+  });
+  return make("p", {}, make("label", {}, box, ` Hide ${counted(count, "predefined field")}`));
+}
+
+// The predefined ones come last.
 function fieldsPage() {
-  const { names, numbers, types, texts } = current.fields;
-  const columns = [
+  const isPredefined = (i) => (current.fields.flags[i] & 2) !== 0;
+  const all = indexes(current.fields.names);
+  const own = all.filter((i) => !isPredefined(i));
+  const others = all.filter(isPredefined);
+  const list = tableOf("Fields", fieldColumns(isPredefined), [
+    ...own,
+    ...(kept(hidesKey) === true ? [] : others),
+  ]);
+  const box = others.length === 0 ? null : predefinedBox(others.length);
+  return { title: "Fields", content: [make("h1", {}, "Fields"), box, list] };
+}
+
+function fieldColumns(isPredefined) {
+  const { names, numbers, types, texts, used } = current.fields;
+  return [
     { head: "Number", cell: (i) => numbers[i], class: "number" },
     { head: "Name", cell: (i) => fieldLink(names[i]), csv: (i) => names[i], class: "name" },
     { head: "Type", cell: (i) => current.types[types[i]] },
+    { head: "Used by", cell: (i) => `${used[i]}`, class: "number" },
+    { head: "Predefined", optional: true, cell: (i) => (isPredefined(i) ? "predefined" : "") },
     { head: "Description", cell: (i) => texts[i], class: "text" },
   ];
-  return listPage("Fields", columns, names);
 }
 
 function classesPage() {
@@ -102,7 +156,7 @@ function classesPage() {
     { head: "Name", cell: (i) => classLink(names[i]), csv: (i) => names[i], class: "name" },
     { head: "Description", cell: (i) => texts[i], class: "text" },
   ];
-  return listPage("Classes", columns, names);
+  return listPage("Classes", columns, sortedClasses());
 }
 
 function tablesPage() {
@@ -112,5 +166,5 @@ function tablesPage() {
     { head: "Name", cell: (i) => tableLink(names[i]), csv: (i) => names[i], class: "name" },
     { head: "Class", cell: (i) => classLink(owner(i)), csv: owner, class: "name" },
   ];
-  return listPage("Tables", columns, names);
+  return listPage("Tables", columns, indexes(names));
 }

@@ -51,35 +51,65 @@ function tableLines({ columns }) {
   return columns.length > mostLines ? [...names, `and ${columns.length - mostLines} more`] : names;
 }
 
+// The class in the middle, its superclass above, subclasses to the left, tables to the right.
+function drawAcross(details, above, lefts, rights) {
+  const height = Math.max(lefts.height, rights.height, above ? 180 : 50) + 10;
+  const middle = height / 2;
+  const own = box(310, middle - 15, "own", details.name);
+  const parts = [own.all];
+  if (above) {
+    const join = draw("path", { d: `M435 ${middle - 55}V${middle - 15}`, class: "line" });
+    parts.push(join, above(310, middle - 85).all);
+  }
+  for (const one of lefts.place(middle))
+    parts.push(line(boxWidth, one.middle, 310, middle), one.all);
+  for (const one of rights.place(middle)) parts.push(line(560, middle, 620, one.middle), one.all);
+  const left = lefts.height === 0 ? 305 : -5; // nothing is drawn left of the class
+  return { parts, left, width: 875 - left, height };
+}
+
+// On a narrow screen: all below each other.
+function drawDown(details, above, lefts, rights) {
+  const top = above ? 45 : 5;
+  const own = box(5, top, "own", details.name);
+  const bottom = top + own.height;
+  const middles = [bottom + lefts.height / 2, bottom + lefts.height + rights.height / 2];
+  const inside = [...lefts.place(middles[0] + 10), ...rights.place(middles[1] + 10)];
+  const join = (one) => draw("path", { d: `M20 ${bottom}V${one.middle}H40`, class: "line" });
+  const parts = [own.all, ...inside.flatMap((one) => [join(one), one.all])];
+  if (above) {
+    const up = above(5, 5);
+    parts.push(draw("path", { d: `M20 ${5 + up.height}V${top}`, class: "line" }), up.all);
+  }
+  const height = bottom + lefts.height + rights.height + 15;
+  return { parts, left: 0, width: 300, height };
+}
+
 function picture(details, tables) {
   const above = aboveOf(details.name);
   const children = below(details.name);
+  const isNarrow = matchMedia("(max-width: 40rem)").matches;
+  const [left, right] = isNarrow ? [40, 40] : [0, 620];
   const classBox = (x, y, name) => box(x, y, "class", name, [], placeOf("class", name));
   const tableBox = (x, y, table) =>
     box(x, y, "table", table.name, tableLines(table), placeOf("table", table.name));
   const restBox = (x, one, many) => (y, count) => box(x, y, "rest", counted(count, one, many));
   const lefts = column(
     children,
-    (y, name) => classBox(0, y, name),
-    restBox(0, "more subclass", "more subclasses"),
+    (y, name) => classBox(left, y, name),
+    restBox(left, "more subclass", "more subclasses"),
   );
-  const rights = column(tables, (y, table) => tableBox(620, y, table), restBox(620, "more table"));
-  const height = Math.max(lefts.height, rights.height, above === "" ? 50 : 180) + 10;
-  const middle = height / 2;
-  const own = box(310, middle - 15, "own", details.name);
-  const parts = [own.all];
-  if (above !== "") {
-    const top = classBox(310, middle - 85, above);
-    parts.push(draw("path", { d: `M435 ${middle - 55}V${middle - 15}`, class: "line" }), top.all);
-  }
-  for (const one of lefts.place(middle))
-    parts.push(line(boxWidth, one.middle, 310, middle), one.all);
-  for (const one of rights.place(middle)) parts.push(line(560, middle, 620, one.middle), one.all);
+  const rights = column(
+    tables,
+    (y, table) => tableBox(right, y, table),
+    restBox(right, "more table"),
+  );
+  const aboveBox = above === "" ? null : (x, y) => classBox(x, y, above);
+  const drawn = (isNarrow ? drawDown : drawAcross)(details, aboveBox, lefts, rights);
   const label = `${shown(details.name)}: ${above === "" ? "no superclass" : "superclass " + shown(above)}, ${counted(children.length, "subclass", "subclasses")}, ${counted(tables.length, "table")}`;
-  const left = children.length === 0 ? 305 : -5; // nothing is drawn left of the class
-  const frame = { viewBox: `${left} 0 ${875 - left} ${height}`, class: "picture", role: "group" };
-  const whole = draw("svg", { ...frame, "aria-label": label }, parts);
-  whole.style.maxWidth = `${(875 - left) * 1.1}px`;
-  whole.style.minWidth = `${(875 - left) * 0.7}px`;
+  const frame = { viewBox: `${drawn.left} 0 ${drawn.width} ${drawn.height}`, role: "group" };
+  const whole = draw("svg", { ...frame, class: "picture", "aria-label": label }, drawn.parts);
+  whole.style.maxWidth = `${drawn.width * 1.1}px`;
+  if (!isNarrow) whole.style.minWidth = `${drawn.width * 0.7}px`;
   return whole;
 }

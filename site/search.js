@@ -80,18 +80,79 @@ function search(database, text) {
     if (ranks[rank].length < mostOfRank) ranks[rank].push({ k, i });
   };
   if (wanted === "") return { hits: [], count };
-  const numbered = /^\d+$/.test(wanted) ? database.fields.numbers.indexOf(Number(wanted)) : -1;
+  const numberlike = /^\d+$/.test(wanted);
+  const numbered = numberlike ? database.fields.numbers.indexOf(Number(wanted)) : -1;
   if (numbered >= 0) add(exact, 1, numbered);
+  if (numberlike) addNumbers(database, wanted, numbered, add);
   const searched = searchedOf(database);
   searched.forEach(({ names }, k) => lookThrough(names, wanted, (i, rank) => add(rank, k, i)));
+  addOldNames(database, wanted, ranks, add);
   if (count < mostOfRank) addTexts(searched, wanted, ranks, add);
+  if (count < mostOfRank) addWords(searched, wanted.split(/\s+/), ranks, add);
   return { hits: ranks.flat(), count };
 }
 
+const keyOf = (k, i) => k * 2 ** 32 + i;
+const keysOf = (ranks) => new Set(ranks.flat().map(({ k, i }) => keyOf(k, i)));
+
 function addTexts(searched, wanted, ranks, add) {
-  const named = new Set(ranks.flat().map(({ k, i }) => `${k} ${i}`));
+  const named = keysOf(ranks);
   searched.forEach(({ texts }, k) => {
-    if (texts) lookThrough(texts, wanted, (i) => named.has(`${k} ${i}`) || add(inText, k, i));
+    if (texts) lookThrough(texts, wanted, (i) => named.has(keyOf(k, i)) || add(inText, k, i));
+  });
+}
+
+function addNumbers({ fields }, wanted, numbered, add) {
+  const ranges = []; // 20 to 20, 200 to 209, 2000 to 2099, ...
+  for (let low = Number(wanted), size = 1; low <= highestNumber && low > 0; low *= 10, size *= 10)
+    ranges.push([low, low + size]);
+  fields.numbers.forEach((number, i) => {
+    for (const [low, end] of ranges)
+      if (number >= low && number < end && i !== numbered) add(prefix, 1, i);
+  });
+}
+
+// By the name that it had before.
+function addOldNames(database, wanted, ranks, add) {
+  const known = keysOf(database.left.length === 0 ? [] : ranks);
+  for (const [key, now] of database.left) {
+    const k = key[0] === "c" ? 0 : 1;
+    const i = key.slice(1).includes(wanted) ? find(kinds[k].kind, now) : undefined;
+    if (i === undefined || known.has(keyOf(k, i))) continue;
+    known.add(keyOf(k, i));
+    add(word, k, i);
+  }
+}
+
+// The word that stands in the fewest places; counting ends where that no longer matters.
+function rarestOf(searched, words) {
+  const most = 5000;
+  const texts = searched.flatMap((each) => [each.names.text, each.texts?.text ?? ""]);
+  const counts = words.map((one) => {
+    let count = 0;
+    for (const text of texts)
+      for (let at = text.indexOf(one); at >= 0 && count < most; at = text.indexOf(one, at + 1))
+        ++count;
+    return count;
+  });
+  return words[counts.indexOf(Math.min(...counts))];
+}
+
+// What has all of several words, in the name or the description.
+function addWords(searched, words, ranks, add) {
+  if (words.length < 2) return;
+  const known = keysOf(ranks);
+  const rarest = rarestOf(searched, words);
+  const lineOf = (lines, i) => lines?.text.slice(lines.starts[i], lines.starts[i + 1]) ?? "";
+  searched.forEach(({ names, texts }, k) => {
+    const note = (i) => {
+      const whole = lineOf(names, i) + lineOf(texts, i);
+      if (known.has(keyOf(k, i)) || !words.every((one) => whole.includes(one))) return;
+      known.add(keyOf(k, i));
+      add(words.every((one) => lineOf(names, i).includes(one)) ? part : inText, k, i);
+    };
+    lookThrough(names, rarest, note);
+    if (texts) lookThrough(texts, rarest, note);
   });
 }
 

@@ -2,10 +2,10 @@
 
 const highestNumber = 16777215;
 
-// Used and free numbers in turn: [first, last, isUsed].
+// Used and free numbers in turn: [first, last, isUsed]. Those from 1 on are left to predefined fields.
 function stretches(numbers) {
   const found = [];
-  let next = 1;
+  let next = current.reserved + 1;
   for (const number of [...numbers].sort((a, b) => a - b)) {
     if (number < next) continue;
     if (number > next) found.push([next, number - 1, false]);
@@ -75,7 +75,7 @@ function numbersSection() {
     make("span", { class: "swatch used" }),
     "used ",
     make("span", { class: "swatch free" }),
-    `free. A stretch is drawn the wider, the more digits its length has.`,
+    `free. A stretch is drawn the wider, the more digits its length has. Numbers up to ${current.reserved} are left to predefined fields.`,
   );
   return make(
     "section",
@@ -90,10 +90,11 @@ function numbersSection() {
 // What is made when the reader opens it.
 function folding(title, build, isOpen = false) {
   const box = make("details", {}, make("summary", {}, title));
-  const open = () => box.open && box.children.length === 1 && box.append(build());
+  const append = () => box.append(...[build()].flat().filter((one) => one !== null));
+  const open = () => box.open && box.children.length === 1 && append();
   box.addEventListener("toggle", open);
   box.open = isOpen;
-  if (isOpen) box.append(build());
+  if (isOpen) append();
   return box;
 }
 
@@ -104,20 +105,31 @@ function lastOf(deployments) {
   return deployments.find(changes);
 }
 
-function databaseLinks() {
-  if (site.databases.length < 2) return null;
-  const items = site.databases.map((one) =>
-    make(
-      "li",
-      {},
-      make(
-        "a",
-        { href: `#/@${one.database}/`, "aria-current": one === current ? "page" : false },
-        `Database ${one.database}`,
-      ),
-    ),
-  );
-  return make("ul", { class: "row" }, items);
+// When: of pages of the past.
+function whenText() {
+  const { at } = current;
+  if (!at) return "";
+  if (at === "0") return "As it was before the first deployment";
+  return at[0] === "@" ? `As it was at ${at.slice(1)}` : `As it was after deployment ${at}`;
+}
+
+// On every page, printed ones too: which database, with links to the same page of the others, and when.
+function whichContent() {
+  const others = site.databases.filter((one) => one !== current);
+  const place = location.hash.replace(/^#\/?(@[^/]*\/?)?/, "");
+  const link = (one) => make("a", { href: `#/@${one.database}/${place}` }, one.database);
+  return [
+    others.length === 0 ? null : make("b", {}, `Database ${current.database}`),
+    others.length === 0
+      ? null
+      : make(
+          "span",
+          {},
+          "Others: ",
+          others.map((one) => [link(one), " "]),
+        ),
+    whenText() === "" ? null : make("b", {}, whenText()),
+  ];
 }
 
 async function startPage() {
@@ -127,7 +139,6 @@ async function startPage() {
   const about = facts([
     [isFiles ? "Definition files" : "Dictionary", current.dictionary],
     ["Database", current.database],
-    ["As it was after", current.at],
     ["Fields", count("fields", "field")],
     ["Classes", count("classes", "class", "classes")],
     ["Tables", count("tables", "table")],
@@ -144,6 +155,6 @@ async function startPage() {
   ]);
   return {
     title: "",
-    content: [make("h1", {}, site.title), databaseLinks(), about, classTree(), numbersSection()],
+    content: [make("h1", {}, site.title), about, classTree(), numbersSection()],
   };
 }

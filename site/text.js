@@ -58,6 +58,12 @@ function fill(element, attributes, children) {
   return element;
 }
 
+// A name that may go on in the next line behind a "_", "/" or ".", or amid a long word.
+function breakable(name) {
+  const pieces = shown(name).match(/[^_/.]{0,30}[_/.]|[^_/.]{1,30}/gsu) ?? [];
+  return pieces.flatMap((text, i) => (i === 0 ? [text] : [make("wbr"), text]));
+}
+
 // --- Links ------------------------------------------------------------------------------------
 
 // Only ever a place in this page: a name cannot become another address.
@@ -72,7 +78,7 @@ function encodePart(text) {
 }
 
 function link(kind, name, text = name) {
-  return make("a", { href: placeOf(kind, name) }, text);
+  return make("a", { href: placeOf(kind, name) }, breakable(text));
 }
 
 const classLink = (name) => link("class", name);

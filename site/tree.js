@@ -3,23 +3,29 @@
 
 const openKey = () => `tav site ${current.dictionary} ${current.database}`;
 
-function openClasses() {
+function kept(key) {
   try {
-    return new Set(JSON.parse(localStorage.getItem(openKey()) ?? "[]"));
+    return JSON.parse(localStorage.getItem(key));
   } catch {
-    return new Set();
+    return null;
   }
 }
+
+function keep(key, value) {
+  try {
+    localStorage.setItem(key, JSON.stringify(value));
+  } catch {
+    return; // nothing is kept
+  }
+}
+
+const openClasses = () => new Set(kept(openKey()) ?? []);
 
 function remember(name, isOpen) {
   const open = openClasses();
   if (isOpen) open.add(name);
   else open.delete(name);
-  try {
-    localStorage.setItem(openKey(), JSON.stringify([...open].slice(-1000)));
-  } catch {
-    return; // nothing is kept
-  }
+  keep(openKey(), [...open].slice(-1000));
 }
 
 function branch(name, above, open) {

@@ -74,7 +74,9 @@ static void note_user(site_parts& parts, const told_class& one) {
     put(user.out, one.path[i]);
   }
   user.out.EndArray();
-  append_value(parts.users[dm::folded(one.path.back())], user.json());
+  field_users& users = parts.users[dm::folded(one.path.back())];
+  append_value(users.paths, user.json());
+  ++users.count;
 }
 
 // [depth, name, type, attributes, table, column]

@@ -38,6 +38,20 @@ static std::string add_changes(const std::string& name, const std::vector<differ
   return files.back().name;
 }
 
+// The deployment that it gave a name: [number, tag].
+static void put_named(data_writer& out, const deployment& one) {
+  for (const deployment_record& record : one.records) {
+    if (record.kind != dm::journal_kind::TAG) continue;
+    const tag_detail tag = read_tag(record.detail);
+    out.Key("named");
+    out.StartArray();
+    out.Int64(tag.number);
+    put(out, tag.name);
+    out.EndArray();
+    return;
+  }
+}
+
 static void put_deployment(const site_parts& parts, const std::string& name, data_writer& out,
                            const deployment& one, std::vector<site_file>& files) {
   const std::string number = std::to_string(one.number);
@@ -54,6 +68,9 @@ static void put_deployment(const site_parts& parts, const std::string& name, dat
   put_counts(out, "classes", one.classes);
   out.Key("tags");
   put_rows(out, one.tags, [&](const std::string& tag) { put(out, tag); });
+  put_named(out, one);
+  out.Key("deploys");
+  out.Bool(changes_definitions(one));
   const auto changes = parts.source.past.changes.find(one.number);
   if (changes != parts.source.past.changes.end()) {
     put(out, "file", add_changes(name + "/" + number, changes->second, files));

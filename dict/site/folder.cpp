@@ -151,10 +151,16 @@ static bool keeps_owner(int fd, const standing& before) {
                                   fchown(fd, old.st_uid, old.st_gid) == 0);
 }
 
+// Whoever could look into the folder before can read what is in it now.
+static bool keeps_readers(int fd, const standing& before) {
+  return !before.is_there || fchmod(fd, (before.status.st_mode & 0444) | 0200) == 0;
+}
+
 static bool write_file(const std::string& folder, const site_file& file, const standing& before) {
   const std::string path = folder + "/" + file.name;
   const descriptor made(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-  return made.fd >= 0 && dm::write_all(made.fd, file.text) && keeps_owner(made.fd, before);
+  return made.fd >= 0 && dm::write_all(made.fd, file.text) && keeps_owner(made.fd, before) &&
+         keeps_readers(made.fd, before);
 }
 
 static mode_t usual_mode() {

@@ -1,6 +1,8 @@
 // What is found by name, and the fields' own details.
 #include "dd/values.h"
+#include "dict/next_id.h"
 #include "dict/site/parts.h"
+#include "dm/predefined.h"
 #include "dparse/attributes.h"
 #include "dparse/tokens.h"
 
@@ -77,9 +79,10 @@ bool add_fields(site_parts& parts, dm::problem& why) {
   while (tav_flist_t* field = fields.next(at(&parts.ebuf, HERE))) {
     const char* name = dd_text(field, TAV_FLD_FIELD_NAME, at(&parts.ebuf, HERE));
     const auto users = parts.users.extract(dm::folded(name));
-    add_field(parts, name, users.empty() ? "" : users.mapped());
+    parts.used.push_back(users.empty() ? 0 : users.mapped().count);
+    add_field(parts, name, users.empty() ? "" : users.mapped().paths);
   }
-  for (auto& [name, users] : parts.users) add_field(parts, name.c_str(), std::move(users));
+  for (auto& [name, users] : parts.users) add_field(parts, name.c_str(), std::move(users.paths));
   return !dd_failed(parts.ebuf) || cannot_be_read(why);
 }
 
@@ -121,6 +124,7 @@ static void put_fields(site_parts& parts, data_writer& out) {
   put_column(out, "flags", fields, [&](tav_flist_t* field) {
     out.Int(dd_int(field, TAV_FLD_FIELD_FLAGS, at(ebuf, HERE)));
   });
+  put_column(out, "used", parts.used, [&](size_t count) { out.Uint64(count); });
   out.EndObject();
 }
 
@@ -154,8 +158,35 @@ static int block_of(const std::string& keyword) {
   return NONE;
 }
 
+// [key, name of today, deployment]
+static void put_left_names(const site_parts& parts, data_writer& out) {
+  put_column(out, "left", parts.source.past.left, [&](const left_name& one) {
+    out.StartArray();
+    put(out, one.key);
+    put(out, one.now);
+    out.Int64(one.deployment);
+    out.EndArray();
+  });
+}
+
+// [name, number, type]: definition files use them without defining them.
+static void put_predefined(const site_parts& parts, data_writer& out) {
+  if (!parts.source.database.empty()) return;
+  put_column(out, "predefined", dm::predefined_fields(), [&](const dm::field_row& row) {
+    out.StartArray();
+    put(out, row.name);
+    out.Int(row.number);
+    put(out, dd_type_keyword(row.type));
+    out.EndArray();
+  });
+}
+
 void put_index(site_parts& parts, data_writer& out) {
   out.StartObject();
+  put_left_names(parts, out);
+  put_predefined(parts, out);
+  out.Key("reserved");
+  out.Int(FIRST_OF_ADMINISTRATORS - 1);
   put_fields(parts, out);
   put_classes(parts, out);
   out.Key("tables");

@@ -16,6 +16,9 @@ static void put_about(const site_parts& parts, const site_file& index, data_writ
   put(out, "database", source.database);
   put(out, "at", source.at);
   put(out, "index", index.name);
+  if (source.past.begin == 0) return;
+  out.Key("begin");
+  out.Int64(source.past.begin);
 }
 
 static std::string add(std::vector<site_file>& files, site_file file) {

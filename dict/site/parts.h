@@ -31,6 +31,12 @@ struct details_file {
   std::string classes{}, fields{};  // JSON values, divided by commas
 };
 
+// Where a field is used.
+struct field_users {
+  std::string paths{};  // JSON values
+  size_t count = 0;
+};
+
 struct site_parts {
   explicit site_parts(site_source& told) : source(told) {}
 
@@ -40,7 +46,8 @@ struct site_parts {
   numbered_texts types{}, keywords{};
   std::vector<told_table> tables{};
   std::vector<told_column> columns{};
-  std::map<std::string, std::string> users{};  // by folded name of a field; JSON values
+  std::map<std::string, field_users> users{};  // by folded name of a field
+  std::vector<size_t> used{};                  // how often each field is, in the fields' order
   std::vector<details_file> details{};
 };
 

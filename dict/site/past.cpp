@@ -4,6 +4,7 @@
 #include "dd/database_number.h"
 #include "dict/history/blame.h"
 #include "dict/history/changes.h"
+#include "dict/history/renames.h"
 #include "dict/site/site.h"
 #include "dm/open.h"
 
@@ -22,18 +23,33 @@ struct tracked_thing {
   bool is_settled = true;                // who made what of it is known, or it is not there
 };
 
+// A name that a renamed thing has in the records from one to another.
+struct told_name {
+  int64_t from, to;
+  std::string owner;  // the thing's key today
+};
+
 struct way_back {
   site_past& result;
-  std::map<int64_t, int64_t> deployments{};     // of records about the database
+  std::unordered_map<std::string, std::vector<told_name>> names{};  // by key, of renamed things
+  std::map<int64_t, int64_t> deployments{};                         // of records about the database
   std::map<int64_t, changed_things> changed{};  // by deployment, of those to be told
   std::unordered_map<std::string, tracked_thing> things{};
 };
 
 }  // namespace
 
-static bool changes_definitions(const deployment& one) {
+bool changes_definitions(const deployment& one) {
   return std::ranges::any_of(
       one.records, [](const deployment_record& record) { return dm::is_deployment(record.kind); });
+}
+
+static bool find_begin(dm::store& store, site_past& past, dm::problem& why) {
+  const auto look = [&](const dm::journal_record& first) {
+    if (first.number > 1) past.begin = first.number;
+    return false;
+  };
+  return dm::walk_records(store, {}, look, why);
 }
 
 static bool find_records(reading& from, int64_t last, way_back& way, dm::problem& why) {
@@ -75,6 +91,65 @@ static bool read_present(reading& from, const dm::past& at, definitions& all, wa
          maker.finish(why);
 }
 
+// --- Renames -------------------------------------------------------------------------------------
+
+// What came by a change of this name may have come from another name.
+static bool find_brought(dm::store& store, const way_back& way, std::set<std::string>& brought,
+                         dm::problem& why) {
+  const auto note = [&](int64_t, const dm::journal_change& change) {
+    const std::string key = dm::thing_key(change.what, change.name);
+    const bool is_new = change.how == dm::change_how::ADDED && way.things.count(key) != 0;
+    if (is_new) brought.insert(key);
+    return true;
+  };
+  for (const deployment& one : way.result.deployments) {
+    for (const deployment_record& record : one.records) {
+      const bool may_rename = record.kind == dm::journal_kind::CHANGE;
+      const dm::journal_range range{record.number, record.number};
+      if (may_rename && !dm::walk_changes(store, range, note, why)) return false;
+    }
+  }
+  return true;
+}
+
+static void note_names(way_back& way, const std::string& owner, dm::change_of what,
+                       const std::vector<past_name>& names) {
+  for (const past_name& name : names) {
+    const std::string key = dm::thing_key(what, name.key);
+    way.names[key].push_back({name.from, name.to, owner});
+    const auto since = way.deployments.find(names.front().from);
+    const bool is_left = way.things.count(key) == 0 && since != way.deployments.end();
+    if (is_left) way.result.left.push_back({key, names.front().key, since->second});
+  }
+}
+
+static bool find_renames(reading& from, way_back& way, dm::problem& why) {
+  std::set<std::string> brought;
+  if (!find_brought(*from.store, way, brought, why)) return false;
+  for (const std::string& key : brought) {
+    const tracked_thing& thing = way.things.at(key);
+    const bool is_class = thing.name.starts_with("/");
+    const auto what = is_class ? dm::change_of::CLASS : dm::change_of::FIELD;
+    std::vector<past_name> names;
+    if (!find_names(*from.store, what, thing.name, names, why)) return false;
+    if (names.size() > 1) note_names(way, key, what, names);
+  }
+  return true;
+}
+
+// The thing of today whose past a change of that name is; empty where it is that of one which had
+// the name of a renamed thing before it.
+static std::string owner_of(const way_back& way, int64_t record, const std::string& key) {
+  const auto found = way.names.find(key);
+  if (found == way.names.end()) return key;
+  bool is_taken = false;
+  for (const told_name& name : found->second) {
+    if (name.from <= record && record <= name.to) return name.owner;
+    is_taken = is_taken || name.owner == key;
+  }
+  return is_taken ? "" : key;
+}
+
 // --- A change ------------------------------------------------------------------------------------
 
 // Takes the state after the change over.
@@ -112,6 +187,33 @@ static bool settle_parts(const dm::journal_change& change, int64_t deployment, t
   return true;
 }
 
+// The half of a rename with the new name: the other half tells what was before.
+static bool is_new_name(const way_back& way, int64_t record, const std::string& key) {
+  const auto found = way.names.find(key);
+  return found != way.names.end() && std::ranges::any_of(found->second, [&](const told_name& name) {
+           return name.from == record;
+         });
+}
+
+// Puts the change into the past of the thing that had the name.
+static bool tell_change(way_back& way, int64_t record, const dm::journal_change& change,
+                        const std::optional<std::string>& before, dm::problem& why) {
+  const std::string key = dm::thing_key(change.what, change.name);
+  const std::string owner = owner_of(way, record, key);
+  if (owner.empty()) return true;
+  const int64_t deployment = way.deployments.at(record);
+  thing_past& past = way.result.things[owner];
+  if (past.deployments.empty() || past.deployments.back() != deployment) {
+    past.deployments.push_back(deployment);
+  }
+  tracked_thing& thing = way.things.at(owner);
+  if (is_new_name(way, record, key)) {
+    return thing.present ||
+           take_apart(change.what, thing.name, *thing.state, thing.present.emplace(), why);
+  }
+  return thing.is_settled || settle_parts(change, deployment, thing, before, past, why);
+}
+
 static bool go_back(way_back& way, int64_t record, const dm::journal_change& change,
                     dm::problem& why) {
   const auto deployment = way.deployments.find(record);
@@ -126,13 +228,7 @@ static bool go_back(way_back& way, int64_t record, const dm::journal_change& cha
        !dm::state_before(change, after != nullptr ? *after : "", before.emplace()))) {
     return dm::damaged_record(record, why);
   }
-  thing_past& past = way.result.things[key];
-  if (past.deployments.empty() || past.deployments.back() != deployment->second) {
-    past.deployments.push_back(deployment->second);
-  }
-  if (!thing.is_settled && !settle_parts(change, deployment->second, thing, before, past, why)) {
-    return false;
-  }
+  if (!tell_change(way, record, change, before, why)) return false;
   const auto told = way.changed.find(deployment->second);
   if (told != way.changed.end()) note_change(told->second, change, std::move(thing.state), before);
   thing.state = std::move(before);
@@ -166,7 +262,9 @@ bool read_past(reading& from, int64_t record, site_source& result, dm::problem& 
   if (is_past && !look_back_to(from, record, at, why)) return false;
   if (!read_present(from, at, result.all, way, why)) return false;
   if (!result.has_past) return true;
-  if (!find_records(from, record, way, why)) return false;
+  if (!find_begin(*from.store, result.past, why) || !find_records(from, record, way, why) ||
+      !find_renames(from, way, why))
+    return false;
   bool is_sound = true;
   const auto back = [&](int64_t number, const dm::journal_change& change) {
     return is_sound = go_back(way, number, change, why);

@@ -43,11 +43,22 @@ static bool is_possible(const request& asked, dm::problem& why) {
 
 // --- Gathering -----------------------------------------------------------------------------------
 
+// Folders of a server are nobody's business, and the same pages come of every working folder.
+static std::string without_folders(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+static std::string name_of(const reading& from) {
+  const std::string name = from.store->calls->name(from.store.get());
+  const bool is_file = from.settings.dictionary.starts_with("sqlite:");
+  return is_file ? without_folders(name) : name;
+}
+
 static bool gather_files(const request& asked, std::vector<site_source>& sources,
                          dm::problem& why) {
   site_source& source = sources.emplace_back();
   for (const std::string& file : asked.files) {
-    source.dictionary.append(source.dictionary.empty() ? "" : ", ").append(file);
+    source.dictionary.append(source.dictionary.empty() ? "" : ", ").append(without_folders(file));
   }
   if (read_files(asked.files, source.all)) return true;
   why.sentence = "The definition files have errors; no page was written.";
@@ -74,7 +85,7 @@ static bool gather_dictionary(const request& asked, std::vector<site_source>& so
   }
   for (const dm::database_row& database : databases) {
     site_source& source = sources.emplace_back();
-    source.dictionary = from.store->calls->name(from.store.get());
+    source.dictionary = name_of(from);
     source.database = dd_database_text(database.number);
     source.at = asked.at;
     from.database = database;

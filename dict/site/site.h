@@ -21,15 +21,27 @@ struct thing_past {
   std::vector<int64_t> blame{};
 };
 
+// A name that a thing has no more.
+struct left_name {
+  std::string key;     // dm::thing_key
+  std::string now;     // how it is called, folded
+  int64_t deployment;  // that called it so
+};
+
+// It may have changed definitions; others tell of the journal or the dictionary itself.
+bool changes_definitions(const deployment& one);
+
 struct site_past {
+  std::vector<left_name> left{};
   std::vector<deployment> deployments{};                 // the newest first
+  int64_t begin = 0;                                     // where the journal was pruned: its first
   std::map<int64_t, std::vector<difference>> changes{};  // of the newest
   std::unordered_map<std::string, thing_past> things{};  // by dm::thing_key
 };
 
 // One database, or what definition files say.
 struct site_source {
-  std::string dictionary{};  // its name; of files theirs
+  std::string dictionary{};  // its name, without folders; of files theirs
   std::string database{};    // its number; empty for files
   std::string at{};          // as it was asked for; empty: now
   definitions all{};

@@ -195,13 +195,59 @@ class Site(unittest.TestCase):
                                 "(cell) => cell.innerText.replace('→', '->'))")
         self.assertEqual(rows, [line for line in lines if line.startswith("~")])
         self.assertEqual(len(rows), 2)
+        taken = self.browser.run("return csvRows(takenColumns, changeRows([[2, 'class', '/a', '', "
+                                 "[['DESCR', 'x', '']], [[0, 'entry', 'F', 'INT', [], []]]]]))")
+        self.assertEqual([row[:3] for row in taken[1:]], [
+            ["removed", "class", "/a"], ["changed", "attribute", "/a"],
+            ["added", "entry", "/a > F"]])
+
+    def test_what_is_not_there_or_of_another_time(self):
+        self.tool("tav_dict", "add-database", "0.0.0.2")
+        self.tool("tav_dict", "site", "all", "--all")
+        self.tool("tav_dict", "site", "past", "--at", "3")
+        which = "return document.getElementById('which').innerText"
+        at = "As it was after deployment 3"
+        for pages, place, title, told in (
+                ("all", "@0.0.0.9/class/order", "Not here", "no database 0.0.0.9"),
+                ("pages", "nonsense", "Not here", 'no page "nonsense"'),
+                ("past", "changes/999", "Deployment 999", "no deployment of this number"),
+                ("pages", "changes/1", "Deployment 1", "It deployed no definitions."),
+                ("all", "@0.0.0.2/fields", "Fields", "Hide 47 predefined fields")):
+            more = {"all": " \u00b7 Database 0.0.0." + ("2" if ".2" in place else "1"),
+                    "past": " \u00b7 " + at}.get(pages, "")
+            self.browser.open(f"{self.folder}/{pages}/index.html#/{place}",
+                              f"{title} \u00b7 {TITLE}{more}")
+            self.assertIn(told, self.browser.text())
+            if pages == "past":
+                self.assertEqual(self.browser.run(which), at)
+        self.assertIn("Database 0.0.0.2", self.browser.run(which))
+        self.browser.click("#which a")
+        self.browser.shows(f"Fields \u00b7 {TITLE} \u00b7 Database 0.0.0.1")
+
+    def test_what_was_renamed(self):
+        self.tool("tav_dict", "rename", "class", "/order", "/purchase", "--yes")
+        self.addCleanup(self.tool, "tav_dict", "rename", "class", "/purchase", "/order", "--yes")
+        self.tool("tav_dict", "site", "renamed")
+        self.open(self.folder, "class/purchase", "/purchase", "renamed")
+        past = self.browser.call("POST", "/execute/async", {"args": [], "script":
+                                 "detailsOf('classes', '/purchase').then((d) => "
+                                 "arguments[0]([d.history.length, blameOf(d).flat()]))"})
+        told = json.loads(self.tool("tav_dict", "blame", "--json", "/purchase"))["parts"]
+        self.assertEqual(past, [2, [part["deployment"] for part in told]])
+        self.assertEqual(set(past[1]), {3})
+        self.open(self.folder, "class/order", "/order", "renamed")
+        self.assertIn("It is called /purchase since deployment", self.browser.text())
+        self.assertEqual(self.browser.run("return search(current, '/order').hits.map(hitOf)"
+                                          ".map((hit) => hit.name)")[0], "/purchase")
 
     def test_ranks(self):
         self.open(self.folder, "", "")
         found = "return search(current, arguments[0]).hits.map(hitOf).map((hit) => hit.name)"
         for wanted, first in (("order", ["/order"]), ("20001", ["SHOP_FLD_MSISDN"]),
                               ("SERIAL", ["serial", "TAV_FLD_SERIALIZABLE", "SHOP_FLD_SERIAL"]),
-                              ("plus sign", ["SHOP_FLD_MSISDN"])):
+                              ("plus sign", ["SHOP_FLD_MSISDN"]),
+                              ("sign phone", ["SHOP_FLD_MSISDN"]),
+                              ("2000", ["SHOP_FLD_MSISDN", "SHOP_FLD_FULL_NAME"])):
             self.assertEqual(self.browser.run(found, wanted)[:len(first)], first)
 
     def test_csv_holds_no_formula(self):
