@@ -293,6 +293,9 @@ class Site(unittest.TestCase):
             self.assertNotIn("There is none of this name", self.browser.text(), place)
             wide = self.browser.run("return document.documentElement.scrollWidth - innerWidth")
             self.assertLessEqual(wide, 0, place)
+            wide = self.browser.run("return [...document.querySelectorAll('.wide:has(table)')].filter("
+                                    "(each) => each.scrollWidth > each.clientWidth).length")
+            self.assertEqual(wide, 0, place)
             if i < 20:
                 self.judge(place)
             self.assertEqual(self.browser.run(
