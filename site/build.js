@@ -40,7 +40,8 @@ addEventListener("beforeprint", () => [...waiting].forEach((showAll) => showAll(
 
 // A table with a heading above it and its rows to take along. A column is
 // {head, cell(row) -> text or element, csv(row) -> text, optional: only where a row has a value}.
-// options.csv: other columns of what is taken along.
+// options.csv: other columns of what is taken along; options.class "stacked": where the screen is
+// narrow, a row is a block, in which values of columns that are optional or `told` stand behind the head.
 function tableOf(title, offered, rows, options = {}) {
   const isFilled = (column) => rows.some((item) => (column.csv ?? column.cell)(item) !== "");
   const columns = offered.filter((column) => !column.optional || isFilled(column));
@@ -86,7 +87,10 @@ function tableOf(title, offered, rows, options = {}) {
 function cellOf(column, item) {
   const content = column.cell(item);
   const isName = column.class === "name" && typeof content === "string";
-  const attributes = { class: column.class, "data-head": column.optional && column.head };
+  const attributes = {
+    class: column.class,
+    "data-head": (column.optional || column.told) && column.head,
+  };
   return make("td", attributes, isName ? breakable(content) : content);
 }
 

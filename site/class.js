@@ -171,8 +171,8 @@ function entriesSection(details) {
   const columns = [
     { head: "Entry", cell: name, csv: (row) => row.name, class: "name" },
     { head: "Type", cell: (row) => row.type },
-    value(0, "Order", "number"),
-    value(1, "Length", "number"),
+    { ...value(0, "Order", "number"), told: true },
+    { ...value(1, "Length", "number"), told: true },
     value(2, "Create"),
     value(3, "Modify"),
     {
@@ -200,7 +200,7 @@ function entriesSection(details) {
   columns.slice(4).forEach((column) => (column.optional = true));
   const taken = [...columns];
   taken.splice(1, 0, { head: "Path", cell: (row) => row.path });
-  const section = tableOf("Entries", columns, rows, { csv: taken });
+  const section = tableOf("Entries", columns, rows, { csv: taken, class: "stacked" });
   return watchRows(section, rows, folds);
 }
 

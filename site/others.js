@@ -11,7 +11,7 @@ function missingPage(kind, name) {
   return {
     title: name,
     content: [
-      heading(kind, name),
+      heading(kind[0].toUpperCase() + kind.slice(1), name),
       make("p", {}, text),
       make("p", {}, link("search", name, "Search for it")),
     ],
@@ -26,14 +26,17 @@ async function fieldPage(wanted) {
   const own = { ...details, ...partsOfField(i) };
   const columns = [
     { head: "Class", cell: ([owner]) => classLink(owner), csv: ([owner]) => owner, class: "name" },
-    { head: "Path", cell: ([, ...path]) => path.join(" \u203a "), class: "name" },
+    { head: "Path", cell: ([, ...path]) => path.join(" \u203a "), class: "name", told: true },
   ];
   return {
     title: name,
     content: [
       heading("Field", name),
       i === undefined ? undefinedFacts(name) : fieldFacts(i),
-      tableOf("Used by", columns, details?.users ?? [], { none: "No class uses it." }),
+      tableOf("Used by", columns, details?.users ?? [], {
+        none: "No class uses it.",
+        class: "stacked",
+      }),
       await historySection(details ?? {}),
       own.blame ? blameSection(own) : null,
     ],
@@ -89,7 +92,7 @@ async function tablePage(wanted) {
     },
     { head: "Type", cell: (one) => one.type },
     { head: "Length", optional: true, cell: (one) => one.length, class: "number" },
-    { head: "Path", cell: (one) => one.path.join(" \u203a "), class: "name" },
+    { head: "Path", cell: (one) => one.path.join(" \u203a "), class: "name", told: true },
     { head: "Description", optional: true, cell: (one) => one.text, class: "text" },
   ];
   const entry = table.path.length === 0 ? "" : table.path.join(" \u203a ");
@@ -99,7 +102,11 @@ async function tablePage(wanted) {
   ]);
   return {
     title: name,
-    content: [heading("Table", name), about, tableOf("Columns", columns, table.columns)],
+    content: [
+      heading("Table", name),
+      about,
+      tableOf("Columns", columns, table.columns, { class: "stacked" }),
+    ],
   };
 }
 
@@ -108,7 +115,8 @@ async function tablePage(wanted) {
 const indexes = (names) => names.map((_, i) => i);
 
 function listPage(title, columns, rows) {
-  return { title, content: [make("h1", {}, title), tableOf(title, columns, rows)] };
+  const list = tableOf(title, columns, rows, { class: "stacked" });
+  return { title, content: [make("h1", {}, title), list] };
 }
 
 const hidesKey = "tav site hides predefined";
@@ -130,10 +138,8 @@ function fieldsPage() {
   const all = indexes(current.fields.names);
   const own = all.filter((i) => !isPredefined(i));
   const others = all.filter(isPredefined);
-  const list = tableOf("Fields", fieldColumns(isPredefined), [
-    ...own,
-    ...(kept(hidesKey) === true ? [] : others),
-  ]);
+  const rows = [...own, ...(kept(hidesKey) === true ? [] : others)];
+  const list = tableOf("Fields", fieldColumns(isPredefined), rows, { class: "stacked" });
   const box = others.length === 0 ? null : predefinedBox(others.length);
   return { title: "Fields", content: [make("h1", {}, "Fields"), box, list] };
 }
@@ -144,7 +150,7 @@ function fieldColumns(isPredefined) {
     { head: "Number", cell: (i) => numbers[i], class: "number" },
     { head: "Name", cell: (i) => fieldLink(names[i]), csv: (i) => names[i], class: "name" },
     { head: "Type", cell: (i) => current.types[types[i]] },
-    { head: "Used by", cell: (i) => `${used[i]}`, class: "number" },
+    { head: "Used by", cell: (i) => `${used[i]}`, class: "number", told: true },
     { head: "Predefined", optional: true, cell: (i) => (isPredefined(i) ? "predefined" : "") },
     { head: "Description", cell: (i) => texts[i], class: "text" },
   ];
@@ -164,7 +170,7 @@ function tablesPage() {
   const owner = (i) => current.classes.names[classes[i]];
   const columns = [
     { head: "Name", cell: (i) => tableLink(names[i]), csv: (i) => names[i], class: "name" },
-    { head: "Class", cell: (i) => classLink(owner(i)), csv: owner, class: "name" },
+    { head: "Class", cell: (i) => classLink(owner(i)), csv: owner, class: "name", told: true },
   ];
   return listPage("Tables", columns, indexes(names));
 }

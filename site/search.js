@@ -199,7 +199,10 @@ function searchPage(text) {
   const note =
     count > hits.length ? make("p", {}, `More fit; the best ${hits.length} are shown.`) : null;
   const title = `Search: ${text}`;
-  const list = tableOf("Found", hitColumns, hits.map(hitOf), { none: "Nothing fits." });
+  const list = tableOf("Found", hitColumns, hits.map(hitOf), {
+    none: "Nothing fits.",
+    class: "stacked",
+  });
   list.id = "found";
   return { title, content: [make("h1", {}, title), note, list] };
 }

@@ -42,11 +42,13 @@ static std::string renamed(const told_rename& told, dm::change_of what, const st
   return is_class && key.rfind(from + "/", 0) == 0 ? to + name.substr(from.size()) : "";
 }
 
-// The folded name before the record; empty where that is no rename of the name.
-static std::string name_before(const dm::journal_record& record, dm::change_of what,
-                               const std::string& key) {
-  const told_rename told = read_rename(record);
-  return renamed(told, what, key, told.to, told.from);
+// Adds the name that the thing had before the rename.
+static void go_back(const told_rename& told, int64_t record, named_thing& thing) {
+  past_name& after = thing.names.back();
+  const std::string before = renamed(told, thing.what, after.key, told.to, told.from);
+  if (before.empty() || before == after.key) return;
+  after.from = record;
+  thing.names.push_back({before, 0, record});
 }
 
 std::string name_after(const dm::journal_record& record, dm::change_of what,
@@ -55,19 +57,27 @@ std::string name_after(const dm::journal_record& record, dm::change_of what,
   return renamed(told, what, name, dm::folded(told.from), told.to);
 }
 
-bool find_names(dm::store& store, dm::change_of what, const std::string& name,
-                std::vector<past_name>& names, dm::problem& why) {
-  names = {{dm::folded(name), 0, std::numeric_limits<int64_t>::max()}};
+bool find_names(dm::store& store, std::vector<named_thing>& things, dm::problem& why) {
+  for (named_thing& thing : things) {
+    thing.names = {{dm::folded(thing.name), 0, std::numeric_limits<int64_t>::max()}};
+  }
   const auto look = [&](const dm::journal_record& record) {
-    const std::string before = name_before(record, what, names.back().key);
-    if (before.empty() || before == names.back().key) return true;
-    names.back().from = record.number;
-    names.push_back({before, 0, record.number});
+    const told_rename told = read_rename(record);
+    if (told.what.empty()) return true;
+    for (named_thing& thing : things) go_back(told, record.number, thing);
     return true;
   };
   dm::journal_range range;
   range.newest_first = true;
   return dm::walk_records(store, range, look, why);
+}
+
+bool find_names(dm::store& store, dm::change_of what, const std::string& name,
+                std::vector<past_name>& names, dm::problem& why) {
+  std::vector<named_thing> one{{what, name}};
+  const bool is_found = find_names(store, one, why);
+  names = std::move(one.front().names);
+  return is_found;
 }
 
 bool is_of(const std::vector<past_name>& names, int64_t record, std::string_view changed) {

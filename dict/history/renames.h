@@ -29,6 +29,15 @@ struct past_name {
 bool find_names(dm::store& store, dm::change_of what, const std::string& name,
                 std::vector<past_name>& names, dm::problem& why);
 
+// A thing of today with all its names.
+struct named_thing {
+  dm::change_of what;
+  std::string name;
+  std::vector<past_name> names{};
+};
+// The same for many things, with one walk of the journal.
+bool find_names(dm::store& store, std::vector<named_thing>& things, dm::problem& why);
+
 // The name that the record gave what was called that; "" where it did not rename it.
 std::string name_after(const dm::journal_record& record, dm::change_of what,
                        const std::string& name);

@@ -112,27 +112,29 @@ static bool find_brought(dm::store& store, const way_back& way, std::set<std::st
   return true;
 }
 
-static void note_names(way_back& way, const std::string& owner, dm::change_of what,
-                       const std::vector<past_name>& names) {
-  for (const past_name& name : names) {
-    const std::string key = dm::thing_key(what, name.key);
+static void note_names(way_back& way, const named_thing& thing) {
+  const std::string owner = dm::thing_key(thing.what, thing.name);
+  const auto since = way.deployments.find(thing.names.front().from);
+  for (const past_name& name : thing.names) {
+    const std::string key = dm::thing_key(thing.what, name.key);
     way.names[key].push_back({name.from, name.to, owner});
-    const auto since = way.deployments.find(names.front().from);
     const bool is_left = way.things.count(key) == 0 && since != way.deployments.end();
-    if (is_left) way.result.left.push_back({key, names.front().key, since->second});
+    if (is_left) way.result.left.push_back({key, thing.names.front().key, since->second});
   }
 }
 
 static bool find_renames(reading& from, way_back& way, dm::problem& why) {
   std::set<std::string> brought;
   if (!find_brought(*from.store, way, brought, why)) return false;
+  std::vector<named_thing> things;
   for (const std::string& key : brought) {
-    const tracked_thing& thing = way.things.at(key);
-    const bool is_class = thing.name.starts_with("/");
-    const auto what = is_class ? dm::change_of::CLASS : dm::change_of::FIELD;
-    std::vector<past_name> names;
-    if (!find_names(*from.store, what, thing.name, names, why)) return false;
-    if (names.size() > 1) note_names(way, key, what, names);
+    const bool is_class = key[0] == static_cast<char>(dm::change_of::CLASS);
+    things.push_back({is_class ? dm::change_of::CLASS : dm::change_of::FIELD, key.substr(1)});
+  }
+  if (things.empty()) return true;
+  if (!find_names(*from.store, things, why)) return false;
+  for (const named_thing& thing : things) {
+    if (thing.names.size() > 1) note_names(way, thing);
   }
   return true;
 }

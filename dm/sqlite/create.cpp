@@ -7,8 +7,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 
+#include "dm/blocked_signals.h"
 #include "dm/schema.h"
 #include "dm/sqlite/file_copy.h"
 #include "dm/sqlite/file_place.h"
@@ -42,13 +42,10 @@ static bool build(sqlite_store& store, const fill_store& fill, problem& why) {
 namespace {
 
 // A file that loses its name as soon as the engine has it open: whatever happens, it is gone with
-// the process. Signals are blocked in between.
+// the process.
 struct scratch_file {
   explicit scratch_file(const std::string& folder) : name(folder + "tav_dict.XXXXXX") {
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    sigprocmask(SIG_BLOCK, &all, &before);
+    const blocked_signals blocked;
     fd = mkostemp(name.data(), O_CLOEXEC);
     error = errno;
     if (fd >= 0) {
@@ -56,7 +53,6 @@ struct scratch_file {
           sqlite3_open_v2(name.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
       unlink(name.c_str());
     }
-    sigprocmask(SIG_SETMASK, &before, nullptr);
   }
   ~scratch_file() {
     if (fd >= 0) close(fd);

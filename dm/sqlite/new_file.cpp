@@ -5,25 +5,23 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string_view>
 
+#include "dm/blocked_signals.h"
 #include "dm/descriptor.h"
 
 namespace dm {
 
 // A file without a name (O_TMPFILE), or with a temporary one where the file system cannot do that.
-// While it has the temporary name, signals are blocked: one that ends the process would leave it.
 struct nameless_file {
   explicit nameless_file(const std::string& folder) : fd(open_in(folder)) {
     if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT)) return;
-    sigset_t all;
-    sigfillset(&all);
-    sigprocmask(SIG_BLOCK, &all, &signals);
+    blocked.emplace();
     passing_name = folder + "tav_dict.XXXXXX";
     fd = mkostemp(passing_name.data(), O_CLOEXEC);
     if (fd < 0) forget();
@@ -56,7 +54,7 @@ struct nameless_file {
 
   int fd;
   std::string passing_name;
-  sigset_t signals{};
+  std::optional<blocked_signals> blocked{};  // while there is a passing name
 
  private:
   static int open_in(const std::string& folder) {
@@ -64,9 +62,7 @@ struct nameless_file {
   }
   void forget() {
     passing_name.clear();
-    const int kept = errno;
-    sigprocmask(SIG_SETMASK, &signals, nullptr);
-    errno = kept;
+    blocked.reset();
   }
 };
 
