@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
 #include "dict/lint/excerpt.h"
@@ -261,7 +262,8 @@ static bool may_write(const request& asked, const lint_config& config, const lin
     return is_spared("--write-baseline", asked.baseline, read, why) &&
            takes_baseline(asked.baseline, why);
   read.push_back(asked.baseline);
-  return is_spared("--output", asked.output, read, why) && spares_database(asked.output, why);
+  return is_spared("--output", asked.output, read, why) &&
+         spares_database("--output", asked.output, why);
 }
 
 static int lint_files(const request& asked) {
