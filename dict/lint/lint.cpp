@@ -220,9 +220,9 @@ static int write_baseline(const request& asked, const linted& found) {
 static bool tell(const request& asked, const lint_report& report, dm::problem& why) {
   const auto* form = std::find_if(std::begin(LINT_FORMS), std::end(LINT_FORMS),
                                   [&](const lint_form& each) { return each.name == asked.form; });
-  const std::string text = form->write(report);
+  const text_pieces text = [&](const text_sink& to) { form->write(report, to); };
   if (!asked.output.empty()) return write_file(asked.output, text, why);
-  std::cout << text;
+  text([](std::string_view piece) { std::cout << piece; });
   return true;
 }
 
