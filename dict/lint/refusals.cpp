@@ -138,12 +138,35 @@ std::vector<lint::refusal> refusals_of(const tav_flist_t* held_fields,
   return std::move(in.found);
 }
 
+static bool is_zero(const void* value, dd_value_kind kind) {
+  char digits[64] = "";
+  if (kind == dd_value_kind::NUMBER) return *static_cast<const int32_t*>(value) == 0;
+  if (kind != dd_value_kind::DECIMAL) return false;
+  tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits, nullptr);
+  return std::string_view(digits).find_first_of("123456789") == std::string_view::npos;
+}
+
+// Exports write zero for none.
+template <size_t N>
+static void forget_zeros(std::array<const void*, N>& values,
+                         const std::array<dd_attribute, N>& rows) {
+  for (size_t i = 0; i < N; ++i)
+    if (values[i] != nullptr && is_zero(values[i], rows[i].kind)) values[i] = nullptr;
+}
+
+static void forget_zeros(dm::class_def& definition) {
+  forget_zeros(definition.values, dm::CLASS_ATTRIBUTES);
+  for (dm::entry_def& entry : definition.entries) forget_zeros(entry.values, dm::ENTRY_ATTRIBUTES);
+}
+
 bool leaves_as_it_is(tav_flist_t* held, tav_flist_t* sent) {
   dm::class_def definition;
   dm::class_def old;
   dm::read_class(tav_node_of(sent), 0, definition);
   dm::read_class(tav_node_of(held), 0, old);
   as_it_would_be_stored(definition, old);
+  forget_zeros(definition);
+  forget_zeros(old);
   dm::class_writer before;
   dm::class_writer after;
   return before.write(old) == after.write(definition);

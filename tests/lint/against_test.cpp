@@ -101,6 +101,7 @@ static const struct {
     // What stays whatever the files say is no change.
     {"STORABLE CLASS /a {", "STORABLE CLASS /A {", false},
     {"SQL_COLUMN = \"b\"", "SQL_COLUMN = \"c\"", false},
+    {"LENGTH = 60;", "LENGTH = 60; ORDER = 0; AUDITABLE = 0;", false},
     {"LENGTH = 60;", "LENGTH = 61;", true},
     {"  INT B { }\n  ARRAY", "  ARRAY", true},
     {"    INT B { }\n    STRING A { LENGTH = 10; }\n",
