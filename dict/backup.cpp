@@ -5,6 +5,7 @@
 #include "dict/backup.h"
 #include "dict/check/check.h"
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/terminal/progress.h"
 #include "dict/terminal/visible.h"
 #include "dm/copy.h"
@@ -35,7 +36,7 @@ bool write_backup(dm::store& from, const std::string& file, progress& shown, dm:
 int backup(const std::string& file) {
   dm::settings settings;
   dm::problem why;
-  if (!dm::read_settings(settings, why)) return fail(why);
+  if (!spares_companions(file, why) || !dm::read_settings(settings, why)) return fail(why);
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   if (store == nullptr || !store->calls->begin(store.get(), false, why)) return fail(why);
   progress shown("copying rows");

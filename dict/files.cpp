@@ -151,8 +151,19 @@ static bool give_owner_and_mode(const new_file& made, const struct stat& status,
   return has_owner && ::fchmod(made.open.fd, status.st_mode & 07777) == 0;
 }
 
-static bool write_and_sync(int to, std::string_view text) {
-  return dm::write_all(to, text) && ::fsync(to) == 0;
+static text_pieces in_one_piece(std::string_view text) {
+  return [text](const text_sink& to) { to(text); };
+}
+
+// With errno as the first failure left it.
+static bool write_and_sync(int to, const text_pieces& text) {
+  int error = 0;
+  text([&](std::string_view piece) {
+    if (error == 0 && !dm::write_all(to, piece)) error = errno;
+  });
+  if (error == 0 && ::fsync(to) != 0) error = errno;
+  errno = error;
+  return error == 0;
 }
 
 static bool rename_to(new_file& made, const fs::path& path) {
@@ -163,8 +174,8 @@ static bool rename_to(new_file& made, const fs::path& path) {
   return true;
 }
 
-bool replace_file(const std::string& name, const file_content& before, std::string_view text,
-                  dm::problem& why) {
+static bool replace(const std::string& name, const file_content& before, const text_pieces& text,
+                    dm::problem& why) {
   const std::unique_ptr<char, decltype(&std::free)> real(::realpath(name.c_str(), nullptr),
                                                          &std::free);
   if (real == nullptr) return is_left(name, std::strerror(errno), why);
@@ -181,6 +192,11 @@ bool replace_file(const std::string& name, const file_content& before, std::stri
   if (::stat(path.c_str(), &now) != 0 || !is_same(now, before.status))
     return is_left(name, "somebody has changed it since it was read", why);
   return rename_to(made, path) || is_left(name, std::strerror(errno), why);
+}
+
+bool replace_file(const std::string& name, const file_content& before, std::string_view text,
+                  dm::problem& why) {
+  return replace(name, before, in_one_piece(text), why);
 }
 
 // --- Writing -------------------------------------------------------------------------------------
@@ -208,14 +224,14 @@ static bool name_new(new_file& made, const std::string& name) {
 }
 
 // It has its name only once it is whole.
-static bool write_new(const std::string& name, std::string_view text, dm::problem& why) {
+static bool write_new(const std::string& name, const text_pieces& text, dm::problem& why) {
   new_file made;
   const bool is_named = make_beside(name, made) && ::fchmod(made.open.fd, new_mode()) == 0 &&
                         write_and_sync(made.open.fd, text) && name_new(made, name);
   return is_named || cannot_be_written(name, why);
 }
 
-static bool write_to(const std::string& name, std::string_view text, dm::problem& why) {
+static bool write_to(const std::string& name, const text_pieces& text, dm::problem& why) {
   const descriptor open{::open(name.c_str(), O_WRONLY | O_CLOEXEC)};
   const bool is_open = open.fd >= 0;
   // A pipe or a terminal cannot be synchronised (EINVAL), and need not.
@@ -224,9 +240,13 @@ static bool write_to(const std::string& name, std::string_view text, dm::problem
 }
 
 bool write_file(const std::string& name, std::string_view text, dm::problem& why) {
+  return write_file(name, in_one_piece(text), why);
+}
+
+bool write_file(const std::string& name, const text_pieces& text, dm::problem& why) {
   file_content before{};
   if (::stat(name.c_str(), &before.status) != 0) return write_new(name, text, why);
-  if (S_ISREG(before.status.st_mode)) return replace_file(name, before, text, why);
+  if (S_ISREG(before.status.st_mode)) return replace(name, before, text, why);
   return write_to(name, text, why);
 }
 

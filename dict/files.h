@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,10 @@
 namespace dict {
 
 inline constexpr char STANDARD_INPUT[] = "-";
+
+// A text in pieces, so that a long one need not be kept: calls with each of them.
+using text_sink = std::function<void(std::string_view)>;
+using text_pieces = std::function<void(const text_sink& to)>;
 
 struct file_content {
   std::string text;
@@ -38,6 +43,7 @@ bool replace_file(const std::string& name, const file_content& before, std::stri
 // Writes a file of that text: a new one, or in the place of a regular one as replace_file does; a
 // device or a pipe takes it as it is. False with the reason; a new file is gone then.
 bool write_file(const std::string& name, std::string_view text, dm::problem& why);
+bool write_file(const std::string& name, const text_pieces& text, dm::problem& why);
 
 }  // namespace dict
 

@@ -4,6 +4,7 @@
 
 #include "dict/backup.h"
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/options.h"
 #include "dict/terminal/progress.h"
 #include "dict/terminal/visible.h"
@@ -27,7 +28,7 @@ static int run(const std::string& chosen) {
   dm::problem why;
   dm::open_options options;
   options.may_upgrade = true;
-  if (!dm::read_settings(settings, why)) return fail(why);
+  if (!spares_companions(chosen, why) || !dm::read_settings(settings, why)) return fail(why);
   const dm::store_owner store = dm::open_dictionary(settings, options, why);
   if (store == nullptr) return fail(why);
   const visible name{store->calls->name(store.get())};

@@ -75,9 +75,12 @@ static std::string class_head(const judging& in) {
   std::string head = "STORABLE CLASS ";
   head += name.empty() || name.size() > LONG ? "/x" : name;
   if (top.meant == node_kind::INTERFACE) return head + " {";
-  constexpr uint32_t WORD = 4;  // behind STORABLE CLASS name IMPLEMENTATION
-  const bool is_ldap = top.count > WORD && slice(in, {WORD, WORD + 1}) == "LDAPV3";
-  return head + (is_ldap ? " IMPLEMENTATION LDAPV3 {" : " IMPLEMENTATION TESSEL7 {");
+  // Behind STORABLE CLASS name IMPLEMENTATION, of which the last may be missing.
+  const auto is_ldap = [&](uint32_t word) {
+    return top.count > word && slice(in, {word, word + 1}) == "LDAPV3";
+  };
+  return head +
+         (is_ldap(3) || is_ldap(4) ? " IMPLEMENTATION LDAPV3 {" : " IMPLEMENTATION TESSEL7 {");
 }
 
 // A head that the reader takes, for that of a block whose own it may not take.

@@ -13,6 +13,7 @@
 #include "lint/collect.h"
 #include "lint/excuses.h"
 #include "lint/held.h"
+#include "lint/kept.h"
 #include "lint/losses.h"
 #include "lint/refused.h"
 #include "lint/sentence.h"
@@ -26,6 +27,7 @@ struct checking {
   const reading& read;
   result& told;
   deploy::import_state& state;
+  const world& against;
   subject_finder subjects;
   std::unordered_set<uint64_t> seen{};  // hashes of what was told
   // How many entries that have the name of the one at a place were told.
@@ -92,6 +94,12 @@ static bool is_untrue(const checking& in, std::string_view rule, const deploy::s
          deploy::known_field(in.state.working_fields, about.field, dd_hash(about.field)) != nullptr;
 }
 
+// What the import tells of each field and class that is there, though nothing comes of it, is found
+// without a level.
+static level level_of(const checking& in, const sentence_row& row, const deploy::subject& about) {
+  return changes_nothing(in.state, in.against, about, row.id) ? level::OFF : row.normal;
+}
+
 static void tell_record(checking& in, const deploy::finding_record& record) {
   const auto* row =
       std::ranges::find(SENTENCES, std::string_view(record.row.id), &sentence_row::id);
@@ -102,10 +110,10 @@ static void tell_record(checking& in, const deploy::finding_record& record) {
   const uint64_t key = key_of(in, row->id, record.about) + repeat;
   // What is only counted is not noted: the import tells some of it twice.
   if (is_full(in.told) ? in.seen.contains(key) : !in.seen.insert(key).second) return;
-  if (is_full(in.told)) {
-    return count_untold(in.told, row->id, row->normal);
-  }
+  const level told = level_of(in, *row, record.about);
+  if (is_full(in.told)) return count_untold(in.told, row->id, told);
   finding found = finding_of(in.subjects, in.state, *row, record.about, repeat);
+  found.told = told;
   if (!is_told_later(*row, found)) tell(in.told, std::move(found));
 }
 
@@ -178,7 +186,7 @@ void check_definitions(const index& all, reading& read, const world& against, re
   state.fields = std::move(read.sound.fields);
   state.classes = std::move(read.sound.interfaces);
   take_world(state, against);
-  checking in{all, read, told, state, subject_finder(all)};
+  checking in{all, read, told, state, against, subject_finder(all)};
   const sink_set sink(in);
   deploy::merge_implementations(state.classes, read.sound.implementations, state.entries);
   for (const import_step step : STEPS) step(state);

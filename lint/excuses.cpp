@@ -82,7 +82,8 @@ bool is_excused(const left_out& missing, std::string_view rule, const deploy::su
     case need::STORAGE:
       return is_storage_left_out(missing, about, about.field);
     case need::TABLE:
-      return is_storage_left_out(missing, about,
+      return is_definition_left_out(missing, node_kind::FIELD, view(about.field)) ||
+             is_storage_left_out(missing, about,
                                  about.around != nullptr ? about.around->name : nullptr);
   }
   return false;

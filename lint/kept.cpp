@@ -66,15 +66,27 @@ std::string storage_remedy(const std::string& held) {
   return "Write " + held + " here, or move the storage by hand.";
 }
 
-bool changes_nothing(deploy::import_state& state, const deploy::subject& about,
-                     std::string_view id) {
-  if (id != "field-description-replaced") return false;
+static bool has_same_description(deploy::import_state& state, const char* field) {
   tav_ebuf ebuf{};
-  tav_flist_t* own = state.fields.find(about.field, &ebuf);
-  tav_flist_t* held = tav_deploy_get_field_by_name(state.working_fields, about.field);
+  tav_flist_t* own = state.fields.find(field, &ebuf);
+  tav_flist_t* held = tav_deploy_get_field_by_name(state.working_fields, field);
   if (own == nullptr || held == nullptr) return false;
   const std::string_view text = dd_text(own, TAV_FLD_DESCR, &ebuf);
   return text.empty() || text == dd_text(held, TAV_FLD_DESCR, &ebuf);
+}
+
+static bool stays(deploy::import_state& state, const world& against, const char* class_name) {
+  tav_ebuf ebuf{};
+  if (!against.stays) return false;
+  tav_flist_t* own = state.classes.find(class_name, &ebuf);
+  tav_flist_t* held = tav_deploy_get_class_by_name(state.working_classes, class_name);
+  return own != nullptr && held != nullptr && against.stays(held, own);
+}
+
+bool changes_nothing(deploy::import_state& state, const world& against,
+                     const deploy::subject& about, std::string_view id) {
+  if (id == "field-description-replaced") return has_same_description(state, about.field);
+  return id == "class-exists" && stays(state, against, about.class_name);
 }
 
 }  // namespace lint

@@ -3,6 +3,7 @@
 #define LINT_KEPT_H
 
 #include "deploy/import/import.h"
+#include "lint/lint.h"
 #include "lint/subjects.h"
 
 namespace lint {
@@ -16,10 +17,10 @@ std::string own_storage(subject_finder& in, const deploy::subject& about, std::s
 // `held` as held_storage gives it.
 std::string storage_remedy(const std::string& held);
 
-// Whether nothing comes of the finding: the import tells it of each field that is there, and the
-// description is none, or the dictionary's own.
-bool changes_nothing(deploy::import_state& state, const deploy::subject& about,
-                     std::string_view id);
+// Whether nothing comes of the finding, which the import tells of each field and class that is
+// there: the field's description is none, or the dictionary's own; the class stays as it is.
+bool changes_nothing(deploy::import_state& state, const world& against,
+                     const deploy::subject& about, std::string_view id);
 
 }  // namespace lint
 

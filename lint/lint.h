@@ -40,6 +40,9 @@ struct world {
   tav_flist_t* classes = nullptr;
   // Asks the data manager what it would refuse. May be empty.
   std::function<std::vector<refusal>(const deployment& sent)> refuse{};
+  // Whether a replace of the dictionary's class by the other one would change nothing. May be
+  // empty.
+  std::function<bool(tav_flist_t* held, tav_flist_t* sent)> stays{};
   // The process ends soon: lists are left to its end, which frees them faster.
   bool ends_soon = false;
   // Whether a rule is switched off. May be empty.

@@ -90,7 +90,9 @@ static void tell_all(source_reading& in, const node_place& at, const mistake& fi
     tell_mistake(in, &at, first);
   } else {
     const bool is_elsewhere = first.where.start > parts[0].where.start + parts[0].where.length;
-    tell_mistake(in, &at, {first.told, parts[0].where}, is_elsewhere ? &first.where : nullptr);
+    mistake own{first.told, parts[0].where};
+    own.told.ended = first.told.ended && !is_elsewhere;
+    tell_mistake(in, &at, own, is_elsewhere ? &first.where : nullptr);
   }
   for (size_t i = is_first_part ? 1 : 0; i < parts.size(); ++i) tell_mistake(in, &at, parts[i]);
 }

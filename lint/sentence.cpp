@@ -335,8 +335,7 @@ finding finding_of(subject_finder& in, deploy::import_state& state, const senten
   if (!t.is_twice) find_second(t);
   blame_other_type(t);
   find_old(t);
-  const level told = changes_nothing(state, about, row.id) ? level::OFF : row.normal;
-  finding found{row.id, told, own_span(t), sentence_of(t), words_of(about)};
+  finding found{row.id, row.normal, own_span(t), sentence_of(t), words_of(about)};
   if (t.there) found.related.push_back({*t.there, t.remark});
   return found;
 }

@@ -208,7 +208,9 @@ static std::string part_text(const telling& t, std::string_view name) {
 
 // What begins where a brace is missing: a definition, which the reader takes for a member.
 static std::string next_text(const telling& t) {
-  if (t.found.related.empty()) return "";
+  if (t.found.related.empty() || t.around == nullptr) return "";
+  const bool is_at_end = t.found.where.start == t.around->start + t.around->length;
+  if (!is_at_end) return "";
   const syntax::definition* next = syntax::definition_at(t.in, t.found.related[0].where.start);
   if (next == nullptr || next == t.around) return "";
   const telling there{t.all, t.found, t.told, t.in, next};

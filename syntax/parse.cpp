@@ -6,7 +6,9 @@
 #include <algorithm>
 
 #include "dd/types.h"
+#include "dparse/read/definition.h"
 #include "dparse/read/reader.h"
+#include "syntax/layout.h"
 #include "syntax/scan.h"
 
 namespace syntax {
@@ -71,18 +73,13 @@ static bool begins_field(parsing& in) {
   return is_type(kind(in)) && kind(in, 1) == DPARSE_TOKEN_WORD && kind(in, 2) == DPARSE_KEY_OPEN;
 }
 
-static bool begins_line(parsing& in) {
-  const size_t start = in.base + in.tokens[in.next].start;
-  return start == 0 || in.text[start - 1] == '\n';
-}
-
 // Whether a definition begins inside another, whose closing brace is missing then. In a class a
 // field is an entry, unless it stands where only definitions do: with a number, and not indented.
 static bool begins_definition(parsing& in) {
   if (begins_class(in)) return true;
   if (!begins_field(in)) return false;
   const bool is_in_field = !in.open.empty() && in.nodes[in.open.front()].meant == node_kind::FIELD;
-  return is_in_field || (kind(in, 3) == DPARSE_KEY_ID && begins_line(in));
+  return is_in_field || (kind(in, 3) == DPARSE_KEY_ID && column_of(in, in.tokens[in.next]) == 0);
 }
 
 static bool begins_member(parsing& in) {
@@ -170,18 +167,49 @@ static bool begins_block_without_brace(parsing& in, node_kind meant) {
   return is_class && !begins_definition(in);
 }
 
+// Further braces are one too many each: what follows is the block all the same.
+static void open_block(parsing& in, uint32_t self) {
+  const uint32_t head = in.nodes[self].first;
+  if (in.goes_by_layout) {
+    kind(in);
+    in.columns.push_back(column_of_block(in, in.tokens[head], in.tokens[in.next]));
+  }
+  in.open.push_back(self);
+  while (kind(in) == DPARSE_KEY_OPEN) {
+    const uint32_t brace = begin_node(in, node_kind::BROKEN);
+    ++in.next;
+    end_node(in, brace, false);
+  }
+}
+
+static void end_block(parsing& in, bool is_closed) {
+  end_node(in, in.open.back(), is_closed);
+  in.open.pop_back();
+  if (in.goes_by_layout) in.columns.pop_back();
+  if (!is_closed) ++in.unclosed;
+}
+
+// Whether the word that says what an implementation is for shows that the head of a class, in which
+// something is wrong, is that of one.
+static bool names_implementation(const parsing& in) {
+  const token& word = in.tokens[in.next];
+  const size_t length = word.kind_and_length & token::LONG;
+  return dparse::names_implementation(in.text.substr(in.base + word.start, length));
+}
+
 // Takes the tokens of a head and its "{", and opens the node where a block follows. The node of
 // another is closed, broken.
 static void parse_head(parsing& in, uint32_t self, bool is_whole) {
   while (!ends_member(in) && kind(in) != DPARSE_KEY_OPEN && kind(in) != DPARSE_KEY_SEMICOLON) {
     is_whole = false;
+    const bool is_class = in.nodes[self].meant == node_kind::INTERFACE;
+    if (is_class && names_implementation(in)) in.nodes[self].meant = node_kind::IMPLEMENTATION;
     ++in.next;
   }
   const bool has_brace = take(in, DPARSE_KEY_OPEN);
   if (has_brace || begins_block_without_brace(in, in.nodes[self].meant)) {
     if (!has_brace || !is_whole) in.nodes[self].kind = node_kind::BROKEN;
-    in.open.push_back(self);
-    return;
+    return open_block(in, self);
   }
   while (take(in, DPARSE_KEY_SEMICOLON)) continue;
   end_node(in, self, false);
@@ -223,17 +251,26 @@ static void parse_member(parsing& in) {
   is_attribute ? parse_attribute(in) : parse_broken_member(in);
 }
 
+static bool is_ended_by_layout(parsing& in) {
+  if (!in.goes_by_layout) return false;
+  const bool is_class = in.open.size() == 1;
+  const bool shows_it =
+      kind(in) == DPARSE_KEY_CLOSE ||
+      (is_class ? begins_field_of_sorts(in) : begins_member(in) || begins_field_of_sorts(in));
+  return shows_it && ends_block(in, in.columns.back(), in.tokens[in.next]);
+}
+
 // block := { member } "}"; the heads of entries open the blocks inside.
 static void parse_blocks(parsing& in) {
   while (!in.open.empty()) {
-    const bool is_closed = kind(in) == DPARSE_KEY_CLOSE;
-    if (!is_closed && kind(in) != DPARSE_TOKEN_EOF && !begins_definition(in)) {
+    const bool is_ended = is_ended_by_layout(in);
+    const bool is_closed = !is_ended && kind(in) == DPARSE_KEY_CLOSE;
+    if (!is_ended && !is_closed && kind(in) != DPARSE_TOKEN_EOF && !begins_definition(in)) {
       parse_member(in);
       continue;
     }
     if (is_closed) ++in.next;
-    end_node(in, in.open.back(), is_closed);
-    in.open.pop_back();
+    end_block(in, is_closed);
   }
 }
 
@@ -252,7 +289,8 @@ static void parse_stray(parsing& in) {
 }
 
 // definition := field | class
-static void parse_nodes(parsing& in) {
+bool parse_nodes(parsing& in) {
+  if (kind(in) == DPARSE_TOKEN_EOF) return false;
   if (kind(in) == DPARSE_KEY_STORABLE) {
     parse_class_head(in);
   } else if (begins_field_of_sorts(in)) {
@@ -261,50 +299,6 @@ static void parse_nodes(parsing& in) {
     parse_stray(in);
   }
   parse_blocks(in);
-}
-
-// --- The definition ------------------------------------------------------------------------------
-
-template <class Record>
-static std::unique_ptr<Record[]> copy_of(const std::vector<Record>& records, size_t count) {
-  auto copy = std::make_unique_for_overwrite<Record[]>(count);
-  std::copy_n(records.begin(), count, copy.get());
-  return copy;
-}
-
-static size_t end_of(const parsing& in, const token& last) {
-  const size_t length = last.kind_and_length & token::LONG;
-  const size_t start = in.base + last.start;
-  return length < token::LONG ? start + length : scan(in.text, start).end;
-}
-
-// How much of the text decided. Where a token ends may show in the byte behind it.
-static size_t end_of_seen(const parsing& in) {
-  const token& last = in.tokens[in.seen - 1];
-  const bool is_alone = last.kind() == DPARSE_KEY_CLOSE || last.kind() == DPARSE_KEY_SEMICOLON;
-  return end_of(in, last) + (is_alone ? 0 : 1);
-}
-
-// Makes what was looked at ahead the beginning of the next definition.
-static void begin_next(parsing& in, size_t end) {
-  in.tokens.erase(in.tokens.begin(), in.tokens.begin() + static_cast<ptrdiff_t>(in.next));
-  for (token& each : in.tokens) each.start -= static_cast<uint32_t>(end - in.base);
-  in.base = end;
-  in.next = in.seen = 0;
-  in.nodes.clear();
-}
-
-bool parse_definition(parsing& in, std::vector<definition>& definitions) {
-  if (kind(in) == DPARSE_TOKEN_EOF) return false;
-  parse_nodes(in);
-  in.seen = std::max(in.seen, in.next);
-  const size_t end = end_of(in, in.tokens[in.next - 1]);
-  const size_t seen = end_of_seen(in);
-  definitions.push_back({in.base, static_cast<uint32_t>(end - in.base),
-                         static_cast<uint32_t>(seen - end), static_cast<uint32_t>(in.next),
-                         static_cast<uint32_t>(in.nodes.size()), copy_of(in.tokens, in.next),
-                         copy_of(in.nodes, in.nodes.size())});
-  begin_next(in, end);
   return true;
 }
 

@@ -16,10 +16,18 @@ struct parsing {
   std::vector<token> tokens{};  // of the definition, then those looked at ahead
   std::vector<node> nodes{};
   std::vector<uint32_t> open{};  // nodes whose closing brace is yet to come
+  size_t unclosed = 0;           // nodes that ended without one
+  // Reads a class again in which a closing brace is missing: how its lines are indented tells
+  // where.
+  bool goes_by_layout = false;
+  std::vector<size_t> columns{};  // of `open`, then: see syntax/layout.h
 };
 
-// Appends the next definition; false where there is none. What comes depends on nothing but the
-// text from `base` on.
+// Reads the nodes of the next definition (syntax/parse.cpp); false where there is none.
+bool parse_nodes(parsing& in);
+
+// Appends the next definition (syntax/definition.cpp); false where there is none. What comes
+// depends on nothing but the text from `base` on.
 bool parse_definition(parsing& in, std::vector<definition>& definitions);
 
 }  // namespace syntax

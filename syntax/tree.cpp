@@ -33,14 +33,14 @@ static auto definition_behind(const tree& tree, uint64_t byte) {
                               [byte](const definition& each) { return end_of(each) <= byte; });
 }
 
-// The first definition that is read differently, or may be, when the text changes from there on. A
-// definition looks no more than so many tokens ahead, of which each has one at least.
+// The first definition that is read differently, or may be, when the text changes from there on.
+// A class that lacks its closing brace may have looked at any number behind it.
 static size_t first_touched(const tree& tree, uint64_t start) {
-  constexpr size_t MOST_AHEAD = 4;
-  const auto found = static_cast<size_t>(definition_behind(tree, start) - tree.definitions.begin());
-  for (size_t i = found - std::min(found, MOST_AHEAD); i < found; ++i)
-    if (end_of(tree.definitions[i]) + tree.definitions[i].ahead > start) return i;
-  return found;
+  const auto is_touched = [start](const definition& each) {
+    return end_of(each) + each.ahead > start;
+  };
+  return static_cast<size_t>(std::ranges::find_if(tree.definitions, is_touched) -
+                             tree.definitions.begin());
 }
 
 // Reads definitions until one ends where an old one, shifted, began: from there on all are as they

@@ -15,6 +15,7 @@
 #include "dd/report.h"
 #include "dd/values.h"
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/definitions.h"
 #include "dict/history/history.h"
 #include "dict/options.h"
@@ -238,6 +239,7 @@ static int run(const request& asked, bool to_folder) {
   exported all;
   dm::problem why;
   tav_err_set_level(0);  // the logs are about deployments: what is said here is told at once
+  if (to_folder && !spares_companions(asked.folder, why)) return fail(why);
   if (!gather(asked, all, why)) return fail(why);
   std::vector<std::string> faults;
   dd_take_errors(&faults);

@@ -71,11 +71,12 @@ bool read_against(const std::string& named, const std::string& database, against
 lint::world world_of(against& held) {
   tav_flist_t* fields = held.held.fields.get();
   tav_flist_t* classes = held.held.classes.get();
-  return {.fields = fields,
-          .classes = classes,
-          .refuse = [fields, classes](const lint::deployment& sent) {
-            return refusals_of(fields, classes, sent);
-          }};
+  return {
+      .fields = fields,
+      .classes = classes,
+      .refuse = [fields, classes](
+                    const lint::deployment& sent) { return refusals_of(fields, classes, sent); },
+      .stays = leaves_as_it_is};
 }
 
 }  // namespace dict

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "dict/files.h"
 #include "lint/outcome.h"
 
 namespace dict {
@@ -39,15 +40,20 @@ struct lint_counts {
 };
 lint_counts count(const lint_report& report);
 
+// A form writes finding by finding: the text of 20,000 takes more than they do.
 struct lint_form {
   const char* name;
-  std::string (*write)(const lint_report& report);
+  void (*write)(const lint_report& report, const text_sink& to);
 };
-std::string as_text(const lint_report& report);
-std::string as_json(const lint_report& report);
-std::string as_sarif(const lint_report& report);
-std::string as_github(const lint_report& report);
-std::string as_gitlab(const lint_report& report);
+struct json_page;
+// Hands over what of the page is there, which is empty then. No character may be cut.
+void hand_over(json_page& page, const text_sink& to);
+
+void as_text(const lint_report& report, const text_sink& to);
+void as_json(const lint_report& report, const text_sink& to);
+void as_sarif(const lint_report& report, const text_sink& to);
+void as_github(const lint_report& report, const text_sink& to);
+void as_gitlab(const lint_report& report, const text_sink& to);
 // All of them write out what a terminal would obey (dict/lint/excerpt.h).
 inline constexpr lint_form LINT_FORMS[] = {{"text", as_text},
                                            {"json", as_json},

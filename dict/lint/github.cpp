@@ -43,14 +43,12 @@ static std::string line_of(const lint::finding& found, const region& at, places&
          "::" + escaped(message, IN_MESSAGE) + "\n";
 }
 
-std::string as_github(const lint_report& report) {
+void as_github(const lint_report& report, const text_sink& to) {
   places here{report.sources}, there{report.sources};
-  std::string text;
   for (const lint::outcome& each : report.findings) {
     if (each.hidden != lint::hidden_by::NOTHING) continue;
-    text += line_of(each.found, region_of(here, each.found.where), there);
+    to(line_of(each.found, region_of(here, each.found.where), there));
   }
-  return text;
 }
 
 }  // namespace dict

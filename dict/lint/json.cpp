@@ -43,28 +43,36 @@ static void put_finding(json_writer& out, const lint::outcome& each, places& her
   out.EndObject();
 }
 
-std::string as_json(const lint_report& report) {
+void hand_over(json_page& page, const text_sink& to) {
+  to(written_out_in_json({page.text.GetString(), page.text.GetSize()}));
+  page.text.Clear();
+}
+
+void as_json(const lint_report& report, const text_sink& to) {
   json_page page;
   places here{report.sources}, there{report.sources};
   const lint_counts counts = count(report);
   page.out.StartObject();
-  put_array(
-      page.out, "findings", report.findings,
-      [&](json_writer& out, const lint::outcome& each) { put_finding(out, each, here, there); });
+  put_array(page.out, "findings", report.findings,
+            [&](json_writer& out, const lint::outcome& each) {
+              put_finding(out, each, here, there);
+              hand_over(page, to);
+            });
   put_number(page.out, "errors", static_cast<int64_t>(counts.errors));
   put_number(page.out, "warnings", static_cast<int64_t>(counts.warnings));
   put_number(page.out, "notes", static_cast<int64_t>(counts.notes));
   put_number(page.out, "hidden", static_cast<int64_t>(counts.hidden));
   put_number(page.out, "left_out", static_cast<int64_t>(report.left_out));
   page.out.EndObject();
-  return written_out_in_json(text_of(page));
+  hand_over(page, to);
+  to("\n");
 }
 
 static const char* severity_of(lint::level level) {
   return level == lint::level::ERROR ? "major" : level == lint::level::WARNING ? "minor" : "info";
 }
 
-std::string as_gitlab(const lint_report& report) {
+void as_gitlab(const lint_report& report, const text_sink& to) {
   json_page page;
   places here{report.sources};
   page.out.StartArray();
@@ -85,9 +93,11 @@ std::string as_gitlab(const lint_report& report) {
     page.out.EndObject();
     page.out.EndObject();
     page.out.EndObject();
+    hand_over(page, to);
   }
   page.out.EndArray();
-  return written_out_in_json(text_of(page));
+  hand_over(page, to);
+  to("\n");
 }
 
 }  // namespace dict

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
 #include "dict/lint/excerpt.h"
@@ -219,9 +220,9 @@ static int write_baseline(const request& asked, const linted& found) {
 static bool tell(const request& asked, const lint_report& report, dm::problem& why) {
   const auto* form = std::find_if(std::begin(LINT_FORMS), std::end(LINT_FORMS),
                                   [&](const lint_form& each) { return each.name == asked.form; });
-  const std::string text = form->write(report);
+  const text_pieces text = [&](const text_sink& to) { form->write(report, to); };
   if (!asked.output.empty()) return write_file(asked.output, text, why);
-  std::cout << text;
+  text([](std::string_view piece) { std::cout << piece; });
   return true;
 }
 
@@ -261,7 +262,8 @@ static bool may_write(const request& asked, const lint_config& config, const lin
     return is_spared("--write-baseline", asked.baseline, read, why) &&
            takes_baseline(asked.baseline, why);
   read.push_back(asked.baseline);
-  return is_spared("--output", asked.output, read, why) && spares_database(asked.output, why);
+  return is_spared("--output", asked.output, read, why) &&
+         spares_database("--output", asked.output, why);
 }
 
 static int lint_files(const request& asked) {

@@ -103,6 +103,12 @@ static const tav_node* old_of(const asking& in, const char* name) {
   return held != nullptr ? held->node : nullptr;
 }
 
+// Without what is not stored, and with what stays of the old definition, which may be empty.
+static void as_it_would_be_stored(dm::class_def& definition, const dm::class_def& old) {
+  if (dm::needless_table(definition) != nullptr) definition.values[dm::CLASS_TABLE] = nullptr;
+  dm::keep_old(definition, old);
+}
+
 // As dm/ops/set_classes.cpp sets a class, but a refusal does not end it.
 static void ask_class(asking& in, const tav_node* node) {
   dm::class_def definition;
@@ -111,11 +117,8 @@ static void ask_class(asking& in, const tav_node* node) {
   dm::read_class(node, 0, definition);
   const char* name = dm::text_of(definition, dm::CLASS_NAME);
   const tav_node* replaced = old_of(in, name);
-  if (dm::needless_table(definition) != nullptr) definition.values[dm::CLASS_TABLE] = nullptr;
-  if (replaced != nullptr) {
-    dm::read_class(replaced, 0, old);
-    dm::keep_old(definition, old);
-  }
+  if (replaced != nullptr) dm::read_class(replaced, 0, old);
+  as_it_would_be_stored(definition, old);
   dm::findings found;
   dm::check_class(definition, in.world, tables, found);
   const size_t unchecked = count_unchecked(definition);
@@ -133,6 +136,40 @@ std::vector<lint::refusal> refusals_of(const tav_flist_t* held_fields,
   in.world.read_all();
   for (const tav_flist_t* storable : sent.classes) ask_class(in, tav_node_of(storable));
   return std::move(in.found);
+}
+
+static bool is_zero(const void* value, dd_value_kind kind) {
+  char digits[64] = "";
+  if (kind == dd_value_kind::NUMBER) return *static_cast<const int32_t*>(value) == 0;
+  if (kind != dd_value_kind::DECIMAL) return false;
+  tav_decimal_to_str(static_cast<const tav_decimal_t*>(value), 0, digits, sizeof digits, nullptr);
+  return std::string_view(digits).find_first_of("123456789") == std::string_view::npos;
+}
+
+// Exports write zero for none.
+template <size_t N>
+static void forget_zeros(std::array<const void*, N>& values,
+                         const std::array<dd_attribute, N>& rows) {
+  for (size_t i = 0; i < N; ++i)
+    if (values[i] != nullptr && is_zero(values[i], rows[i].kind)) values[i] = nullptr;
+}
+
+static void forget_zeros(dm::class_def& definition) {
+  forget_zeros(definition.values, dm::CLASS_ATTRIBUTES);
+  for (dm::entry_def& entry : definition.entries) forget_zeros(entry.values, dm::ENTRY_ATTRIBUTES);
+}
+
+bool leaves_as_it_is(tav_flist_t* held, tav_flist_t* sent) {
+  dm::class_def definition;
+  dm::class_def old;
+  dm::read_class(tav_node_of(sent), 0, definition);
+  dm::read_class(tav_node_of(held), 0, old);
+  as_it_would_be_stored(definition, old);
+  forget_zeros(definition);
+  forget_zeros(old);
+  dm::class_writer before;
+  dm::class_writer after;
+  return before.write(old) == after.write(definition);
 }
 
 }  // namespace dict

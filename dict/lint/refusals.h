@@ -14,6 +14,9 @@ std::vector<lint::refusal> refusals_of(const tav_flist_t* held_fields,
                                        const tav_flist_t* held_classes,
                                        const lint::deployment& sent);
 
+// Whether a replace of the class that is held by the other one would change nothing.
+bool leaves_as_it_is(tav_flist_t* held, tav_flist_t* sent);
+
 }  // namespace dict
 
 #endif

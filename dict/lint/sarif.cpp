@@ -188,7 +188,7 @@ static std::vector<const lint::outcome*> chosen(const lint_report& report) {
   return results;
 }
 
-std::string as_sarif(const lint_report& report) {
+void as_sarif(const lint_report& report, const text_sink& sink) {
   page to{report};
   json_writer& out = to.json.out;
   std::vector<const lint_rule*> rules;
@@ -208,12 +208,15 @@ std::string as_sarif(const lint_report& report) {
   put_driver(out, rules);
   put_invocation(out, report.is_whole, report.left_out + report.findings.size() - results.size());
   put_member(out, "columnKind", "unicodeCodePoints");
-  put_array(out, "results", results,
-            [&](json_writer&, const lint::outcome* each) { put_result(to, *each, index); });
+  put_array(out, "results", results, [&](json_writer&, const lint::outcome* each) {
+    put_result(to, *each, index);
+    hand_over(to.json, sink);
+  });
   out.EndObject();
   out.EndArray();
   out.EndObject();
-  return written_out_in_json(text_of(to.json));
+  hand_over(to.json, sink);
+  sink("\n");
 }
 
 }  // namespace dict

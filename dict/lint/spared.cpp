@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
+#include "dict/database_files.h"
 #include "dict/files.h"
 #include "lint/baseline.h"
 
@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 bool is_spared(const char* option, const std::string& written, const std::vector<std::string>& read,
                dm::problem& why) {
   std::error_code error;
+  if (!spares_companions(written, why)) return false;
   if (!fs::is_regular_file(written, error)) return true;
   const auto is_same = [&](const std::string& name) {
     return fs::equivalent(written, name == STANDARD_INPUT ? "/dev/stdin" : name, error);
@@ -21,18 +22,6 @@ bool is_spared(const char* option, const std::string& written, const std::vector
   if (std::ranges::none_of(read, is_same)) return true;
   why.sentence = dm::join({option, " would replace ", dm::quoted(written),
                            ", which this run reads: name another file."});
-  return false;
-}
-
-bool spares_database(const std::string& written, dm::problem& why) {
-  static constexpr std::string_view HEAD = "SQLite format 3";
-  std::error_code error;
-  if (!fs::is_regular_file(written, error)) return true;
-  std::string head(HEAD.size(), '\0');
-  std::ifstream(written, std::ios::binary).read(head.data(), static_cast<ptrdiff_t>(head.size()));
-  if (head != HEAD) return true;
-  why.sentence = dm::join({"--output would replace ", dm::quoted(written),
-                           ", which is a database: name another file."});
   return false;
 }
 

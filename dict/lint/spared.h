@@ -10,13 +10,10 @@
 namespace dict {
 
 // Whether the file that the option names is none of those that are read, by whatever name ("-" for
-// standard input). Only regular files can be lost. False with the reason.
+// standard input), and nothing that a database keeps beside it. Only regular files can be lost.
+// False with the reason.
 bool is_spared(const char* option, const std::string& written, const std::vector<std::string>& read,
                dm::problem& why);
-
-// Whether it is no file of a database: a dictionary is one, which a run may not even read. False
-// with the reason.
-bool spares_database(const std::string& written, dm::problem& why);
 
 // Whether a baseline may be written there: to a new file, an empty one, or over a baseline. False
 // with the reason.

@@ -76,13 +76,16 @@ static void put_sum(page& out) {
   out.text += ".\n";
 }
 
-std::string as_text(const lint_report& report) {
+void as_text(const lint_report& report, const text_sink& to) {
   page out{report};
   for (const lint::outcome& each : report.findings) {
-    if (each.hidden == lint::hidden_by::NOTHING) put_finding(out, each.found);
+    if (each.hidden != lint::hidden_by::NOTHING) continue;
+    put_finding(out, each.found);
+    to(out.text);
+    out.text.clear();
   }
   put_sum(out);
-  return out.text;
+  to(out.text);
 }
 
 }  // namespace dict

@@ -71,7 +71,9 @@ static std::string refusal_of(const told_plan& told, bool coloured) {
   if (!has_errors) refused.messages.push_back(files.refusal.sentence);
   const std::vector<lint_rule> no_rules;
   const lint_report report{told.sources, files.errors, no_rules, files.untold, coloured};
-  return lines_of(refused, coloured) + (has_errors ? as_text(report) : "");
+  std::string text = lines_of(refused, coloured);
+  if (has_errors) as_text(report, [&text](std::string_view piece) { text += piece; });
+  return text;
 }
 
 std::string as_text(const told_plan& told, bool coloured) {

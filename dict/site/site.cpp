@@ -8,6 +8,7 @@
 #include "dd/report.h"
 #include "deploy/modes.h"
 #include "dict/commands.h"
+#include "dict/database_files.h"
 #include "dict/options.h"
 #include "dict/terminal/visible.h"
 #include "dm/open.h"
@@ -127,7 +128,7 @@ static bool write(const request& asked, std::vector<site_source>& sources, dm::p
 static int run(const request& asked) {
   dm::problem why;
   std::vector<site_source> sources;
-  if (!is_possible(asked, why)) return fail(why);
+  if (!is_possible(asked, why) || !spares_companions(asked.folder, why)) return fail(why);
   tav_err_set_level(0);  // the logs are about deployments: what is said here is told at once
   const bool is_gathered =
       (asked.files.empty() ? gather_dictionary : gather_files)(asked, sources, why);

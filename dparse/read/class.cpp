@@ -1,6 +1,4 @@
 // Class blocks: interfaces and implementations.
-#include <cstring>
-
 #include "dd/fold.h"
 #include "dd/values.h"
 #include "dparse/read/definition.h"
@@ -46,10 +44,14 @@ static const struct {
                        {"SQLSERVER7", &SQL_CLASS_BLOCK},
                        {"LDAPV3", &LDAP_CLASS_BLOCK}};
 
-static const block_rules* block_of(const char* name) {
+static const block_rules* block_of(std::string_view name) {
   for (const auto& implementation : IMPLEMENTATIONS)
-    if (std::strcmp(implementation.name, name) == 0) return implementation.block;
+    if (implementation.name == name) return implementation.block;
   return nullptr;
+}
+
+bool names_implementation(std::string_view word) {
+  return block_of(word) != nullptr;
 }
 
 // implementation := STORABLE CLASS name IMPLEMENTATION implementation-name "{" block; read up to

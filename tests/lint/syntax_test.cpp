@@ -89,6 +89,8 @@ static const sentence_case SENTENCES[] = {
      "\"}\" is missing behind ';': field A is not closed, before field B begins."},
     {"STORABLE CLASS /a {\n  ARRAY R {\n    STRING A { }\n",
      "\"}\" is missing behind '}': entry R is not closed."},
+    {"STORABLE CLASS /a {\n  INT X {\n    ORDER = 1;\n  INT Y {\n  }\n}\nINT B { ID = 2; }\n",
+     "\"}\" is missing behind ';': entry X is not closed."},
     {"}\n", "'}' closes nothing: remove it, or the one that is too many before it."},
     {"STRING A {\xc2\xa0ID = 3; }\n",
      "'<U+00A0>ID' is no attribute of a field definition (field A): it has ID and DESCR. It holds "
