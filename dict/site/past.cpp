@@ -130,8 +130,9 @@ static bool find_renames(reading& from, way_back& way, dm::problem& why) {
     const tracked_thing& thing = way.things.at(key);
     const bool is_class = thing.name.starts_with("/");
     const auto what = is_class ? dm::change_of::CLASS : dm::change_of::FIELD;
-    std::vector<past_name> names;
-    if (!find_names(*from.store, what, thing.name, names, why)) return false;
+    past_names all;
+    if (!find_names(*from.store, what, thing.name, all, why)) return false;
+    const auto names = all.in(dd_database_text(from.database.number));
     if (names.size() > 1) note_names(way, key, what, names);
   }
   return true;
