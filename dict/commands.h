@@ -44,6 +44,7 @@ void add_upgrade(CLI::App& app, int& result);
 void add_undo(CLI::App& app, int& result);
 void add_revert_to(CLI::App& app, int& result);
 void add_drop(CLI::App& app, int& result);
+void add_drop_database(CLI::App& app, int& result);
 void add_rename(CLI::App& app, int& result);
 void add_move_storage(CLI::App& app, int& result);
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <sstream>
 
@@ -25,8 +26,8 @@ static constexpr char DESCRIPTION[] =
     "     'apply' found something changed since its plan was made, 'restore' found its backup "
     "damaged,\n"
     "     'explain' does not know the message, 'uses' or 'blame' not the name, 'format' would\n"
-    "     change a file, 'lint' has findings that count, or 'undo', 'revert-to', 'drop', 'rename'\n"
-    "     or 'move-storage' was refused\n"
+    "     change a file, 'lint' has findings that count, or 'undo', 'revert-to', 'drop',\n"
+    "     'drop-database', 'rename' or 'move-storage' was refused\n"
     "  2  wrong usage, or a failure";
 
 static constexpr char NO_MEMORY[] = "tav_dict: There is not enough memory.\n";
@@ -65,6 +66,74 @@ static int refuse_password() {
   return dict::fail(why);
 }
 
+// --- Commands without a file of their own --------------------------------------------------------
+
+static void add_init(CLI::App& app, int& result) {
+  auto* command = app.add_subcommand("init", "Make the dictionary, with the database of 'userid'");
+  command->callback([&result] { result = dict::init(); });
+}
+
+// A command that takes one text.
+static void add_with_text(CLI::App& app, int& result, const char* name, const char* about,
+                          const char* option, const char* meaning,
+                          int (*call)(const std::string&)) {
+  const auto text = std::make_shared<std::string>();
+  auto* command = app.add_subcommand(name, about);
+  command->add_option(option, *text, meaning)->required(*option != '-');
+  command->callback([text, call, &result] { result = call(*text); });
+}
+
+static void add_add_database(CLI::App& app, int& result) {
+  add_with_text(app, result, "add-database", "Add a database to the dictionary", "number",
+                "Its number, N.N.N.N", dict::add_database);
+}
+
+static void add_check(CLI::App& app, int& result) {
+  add_with_text(app, result, "check",
+                "Verify the dictionary's integrity and every rule of its content", "--head",
+                "A hash that 'status' printed: the journal must hold it", dict::check);
+}
+
+static void add_backup(CLI::App& app, int& result) {
+  add_with_text(app, result, "backup", "Copy the dictionary into a new file, while others work",
+                "FILE", "The copy: a dictionary file, for its owner only", dict::backup);
+}
+
+static void add_restore(CLI::App& app, int& result) {
+  add_with_text(app, result, "restore", "Make the dictionary, with all that a backup holds", "FILE",
+                "The backup", dict::restore);
+}
+
+// --- All commands --------------------------------------------------------------------------------
+
+// In the order of the help, under the headings that it gives them.
+static const struct {
+  const char* heading;
+  std::vector<void (*)(CLI::App& app, int& result)> commands;
+} GROUPS[] = {
+    {"Look at definitions",
+     {dict::add_list, dict::add_uses, dict::add_next_id, dict::add_export, dict::add_diff,
+      dict::add_site, dict::add_lint, dict::add_format, dict::add_explain}},
+    {"History", {dict::add_log, dict::add_show, dict::add_blame, dict::add_tag, dict::add_prune}},
+    {"Change definitions",
+     {dict::add_plan, dict::add_apply, dict::add_undo, dict::add_revert_to, dict::add_rename,
+      dict::add_drop, dict::add_move_storage}},
+    {"Care for the dictionary",
+     {add_init, add_add_database, dict::add_drop_database, dict::add_status, add_check, add_backup,
+      add_restore, dict::add_upgrade}},
+};
+
+static void add_commands(CLI::App& app, int& result) {
+  for (const auto& group : GROUPS) {
+    for (const auto add : group.commands) {
+      add(app, result);
+      app.get_subcommands({}).back()->group(group.heading);
+    }
+  }
+}
+
+// --- The command line ----------------------------------------------------------------------------
+
 static int run(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     if (is_secret(argv[i - 1], argv[i])) return refuse_password();
@@ -73,51 +142,8 @@ static int run(int argc, char** argv) {
   app.set_version_flag("--version", "tav_dict " TAV_DICT_VERSION ", schema version " +
                                         std::to_string(dm::SCHEMA_VERSION));
   app.require_subcommand(1);
-  std::string number;
   int result = dict::FAILED;
-  app.add_subcommand("init", "Make the dictionary, with the database of 'userid'")->callback([&] {
-    result = dict::init();
-  });
-  auto* add = app.add_subcommand("add-database", "Add a database to the dictionary");
-  add->add_option("number", number, "Its number, N.N.N.N")->required();
-  add->callback([&] { result = dict::add_database(number); });
-  dict::add_status(app, result);
-  std::string head;
-  auto* verify = app.add_subcommand(
-      "check", "Verify the dictionary's integrity and every rule of its content");
-  verify->add_option("--head", head, "A hash that 'status' printed: the journal must hold it");
-  verify->callback([&] { result = dict::check(head); });
-  std::string file;
-  auto* save =
-      app.add_subcommand("backup", "Copy the dictionary into a new file, while others work");
-  save->add_option("FILE", file, "The copy: a dictionary file, for its owner only")->required();
-  save->callback([&] { result = dict::backup(file); });
-  auto* restore =
-      app.add_subcommand("restore", "Make the dictionary, with all that a backup holds");
-  restore->add_option("FILE", file, "The backup")->required();
-  restore->callback([&] { result = dict::restore(file); });
-  dict::add_upgrade(app, result);
-  dict::add_diff(app, result);
-  dict::add_plan(app, result);
-  dict::add_apply(app, result);
-  dict::add_explain(app, result);
-  dict::add_format(app, result);
-  dict::add_lint(app, result);
-  dict::add_list(app, result);
-  dict::add_next_id(app, result);
-  dict::add_export(app, result);
-  dict::add_uses(app, result);
-  dict::add_log(app, result);
-  dict::add_show(app, result);
-  dict::add_blame(app, result);
-  dict::add_tag(app, result);
-  dict::add_prune(app, result);
-  dict::add_undo(app, result);
-  dict::add_revert_to(app, result);
-  dict::add_drop(app, result);
-  dict::add_rename(app, result);
-  dict::add_move_storage(app, result);
-  dict::add_site(app, result);
+  add_commands(app, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ExtrasError&) {

@@ -1,5 +1,6 @@
 #include "dm/predefined.h"
 
+#include "dm/changes/drop_database.h"
 #include "dm/journal/begin.h"
 
 namespace dm {
@@ -13,10 +14,18 @@ std::span<const field_row> predefined_fields() {
   return PREDEFINED;
 }
 
+// A database that was there before goes on counting: to a session that fetched from the one before
+// what is stamped in this one is newer.
+static bool set_counter(store& store, uint64_t number, int64_t id, problem& why) {
+  int64_t counter = 0;
+  if (!last_counter(store, number, counter, why)) return false;
+  return counter == 0 || store.calls->set_counter(&store, id, counter + 1, why);
+}
+
 static bool make_database(store& store, uint64_t number, journal_run& run, problem& why) {
   int64_t id = 0;
   journal_draft draft;
-  if (!store.calls->add_database(&store, number, id, why) ||
+  if (!store.calls->add_database(&store, number, id, why) || !set_counter(store, number, id, why) ||
       !store.calls->add_fields(&store, id, predefined_fields(), why)) {
     return false;
   }

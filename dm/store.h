@@ -127,6 +127,8 @@ struct store_calls {
   bool (*delete_class)(store*, int64_t database, const class_row&, problem&);
   bool (*add_table)(store*, int64_t database, const table_row&, problem&);
   bool (*delete_table)(store*, int64_t database, const char* name, problem&);
+  // Deletes the database with all its rows. What the journal tells of it stays.
+  bool (*delete_database)(store*, int64_t database, problem&);
 
   // The journal (dm/journal/record.h), which a dictionary of schema version 1 does not have. The
   // engine refuses to change or delete what is in it; records are added in ascending numbers.

@@ -5,6 +5,7 @@
 #include "dict/history/moments.h"
 #include "dict/terminal/question.h"
 #include "dict/terminal/visible.h"
+#include "dm/changes/back.h"
 
 namespace dict {
 
@@ -55,9 +56,10 @@ static bool is_changing(const outcome& all) {
   return all.result.record != 0 || all.result.changes != 0;
 }
 
-static void put_refused(json_writer& out, const dm::refused_change& refused) {
+void put_refused(json_writer& out, const dm::refused_change& refused) {
+  const char* what = refused.what == dm::change_of::FIELD ? "field" : "class";
   out.StartObject();
-  put_member(out, "what", refused.what == dm::change_of::FIELD ? "field" : "class");
+  put_member(out, "what", refused.name.empty() ? "" : what);
   put_member(out, "name", refused.name);
   put_member(out, "sentence", refused.why.sentence);
   put_number(out, "deployment", refused.by.deployment);
@@ -96,8 +98,8 @@ static std::string sentence_of(const dm::refused_change& refused) {
   return at == sentence.npos ? sentence : sentence.replace(at, time.size(), local_time(time));
 }
 
-static void print_refused(const outcome& all) {
-  for (const dm::refused_change& refused : all.result.refused) {
+void print_refused(const std::vector<dm::refused_change>& all) {
+  for (const dm::refused_change& refused : all) {
     std::cerr << "tav_dict: " << visible{sentence_of(refused)} << '\n';
   }
   std::cerr << "tav_dict: Refused: nothing was changed.\n";
@@ -107,7 +109,7 @@ static int tell_end(const intended_change& change, const outcome& all) {
   if (all.how.is_json) print_json(change, all);
   if (dm::failed(all.result.failure)) return fail(all.result.failure);
   if (!all.result.refused.empty()) {
-    if (!all.how.is_json) print_refused(all);
+    if (!all.how.is_json) print_refused(all.result.refused);
     return FOUND;
   }
   if (all.how.is_json) return DONE;
@@ -145,13 +147,28 @@ static void tell_notes(const intended_change& change, const outcome& all) {
 
 // --- Doing ---------------------------------------------------------------------------------------
 
+// Who made what stands against an undo.
+static void find_makers(intended_change& change, outcome& all) {
+  dm::store* store = change.from.store.get();
+  dm::problem why;
+  if (change.undone == 0 || all.result.refused.empty()) return;
+  if (!store->calls->begin(store, false, why) ||
+      !dm::find_makers(*store, change.from.database, change.undone, all.result.refused, why)) {
+    all.result.failure = why;
+  }
+  store->calls->rollback(store);
+}
+
 static bool change_all(intended_change& change, bool is_trial, outcome& all) {
   dm::change_purpose purpose;
   purpose.detail = change.detail;
   purpose.is_trial = is_trial;
   purpose.seen_end = change.seen_end;
-  return dm::change_things(*change.from.store, change.from.settings, change.from.database.number,
-                           change.wanted, purpose, all.result);
+  const bool is_done =
+      dm::change_things(*change.from.store, change.from.settings, change.from.database.number,
+                        change.wanted, purpose, all.result);
+  find_makers(change, all);
+  return is_done;
 }
 
 // A person is asked only about what would be done. While one thinks nobody is kept waiting.
@@ -167,11 +184,9 @@ static int try_and_ask(intended_change& change, outcome& all) {
   return tell_end(change, all);
 }
 
-// Whether a person could be asked who has seen what would be done.
-static bool may_ask(const change_options& how, dm::problem& why) {
+bool may_ask(const change_options& how, dm::problem& why) {
   if (how.is_json) {
-    why.sentence =
-        "With --json nobody is asked; --yes says that it is meant, --dry-run only tells.";
+    why.sentence = NOBODY_ASKED;
   } else if (!can_ask()) {
     why.sentence = "There is nobody to ask; --yes says that it is meant, --dry-run only tells.";
   }
@@ -182,10 +197,11 @@ int carry_out(intended_change& change, const change_options& how) {
   outcome all{how};
   dm::problem why;
   const bool asks = !how.is_trial && !how.is_sure;
-  if (asks && !may_ask(how, why)) return fail(why);
   all.result.refused = change.refused;
   if (!change.refused.empty()) return tell_end(change, all);
   if (!compare_all(change, all, why)) return fail(why);
+  if (!all.differs) return tell_end(change, all);
+  if (asks && !may_ask(how, why)) return fail(why);
   tell_differences(change, all);
   if (asks) return try_and_ask(change, all);
   all.is_done = change_all(change, how.is_trial, all);

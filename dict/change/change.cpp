@@ -1,7 +1,5 @@
 #include "dict/change/change.h"
 
-#include "dict/terminal/json.h"
-
 namespace dict {
 
 void add_change_options(CLI::App& command, change_options& how) {
@@ -33,24 +31,18 @@ void refuse(intended_change& change, dm::change_of what, const std::string& name
   change.refused.push_back({why, what, name, {}});
 }
 
+bool refuse_altered(intended_change& change, const dm::problem& why) {
+  if (why.code != TAV_ERR_CONFLICT) return false;
+  change.refused.push_back({why, dm::change_of::FIELD, "", {}});
+  return true;
+}
+
 bool find_there(intended_change& change, dm::change_of what, const std::string& name,
                 std::optional<std::string>& state, dm::problem& why) {
   dm::store& store = *change.from.store;
   if (!dm::present_state(store, change.from.database.id, what, name, state, why)) return false;
   if (!state) refuse(change, what, name, "does not exist");
   return true;
-}
-
-std::string detail_of(const std::vector<std::pair<const char*, std::string>>& members) {
-  json_text text;
-  rapidjson::Writer<json_text, json_encoding, json_encoding, dm::json_memory> out(text);
-  out.StartObject();
-  for (const auto& [key, value] : members) {
-    out.Key(key);
-    out.String(value.c_str());
-  }
-  out.EndObject();
-  return text.GetString();
 }
 
 }  // namespace dict

@@ -51,7 +51,7 @@ static bool drop_all(dm::change_of what, const request& asked, intended_change& 
 static int run(dm::change_of what, const request& asked) {
   dm::problem why;
   intended_change change;
-  change.detail = detail_of({{"drop", what == dm::change_of::FIELD ? "field" : "class"}});
+  change.detail = json_object({{"drop", what == dm::change_of::FIELD ? "field" : "class"}});
   if (!begin_change(asked.database, change, why) || !drop_all(what, asked, change, why)) {
     return fail(why);
   }

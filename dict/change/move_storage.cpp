@@ -154,7 +154,7 @@ static int run(const request& asked) {
     why.sentence = "'move-storage' takes --table, or --column, or both for a BUF entry.";
     return fail(why);
   }
-  change.detail = detail_of({{"move-storage", asked.place}});
+  change.detail = json_object({{"move-storage", asked.place}});
   if (!begin_change(asked.database, change, why) || !move(asked, change, why)) return fail(why);
   return carry_out(change, asked.how);
 }

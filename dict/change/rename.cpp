@@ -151,7 +151,7 @@ static int run(dm::change_of what, const request& asked) {
   dm::problem why;
   intended_change change;
   const bool is_field = what == dm::change_of::FIELD;
-  change.detail = detail_of(
+  change.detail = json_object(
       {{"rename", is_field ? "field" : "class"}, {"from", asked.old_name}, {"to", asked.new_name}});
   if (!begin_change(asked.database, change, why) ||
       !(is_field ? rename_field : rename_class)(asked, change, why)) {

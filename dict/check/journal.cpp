@@ -27,6 +27,7 @@ struct journal_check {
   std::map<int64_t, std::string> contents{};   // hash of the changes, by record
   std::map<int64_t, std::string> databases{};  // N.N.N.N, by record
   std::set<std::string> present{}, missing{};  // databases, N.N.N.N
+  std::set<std::string> dropped{};             // those that are gone and were deleted last
   std::map<std::string, met_thing> things{};   // by database and thing
   dm::journal_record last{};
   std::string pruned{};    // hash of the last record that was pruned
@@ -90,6 +91,12 @@ static void check_link(journal_check& run, const dm::journal_record& record) {
   }
 }
 
+static void note_database(journal_check& run, const dm::journal_record& record) {
+  run.databases[record.number] = record.database;
+  if (record.kind == dm::journal_kind::DROP_DATABASE) run.dropped.insert(record.database);
+  if (record.kind == dm::journal_kind::ADD_DATABASE) run.dropped.erase(record.database);
+}
+
 static void check_record(journal_check& run, const dm::journal_record& record) {
   static const std::string NO_CHANGES = dm::hash_of("");
   const auto content = run.contents.find(record.number);
@@ -103,7 +110,7 @@ static void check_record(journal_check& run, const dm::journal_record& record) {
   const std::string pruned = record.kind == dm::journal_kind::PRUNE ? value_of(record, "hash") : "";
   if (!pruned.empty() && pruned == run.pruned) run.pruned.clear();
   run.has_head = run.has_head || record.hash == run.check.head || pruned == run.check.head;
-  run.databases[record.number] = record.database;
+  note_database(run, record);
   if (content != run.contents.end()) run.contents.erase(content);
   run.last = record;
 }
@@ -192,11 +199,12 @@ static void check_change(journal_check& run, int64_t record, const dm::journal_c
   }
 }
 
-// Whether the record is there, and its database. A missing database is told once.
+// Whether the record is there, and its database or the record of its end. A missing database is
+// told once.
 static bool is_of_present(journal_check& run, int64_t record) {
   const auto at = run.databases.find(record);
   if (at == run.databases.end() || run.missing.count(at->second) != 0) return false;
-  if (run.present.count(at->second) != 0) return true;
+  if (run.present.count(at->second) != 0 || run.dropped.count(at->second) != 0) return true;
   run.missing.insert(at->second);
   tell(run.check, dm::join({"database ", at->second, ": The database of record ",
                             std::to_string(record), " is missing."}));

@@ -97,7 +97,7 @@ static bool fetch_other(const dm::settings& settings, uint64_t database, definit
 static int gather_past(const request& asked, definitions& before, definitions& after) {
   dm::problem why;
   reading from;
-  const bool is_read = begin_history(asked.database, from, why) &&
+  const bool is_read = begin_past(asked.database, from, why) &&
                        fetch_at(from, asked.at, before, why) &&
                        fetch_at(from, asked.to, after, why);
   return is_read ? DONE : fail(why);

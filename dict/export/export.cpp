@@ -71,7 +71,7 @@ static bool fetch_now(const request& asked, exported& result, dm::problem& why) 
 
 static bool fetch_past(const request& asked, exported& result, dm::problem& why) {
   reading from;
-  if (!begin_history(asked.database, from, why)) return false;
+  if (!begin_past(asked.database, from, why)) return false;
   result.database = from.database.number;
   return fetch_at(from, asked.at, result.all, why);
 }

@@ -4,7 +4,6 @@
 #include <tuple>
 
 #include "dd/database_number.h"
-#include "dm/session.h"
 
 namespace dict {
 
@@ -150,7 +149,7 @@ bool find_changes(reading& from, const deployment& one, std::vector<database_cha
     if (!dd_read_database(record.database.c_str(), number)) {
       return dm::damaged_record(record.number, why);
     }
-    if (!dm::find_database(*from.store, number, 0, from.database, why) ||
+    if (!find_past_database(*from.store, number, from.database, why) ||
         !add_record(from, record.number, by_database[record.database], why)) {
       return false;
     }

@@ -1,9 +1,11 @@
 #include <algorithm>
 
+#include "dd/database_number.h"
 #include "dd/fold.h"
 #include "dict/history/history.h"
 #include "dict/history/renames.h"
 #include "dm/open.h"
+#include "dm/session.h"
 
 namespace dict {
 
@@ -27,6 +29,30 @@ bool begin_history(reading& from, dm::problem& why) {
 
 bool begin_history(const std::string& database, reading& from, dm::problem& why) {
   return begin_reading(database, from, why) && must_have_journal(*from.store, why);
+}
+
+bool find_past_database(dm::store& store, uint64_t number, dm::database_row& database,
+                        dm::problem& why) {
+  const std::string about = dd_database_text(number);
+  bool is_told = false;
+  const auto look = [&](const dm::journal_record& record) {
+    is_told = record.kind == dm::journal_kind::DROP_DATABASE && record.database == about;
+    return !is_told;
+  };
+  if (dm::find_database(store, number, 0, database, why)) return true;
+  dm::problem unreadable;
+  if (why.code != TAV_ERR_UNKNOWN_DATABASE || !dm::has_journal(store)) return false;
+  if (!dm::walk_records(store, {}, look, unreadable)) return why = unreadable, false;
+  if (is_told) database = {DELETED_DATABASE, number, 0}, why = {};
+  return is_told;
+}
+
+bool begin_past(const std::string& database, reading& from, dm::problem& why) {
+  uint64_t number = 0;
+  if (begin_reading(database, from, why)) return must_have_journal(*from.store, why);
+  return why.code == TAV_ERR_UNKNOWN_DATABASE &&
+         choose_database(database, from.settings, number, why) &&
+         find_past_database(*from.store, number, from.database, why);
 }
 
 // --- Deployments -----------------------------------------------------------------------------
@@ -54,8 +80,8 @@ struct counted_record {
 struct gathering {
   const deployment_choice& wanted;
   const deployment_visitor& visitor;
-  std::vector<past_name> field_names{};  // of the field, or class, that was asked for
-  std::vector<past_name> class_names{};
+  past_names field_names{};  // of the field, or class, that was asked for
+  past_names class_names{};
   std::vector<counted_record> batch{};   // used again for the next one, which spares memory
   size_t filled = 0;                     // how many of it are in use
   std::map<int64_t, deployment> open{};  // whose first record has not come yet
@@ -124,7 +150,7 @@ static void note(const gathering& all, counted_record& at, const dm::journal_cha
   const bool is_field = change.what == dm::change_of::FIELD;
   const auto& names = is_field ? all.field_names : all.class_names;
   count(is_field ? at.fields : at.classes, change.how);
-  if (is_of(names, at.record.number, change.name)) at.is_asked_for = true;
+  if (is_of(names, at.record.database, at.record.number, change.name)) at.is_asked_for = true;
 }
 
 // Reads the changes between the oldest and the newest record that may be wanted.

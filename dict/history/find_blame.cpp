@@ -86,10 +86,11 @@ static void put_new_names_first(std::vector<kept_change>& found) {
 
 static bool find_changes_of(reading& from, const blamed_thing& thing,
                             std::vector<kept_change>& found, dm::problem& why) {
-  std::vector<past_name> names;
+  past_names names;
+  const std::string database = dd_database_text(from.database.number);
   if (!find_names(*from.store, thing.what, thing.name, names, why)) return false;
   const auto note = [&](int64_t record, const dm::journal_change& change) {
-    if (change.what == thing.what && is_of(names, record, change.name)) {
+    if (change.what == thing.what && is_of(names, database, record, change.name)) {
       found.push_back({record, change.how, change.head, change.tail, std::string(change.middle),
                        std::string(change.digest)});
     }
@@ -129,7 +130,7 @@ void settle(taken_apart& present, const part_values& before, const dm::journal_r
 }
 
 // The entries of older states are called as they are called now. `passed` are the renames on the
-// way back, the newest first.
+// way back, the newest first, with folded names.
 static void rename_entries(const std::vector<told_rename>& passed, part_values& values) {
   part_values renamed;
   for (auto& [key, value] : values) {
@@ -145,8 +146,10 @@ static void rename_entries(const std::vector<told_rename>& passed, part_values& 
 }
 
 static void note_rename(const dm::journal_record& record, std::vector<told_rename>& passed) {
-  told_rename told = read_rename(record);
-  if (told.what == "field") passed.push_back(std::move(told));
+  for (const told_rename& told : taken_back(read_renames(record))) {
+    if (told.what == "field")
+      passed.push_back({told.what, dm::folded(told.to), dm::folded(told.from)});
+  }
 }
 
 // Makes the state that of before the change.

@@ -27,6 +27,15 @@ bool begin_history(reading& from, dm::problem& why);
 // The same with a database chosen, as begin_reading does.
 bool begin_history(const std::string& database, reading& from, dm::problem& why);
 
+// The row id of a database that is told of by the journal alone, because it was deleted: the store
+// holds nothing of it.
+inline constexpr int64_t DELETED_DATABASE = -1;
+// The same for looking back: the database may be a deleted one. Refuses one that there never was.
+bool begin_past(const std::string& database, reading& from, dm::problem& why);
+// Finds a database that the journal tells of, deleted or not; false with the reason.
+bool find_past_database(dm::store& store, uint64_t number, dm::database_row& database,
+                        dm::problem& why);
+
 // --- Deployments -----------------------------------------------------------------------------
 
 struct change_counts {
@@ -94,6 +103,8 @@ bool find_deployment(dm::store& store, const std::string& text, int64_t& number,
 // The last record of the deployment that a text names, or the last before a moment; 0 for the state
 // before the first. False with the reason.
 bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::problem& why);
+// The same for the database that was chosen, which must not have been a deleted one then.
+bool find_point_of(reading& from, const std::string& text, int64_t& record, dm::problem& why);
 
 // --- States ----------------------------------------------------------------------------------
 

@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "dd/database_number.h"
 #include "dict/history/history.h"
 #include "dict/history/moments.h"
 #include "dm/json_memory.h"
@@ -94,6 +95,28 @@ bool find_point(dm::store& store, const std::string& text, int64_t& record, dm::
   int64_t deployment = 0;
   if (read_number(text, deployment) && deployment == 0) return record = 0, true;
   return find_deployment(store, text, deployment, why) && find_last(store, deployment, record, why);
+}
+
+// The end of the database that counts at the record: number 0 where it was there, or was not yet.
+static bool find_end(reading& from, int64_t record, dm::journal_record& end, dm::problem& why) {
+  const std::string about = dd_database_text(from.database.number);
+  const auto look = [&](const dm::journal_record& row) {
+    const bool is_end = row.kind == dm::journal_kind::DROP_DATABASE && row.database == about;
+    if (is_end) end = row;
+    return !is_end && (row.kind != dm::journal_kind::ADD_DATABASE || row.database != about);
+  };
+  return dm::walk_records(*from.store, {0, record, true}, look, why);
+}
+
+bool find_point_of(reading& from, const std::string& text, int64_t& record, dm::problem& why) {
+  dm::journal_record end;
+  if (!find_point(*from.store, text, record, why) || !find_end(from, record, end, why)) {
+    return false;
+  }
+  if (end.number == 0) return true;
+  why.sentence = dm::join({"Database ", end.database, " was not there any more: deployment ",
+                           std::to_string(end.deployment), " deleted it."});
+  return false;
 }
 
 }  // namespace dict

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include "dict/terminal/json.h"
 #include "dm/folded.h"
-#include "dm/json_memory.h"
 
 namespace dict {
 
@@ -13,58 +13,98 @@ using document =
     rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
                                dm::json_memory>;
 
-static std::string text_in(const document& read, const char* key) {
+static std::string text_in(const document::ValueType& read, const char* key) {
   return read.HasMember(key) && read[key].IsString() ? read[key].GetString() : "";
 }
 
-// With the names as they are written.
-static told_rename read_names(const dm::journal_record& record) {
+static void add_rename(const document::ValueType& read, std::vector<told_rename>& renames) {
+  if (!read.IsObject()) return;
+  told_rename told{text_in(read, "rename"), text_in(read, "from"), text_in(read, "to")};
+  if (!told.what.empty()) renames.push_back(std::move(told));
+}
+
+std::vector<told_rename> read_renames(const dm::journal_record& record) {
+  std::vector<told_rename> renames;
   document read;
   if (record.kind != dm::journal_kind::CHANGE) return {};
   read.Parse(record.detail.c_str());
   if (read.HasParseError() || !read.IsObject()) return {};
-  return {text_in(read, "rename"), text_in(read, "from"), text_in(read, "to")};
+  add_rename(read, renames);
+  if (!read.HasMember("renames") || !read["renames"].IsArray()) return renames;
+  for (const auto& each : read["renames"].GetArray()) add_rename(each, renames);
+  return renames;
 }
 
-told_rename read_rename(const dm::journal_record& record) {
-  const told_rename told = read_names(record);
-  return {told.what, dm::folded(told.from), dm::folded(told.to)};
+static std::string members_of(const told_rename& one) {
+  const std::string object =
+      json_object({{"rename", one.what}, {"from", one.from}, {"to", one.to}});
+  return object.substr(1, object.size() - 2);
 }
 
-// What is called `name` when `from` becomes `to`; empty where that is not about it. With a class
-// those below it are renamed. `from` is folded.
-static std::string renamed(const told_rename& told, dm::change_of what, const std::string& name,
-                           const std::string& from, const std::string& to) {
+std::string renames_detail(const std::vector<told_rename>& renames) {
+  std::string list;
+  if (renames.empty()) return "";
+  if (renames.size() == 1) return "," + members_of(renames.front());
+  for (const told_rename& one : renames) {
+    list.append(list.empty() ? "{" : ",{").append(members_of(one)).append("}");
+  }
+  return list.insert(0, ",\"renames\":[").append("]");
+}
+
+std::vector<told_rename> taken_back(const std::vector<told_rename>& renames) {
+  std::vector<told_rename> back;
+  for (auto one = renames.rbegin(); one != renames.rend(); ++one) {
+    back.push_back({one->what, one->to, one->from});
+  }
+  return back;
+}
+
+// What is called `name` when `from` becomes `to`. With a class those below it are renamed.
+static std::string renamed(const told_rename& told, dm::change_of what, const std::string& name) {
   const bool is_class = what == dm::change_of::CLASS;
-  if (told.what != (is_class ? "class" : "field")) return "";
+  if (told.what != (is_class ? "class" : "field")) return name;
   const std::string key = dm::folded(name);
-  if (key == from) return to;
-  return is_class && key.rfind(from + "/", 0) == 0 ? to + name.substr(from.size()) : "";
+  const std::string from = dm::folded(told.from);
+  if (key == from) return told.to;
+  return is_class && key.rfind(from + "/", 0) == 0 ? told.to + name.substr(from.size()) : name;
 }
 
-// Adds the name that the thing had before the rename.
-static void go_back(const told_rename& told, int64_t record, named_thing& thing) {
-  past_name& after = thing.names.back();
-  const std::string before = renamed(told, thing.what, after.key, told.to, told.from);
-  if (before.empty() || before == after.key) return;
-  after.from = record;
-  thing.names.push_back({before, 0, record});
+std::string name_through(const std::vector<told_rename>& renames, dm::change_of what,
+                         std::string name) {
+  for (const told_rename& told : renames) name = renamed(told, what, name);
+  return name;
 }
 
 std::string name_after(const dm::journal_record& record, dm::change_of what,
                        const std::string& name) {
-  const told_rename told = read_names(record);
-  return renamed(told, what, name, dm::folded(told.from), told.to);
+  std::string after = name_through(read_renames(record), what, name);
+  return after == name ? "" : after;
+}
+
+std::vector<past_name> past_names::in(const std::string& database) const {
+  const auto found = renamed.find(database);
+  if (found != renamed.end()) return found->second;
+  return {{key, 0, std::numeric_limits<int64_t>::max()}};
+}
+
+// Adds the name that the thing had before the record; `back` takes its renames back.
+static void go_back(const dm::journal_record& record, const std::vector<told_rename>& back,
+                    named_thing& thing) {
+  std::vector<past_name> known = thing.names.in(record.database);
+  const std::string key = known.back().key;
+  const std::string before = dm::folded(name_through(back, thing.what, key));
+  if (before == key) return;
+  known.back().from = record.number;
+  known.push_back({before, 0, record.number});
+  thing.names.renamed[record.database] = std::move(known);
 }
 
 bool find_names(dm::store& store, std::vector<named_thing>& things, dm::problem& why) {
-  for (named_thing& thing : things) {
-    thing.names = {{dm::folded(thing.name), 0, std::numeric_limits<int64_t>::max()}};
-  }
+  for (named_thing& thing : things) thing.names = {dm::folded(thing.name), {}};
   const auto look = [&](const dm::journal_record& record) {
-    const told_rename told = read_rename(record);
-    if (told.what.empty()) return true;
-    for (named_thing& thing : things) go_back(told, record.number, thing);
+    const auto back = taken_back(read_renames(record));
+    if (back.empty()) return true;
+    for (named_thing& thing : things) go_back(record, back, thing);
     return true;
   };
   dm::journal_range range;
@@ -72,19 +112,23 @@ bool find_names(dm::store& store, std::vector<named_thing>& things, dm::problem&
   return dm::walk_records(store, range, look, why);
 }
 
-bool find_names(dm::store& store, dm::change_of what, const std::string& name,
-                std::vector<past_name>& names, dm::problem& why) {
+bool find_names(dm::store& store, dm::change_of what, const std::string& name, past_names& names,
+                dm::problem& why) {
   std::vector<named_thing> one{{what, name}};
   const bool is_found = find_names(store, one, why);
   names = std::move(one.front().names);
   return is_found;
 }
 
-bool is_of(const std::vector<past_name>& names, int64_t record, std::string_view changed) {
-  return std::ranges::any_of(names, [&](const past_name& name) {
+bool is_of(const past_names& names, const std::string& database, int64_t record,
+           std::string_view changed) {
+  const auto has_it = [&](const past_name& name) {
     return name.key.size() == changed.size() && name.from <= record && record <= name.to &&
            name.key == dm::folded(changed);
-  });
+  };
+  const auto found = names.renamed.find(database);
+  if (found != names.renamed.end()) return std::ranges::any_of(found->second, has_it);
+  return has_it({names.key, 0, std::numeric_limits<int64_t>::max()});
 }
 
 }  // namespace dict

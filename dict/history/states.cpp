@@ -2,6 +2,7 @@
 #include "dict/history/moments.h"
 #include "dm/class_json.h"
 #include "dm/ops/operations.h"
+#include "dm/session.h"
 
 namespace dict {
 
@@ -118,9 +119,11 @@ bool fetch_at(reading& from, const std::string& point, definitions& result, dm::
   int64_t record = 0;
   dm::past at;
   const bool is_past = !point.empty();
-  return (!is_past ||
-          (find_point(*from.store, point, record, why) && look_back_to(from, record, at, why))) &&
-         add_past(from, at, result, why);
+  if (is_past ? !find_point_of(from, point, record, why) || !look_back_to(from, record, at, why)
+              : !dm::find_database(*from.store, from.database.number, 0, from.database, why)) {
+    return false;
+  }
+  return add_past(from, at, result, why);
 }
 
 }  // namespace dict

@@ -31,8 +31,8 @@ static listing kinds_of(const request& asked) {
 
 static bool begin_past(const request& asked, reading& from, dm::past& past, dm::problem& why) {
   int64_t record = 0;
-  return begin_history(asked.database, from, why) &&
-         find_point(*from.store, asked.at, record, why) && look_back_to(from, record, past, why);
+  return begin_past(asked.database, from, why) && find_point_of(from, asked.at, record, why) &&
+         look_back_to(from, record, past, why);
 }
 
 static int run(const request& asked) {

@@ -4,7 +4,8 @@
 #include <memory>
 
 #include "dd/database_number.h"
-#include "dict/commands.h"
+#include "dict/change/change.h"
+#include "dict/diff/json.h"
 #include "dict/options.h"
 #include "dict/plan/stale.h"
 #include "dict/terminal/colour.h"
@@ -24,6 +25,7 @@ struct request {
   bool allows_losses = false;
   bool is_sure = false;
   bool is_dry = false;
+  bool is_json = false;
   std::string colour = "auto";
 };
 
@@ -38,6 +40,29 @@ struct applying {
 
 }  // namespace
 
+// --- For programs --------------------------------------------------------------------------------
+
+// Where nothing was judged, there is no `told`.
+static void print_json(const applying& in, const standing& now, const told_plan* told) {
+  json_page page;
+  const int64_t deployment = in.on.session.run.deployment;
+  page.out.StartObject();
+  put_flag(page.out, "dry_run", in.asked.is_dry);
+  put_flag(page.out, "done", deployment != 0);
+  put_number(page.out, "deployment", deployment);
+  put_number(page.out, "applied_by", now.application);
+  put_array(page.out, "refused", now.stale, put_refused);
+  if (told != nullptr) {
+    put_told(page.out, *told);
+  } else if (now.is_done) {
+    put_differences(page.out, {});
+  } else {
+    put_refused_differences(page.out, nullptr);
+  }
+  page.out.EndObject();
+  print(page);
+}
+
 // --- Where there is nothing to deploy ------------------------------------------------------------
 
 static bool can_deploy(const standing& now) {
@@ -48,12 +73,13 @@ static int tell_stale(const standing& now) {
   if (now.application != 0)
     std::cout << "The plan was applied by deployment " << now.application
               << ", and what it changed was changed again since:\n";
-  for (const std::string& sentence : now.stale) std::cout << visible{sentence} << '\n';
+  for (const dm::refused_change& each : now.stale) std::cout << visible{each.why.sentence} << '\n';
   std::cout << "Nothing was deployed: make the plan anew.\n";
   return FOUND;
 }
 
-static int tell(const standing& now) {
+static int tell(const applying& in, const standing& now) {
+  if (in.asked.is_json) return print_json(in, now, nullptr), now.is_done ? DONE : FOUND;
   if (!now.is_done) return tell_stale(now);
   std::cout << "Nothing to do: ";
   if (now.application == 0) {
@@ -126,6 +152,10 @@ static bool is_allowed(const applying& in, const told_plan& told, dm::problem& w
 // Asks a person. A script must say --yes.
 static bool is_meant(const applying& in, dm::problem& why) {
   if (in.asked.is_sure) return true;
+  if (in.asked.is_json) {
+    why.sentence = NOBODY_ASKED;
+    return false;
+  }
   if (!can_ask()) {
     why.sentence = "There is nobody to ask whether to deploy this; --yes says that it is meant.";
     return false;
@@ -145,7 +175,7 @@ static bool commit(applying& in, const dm::deployment_result& result, dm::proble
 }
 
 // While a person thinks nobody is kept waiting: what the plan saw must be so under the lock.
-static int deploy(applying& in) {
+static int deploy(applying& in, const told_plan& told) {
   dm::session& session = in.on.session;
   dm::problem why;
   standing now;
@@ -154,11 +184,12 @@ static int deploy(applying& in) {
   if (!dm::begin_write(session, why) || !choose_database(in.made.database, in.on, why) ||
       !find_standing(*session.store, in.on.database, in.made, now, why))
     return fail(why);
-  if (!can_deploy(now)) return tell(now);
+  if (!can_deploy(now)) return tell(in, now);
   const auto lists = lists_of(in.files, in.made.database);
   if (!dm::write_deployment(session, lists, result, why) || !results_fit(in, result, why) ||
       !commit(in, result, why))
     return fail(why);
+  if (in.asked.is_json) return print_json(in, now, &told), DONE;
   std::cout << "Deployed as deployment " << session.run.deployment << ".\n";
   return DONE;
 }
@@ -169,13 +200,16 @@ static int show_and_deploy(applying& in) {
   dm::problem why;
   told_plan told{in.sources, in.files};
   if (!fetch_held(in.on, why) || !judge_and_tell(in.on, in.files, told, why)) return fail(why);
-  std::cout << as_text(told, is_coloured(in.asked.colour));
+  const bool is_json = in.asked.is_json;
+  if (!is_json) std::cout << as_text(told, is_coloured(in.asked.colour));
+  if (is_json && is_refused(in.files)) print_json(in, {}, &told);
   if (is_refused(in.files)) return FAILED;
   if (!results_fit(in, in.files.result, why) || !is_allowed(in, told, why) ||
       !is_writeable(in, why))
     return fail(why);
+  if (in.asked.is_dry && is_json) return print_json(in, {}, &told), DONE;
   if (in.asked.is_dry) return std::cout << "Nothing was deployed (--dry-run).\n", DONE;
-  return is_meant(in, why) ? deploy(in) : fail(why);
+  return is_meant(in, why) ? deploy(in, told) : fail(why);
 }
 
 static int run(const request& asked) {
@@ -184,7 +218,7 @@ static int run(const request& asked) {
   standing now;
   if (!open(in, why) || !find_standing(*in.on.session.store, in.on.database, in.made, now, why))
     return fail(why);
-  if (!can_deploy(now)) return tell(now);
+  if (!can_deploy(now)) return tell(in, now);
   in.sources.push_back({asked.file, syntax::read(in.made.definitions)});
   const int status = show_and_deploy(in);
   in.on.held.fields.leave();
@@ -202,6 +236,7 @@ void add_apply(CLI::App& app, int& result) {
                     "Take a plan that drops entries or makes a LENGTH shorter");
   command->add_flag("--yes", asked->is_sure, "Do not ask");
   command->add_flag("--dry-run", asked->is_dry, "Show what it would do and whether it would");
+  add_json_option(*command, asked->is_json);
   add_colour_option(*command, asked->colour);
   command->callback([asked, &result] { result = run(*asked); });
 }

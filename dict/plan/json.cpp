@@ -22,22 +22,25 @@ static void put_differences(json_writer& out, const told_plan& told) {
   put_refused_differences(out, told.files.is_readable ? &told.found : nullptr);
 }
 
-std::string as_json(const told_plan& told) {
-  json_page page;
-  json_writer& out = page.out;
+void put_told(json_writer& out, const told_plan& told) {
   places here{told.sources};
   const auto put = [&](json_writer& to, const lint::outcome& one) {
     put_error(to, here, one.found);
   };
-  out.StartObject();
-  put_flag(out, "refused", is_refused(told.files));
   put_differences(out, told);
   put_texts(out, "rewritten", told.rewritten);
   put_texts(out, "destructive", told.losses);
   put_array(out, "errors", told.files.errors, put);
   put_number(out, "further_errors", static_cast<int64_t>(told.files.untold));
   put_member(out, "refusal", told.files.refusal.sentence);
-  out.EndObject();
+}
+
+std::string as_json(const told_plan& told) {
+  json_page page;
+  page.out.StartObject();
+  put_flag(page.out, "refused", is_refused(told.files));
+  put_told(page.out, told);
+  page.out.EndObject();
   return text_of(page);
 }
 

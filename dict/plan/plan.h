@@ -13,6 +13,7 @@
 
 #include "dict/definitions.h"
 #include "dict/diff/diff.h"
+#include "dict/terminal/json.h"
 #include "dm/ops/deployment.h"
 #include "lint/outcome.h"
 
@@ -133,6 +134,8 @@ std::string lines_of(const told_plan& told, bool coloured);
 std::string sum_of(const told_plan& told);
 std::string as_text(const told_plan& told, bool coloured);
 std::string as_json(const told_plan& told);
+// Its members but the first, in the open object.
+void put_told(json_writer& out, const told_plan& told);
 
 }  // namespace dict
 

@@ -155,22 +155,29 @@ static std::string event_of(const stale_thing& thing, const dm::journal_record* 
   return name.empty() ? thing.verb + thing.behind : dm::join({"was renamed to ", dm::quoted(name)});
 }
 
-static std::string sentence_of(const stale_thing& thing, const changers& by) {
+static dm::refused_change told(const stale_thing& thing, const changers& by) {
+  dm::problem why;
+  dm::refused_change refused{why, thing.what, thing.name, {}};
   const char* what = thing.what == dm::change_of::FIELD ? "Field " : "Class ";
   const auto found = by.find(dm::thing_key(thing.what, thing.name));
   const bool is_known = found != by.end();
   const std::string event = event_of(thing, is_known ? &found->second : nullptr);
   const std::string sentence = dm::join({what, dm::quoted(thing.name), " ", event});
-  if (!is_known) return sentence + "; the journal no longer tells by whom.";
-  const dm::journal_record& record = found->second;
-  return sentence + dm::join({" by deployment ", std::to_string(record.deployment), " at ",
-                              local_time(record.time), " by ", who_of(record), "."});
+  if (!is_known) {
+    refused.why.sentence = sentence + "; the journal no longer tells by whom.";
+    return refused;
+  }
+  refused.by = found->second;
+  refused.why.sentence =
+      sentence + dm::join({" by deployment ", std::to_string(refused.by.deployment), " at ",
+                           local_time(refused.by.time), " by ", who_of(refused.by), "."});
+  return refused;
 }
 
-static bool tell(search& in, std::vector<std::string>& stale) {
+static bool tell(search& in, std::vector<dm::refused_change>& stale) {
   changers by;
   if (!in.found.empty() && !find_changers(in, by)) return false;
-  for (const stale_thing& thing : in.found) stale.push_back(sentence_of(thing, by));
+  for (const stale_thing& thing : in.found) stale.push_back(told(thing, by));
   return true;
 }
 

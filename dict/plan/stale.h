@@ -3,14 +3,15 @@
 #define DICT_PLAN_STALE_H
 
 #include "dict/plan/plan.h"
+#include "dm/changes/changes.h"
 
 namespace dict {
 
 // What the dictionary is to a plan.
 struct standing {
-  bool is_done = false;              // everything is as the plan would make it
-  int64_t application = 0;           // the deployment that applied it; 0 where the journal has none
-  std::vector<std::string> stale{};  // where it is not done: why it cannot be deployed
+  bool is_done = false;     // everything is as the plan would make it
+  int64_t application = 0;  // the deployment that applied it; 0 where the journal has none
+  std::vector<dm::refused_change> stale{};  // where it is not done: why it cannot be deployed
 };
 
 // Has a sentence for each thing that is not as the plan saw it, or, where it was applied, not as

@@ -112,14 +112,14 @@ static bool find_brought(dm::store& store, const way_back& way, std::set<std::st
   return true;
 }
 
-static void note_names(way_back& way, const named_thing& thing) {
-  const std::string owner = dm::thing_key(thing.what, thing.name);
-  const auto since = way.deployments.find(thing.names.front().from);
-  for (const past_name& name : thing.names) {
-    const std::string key = dm::thing_key(thing.what, name.key);
+static void note_names(way_back& way, const std::string& owner, dm::change_of what,
+                       const std::vector<past_name>& names) {
+  for (const past_name& name : names) {
+    const std::string key = dm::thing_key(what, name.key);
     way.names[key].push_back({name.from, name.to, owner});
+    const auto since = way.deployments.find(names.front().from);
     const bool is_left = way.things.count(key) == 0 && since != way.deployments.end();
-    if (is_left) way.result.left.push_back({key, thing.names.front().key, since->second});
+    if (is_left) way.result.left.push_back({key, names.front().key, since->second});
   }
 }
 
@@ -134,7 +134,9 @@ static bool find_renames(reading& from, way_back& way, dm::problem& why) {
   if (things.empty()) return true;
   if (!find_names(*from.store, things, why)) return false;
   for (const named_thing& thing : things) {
-    if (thing.names.size() > 1) note_names(way, thing);
+    const auto names = thing.names.in(dd_database_text(from.database.number));
+    const std::string key = dm::thing_key(thing.what, thing.name);
+    if (names.size() > 1) note_names(way, key, thing.what, names);
   }
   return true;
 }

@@ -1,7 +1,9 @@
 // The command.
 #include "dict/site/site.h"
 
+#include <algorithm>
 #include <iostream>
+#include <map>
 #include <memory>
 
 #include "dd/database_number.h"
@@ -68,10 +70,42 @@ static bool gather_files(const request& asked, std::vector<site_source>& sources
 
 static bool find_databases(const request& asked, reading& from,
                            std::vector<dm::database_row>& found, dm::problem& why) {
-  if (!begin_reading(asked.database, from, why)) return false;
+  const auto begin = asked.at.empty() ? begin_reading : begin_past;
+  if (!begin(asked.database, from, why)) return false;
   if (!asked.all) return found.push_back(from.database), true;
   auto add = [&](const dm::database_row& row) { return found.push_back(row), true; };
   return from.store->calls->databases(from.store.get(), dm::visit<dm::database_row>(add), why);
+}
+
+// Adds databases that there were at the record and that were deleted since.
+static bool add_deleted(dm::store& store, int64_t record, std::vector<dm::database_row>& found,
+                        dm::problem& why) {
+  std::map<std::string, bool> were_there;  // by the first record that tells of their end or begin
+  const auto look = [&](const dm::journal_record& row) {
+    const bool is_end = row.kind == dm::journal_kind::DROP_DATABASE;
+    if (is_end || row.kind == dm::journal_kind::ADD_DATABASE) {
+      were_there.try_emplace(row.database, is_end);
+    }
+    return true;
+  };
+  if (!dm::walk_records(store, {record + 1}, look, why)) return false;
+  for (const auto& [text, was_there] : were_there) {
+    uint64_t number = 0;
+    const auto is_it = [&](const dm::database_row& row) { return row.number == number; };
+    if (!dd_read_database(text.c_str(), number)) return dm::damaged_record(0, why);
+    if (!was_there || std::ranges::any_of(found, is_it)) continue;
+    found.push_back({DELETED_DATABASE, number, 0});
+  }
+  return true;
+}
+
+// The record that the pages are as of, and the databases that were there only then.
+static bool find_then(const request& asked, reading& from, int64_t& record,
+                      std::vector<dm::database_row>& found, dm::problem& why) {
+  if (asked.at.empty()) return true;
+  if (!asked.all) return find_point_of(from, asked.at, record, why);
+  return find_point(*from.store, asked.at, record, why) &&
+         add_deleted(*from.store, record, found, why);
 }
 
 static bool gather_dictionary(const request& asked, std::vector<site_source>& sources,
@@ -79,9 +113,8 @@ static bool gather_dictionary(const request& asked, std::vector<site_source>& so
   reading from;
   std::vector<dm::database_row> databases;
   int64_t record = std::numeric_limits<int64_t>::max();
-  if (!find_databases(asked, from, databases, why)) return false;
-  if (!asked.at.empty() &&
-      (!must_have_journal(*from.store, why) || !find_point(*from.store, asked.at, record, why))) {
+  if (!find_databases(asked, from, databases, why) ||
+      !find_then(asked, from, record, databases, why)) {
     return false;
   }
   for (const dm::database_row& database : databases) {

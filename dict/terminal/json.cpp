@@ -49,6 +49,18 @@ void put_texts(json_writer& out, const char* key, const std::vector<std::string>
   put_array(out, key, texts, put_text);
 }
 
+std::string json_object(const std::vector<std::pair<const char*, std::string>>& members) {
+  json_text text;
+  rapidjson::Writer<json_text, json_encoding, json_encoding, dm::json_memory> out(text);
+  out.StartObject();
+  for (const auto& [key, value] : members) {
+    out.Key(key);
+    out.String(value.c_str());
+  }
+  out.EndObject();
+  return text.GetString();
+}
+
 std::string text_of(const json_page& page) {
   return std::string(page.text.GetString(), page.text.GetSize()) + "\n";
 }

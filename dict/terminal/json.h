@@ -48,6 +48,9 @@ void put_array(json_writer& out, const char* key, const Rows& rows, Put put) {
   out.EndArray();
 }
 
+// An object of texts, without blanks.
+std::string json_object(const std::vector<std::pair<const char*, std::string>>& members);
+
 // The whole page, with a line end.
 std::string text_of(const json_page& page);
 // To standard output.

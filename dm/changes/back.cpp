@@ -18,6 +18,7 @@ struct touched {
   bool is_own = false;   // the deployment changed it
   bool is_amid = false;  // somebody else did before the deployment's last change of it
   std::string left{};    // digest of the state that the deployment left; "": it was gone
+  int64_t own = 0;       // its last record that changed it
   int64_t other = 0;     // the last record of somebody else that changed it
 };
 
@@ -45,10 +46,11 @@ static bool find_records(undoing& run, int64_t deployment, problem& why) {
   return walk_records(run.from, {deployment}, note, why);
 }
 
-static void note_own(touched& thing, const journal_change& change) {
+static void note_own(touched& thing, int64_t record, const journal_change& change) {
   thing.is_amid = thing.is_amid || thing.other != 0;
   thing.is_own = true;
   thing.left = change.digest;
+  thing.own = record;
 }
 
 static bool find_touched(undoing& run, problem& why) {
@@ -58,7 +60,7 @@ static bool find_touched(undoing& run, problem& why) {
     touched& thing = run.things[thing_key(change.what, change.name)];
     thing.what = change.what;
     thing.name = change.name;
-    if (is_own) note_own(thing, change);
+    if (is_own) note_own(thing, record, change);
     if (!is_own) thing.other = record;
     return true;
   };
@@ -69,13 +71,16 @@ static bool find_touched(undoing& run, problem& why) {
 static bool is_as_left(const undoing& run, const touched& thing, bool& is_so, problem& why) {
   std::optional<std::string> state;
   is_so = !thing.is_amid;
-  if (thing.is_amid || thing.other == 0) return true;
+  if (thing.is_amid) return true;
   if (!present_state(run.from, run.database.id, thing.what, thing.name, state, why)) return false;
   is_so = thing.left == (state ? hash_of(*state) : "");
   return true;
 }
 
 static refused_change lost(const undoing& run, const touched& thing) {
+  if (thing.other == 0) {
+    return {altered_thing(thing.what, thing.name, thing.own), thing.what, thing.name, {}};
+  }
   const journal_record& by = run.others.at(thing.other);
   return {{TAV_ERR_CONFLICT, TAV_FLD_NAME, 0, 0,
            join({told_thing(thing.what, thing.name), " was changed ", told_by(by),
@@ -92,13 +97,18 @@ bool find_undone(store& store, const database_row& database, int64_t deployment,
   past before;
   if (!find_records(run, deployment, why) || !find_touched(run, why)) return false;
   if (run.own.empty()) return true;
-  if (!look_back(store, database, *run.own.begin() - 1, before, why)) return false;
+  std::set<std::string> keys;
   for (const auto& [key, thing] : run.things) {
     bool is_so = false;
     if (!thing.is_own) continue;
     if (!is_as_left(run, thing, is_so, why)) return false;
     if (!is_so) refused.push_back(lost(run, thing));
-    if (is_so) wanted.push_back({thing.what, thing.name, before[key].state});
+    if (is_so) keys.insert(key);
+  }
+  if (!look_back(store, database, *run.own.begin() - 1, before, why, &keys)) return false;
+  for (const std::string& key : keys) {
+    const touched& thing = run.things.at(key);
+    wanted.push_back({thing.what, thing.name, before[key].state});
   }
   return true;
 }

@@ -14,6 +14,11 @@ bool find_undone(store& store, const database_row& database, int64_t deployment,
                  std::vector<wanted_thing>& wanted, std::vector<refused_change>& refused,
                  problem& why);
 
+// Notes for each refusal because of a use which deployment behind that one made the use, and says
+// so in its sentence. Needs an open transaction as well.
+bool find_makers(store& store, const database_row& database, int64_t deployment,
+                 std::vector<refused_change>& refused, problem& why);
+
 }  // namespace dm
 
 #endif

@@ -13,20 +13,21 @@ namespace dm {
 
 // --- Whether it may be written -------------------------------------------------------------------
 
-static bool is_allowed(const settings& settings, std::span<const wanted_thing> wanted,
-                       problem& why) {
-  for (const wanted_thing& thing : wanted) {
-    const bool is_field = thing.what == change_of::FIELD;
-    if (is_field ? settings.fields_writeable : settings.objects_writeable) continue;
-    why.code = TAV_ERR_WRITE_REFUSED;
-    why.sentence = writes_refused(is_field ? "fields_writeable" : "objects_writeable");
-    return false;
-  }
-  return true;
+bool may_change(const settings& settings, change_of what, problem& why) {
+  const bool is_field = what == change_of::FIELD;
+  if (is_field ? settings.fields_writeable : settings.objects_writeable) return true;
+  why.code = TAV_ERR_WRITE_REFUSED;
+  why.sentence = writes_refused(is_field ? "fields_writeable" : "objects_writeable");
+  return false;
 }
 
-// Begins a write transaction; for a trial of a user who may not write, a snapshot.
-static bool begin(store& store, bool is_trial, bool& writes, problem& why) {
+static bool is_allowed(const settings& settings, std::span<const wanted_thing> wanted,
+                       problem& why) {
+  return std::ranges::all_of(
+      wanted, [&](const wanted_thing& thing) { return may_change(settings, thing.what, why); });
+}
+
+bool begin_change(store& store, bool is_trial, bool& writes, problem& why) {
   store.calls->rollback(&store);
   if (store.calls->writeable(&store)) find_out_who();
   writes = store.calls->begin(&store, true, why);
@@ -46,9 +47,7 @@ std::string told_thing(change_of what, std::string_view name) {
   return join({what == change_of::FIELD ? "Field " : "Class ", quoted(name)});
 }
 
-// The first record of the database behind the one that the caller saw last.
-static bool is_seen_to_the_end(store& store, uint64_t database, int64_t end,
-                               change_result& result) {
+bool is_seen_to_the_end(store& store, uint64_t database, int64_t end, change_result& result) {
   if (end == change_purpose::ANY) return true;
   const std::string about = dd_database_text(database);
   journal_record later;
@@ -62,14 +61,10 @@ static bool is_seen_to_the_end(store& store, uint64_t database, int64_t end,
       TAV_ERR_CONFLICT, 0, 0, 0,
       join({"The dictionary was changed ", told_by(later), " since it was looked at; run again."})};
   result.refused.push_back({conflict, change_of::FIELD, "", later});
-  return true;
+  return false;
 }
 
 // --- All of it -----------------------------------------------------------------------------------
-
-static bool is_fine(const change_result& result) {
-  return result.refused.empty() && !failed(result.failure);
-}
 
 static bool change_all(store& store, const settings& settings, uint64_t database,
                        std::span<const wanted_thing> wanted, const change_purpose& purpose,
@@ -77,9 +72,9 @@ static bool change_all(store& store, const settings& settings, uint64_t database
   change_plan plan;
   bool writes = false;
   problem& why = result.failure;
-  if (!is_allowed(settings, wanted, why) || !begin(store, purpose.is_trial, writes, why) ||
+  if (!is_allowed(settings, wanted, why) || !begin_change(store, purpose.is_trial, writes, why) ||
       !find_database(store, database, 1, plan.database, why) ||
-      !is_seen_to_the_end(store, database, purpose.seen_end, result) || !is_fine(result) ||
+      !is_seen_to_the_end(store, database, purpose.seen_end, result) ||
       !make_plan(store, wanted, plan, result) || !is_fine(result)) {
     return false;
   }

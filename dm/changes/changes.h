@@ -37,6 +37,7 @@ struct refused_change {
   change_of what = change_of::FIELD;
   std::string name{};
   journal_record by{};  // of a conflict: the record that made it; number 0: none is known
+  std::string user{};   // the field or class because of which it is in use; "" for none
 };
 
 struct change_result {

@@ -24,10 +24,10 @@ struct judging {
 // --- Fields --------------------------------------------------------------------------------------
 
 static void blame(judging& in, const planned_field& field, int32_t code, uint32_t which,
-                  std::string_view fault) {
+                  std::string_view fault, const std::string& user = "") {
   problem why;
   blame_field(field.name.c_str(), code, which, fault, why);
-  refuse(in.result, change_of::FIELD, field.name, std::move(why));
+  refuse(in.result, change_of::FIELD, field.name, std::move(why), user);
 }
 
 static bool is_predefined(const planned_field& field) {
@@ -105,7 +105,8 @@ static bool judge_fields(judging& in) {
     if (holders[field.row.number] == key) continue;
     blame(in, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM,
           join({"cannot have the number ", std::to_string(field.row.number),
-                ": another field has it"}));
+                ": another field has it"}),
+          holders[field.row.number]);
   }
   return true;
 }
@@ -131,7 +132,8 @@ static void blame_use(judging& in, const std::string& field, int32_t type, const
       type == 0 ? "cannot be deleted: class " : "cannot get another type: class ";
   refuse(in.result, change_of::FIELD, name,
          {TAV_ERR_IN_USE, TAV_FLD_FIELD_NAME, 0, 0,
-          join({"Field ", quoted(name), " ", fault, quoted(class_name), " uses it."})});
+          join({"Field ", quoted(name), " ", fault, quoted(class_name), " uses it."})},
+         class_name);
 }
 
 static void judge_uses(judging& in, const lost_fields& lost, const class_row& row,
@@ -172,7 +174,8 @@ static bool judge_gone(judging& in, const std::string& key, const planned_class&
     refuse(in.result, change_of::CLASS, gone.name,
            {TAV_ERR_IN_USE, TAV_FLD_NAME, 0, 0,
             join({"Class ", quoted(gone.name), " cannot be deleted: class ", quoted(row.name),
-                  " is below it."})});
+                  " is below it."})},
+           row.name);
     return true;
   };
   return in.planned.calls->classes(&in.planned, in.plan.database.id,

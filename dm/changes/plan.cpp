@@ -8,8 +8,9 @@ namespace dm {
 // For more fields than this all are read at once (with a local file; sooner on a server).
 static constexpr size_t MANY = 200;
 
-void refuse(change_result& result, change_of what, std::string_view name, problem why) {
-  result.refused.push_back({std::move(why), what, std::string(name), {}});
+void refuse(change_result& result, change_of what, std::string_view name, problem why,
+            const std::string& user) {
+  result.refused.push_back({std::move(why), what, std::string(name), {}, user});
 }
 
 // --- Fields --------------------------------------------------------------------------------------

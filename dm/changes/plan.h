@@ -34,8 +34,23 @@ struct change_plan {
   int64_t size() const { return static_cast<int64_t>(fields.size() + classes.size()); }
 };
 
+// Whether tav.conf allows to write fields, or classes.
+bool may_change(const settings& settings, change_of what, problem& why);
+
+// Begins a write transaction; for a trial of a user who may not write, a snapshot.
+bool begin_change(store& store, bool is_trial, bool& writes, problem& why);
+
+// Refuses where the database has a record behind the one that the caller saw last. False when the
+// store fails, and where it refuses.
+bool is_seen_to_the_end(store& store, uint64_t database, int64_t end, change_result& result);
+
+inline bool is_fine(const change_result& result) {
+  return result.refused.empty() && !failed(result.failure);
+}
+
 // Adds a refusal that concerns the thing.
-void refuse(change_result& result, change_of what, std::string_view name, problem why);
+void refuse(change_result& result, change_of what, std::string_view name, problem why,
+            const std::string& user = "");
 
 // Fills the plan, whose database is known. States that are none are refused. False when the store
 // fails.

@@ -121,10 +121,24 @@ static bool ends_here(int64_t record, const past_thing& thing, problem& why) {
   return false;
 }
 
+problem altered_thing(change_of what, std::string_view name, int64_t record) {
+  problem why;
+  why.code = TAV_ERR_CONFLICT;
+  why.is_damage = true;
+  why.sentence = join({what == change_of::FIELD ? "Field " : "Class ", quoted(name),
+                       " is not as record ", std::to_string(record),
+                       " of the journal left it: it was changed outside of the journal; see "
+                       "'tav_dict check'."});
+  return why;
+}
+
 // Takes the change of a record back. False where the state after it is not the one that it left.
-static bool take_back(int64_t record, const journal_change& change, past_thing& thing,
-                      problem& why) {
-  if (!has_left(change, thing.state ? &*thing.state : nullptr)) return damaged_record(record, why);
+static bool take_back(int64_t record, const journal_change& change, bool is_newest,
+                      past_thing& thing, problem& why) {
+  if (!has_left(change, thing.state ? &*thing.state : nullptr)) {
+    if (!is_newest) return damaged_record(record, why);
+    return why = altered_thing(change.what, change.name, record), false;
+  }
   if (change.how == change_how::FOUND) return ends_here(record, thing, why);
   if (!was_there(change)) return thing.state.reset(), true;
   std::string before;
@@ -133,8 +147,8 @@ static bool take_back(int64_t record, const journal_change& change, past_thing& 
   return fits || damaged_record(record, why);
 }
 
-bool look_back(store& store, const database_row& stored, int64_t number, past& found,
-               problem& why) {
+bool look_back(store& store, const database_row& stored, int64_t number, past& found, problem& why,
+               const std::set<std::string>* keys) {
   way_back way;
   past all;
   found.clear();
@@ -143,11 +157,12 @@ bool look_back(store& store, const database_row& stored, int64_t number, past& f
   if (reads_all && !read_present(store, stored.id, all, why)) return false;
   bool is_sound = true;
   const auto back = [&](int64_t record, const journal_change& change) {
-    if (way.records.count(record) == 0) return true;
-    const auto [at, is_new] = found.try_emplace(thing_key(change.what, change.name));
+    const std::string key = thing_key(change.what, change.name);
+    if (way.records.count(record) == 0 || (keys != nullptr && keys->count(key) == 0)) return true;
+    const auto [at, is_new] = found.try_emplace(key);
     is_sound =
         !is_new || state_now(store, stored.id, change, reads_all ? &all : nullptr, at->second, why);
-    is_sound = is_sound && take_back(record, change, at->second, why);
+    is_sound = is_sound && take_back(record, change, is_new, at->second, why);
     return is_sound;
   };
   const journal_range range{number + 1, std::numeric_limits<int64_t>::max(), true};

@@ -44,8 +44,13 @@ using past = std::map<std::string, past_thing>;  // by thing_key, so that classe
 
 // Walks back from the present to the state after record `number` (0: before the first). `stored`
 // has the database's row id and number. Where the way back ends before that (the journal began, or
-// was pruned) the problem's code is TAV_ERR_NOT_FOUND.
-bool look_back(store& store, const database_row& stored, int64_t number, past& found, problem& why);
+// was pruned) the problem's code is TAV_ERR_NOT_FOUND; where a thing is not as the journal left it,
+// TAV_ERR_CONFLICT. With keys it walks for those things alone.
+bool look_back(store& store, const database_row& stored, int64_t number, past& found, problem& why,
+               const std::set<std::string>* keys = nullptr);
+
+// Why nothing can be said of a thing's past that is not as the record left it.
+problem altered_thing(change_of what, std::string_view name, int64_t record);
 
 // The state of a thing as the dictionary has it now; none where it is not there.
 bool present_state(store& store, int64_t database, change_of what, const std::string& name,

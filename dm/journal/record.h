@@ -67,6 +67,7 @@ inline constexpr char INIT[] = "init";        // detail: {"identity": new}
 inline constexpr char RESTORE[] = "restore";  // detail: {"identity": new, "from": old}
 inline constexpr char UPGRADE[] = "upgrade";  // detail: {"identity": new}
 inline constexpr char ADD_DATABASE[] = "add-database";
+inline constexpr char DROP_DATABASE[] = "drop-database";  // detail: {"counter": its last}
 inline constexpr char PRUNE[] = "prune";  // detail: {"before": number, "hash": of the last removed}
 inline constexpr char TAG[] = "tag";      // detail: {"number": tagged, "name": tag}
 }  // namespace journal_kind

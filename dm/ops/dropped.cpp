@@ -26,7 +26,8 @@ static bool find_records(session& session, uint64_t database, int64_t writes,
                          std::set<int64_t>& records, problem& why) {
   const std::string about = dd_database_text(database);
   const auto look = [&](const journal_record& record) {
-    if (record.database != about || !is_deployment(record.kind)) return true;
+    const bool is_write = is_deployment(record.kind) || record.kind == journal_kind::DROP_DATABASE;
+    if (record.database != about || !is_write) return true;
     if (record.run != session.run.id) records.insert(record.number);
     return --writes > 0;
   };

@@ -149,6 +149,7 @@ bool postgres_put_class(store*, int64_t, class_row&, problem&);
 bool postgres_delete_class(store*, int64_t, const class_row&, problem&);
 bool postgres_add_table(store*, int64_t, const table_row&, problem&);
 bool postgres_delete_table(store*, int64_t, const char*, problem&);
+bool postgres_delete_database(store*, int64_t, problem&);
 bool postgres_identity(store*, std::string&, problem&);
 bool postgres_set_identity(store*, const std::string&, problem&);
 bool postgres_journal_end(store*, journal_head&, problem&);

@@ -133,6 +133,7 @@ const store_calls POSTGRES_CALLS = {
     .delete_class = postgres_delete_class,
     .add_table = postgres_add_table,
     .delete_table = postgres_delete_table,
+    .delete_database = postgres_delete_database,
     .identity = postgres_identity,
     .set_identity = postgres_set_identity,
     .journal_end = postgres_journal_end,

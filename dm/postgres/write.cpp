@@ -105,4 +105,19 @@ bool postgres_delete_table(store* base, int64_t database, const char* name, prob
                     {database, key.c_str()}, why);
 }
 
+// A row that is left of the database breaks a reference: then nothing is deleted.
+bool postgres_delete_database(store* base, int64_t database, problem& why) {
+  static constexpr const char* ROWS[] = {"DELETE FROM dd_tables WHERE database = $1",
+                                         "DELETE FROM dd_classes WHERE database = $1",
+                                         "DELETE FROM dd_fields WHERE database = $1"};
+  postgres_store& store = postgres_of(base);
+  const parameters with(database);
+  store.kept = {};
+  if (!flush(store, why)) return false;
+  for (const char* rows : ROWS) {
+    if (execute(store, rows, with, why) == nullptr) return false;
+  }
+  return change_rows(store, "DELETE FROM dd_databases WHERE id = $1", with, 1, why);
+}
+
 }  // namespace dm

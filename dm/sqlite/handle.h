@@ -127,6 +127,7 @@ bool sqlite_put_class(store*, int64_t, class_row&, problem&);
 bool sqlite_delete_class(store*, int64_t, const class_row&, problem&);
 bool sqlite_add_table(store*, int64_t, const table_row&, problem&);
 bool sqlite_delete_table(store*, int64_t, const char*, problem&);
+bool sqlite_delete_database(store*, int64_t, problem&);
 bool sqlite_identity(store*, std::string&, problem&);
 bool sqlite_set_identity(store*, const std::string&, problem&);
 bool sqlite_journal_end(store*, journal_head&, problem&);

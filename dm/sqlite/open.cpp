@@ -206,6 +206,7 @@ const store_calls SQLITE_CALLS = {
     .delete_class = sqlite_delete_class,
     .add_table = sqlite_add_table,
     .delete_table = sqlite_delete_table,
+    .delete_database = sqlite_delete_database,
     .identity = sqlite_identity,
     .set_identity = sqlite_set_identity,
     .journal_end = sqlite_journal_end,

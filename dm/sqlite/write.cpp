@@ -67,4 +67,16 @@ bool sqlite_delete_table(store* base, int64_t database, const char* name, proble
   return delete_row(base, DELETE_TABLE, SELECT_TABLE_NAMED, database, folded(name), why);
 }
 
+// A row that is left of the database breaks a reference: then nothing is deleted.
+bool sqlite_delete_database(store* base, int64_t database, problem& why) {
+  sqlite_store& store = sqlite_of(base);
+  const std::string number = std::to_string(database);
+  const std::string sql = join({"DELETE FROM dd_tables WHERE database = ", number,
+                                "; DELETE FROM dd_classes WHERE database = ", number,
+                                "; DELETE FROM dd_fields WHERE database = ", number,
+                                "; DELETE FROM dd_databases WHERE id = ", number});
+  if (!sqlite_run(store, sql.c_str(), why)) return false;
+  return sqlite3_changes64(store.db) == 1 || sqlite_swallowed(store, why);
+}
+
 }  // namespace dm

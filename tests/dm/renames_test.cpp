@@ -40,7 +40,7 @@ TEST(renames, of_many_things_are_found_on_one_walk) {
   ASSERT_TRUE(dict::find_names(store, things, why));
   std::string told;
   for (const dict::named_thing& thing : things) {
-    for (const dict::past_name& name : thing.names) {
+    for (const dict::past_name& name : thing.names.in("")) {
       told.append(name.key).append(" ").append(std::to_string(name.from)).append(", ");
     }
     told += "\n";
