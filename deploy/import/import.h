@@ -54,6 +54,11 @@ int tav_deploy_merge_class_fields(deploy::class_entries& read, deploy::siblings 
 
 namespace deploy {
 
+// The same, but tells nothing: false where there was anything to tell. It may then have been done
+// in part, and can be done again.
+bool merge_silently(class_entries& read, siblings interface, tav_flist_t* impl_node,
+                    const char* class_name);
+
 // Copies what a class or field entry has of storage names and clauses, over what the other has.
 void merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, tav_ebuf* ebuf);
 

@@ -26,9 +26,11 @@ using open_file = std::unique_ptr<FILE, close_file>;
 char read_ahead[1 << 16];
 
 struct definitions {
+  deploy::class_entries& entries;  // of the interfaces
   dd_list fields{DD_FIELDS};
   dd_list interfaces{DD_CLASSES};
-  dd_list implementations{DD_CLASSES};
+  dd_list implementations{DD_CLASSES};  // those that are merged have nothing but a name
+  bool are_all_merged = true;
 };
 
 }  // namespace
@@ -38,9 +40,27 @@ static int cannot_open(const char* name, bool is_first) {
                   : deploy::report(HERE, "file-not-opened", {}, {.file = name});
 }
 
+// Merges an implementation while it and its interface are at hand; of nearly all nothing is then
+// left to keep. False, and nothing is told, where there is no interface yet or anything to tell:
+// after all files were read merge_all() does it again.
+static bool merge_at_once(tav_flist_t* implementation, definitions& read) {
+  tav_ebuf ebuf{};
+  const char* name = dd_text(implementation, TAV_FLD_NAME, at(&ebuf, HERE));
+  tav_flist_t* interface = read.interfaces.find(name, at(&ebuf, HERE));
+  if (interface == nullptr) return false;
+  deploy::merge_storage(interface, implementation, &ebuf);
+  const deploy::siblings own = deploy::entries_of(read.entries, interface, &ebuf);
+  return !dd_failed(ebuf) && deploy::merge_silently(read.entries, own, implementation, name);
+}
+
 static int parse(FILE* stream, const char* name, bool is_first, definitions& read) {
   std::setvbuf(stream, read_ahead, _IOFBF, sizeof read_ahead);
-  const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
+  const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations,
+                                   [&](tav_flist_t* impl) {
+                                     const bool is_merged = merge_at_once(impl, read);
+                                     read.are_all_merged = read.are_all_merged && is_merged;
+                                     return is_merged;
+                                   });
   if (result >= 1) return 1;
   if (result == dparse::UNREADABLE) return cannot_open(name, is_first);
   return deploy::report(
@@ -71,28 +91,28 @@ static int read_all(definitions& read, const tav_deploy_ctx_t& ctx) {
   return 1;
 }
 
-static int merge_class(tav_flist_t* implementation, dd_list& interfaces,
-                       deploy::class_entries& entries, tav_ebuf* ebuf) {
+static int merge_class(tav_flist_t* implementation, definitions& read, tav_ebuf* ebuf) {
   const char* name = dd_text(implementation, TAV_FLD_NAME, at(ebuf, HERE));
   if (dd_failed(*ebuf)) return 1;
-  tav_flist_t* interface = tav_deploy_get_class_by_name(interfaces, name);
+  tav_flist_t* interface = tav_deploy_get_class_by_name(read.interfaces, name);
   if (interface == nullptr) {
     deploy::report(HERE, "missing-interface", {.class_name = name, .side = IMPLEMENTATION});
     return 1;
   }
   deploy::merge_storage(interface, implementation, ebuf);
-  const deploy::siblings own = deploy::entries_of(entries, interface, ebuf);
+  const deploy::siblings own = deploy::entries_of(read.entries, interface, ebuf);
   if (dd_failed(*ebuf)) return 1;
-  if (tav_deploy_merge_class_fields(entries, own, implementation, name) >= 1) return 1;
+  if (tav_deploy_merge_class_fields(read.entries, own, implementation, name) >= 1) return 1;
   deploy::report(HERE, "merge-failed", {.class_name = name});
   return deploy::report(HERE, "class-not-merged", {.class_name = name});
 }
 
-static int merge_all(definitions& read, deploy::class_entries& entries) {
+static int merge_all(definitions& read) {
+  if (read.are_all_merged) return 1;
   tav_ebuf ebuf{};
   dd_walk walk(read.implementations.get(), TAV_FLD_OBJ_DESC);
   while (tav_flist_t* implementation = walk.next(at(&ebuf, HERE))) {
-    if (merge_class(implementation, read.interfaces, entries, &ebuf) < 1) return -1;
+    if (merge_class(implementation, read, &ebuf) < 1) return -1;
   }
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
 }
@@ -117,9 +137,9 @@ static int create_lists(definitions& read) {
 
 int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, deploy::class_entries& entries,
                                  const tav_deploy_ctx_t& ctx) {
-  definitions read;
+  definitions read{entries};
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (merge_all(read, entries) < 1) return deploy::report(HERE, "classes-not-merged");
+  if (merge_all(read) < 1) return deploy::report(HERE, "classes-not-merged");
   if (fill_entries(read.interfaces, entries) < 1) return -1;
   read.implementations.leave();
   fields = std::move(read.fields);

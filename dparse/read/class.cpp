@@ -12,11 +12,16 @@ static constexpr char MODULE[] = "dparse";
 
 namespace dparse {
 
+static dd_flist create(const char* name, tav_ebuf* ebuf) {
+  dd_flist list(tav_flist_create(at(ebuf, HERE)));
+  dd_set_text(list.get(), TAV_FLD_NAME, name, at(ebuf, HERE));
+  return list;
+}
+
 // A class of that name, or null with a message.
 static dd_flist start(const char* name) {
   tav_ebuf ebuf{};
-  dd_flist list(tav_flist_create(at(&ebuf, HERE)));
-  dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
+  dd_flist list = create(name, &ebuf);
   return done(HERE, ebuf) < 1 ? nullptr : std::move(list);
 }
 
@@ -52,10 +57,22 @@ static const block_rules* block_of(const char* name) {
   return nullptr;
 }
 
+// Where the content has been used, the list gets what tells duplicates: the name. Without memory
+// for that it gets all.
+static int append_implementation(const definition_lists& to, dd_flist list, const char* name) {
+  if (to.use && to.use(list.get())) {
+    tav_ebuf ebuf{};
+    dd_flist named = create(name, &ebuf);
+    if (!dd_failed(ebuf)) list = std::move(named);
+  }
+  return append(to.implementations, std::move(list));
+}
+
 // implementation := STORABLE CLASS name IMPLEMENTATION implementation-name "{" block; read up to
 // IMPLEMENTATION.
-static int read_implementation(FILE* stream, dd_list& impls, const char* name, const char* filter) {
-  if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
+static int read_implementation(FILE* stream, const definition_lists& to, const char* name) {
+  const char* filter = to.filter;
+  if (filter == nullptr && dparseIsDuplicateClass(&to.implementations, name) < 0)
     return fail(HERE, message::DUPLICATE_IMPLEMENTATION);
   token_text token;
   dd_flist list = start(name);
@@ -67,21 +84,21 @@ static int read_implementation(FILE* stream, dd_list& impls, const char* name, c
   if (expect_open(stream) < 1) return -1;
   if (read_block(stream, element) < 1) return -1;
   if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
-  return append(impls, std::move(list));
+  return append_implementation(to, std::move(list), name);
 }
 
 // class := STORABLE CLASS name ( "{" | IMPLEMENTATION ); STORABLE has been read.
-int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter) {
+int read_class(FILE* stream, const definition_lists& to) {
   token_text name;
   token_text kind;
   if (!take(stream, name, DPARSE_KEY_CLASS)) return fail(HERE, message::CLASS_EXPECTED);
   if (!take(stream, name, DPARSE_TOKEN_WORD)) return fail(HERE, message::CLASS_NAME_EXPECTED);
   switch (next_token(stream, kind)) {
     case DPARSE_KEY_OPEN:
-      if (read_interface(stream, classes, name.text) > 0) return 1;
+      if (read_interface(stream, to.interfaces, name.text) > 0) return 1;
       return fail(HERE, message::INTERFACE_NOT_READ);
     case DPARSE_KEY_IMPLEMENTATION:
-      if (read_implementation(stream, impls, name.text, filter) > 0) return 1;
+      if (read_implementation(stream, to, name.text) > 0) return 1;
       return fail(HERE, message::IMPLEMENTATION_NOT_READ);
     default:
       return no_opening_brace();
