@@ -12,16 +12,11 @@ static constexpr char MODULE[] = "dparse";
 
 namespace dparse {
 
-static dd_flist create(const char* name, tav_ebuf* ebuf) {
-  dd_flist list(tav_flist_create(at(ebuf, HERE)));
-  dd_set_text(list.get(), TAV_FLD_NAME, name, at(ebuf, HERE));
-  return list;
-}
-
 // A class of that name, or null with a message.
 static dd_flist start(const char* name) {
   tav_ebuf ebuf{};
-  dd_flist list = create(name, &ebuf);
+  dd_flist list(tav_flist_create(at(&ebuf, HERE)));
+  dd_set_text(list.get(), TAV_FLD_NAME, name, at(&ebuf, HERE));
   return done(HERE, ebuf) < 1 ? nullptr : std::move(list);
 }
 
@@ -57,13 +52,12 @@ static const block_rules* block_of(const char* name) {
   return nullptr;
 }
 
-// Where the content has been used, the list gets what tells duplicates: the name. Without memory
-// for that it gets all.
+// Where the content has been used, the list gets what tells duplicates: the name.
 static int append_implementation(const definition_lists& to, dd_flist list, const char* name) {
   if (to.use && to.use(list.get())) {
-    tav_ebuf ebuf{};
-    dd_flist named = create(name, &ebuf);
-    if (!dd_failed(ebuf)) list = std::move(named);
+    list.reset();  // first: what is made next then stands in its place
+    list = start(name);
+    if (list == nullptr) return -1;
   }
   return append(to.implementations, std::move(list));
 }

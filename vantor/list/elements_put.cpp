@@ -35,6 +35,7 @@ element& place_content(element_array& array, int32_t id, tav_node* content) {
 void place_list(tav_flist_t& list, uint32_t field, int32_t id, tav_flist_t* put) {
   element_array& array = need_elements(list, field);
   element* e = find_id(array, id);
+  finish(*put->node, false);
   if (e == nullptr) {
     e = &add(array, id, put->node);
   } else {
