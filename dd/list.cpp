@@ -22,6 +22,13 @@ void dd_list::forget_indexes() {
   forget_numbers();
 }
 
+void dd_list::forget_indexes_for(dd_list& other) {
+  other.forget_indexes();
+  std::swap(names_, other.names_);
+  std::swap(numbers_, other.numbers_);
+  forget_indexes();
+}
+
 void dd_list::forget_numbers() {
   numbers_built_ = false;
   numbers_ = {};

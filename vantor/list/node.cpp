@@ -292,18 +292,18 @@ static void shorten(tav_node& node, size_t size, size_t spare) {
   segment& run = node.first;
   if (run.room() < spare + PLACE) return;
   const auto moved = static_cast<uint16_t>((run.room() - spare) / PLACE * PLACE);
-  uint32_t marks = 0;
-  for (const slot& s : run) marks |= s.tag;
-  if ((marks & slot::LENT) != 0) return;
+  for (const slot& s : run) {
+    if ((s.tag & slot::LENT) != 0) return;
+  }
   const size_t end = size - offsetof(tav_node, first);
   char* low = reinterpret_cast<char*>(&run) + run.low;
   std::memmove(low - moved, low, end - run.low);
   run.low = static_cast<uint16_t>(run.low - moved);
   for (slot& s : run) {
-    const bool has_place = s.is_boxed() || holding_of(s.field()) != holding::INT;
-    if (s.distance == 0 || !has_place) continue;
-    s.distance -= moved;
-    if (is_buf(s.field()) && !s.is_boxed()) static_cast<tav_buf_t*>(s.place())->data -= moved;
+    const bool is_boxed = s.is_boxed();
+    if (!is_boxed && holding_of(s.field()) == holding::INT) continue;
+    if (s.distance != 0) s.distance -= moved;
+    if (!is_boxed && is_buf(s.field())) static_cast<tav_buf_t*>(s.place())->data -= moved;
   }
   shorten_last(size - moved);
 }
