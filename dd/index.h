@@ -98,7 +98,7 @@ class dd_index {
   // A position is an index into entries_ plus 1; 0 means none.
   struct entry {
     Value value;
-    key_type key;  // must not be read once removed: its text may be gone
+    key_type key;   // must not be read once removed: its text may be gone
     uint32_t next;  // position of the key's next value, after the last the first; 0: removed
   };
   // Keeps the hash, so that a search reads an entry only where the hash is equal.

@@ -32,7 +32,7 @@ static int read_interface(FILE* stream, dd_list& classes, const char* name) {
     return fail(HERE, message::DUPLICATE_INTERFACE, name);
   dd_flist list = start(name);
   if (list == nullptr) return -1;
-  target_element element{.list = list.get(), .block = &CLASS_BLOCK};
+  target_element element{.list = list.get(), .block = &CLASS_BLOCK, .class_name = name};
   if (read_block(stream, element) < 1) return -1;
   return append(classes, std::move(list));
 }
@@ -73,7 +73,7 @@ static int read_implementation(FILE* stream, const definition_lists& to, const c
   if (list == nullptr) return -1;
   if (!take(stream, token, DPARSE_TOKEN_WORD))
     return fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
-  target_element element{.list = list.get(), .block = block_of(token.text)};
+  target_element element{.list = list.get(), .block = block_of(token.text), .class_name = name};
   if (element.block == nullptr) return fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
   if (expect_open(stream) < 1) return -1;
   if (read_block(stream, element) < 1) return -1;

@@ -41,7 +41,7 @@ struct filling {
   chunk* into;         // null: none
   uint64_t made;       // blocks, from the beginning
   uint32_t top;        // where the next block stands
-  uint32_t last;       // where the last one stands; 0: it was shortened or freed
+  uint32_t last;       // where the last one stands; 0: it is exact, was shortened or freed
   uint32_t run_start;  // where the run began
   uint32_t run_left;   // how many of its blocks this thread has not freed
 };
@@ -81,20 +81,22 @@ void take_back(uint32_t distance, uint64_t left) noexcept {
 
 }  // namespace
 
-block new_block(size_t size) {
+block new_block(size_t size, bool is_exact) {
   if (size > LARGEST) return {::operator new(size), 0};
   if (here.into == nullptr || CHUNK - here.top < size) next_chunk();
-  here.last = here.top;
+  const uint32_t distance = here.top;
+  here.last = is_exact ? 0 : distance;
   here.top += static_cast<uint32_t>(size);
   ++here.made;
   ++here.run_left;
-  void* memory = here.into->at(here.last);
+  void* memory = here.into->at(distance);
   ASAN_UNPOISON_MEMORY_REGION(memory, size);
-  return {memory, here.last};
+  return {memory, distance};
 }
 
-void free_block(void* memory, uint32_t distance) noexcept {
+void free_block(void* memory, uint32_t distance, size_t head) noexcept {
   if (distance == 0) return ::operator delete(memory);
+  ASAN_POISON_MEMORY_REGION(memory, head);
   auto* from = reinterpret_cast<chunk*>(static_cast<char*>(memory) - distance);
   if (from != here.into) return leave_chunk(from, 1);
   take_back(distance, from->left.fetch_sub(1, std::memory_order_acq_rel) - 1);

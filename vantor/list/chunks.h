@@ -17,16 +17,18 @@ struct block {
   uint32_t distance;  // in bytes from the start of its chunk; 0: it has memory of its own
 };
 
-// Memory of that size, a multiple of 8. Throws std::bad_alloc.
-block new_block(size_t size);
-void free_block(void* memory, uint32_t distance) noexcept;
+// Memory of that size, a multiple of 8. Throws std::bad_alloc. One that is exact is never
+// shortened.
+block new_block(size_t size, bool is_exact = false);
+// Frees a block; under the address sanitizer its first `head` bytes must not be touched any more.
+void free_block(void* memory, uint32_t distance, size_t head) noexcept;
 // Says that what is made from here on may be freed together soon: if this thread frees all of it,
 // the next block stands there again.
 void start_run() noexcept;
 
-// Whether the block that this thread made last still stands at the end and was not shortened.
+// Whether the block that this thread made last still stands at the end and may be shortened.
 bool has_last() noexcept;
-// The size of the block, if this thread made it last and did not shorten it since; else 0.
+// The size of the block, if it is that one; else 0.
 size_t size_of_last(const void* memory) noexcept;
 void shorten_last(size_t size) noexcept;
 

@@ -211,16 +211,16 @@ void share_slot(tav_node& body, slot& from, slot& to) {
 
 }  // namespace
 
-tav_node* new_node(size_t room) {
+tav_node* new_node(size_t room, bool is_exact) {
   room = std::min(room, LARGEST_FIRST);
-  const auto [memory, distance] = new_block(sizeof(tav_node) + rounded(room));
+  const auto [memory, distance] = new_block(sizeof(tav_node) + rounded(room), is_exact);
   return new (memory) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room), distance}};
 }
 
 tav_node* clone(tav_node& from) {
   size_t room = sizeof(slot) + PLACE;  // for one more field: bodies are cloned to be written to
   each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
-  std::unique_ptr<tav_node, reap_node> made(new_node(room));
+  std::unique_ptr<tav_node, reap_node> made(new_node(room, true));
   each_slot(from,
             [&](slot& s) { share_slot(from, s, append(*made, s.field(), place_in_clone(s))); });
   return made.release();
@@ -263,7 +263,7 @@ tav_node* new_filled_node(const tav_value* values, size_t count) {
     room += sizeof(slot) + place_for(values[i].field, size);
     if (i < MANY) sizes[i] = size;
   }
-  std::unique_ptr<tav_node, reap_node> node(new_node(room));
+  std::unique_ptr<tav_node, reap_node> node(new_node(room, true));
   for (size_t i = 0; i < count; ++i) {
     const auto [field, value] = values[i];
     set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
@@ -367,7 +367,7 @@ void free_unless_needed(tav_node* node) noexcept {
     ::operator delete(run);
     run = next;
   }
-  free_block(node, node->first.distance);
+  free_block(node, node->first.distance, sizeof *node);
 }
 
 }  // namespace vantor

@@ -93,8 +93,9 @@ namespace vantor {
 // is given back when the next body is made (see finish).
 constexpr size_t FIRST_ROOM = 320 - sizeof(tav_node);
 
-// A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
-tav_node* new_node(size_t room = FIRST_ROOM);
+// A new, empty body with one owner, and room for slots and values: exactly that, or less when it
+// is finished. Throws std::bad_alloc.
+tav_node* new_node(size_t room = FIRST_ROOM, bool is_exact = false);
 // A new body with these values in it, and room for no more.
 tav_node* new_filled_node(const tav_value* values, size_t count);
 // A new, empty body for the next element of an array, with as much room as

@@ -35,8 +35,8 @@ struct column_use {
 // The uses of tables in the order found. Names are borrowed from the classes or kept here.
 struct table_uses {
   bool keeps_columns;  // else only the tables are asked for, and columns are checked but not added
-  std::deque<table_use> uses{};  // deques, because growing vectors leave as much again behind them
-  std::deque<column_use> columns{};
+  std::vector<table_use> uses{};
+  std::vector<column_use> columns{};
   std::deque<std::string> names{};
 };
 
