@@ -22,6 +22,11 @@ size_t place_for(uint32_t field, size_t size) {
   return is_text(field) ? std::max(size, PLACE) : rounded(size);
 }
 
+// How many bytes all places take with one more.
+size_t places_with(size_t places, uint32_t field, size_t place) {
+  return is_text(field) ? places + place : rounded(places + place);
+}
+
 uint16_t end_of(size_t room) {
   return static_cast<uint16_t>(sizeof(segment) + rounded(room));
 }
@@ -218,9 +223,14 @@ tav_node* new_node(size_t room, bool is_exact) {
 }
 
 tav_node* clone(tav_node& from) {
-  size_t room = sizeof(slot) + PLACE;  // for one more field: bodies are cloned to be written to
-  each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
-  std::unique_ptr<tav_node, reap_node> made(new_node(room, true));
+  size_t slots = sizeof(slot);
+  size_t places = 0;
+  each_slot(from, [&](slot& s) {
+    slots += sizeof(slot);
+    places = places_with(places, s.field(), place_in_clone(s));
+  });
+  places = rounded(places) + PLACE;  // for one more field: bodies are cloned to be written to
+  std::unique_ptr<tav_node, reap_node> made(new_node(slots + places, true));
   each_slot(from,
             [&](slot& s) { share_slot(from, s, append(*made, s.field(), place_in_clone(s))); });
   return made.release();
@@ -257,13 +267,13 @@ void set_value(tav_node& node, uint32_t field, const void* value) {
 tav_node* new_filled_node(const tav_value* values, size_t count) {
   constexpr size_t MANY = 32;
   size_t sizes[MANY];
-  size_t room = 0;
+  size_t places = 0;
   for (size_t i = 0; i < count; ++i) {
     const size_t size = value_size(values[i].field, values[i].value);
-    room += sizeof(slot) + place_for(values[i].field, size);
+    places = places_with(places, values[i].field, place_for(values[i].field, size));
     if (i < MANY) sizes[i] = size;
   }
-  std::unique_ptr<tav_node, reap_node> node(new_node(room, true));
+  std::unique_ptr<tav_node, reap_node> node(new_node(count * sizeof(slot) + places, true));
   for (size_t i = 0; i < count; ++i) {
     const auto [field, value] = values[i];
     set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
