@@ -5,12 +5,21 @@
 
 #include <cstdio>
 
-#include "dd/list.h"
+#include "dparse/read/reader.h"
 
 namespace dparse {
 
+// Where definitions go.
+struct definition_lists {
+  dd_list& fields;
+  dd_list& interfaces;
+  dd_list& implementations;
+  const char* filter;              // an implementation's name; null: all are kept
+  const implementation_user& use;  // may be empty
+};
+
 int read_field(FILE* stream, dd_list& fields, int type_token);
-int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter);
+int read_class(FILE* stream, const definition_lists& to);
 
 }  // namespace dparse
 
