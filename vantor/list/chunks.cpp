@@ -1,5 +1,7 @@
 #include "vantor/list/chunks.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <new>
 
@@ -58,13 +60,23 @@ void leave_filled() noexcept {
   here = {};
 }
 
-struct leave_at_end {
-  ~leave_at_end() { leave_filled(); }
+// Leaves the chunk when its thread ends. A thread_local object with a destructor would do that too,
+// but where there is no memory to note the destructor, the C library ends the program.
+class thread_end {
+ public:
+  thread_end() : is_made_(pthread_key_create(&key_, [](void*) { leave_filled(); }) == 0) {}
+  void expect() const {
+    if (!is_made_ || pthread_setspecific(key_, &here) != 0) throw std::bad_alloc();
+  }
+
+ private:
+  pthread_key_t key_{};
+  bool is_made_;
 };
 
 void next_chunk() {
-  thread_local const leave_at_end at_end;
-  (void)at_end;
+  static const thread_end end;
+  end.expect();
   auto* made = new (::operator new(CHUNK)) chunk;
   ASAN_POISON_MEMORY_REGION(made->at(START), CHUNK - START);
   leave_filled();
