@@ -97,8 +97,8 @@ class dd_index {
  private:
   // A position is an index into entries_ plus 1; 0 means none.
   struct entry {
-    key_type key;  // must not be read once removed: its text may be gone
     Value value;
+    key_type key;   // must not be read once removed: its text may be gone
     uint32_t next;  // position of the key's next value, after the last the first; 0: removed
   };
   // Keeps the hash, so that a search reads an entry only where the hash is equal.
@@ -145,7 +145,7 @@ class dd_index {
     const auto position = static_cast<uint32_t>(entries_.size() + 1);
     slot& own = slots_[place];
     const bool is_first = !is_used(own);
-    entries_.push_back({key, value, is_first ? position : at(own.position).next});
+    entries_.push_back({value, key, is_first ? position : at(own.position).next});
     if (!is_first) at(own.position).next = position;
     own = {hash, position};
   }

@@ -12,13 +12,25 @@ dd_list::dd_list(const dd_shape& shape, tav_flist_t* borrowed) : shape_(&shape),
 void dd_list::give(dd_flist list) {
   owner_ = std::move(list);
   list_ = owner_.get();
-  lent_.clear();
+  lent_ = {};
   forget_indexes();
 }
 
 void dd_list::forget_indexes() {
-  names_built_ = numbers_built_ = false;
+  names_built_ = false;
   names_ = {};
+  forget_numbers();
+}
+
+void dd_list::forget_indexes_for(dd_list& other) {
+  other.forget_indexes();
+  std::swap(names_, other.names_);
+  std::swap(numbers_, other.numbers_);
+  forget_indexes();
+}
+
+void dd_list::forget_numbers() {
+  numbers_built_ = false;
   numbers_ = {};
 }
 
@@ -26,6 +38,7 @@ template <class Index, class Add>
 bool dd_list::build(Index& index, bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
   const int32_t own = list_ != nullptr ? count(ebuf) : 0;
+  if (lent_.empty()) lent_.reserve(reserved_for_lent_);
   index.clear();
   index.reserve(static_cast<size_t>(own) + reserved_for_lent_);
   dd_list_walk walk(*this);

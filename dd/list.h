@@ -54,8 +54,11 @@ class dd_list {
   tav_flist_t* get() const { return list_; }
   // Takes another list over and frees the one before.
   void give(dd_flist list);
-  // Frees the memory of the indexes; the next look-up builds them anew.
+  // Frees the memory of the indexes, or of that by number; the next look-up builds it anew.
   void forget_indexes();
+  void forget_numbers();
+  // Forgets the indexes of both, and takes over the memory of the other's for the next.
+  void forget_indexes_for(dd_list& other);
   // Leaves the list that it owns to the end of the process (dd_leave).
   void leave() { dd_leave(std::move(owner_)); }
 

@@ -93,6 +93,22 @@ static bool same_unmarked_fields(const tav_node* all, const tav_node* unmarked) 
   }
 }
 
+bool holds_all(const held_list& tried, const tav_node* list, uint32_t array,
+               const database_row& database) {
+  if (tried.list == nullptr || tried.target != database.number || tried.counter != database.counter)
+    return false;
+  uint32_t position = 0;
+  uint32_t tried_position = 0;
+  int32_t id = 0;
+  for (;;) {
+    const tav_node* element = tav_node_next(list, array, &position, &id);
+    const tav_node* other =
+        tav_node_next(tav_node_of(tried.list.get()), array, &tried_position, &id);
+    if (element != other) return false;
+    if (element == nullptr) return true;
+  }
+}
+
 // Whether a 585 names exactly the fields that the provisional 576 would have added.
 static bool ends_trial(const session& session, uint32_t opcode, const tav_node* input) {
   if (session.trial.pending.request == nullptr) return false;  // there was no memory to copy it

@@ -22,9 +22,19 @@ enum class trial_state {
   OVER        // every operation is an ordinary one
 };
 
+// A list of which a trial found that the dictionary holds all of it already.
+struct held_list {
+  dd_flist list;  // a copy: what it shares with the list that was tried cannot change any more
+  uint64_t target = 0;               // database number
+  int64_t counter = 0;               // of the database then
+  std::vector<std::string> notes{};  // what carrying it out tells
+};
+
 struct trial {
   trial_state state = trial_state::NONE_YET;
   field_plan pending;
+  held_list fields{};
+  held_list classes{};
   problem refusal{};  // why the pending 576 cannot become real; code 0 when it can
 };
 
@@ -43,6 +53,11 @@ bool settle_trial(session& session, uint32_t opcode, uint32_t flags, const tav_n
                   bool& done, problem& why);
 // The same for the end of the session.
 bool settle_at_end(session& session, problem& why);
+
+// Whether the list has the very elements that a trial found the database to hold, and nobody has
+// written to the database since: then there is nothing to judge and nothing to write.
+bool holds_all(const held_list& tried, const tav_node* list, uint32_t array,
+               const database_row& database);
 
 // Ends the transaction that an operation left open, unless it is the provisional 576's.
 void clean_up(session& session);

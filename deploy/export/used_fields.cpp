@@ -37,6 +37,16 @@ static int include_field(dparse::outlined_entry& entry, deploy::included_fields&
   return deploy::report(HERE, "field-not-included", {.field = name});
 }
 
+// Looking up waits for memory mostly: all slots of a class are asked for before the first is read.
+static void expect(std::span<dparse::outlined_entry> entries,
+                   const deploy::included_fields& included, const dd_list& fields) {
+  for (const dparse::outlined_entry& entry : entries) {
+    const uint32_t hash = dd_hash(entry.name != nullptr ? entry.name : "");
+    fields.prefetch_name(hash);
+    included.places.prefetch(hash);
+  }
+}
+
 // The failure at an entry is one of each entry around it.
 static int fail_all(int depth) {
   for (; depth > 1; --depth) deploy::report(HERE, "entries-not-included");
@@ -49,7 +59,9 @@ int tav_deploy_get_include_class_fields(dparse::class_outline& classes,
                                         const tav_deploy_ctx_t& ctx) {
   if (ctx.select_custom == 0 && ctx.select_predefined == 0) return 1;
   tav_ebuf ebuf{};
-  for (dparse::outlined_entry& entry : dparse::entries_of(classes, storable)) {
+  const std::span<dparse::outlined_entry> entries = dparse::entries_of(classes, storable);
+  expect(entries, included, fields);
+  for (dparse::outlined_entry& entry : entries) {
     if (entry.entry == nullptr) {
       ebuf = classes.failure;
     } else if (include_field(entry, included, fields, ctx, &ebuf) < 1) {

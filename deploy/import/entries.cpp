@@ -1,5 +1,7 @@
 #include "deploy/import/entries.h"
 
+#include <algorithm>
+
 #include "dd/memory.h"
 #include "dd/system_permission.h"
 #include "dd/values.h"
@@ -30,7 +32,8 @@ static void add_entries(std::vector<deploy::class_entry>& entries, tav_flist_t* 
     entry.hash = dd_hash(entry.name);
     if (dd_has_any(element, TAV_FLD_OBJ_ELEM, at(ebuf, HERE))) {
       add_entries(entries, element, ebuf);
-      entries[place].size = static_cast<uint32_t>(entries.size() - place);
+      if (entries.size() > deploy::class_entry::MOST) throw std::bad_alloc();
+      entries[place].size = (entries.size() - place) & deploy::class_entry::MOST;
     }
   }
 }
@@ -43,11 +46,25 @@ static bool is_system(tav_flist_t* element, uint32_t permission, tav_ebuf* ebuf)
   return dd_is_system(dd_text(element, permission, at(ebuf, HERE)));
 }
 
+// Throws std::bad_alloc.
+static deploy::siblings keep(deploy::class_entries& read, deploy::siblings entries) {
+  constexpr size_t MANY = 1024;
+  const auto count = static_cast<size_t>(entries.last - entries.first);
+  auto& blocks = read.blocks;
+  if (blocks.empty() || blocks.back().capacity() - blocks.back().size() < count) {
+    blocks.emplace_back().reserve(std::max(count, MANY));
+  }
+  auto& block = blocks.back();
+  block.insert(block.end(), entries.first, entries.last);
+  deploy::class_entry* end = block.data() + block.size();
+  return {end - count, end};
+}
+
 deploy::siblings deploy::entries_of(deploy::class_entries& read, tav_flist_t* storable,
                                     tav_ebuf* ebuf) {
   if (dd_failed(*ebuf)) return {};
   const auto known = read.classes.find(storable);
-  if (known != read.classes.end()) return all_of(known->second);
+  if (known != read.classes.end()) return known->second;
   const deploy::siblings entries = deploy::read_entries(read.reading, storable, ebuf);
   for (deploy::class_entry& entry : entries) {
     entry.creates_as_system = is_system(entry.element, TAV_FLD_CREATE_PERMISSION, ebuf);
@@ -55,7 +72,7 @@ deploy::siblings deploy::entries_of(deploy::class_entries& read, tav_flist_t* st
   }
   deploy::siblings kept;
   dd_with_memory(at(ebuf, HERE), [&] {
-    kept = all_of(read.classes.try_emplace(storable, entries.first, entries.last).first->second);
+    kept = read.classes.try_emplace(storable, keep(read, entries)).first->second;
   });
   return kept;
 }

@@ -17,18 +17,21 @@ struct class_entry {
   const char* name;               // "" where it is missing
   const char* storage = nullptr;  // TAV_FLD_SQL_TABLE, "" where it is missing; null until read
   uint32_t storage_hash = 0;
-  std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   uint32_t hash = 0;                      // of the name
+  std::optional<int32_t> defined_type{};  // of the field's definition, which may have none
   int32_t type = 0;                       // 0 where it is missing
-  uint32_t size = 1;                      // in records: its own and those of what is nested in it
-  bool creates_as_system = false;         // has that permission, at the top level
-  bool modifies_as_system = false;
-  bool is_defined = false;       // the definition was found
-  bool repeats_earlier = false;  // a sibling before it has its name
-  bool is_repeated = false;      // any other sibling has
+  static constexpr uint32_t MOST = (1u << 27) - 1;  // more would take 6 GB of records
+  uint32_t size : 27 = 1;              // in records: its own and those of what is nested in it
+  bool creates_as_system : 1 = false;  // has that permission, at the top level
+  bool modifies_as_system : 1 = false;
+  bool is_defined : 1 = false;       // the definition was found
+  bool repeats_earlier : 1 = false;  // a sibling before it has its name
+  bool is_repeated : 1 = false;      // any other sibling has
 
   bool has_storage() const { return storage != nullptr && *storage != '\0'; }
 };
+
+static_assert(sizeof(class_entry) <= 48, "there is one for each entry of the input");
 
 // The entries of one node, in order; a walk over them passes over what is nested in them.
 struct siblings {
@@ -55,7 +58,8 @@ inline siblings nested_in(class_entry& entry) {
 
 // The classes that have been read.
 struct class_entries {
-  std::unordered_map<const tav_flist_t*, std::vector<class_entry>> classes;
+  std::unordered_map<const tav_flist_t*, siblings> classes;
+  std::vector<std::vector<class_entry>> blocks;  // of many classes each; none grows once reserved
   std::vector<class_entry> reading;         // the class being read, whose size is not known yet
   dd_index<dd_by_name, class_entry*> seen;  // scratch of mark_repeated
 };

@@ -55,6 +55,10 @@ int tav_deploy_merge_class_fields(deploy::class_entries& read, deploy::siblings 
 
 namespace deploy {
 
+// The same, but tells nothing: false where there was anything to tell. It may then have been done
+// in part, and can be done again.
+bool merge_silently(class_entries& read, siblings interface, tav_flist_t* impl_node,
+                    const char* class_name);
 // Merges each class implementation into its interface, and reads the interfaces' entries.
 int merge_implementations(dd_list& interfaces, dd_list& implementations, class_entries& entries);
 

@@ -28,17 +28,6 @@ void deploy::merge_storage(tav_flist_t* interface_node, tav_flist_t* impl_node, 
   }
 }
 
-static void merge_entry(deploy::class_entry& entry, tav_flist_t* impl_entry, const char* name,
-                        const deploy::entry_scope& scope, tav_ebuf* ebuf) {
-  const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
-  if (dd_failed(*ebuf)) return;
-  if (entry.type != impl_type) {
-    deploy::report(HERE, "implementation-type-mismatch", scope.of(name, IMPLEMENTATION));
-  }
-  deploy::merge_storage(entry.element, impl_entry, ebuf);
-  deploy::read_storage(entry, ebuf);  // while the entry is at hand
-}
-
 namespace {
 
 // The interface's entries of a node. An implementation mostly has them in the same order, so that
@@ -53,10 +42,27 @@ struct counterparts {
 // One class. An implementation may name a node again and again: its entries are gone through once.
 struct merge {
   deploy::class_entries& read;
+  bool is_silent;        // findings and failures are not told, but
+  bool is_clean = true;  // whether there was none
   std::unordered_map<const deploy::class_entry*, counterparts> nodes{};  // by first entry
 };
 
 }  // namespace
+
+static void tell(merge& of_class, dd_site site, deploy::finding what, const char* name,
+                 const deploy::entry_scope& scope) {
+  of_class.is_clean = false;
+  if (!of_class.is_silent) deploy::report(site, what, scope.of(name, IMPLEMENTATION));
+}
+
+static void merge_entry(merge& of_class, deploy::class_entry& entry, tav_flist_t* impl_entry,
+                        const char* name, const deploy::entry_scope& scope, tav_ebuf* ebuf) {
+  const int32_t impl_type = dd_int(impl_entry, TAV_FLD_FIELD_TYPE, at(ebuf, HERE));
+  if (dd_failed(*ebuf)) return;
+  if (entry.type != impl_type) tell(of_class, HERE, "implementation-type-mismatch", name, scope);
+  deploy::merge_storage(entry.element, impl_entry, ebuf);
+  deploy::read_storage(entry, ebuf);  // while the entry is at hand
+}
 
 static deploy::class_entry* look_up(counterparts& in, const char* name) {
   if (!in.is_indexed) {
@@ -93,23 +99,30 @@ static deploy::class_entry* counterpart(counterparts& in, const char* name) {
 }
 
 // The entry that the implementation's was merged into, or null.
-[[gnu::noinline]] static deploy::class_entry* merge_named(counterparts* in, const char* name,
-                                                          tav_flist_t* impl_entry,
+[[gnu::noinline]] static deploy::class_entry* merge_named(merge& of_class, counterparts* in,
+                                                          const char* name, tav_flist_t* impl_entry,
                                                           const deploy::entry_scope& scope,
                                                           tav_ebuf* ebuf) {
   deploy::class_entry* entry = nullptr;
   dd_with_memory(at(ebuf, HERE), [&] { entry = counterpart(*in, name); });
   if (dd_failed(*ebuf)) return nullptr;
   if (entry == nullptr) {
-    deploy::report(HERE, "missing-field-interface", scope.of(name, IMPLEMENTATION));
+    tell(of_class, HERE, "missing-field-interface", name, scope);
     return nullptr;
   }
-  merge_entry(*entry, impl_entry, name, scope, ebuf);
+  merge_entry(of_class, *entry, impl_entry, name, scope, ebuf);
   return entry;
 }
 
-[[gnu::noinline]] static int not_merged(const char* name, const deploy::entry_scope& scope) {
-  return deploy::report(HERE, "entries-not-merged", scope.of(name, IMPLEMENTATION));
+[[gnu::noinline]] static int not_merged(merge& of_class, const char* name,
+                                        const deploy::entry_scope& scope) {
+  tell(of_class, HERE, "entries-not-merged", name, scope);
+  return -1;
+}
+
+[[gnu::noinline]] static int call_failed(merge& of_class, const tav_ebuf& ebuf) {
+  of_class.is_clean = false;
+  return of_class.is_silent ? -1 : deploy::call_failed(HERE, ebuf);
 }
 
 static int merge_node(merge& of_class, deploy::siblings interface, tav_flist_t* impl_node,
@@ -119,19 +132,27 @@ static int merge_node(merge& of_class, deploy::siblings interface, tav_flist_t* 
   dd_walk walk(impl_node, TAV_FLD_OBJ_ELEM);
   while (tav_flist_t* impl_entry = walk.next(at(&ebuf, HERE))) {
     const char* name = dd_text(impl_entry, TAV_FLD_FIELD_NAME, at(&ebuf, HERE));
-    deploy::class_entry* entry = merge_named(in, name, impl_entry, scope, &ebuf);
+    deploy::class_entry* entry = merge_named(of_class, in, name, impl_entry, scope, &ebuf);
     if (!dd_has_any(impl_entry, TAV_FLD_OBJ_ELEM, at(&ebuf, HERE))) continue;
     const deploy::entry_path path{name, scope.around};
     const deploy::entry_scope inside{scope.class_name, &path};
     const deploy::siblings nested =
         entry != nullptr ? deploy::nested_in(*entry) : deploy::siblings{};
-    if (merge_node(of_class, nested, impl_entry, inside) < 1) return not_merged(name, scope);
+    if (merge_node(of_class, nested, impl_entry, inside) < 1)
+      return not_merged(of_class, name, scope);
   }
-  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf) : 1;
+  return dd_failed(ebuf) ? call_failed(of_class, ebuf) : 1;
 }
 
 int tav_deploy_merge_class_fields(deploy::class_entries& read, deploy::siblings interface,
                                   tav_flist_t* impl_node, const char* class_name) {
-  merge of_class{read};
+  merge of_class{read, false};
   return merge_node(of_class, interface, impl_node, {class_name});
+}
+
+bool deploy::merge_silently(deploy::class_entries& read, deploy::siblings interface,
+                            tav_flist_t* impl_node, const char* class_name) {
+  merge of_class{read, true};
+  merge_node(of_class, interface, impl_node, {class_name});
+  return of_class.is_clean;
 }

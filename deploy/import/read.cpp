@@ -26,9 +26,11 @@ using open_file = std::unique_ptr<FILE, close_file>;
 char read_ahead[1 << 16];
 
 struct definitions {
+  deploy::class_entries& entries;  // of the interfaces
   dd_list fields{DD_FIELDS};
   dd_list interfaces{DD_CLASSES};
-  dd_list implementations{DD_CLASSES};
+  dd_list implementations{DD_CLASSES};  // those that are merged have nothing but a name
+  bool are_all_merged = true;
 };
 
 }  // namespace
@@ -38,9 +40,27 @@ static int cannot_open(const char* name, bool is_first) {
                   : deploy::report(HERE, "file-not-opened", {}, {.file = name});
 }
 
+// Merges an implementation while it and its interface are at hand; of nearly all nothing is then
+// left to keep. False, and nothing is told, where there is no interface yet or anything to tell:
+// after all files were read merge_all() does it again.
+static bool merge_at_once(tav_flist_t* implementation, definitions& read) {
+  tav_ebuf ebuf{};
+  const char* name = dd_text(implementation, TAV_FLD_NAME, at(&ebuf, HERE));
+  tav_flist_t* interface = read.interfaces.find(name, at(&ebuf, HERE));
+  if (interface == nullptr) return false;
+  deploy::merge_storage(interface, implementation, &ebuf);
+  const deploy::siblings own = deploy::entries_of(read.entries, interface, &ebuf);
+  return !dd_failed(ebuf) && deploy::merge_silently(read.entries, own, implementation, name);
+}
+
 static int parse(FILE* stream, const char* name, bool is_first, definitions& read) {
   std::setvbuf(stream, read_ahead, _IOFBF, sizeof read_ahead);
-  const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations);
+  const int result = dparseDefFile(stream, &read.fields, &read.interfaces, &read.implementations,
+                                   [&](tav_flist_t* impl) {
+                                     const bool is_merged = merge_at_once(impl, read);
+                                     read.are_all_merged = read.are_all_merged && is_merged;
+                                     return is_merged;
+                                   });
   if (result >= 1) return 1;
   if (result == dparse::UNREADABLE) return cannot_open(name, is_first);
   return deploy::report(
@@ -126,9 +146,12 @@ static int create_lists(definitions& read) {
 
 int tav_deploy_read_import_files(dd_list& fields, dd_list& classes, deploy::class_entries& entries,
                                  const tav_deploy_ctx_t& ctx) {
-  definitions read;
+  definitions read{entries};
   if (create_lists(read) < 1 || read_all(read, ctx) < 1) return -1;
-  if (deploy::merge_implementations(read.interfaces, read.implementations, entries) < 1) return -1;
+  const int merged = read.are_all_merged ? fill_entries(read.interfaces, entries)
+                                         : deploy::merge_implementations(
+                                               read.interfaces, read.implementations, entries);
+  if (merged < 1) return -1;
   read.implementations.leave();
   fields = std::move(read.fields);
   classes = std::move(read.interfaces);

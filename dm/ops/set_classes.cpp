@@ -1,4 +1,5 @@
 // 578: adds and replaces classes in the order of the list; all or nothing.
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -16,8 +17,9 @@ namespace {
 struct old_class {
   int64_t id = 0;  // 0: there is none; -1: one that is earlier in the list of a trial
   int64_t stamp = 0;
-  std::string text;  // its definition as JSON
-  dd_flist list;     // that the definition borrows its values from
+  std::string text;      // its definition as JSON
+  bool is_same = false;  // the class would be stored in just that way; then the rest is not read
+  dd_flist list;         // that the definition borrows its values from
   class_def definition;
 };
 
@@ -44,6 +46,7 @@ struct class_run {
   // In a real run: their definitions before the first and after the last of the list.
   std::map<std::string, repeated_class> rewritten{};
   bool has_written = false;
+  bool changes_any = false;
   class_def definition{};  // of the class that set_class works on, as are the tables
   std::vector<std::string> tables{};
   std::vector<std::string> notes{};
@@ -66,7 +69,7 @@ static void find_repeated(class_run& run) {
   }
 }
 
-// Finds the class that one of that name would replace; false when the store fails.
+// Finds the row of the class that one of that name would replace; false when the store fails.
 static bool find_old(class_run& run, const char* name, old_class& old) {
   const auto tried = run.tried.find(folded(name));
   store* store = run.op.session.store.get();
@@ -86,8 +89,20 @@ static bool find_old(class_run& run, const char* name, old_class& old) {
                                     run.op.why)) {
     return false;
   }
+  return true;
+}
+
+// Reads its definition; false where that is damaged.
+static bool read_old(class_run& run, old_class& old) {
+  const char* name = text_of(run.definition, CLASS_NAME);
   const class_row row{old.id, "", name, old.stamp, old.text.c_str()};
-  return old.id == 0 || load_class(run.reader, row, old.list, old.definition, run.op.why);
+  return load_class(run.reader, row, old.list, old.definition, run.op.why);
+}
+
+// Compares the class with the one that it would replace, which is read where it differs.
+static bool compare_with_old(class_run& run, old_class& old) {
+  old.is_same = old.id != 0 && old.text == run.writer.write(run.definition);
+  return old.id == 0 || old.is_same || read_old(run, old);
 }
 
 // A subclass's own table is not stored.
@@ -175,11 +190,15 @@ static void tell_accepted(class_run& run, const old_class& old) {
   watch({run.definition, before, run.writer.write(run.definition), run.tables});
 }
 
+static bool is_unchanged(class_run& run, const old_class& old) {
+  return old.is_same || (old.id != 0 && old.text == run.writer.write(run.definition));
+}
+
 // An unchanged class is not written.
 static bool write_class(class_run& run, const old_class& old,
                         const std::vector<std::string>& old_tables) {
+  if (is_unchanged(run, old)) return true;
   const std::string_view text = run.writer.write(run.definition);
-  if (old.id != 0 && old.text == text) return true;
   const char* name = text_of(run.definition, CLASS_NAME);
   const std::string key = folded(name);
   class_row row{old.id, key.c_str(), name, run.database.counter + 1, text.data()};
@@ -190,27 +209,49 @@ static bool write_class(class_run& run, const old_class& old,
          write_tables(run, row.id, old_tables);
 }
 
+static void note_tried(class_run& run, const old_class& old) {
+  const std::string key = folded(text_of(run.definition, CLASS_NAME));
+  if (!is_unchanged(run, old)) run.changes_any = true;
+  if (run.repeated.count(key) != 0) run.tried[key] = run.writer.write(run.definition);
+}
+
+// What the class keeps of the one that it replaces.
+static void keep_old(class_run& run, const old_class& old) {
+  if (old.id == 0 || old.is_same) return;
+  const std::string name = quoted(text_of(run.definition, CLASS_NAME));
+  for (const std::string& path : keep_old(run.definition, old.definition)) {
+    run.notes.push_back(
+        join({"Class ", name, " is replaced without its field ", quoted(path), "."}));
+  }
+}
+
+// Damage is told before what else is wrong, also where it did not have to be found.
+static bool refuse_class(class_run& run, old_class& old) {
+  if (old.is_same) read_old(run, old);
+  return false;
+}
+
+static std::vector<std::string> tables_of(const class_run& run, const old_class& old) {
+  if (old.id == 0) return {};
+  return tables_of(old.is_same ? run.definition : old.definition);
+}
+
 static bool set_class(class_run& run, const tav_node* node, int32_t id) {
   read_class(node, id, run.definition);
   run.world.prefetch_fields(run.definition);
   old_class old;
   const char* name = text_of(run.definition, CLASS_NAME);
-  if (!find_old(run, name, old) || !may_set(run, name, old)) return false;
+  if (!find_old(run, name, old)) return false;
   drop_own_table(run);
-  if (old.id != 0) {
-    for (const std::string& path : keep_old(run.definition, old.definition)) {
-      run.notes.push_back(
-          join({"Class ", quoted(name), " is replaced without its field ", quoted(path), "."}));
-    }
-  }
-  if (!is_sound(run)) return false;
-  const std::vector<std::string> old_tables =
-      old.id != 0 ? tables_of(old.definition) : std::vector<std::string>();
+  if (!compare_with_old(run, old)) return false;
+  if (!may_set(run, name, old)) return refuse_class(run, old);
+  keep_old(run, old);
+  if (!is_sound(run)) return refuse_class(run, old);
+  const std::vector<std::string> old_tables = tables_of(run, old);
   run.world.accept(run.definition, run.tables, old_tables);
   tell_accepted(run, old);
   if (!run.is_trial) return write_class(run, old, old_tables);
-  const std::string key = folded(name);
-  if (run.repeated.count(key) != 0) run.tried[key] = run.writer.write(run.definition);
+  note_tried(run, old);
   return true;
 }
 
@@ -251,6 +292,31 @@ static bool finish(class_run& run) {
   return true;
 }
 
+// A trial that found the dictionary to hold all that was sent spares the real operations their
+// judgement. Without memory for the notes they judge again.
+static void note_held(class_run& run) {
+  trial& trial = run.op.session.trial;
+  const auto& asked = trial.pending.asked.fields;
+  const auto is_planned = [](const asked_field& field) { return field.is_planned; };
+  if (run.changes_any || std::any_of(asked.begin(), asked.end(), is_planned)) return;
+  trial.classes = {dd_flist(tav_flist_copy(run.op.list, nullptr)), run.database.number,
+                   run.database.counter, std::move(run.notes)};
+  if (asked.empty()) return;
+  trial.fields = {dd_flist(tav_flist_copy(trial.pending.request.get(), nullptr)),
+                  trial.pending.target,
+                  trial.pending.database.counter,
+                  {}};
+}
+
+static bool set_or_know(class_run& run) {
+  const held_list& held = run.op.session.trial.classes;
+  const bool is_held =
+      !run.is_trial && holds_all(held, run.op.input, TAV_FLD_OBJ_DESC, run.database);
+  if (!is_held) return set_all(run);
+  run.notes = held.notes;
+  return true;
+}
+
 dd_flist set_classes(operation& op) {
   if (!op.session.settings.objects_writeable) return refuse_writes(op, "objects_writeable");
   if ((op.flags & ~static_cast<uint32_t>(TCM_OPFLG_TRIAL)) != 0) {
@@ -263,7 +329,8 @@ dd_flist set_classes(operation& op) {
   if (!find_database(op.session, op.input, 1, database, op.why)) return nullptr;
   class_run run{op, database, is_trial, class_world(*op.session.store, database.id)};
   dd_flist output = nothing_to_give(op);  // before the commit: after it nothing may fail
-  if (output == nullptr || !set_all(run) || (!is_trial && !finish(run))) return nullptr;
+  if (output == nullptr || !set_or_know(run) || (!is_trial && !finish(run))) return nullptr;
+  if (is_trial) note_held(run);
   return output;
 }
 

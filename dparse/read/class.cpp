@@ -30,7 +30,7 @@ static int read_interface(FILE* stream, dd_list& classes, const char* name) {
     return fail(HERE, message::DUPLICATE_INTERFACE, name);
   dd_flist list = start(name);
   if (list == nullptr) return -1;
-  target_element element{.list = list.get(), .block = &CLASS_BLOCK};
+  target_element element{.list = list.get(), .block = &CLASS_BLOCK, .class_name = name};
   if (read_block(stream, element) < 1) return -1;
   return append(classes, std::move(list));
 }
@@ -54,36 +54,47 @@ bool names_implementation(std::string_view word) {
   return block_of(word) != nullptr;
 }
 
+// Where the content has been used, the list gets what tells duplicates: the name.
+static int append_implementation(const definition_lists& to, dd_flist list, const char* name) {
+  if (to.use && to.use(list.get())) {
+    list.reset();  // first: what is made next then stands in its place
+    list = start(name);
+    if (list == nullptr) return -1;
+  }
+  return append(to.implementations, std::move(list));
+}
+
 // implementation := STORABLE CLASS name IMPLEMENTATION implementation-name "{" block; read up to
 // IMPLEMENTATION.
-static int read_implementation(FILE* stream, dd_list& impls, const char* name, const char* filter) {
-  if (filter == nullptr && dparseIsDuplicateClass(&impls, name) < 0)
+static int read_implementation(FILE* stream, const definition_lists& to, const char* name) {
+  const char* filter = to.filter;
+  if (filter == nullptr && dparseIsDuplicateClass(&to.implementations, name) < 0)
     return fail(HERE, message::DUPLICATE_IMPLEMENTATION);
   token_text token;
   dd_flist list = start(name);
   if (list == nullptr) return -1;
   if (!take(stream, token, DPARSE_TOKEN_WORD))
     return fail(HERE, message::IMPLEMENTATION_NAME_EXPECTED);
-  target_element element{.list = list.get(), .block = block_of(token.text)};
+  target_element element{.list = list.get(), .block = block_of(token.text), .class_name = name};
   if (element.block == nullptr) return fail(HERE, message::UNKNOWN_IMPLEMENTATION, token.text);
   if (expect_open(stream) < 1) return -1;
   if (read_block(stream, element) < 1) return -1;
   if (filter != nullptr && !dd_equal(filter, token.text)) return 1;
-  return append(impls, std::move(list));
+  return append_implementation(to, std::move(list), name);
 }
 
 // class := STORABLE CLASS name ( "{" | IMPLEMENTATION ); STORABLE has been read.
-int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter) {
+int read_class(FILE* stream, const definition_lists& to) {
   token_text name;
   token_text kind;
   if (!take(stream, name, DPARSE_KEY_CLASS)) return fail(HERE, message::CLASS_EXPECTED);
   if (!take(stream, name, DPARSE_TOKEN_WORD)) return fail(HERE, message::CLASS_NAME_EXPECTED);
   switch (next_token(stream, kind)) {
     case DPARSE_KEY_OPEN:
-      if (read_interface(stream, classes, name.text) > 0) return 1;
+      if (read_interface(stream, to.interfaces, name.text) > 0) return 1;
       return fail(HERE, message::INTERFACE_NOT_READ);
     case DPARSE_KEY_IMPLEMENTATION:
-      if (read_implementation(stream, impls, name.text, filter) > 0) return 1;
+      if (read_implementation(stream, to, name.text) > 0) return 1;
       return fail(HERE, message::IMPLEMENTATION_NOT_READ);
     default:
       return no_opening_brace();

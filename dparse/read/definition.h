@@ -6,14 +6,23 @@
 #include <cstdio>
 #include <string_view>
 
-#include "dd/list.h"
+#include "dparse/read/reader.h"
 
 namespace dparse {
+
+// Where definitions go.
+struct definition_lists {
+  dd_list& fields;
+  dd_list& interfaces;
+  dd_list& implementations;
+  const char* filter;              // an implementation's name; null: all are kept
+  const implementation_user& use;  // may be empty
+};
 
 int read_field(FILE* stream, dd_list& fields, int type_token);
 // Whether a class's implementation may be called so.
 bool names_implementation(std::string_view word);
-int read_class(FILE* stream, dd_list& classes, dd_list& impls, const char* filter);
+int read_class(FILE* stream, const definition_lists& to);
 
 }  // namespace dparse
 

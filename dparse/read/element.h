@@ -11,6 +11,7 @@ namespace dparse {
 struct target_element {
   tav_flist_t* list;                // borrowed
   const block_rules* block;         // what its braces may hold
+  const char* class_name = "";      // of a class; its list is not asked, which then is packed
   int32_t type = TAV_FLDT_UNUSED;   // of a field
   int32_t entry_count = 0;          // of the entries in it
   tav_flist_t* earlier = nullptr;   // field definition: the one of its name read before

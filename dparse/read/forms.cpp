@@ -30,7 +30,7 @@ int read_quoted_number(FILE* stream, target_element& element, const attribute& r
 }
 
 int read_seq_start(FILE* stream, target_element& element, const attribute& row) {
-  const char* name = text_of(element, TAV_FLD_NAME);
+  const char* name = element.class_name;
   if (!dparseIsTopLevelClass(name)) return fail(HERE, message::SEQ_START_IN_SUBCLASS, name);
   return read_quoted_number(stream, element, row);
 }

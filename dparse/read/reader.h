@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <functional>
 #include <span>
 
 #include "dd/list.h"
@@ -54,13 +55,18 @@ namespace dparse {
 // ferror(stream) holds.
 inline constexpr int UNREADABLE = -2;
 
+// Is shown each implementation before its list gets it. True: nobody needs its content any more;
+// the list then gets one that has only the name.
+using implementation_user = std::function<bool(tav_flist_t* implementation)>;
+
 // Field entries may be nested so deep and no deeper: everything that walks them can rely on it.
 inline constexpr int MAX_DEPTH = 10240;
 
 }  // namespace dparse
 
 // Reads the whole stream: 1, dparse::UNREADABLE, or -1 with a message.
-int dparseDefFile(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list);
+int dparseDefFile(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,
+                  const dparse::implementation_user& use = {});
 // The same; with a filter (an implementation's name), blocks of other implementations are read and
 // dropped, and implementation blocks are not tested for duplicates.
 int dparseDefFileExt(FILE* stream, dd_list* field_list, dd_list* class_list, dd_list* impl_list,

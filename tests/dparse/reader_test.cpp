@@ -88,6 +88,25 @@ TEST(Reader, AFilterDropsOtherImplementationsAndAllowsRepeats) {
   take_log();
 }
 
+TEST(Reader, AUsedImplementationLeavesItsName) {
+  lists read;
+  const std::string text =
+      "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { SQL_TABLE = \"a_t\"; }"
+      "STORABLE CLASS /b IMPLEMENTATION TESSEL7 { SQL_TABLE = \"b_t\"; }"
+      "STORABLE CLASS /A IMPLEMENTATION TESSEL7 { }";
+  const file stream = stream_of(text);
+  std::string shown;
+  EXPECT_EQ(dparseDefFile(stream.get(), &read.fields, &read.classes, &read.impls,
+                          [&](tav_flist_t* implementation) {
+                            shown += text_of(implementation) + ";";
+                            return shown.find("/b") == shown.npos;
+                          }),
+            -1);
+  EXPECT_EQ(shown, "NAME=\"/a\" SQL_TABLE=\"a_t\";NAME=\"/b\" SQL_TABLE=\"b_t\";");
+  EXPECT_EQ(read.text(), "OBJ_DESC[0]{NAME=\"/a\"} OBJ_DESC[1]{NAME=\"/b\" SQL_TABLE=\"b_t\"}");
+  take_log();
+}
+
 TEST(Reader, ListsGrowOverFilesAndKeepWhatStoodBeforeAFailure) {
   lists read;
   EXPECT_EQ(read.read("INT A { }"), 1);

@@ -4,20 +4,22 @@
 #ifndef VANTOR_LIST_ADD_VALUE_H
 #define VANTOR_LIST_ADD_VALUE_H
 
+#include <algorithm>
+
 #include "vantor/list/node.h"
 
 namespace vantor {
 
-// Appends a slot for the field, with `place` bytes for its value, and enters it in the guide. Null
-// where the guide nibble is in use, the body has a second segment, or there is no room.
+// Appends a slot for a number or text, with `place` bytes for its value, and enters it in the
+// guide. Null where the guide nibble is in use, the body has a second segment, or there is no room.
 inline slot* new_slot(tav_node& node, uint32_t field, size_t place) {
   segment& run = node.first;
   const uint32_t index = run.count;
   if (guided(node, field) != 0 || run.next != nullptr || index + 1 >= FURTHER) return nullptr;
   if (run.room() < sizeof(slot) + place) return nullptr;
   slot& fresh = run.begin()[index];
-  run.count = index + 1;
-  run.low -= static_cast<uint32_t>(place);
+  run.count = static_cast<uint16_t>(index + 1);
+  run.low = static_cast<uint16_t>(run.low - place);
   fresh.distance = run.low - static_cast<uint32_t>(sizeof(segment) + index * sizeof(slot));
   fresh.tag = field;
   node.guide |= uint64_t{index + 1} << guide_place(field);
@@ -32,7 +34,7 @@ inline bool add_number(tav_node& node, uint32_t field, const void* value) {
 
 inline bool add_text(tav_node& node, uint32_t field, const void* value) {
   const size_t size = std::strlen(static_cast<const char*>(value)) + 1;
-  slot* fresh = size <= LARGEST_INSIDE ? new_slot(node, field, rounded(size)) : nullptr;
+  slot* fresh = size <= LARGEST_INSIDE ? new_slot(node, field, std::max(size, PLACE)) : nullptr;
   if (fresh != nullptr) std::memcpy(fresh->place(), value, size);
   return fresh != nullptr;
 }

@@ -109,7 +109,7 @@ element* find_after(element_array& array, uint32_t seq) {
   if (element* next = follow(array, seq)) return next;
   const size_t place = past_holes(array.places, place_after(array, seq));
   if (place >= array.places.size()) return nullptr;
-  array.hint = place;
+  array.hint = static_cast<uint32_t>(place);
   return &array.places[place];
 }
 

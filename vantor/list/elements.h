@@ -26,12 +26,12 @@ struct element_array {
   uint32_t refs = 1;              // nodes that share the array
   uint32_t live = 0;              // number of elements, holes not counted
   uint32_t room = 0;              // bytes of room in the body last made for an element; 0: none yet
+  uint32_t hint = 0;              // place of the element that a walk gave last
   tav_flist_t* home = nullptr;    // the list whose elements were handed out; null: no handles
   element_array* link = nullptr;  // the next array in the pile that disown() works off
   uint32_t next_seq = 1;
-  uint64_t owned_at = 0;  // value of `sharings` when all from the root to here was unshared
-  size_t hint = 0;        // place of the element that a walk gave last
   bool dense = true;      // each id is the one before plus 1, also over holes
+  uint64_t owned_at = 0;  // value of `sharings` when all from the root to here was unshared
   std::vector<element> places;
   std::vector<uint32_t> table;  // hash table by id: place plus 1, 0 free; empty until needed
 };
@@ -58,12 +58,12 @@ inline void prefetch(const element_array& array, size_t place) {
 // The fast path of find_after: the next place, if `seq` is 0 or that of the element which a walk
 // gave last, and if the next place is no hole; else null. Moves the hint to the element given.
 inline element* follow(element_array& array, uint32_t seq) {
-  const size_t next = seq == 0 ? 0 : array.hint + 1;
+  const size_t next = seq == 0 ? 0 : size_t{array.hint} + 1;
   if (next >= array.places.size() || (seq != 0 && array.places[next - 1].seq != seq))
     return nullptr;
   element& found = array.places[next];
   if (found.node == nullptr) return nullptr;
-  array.hint = next;
+  array.hint = static_cast<uint32_t>(next);
   prefetch(array, next + AHEAD);
   return &found;
 }

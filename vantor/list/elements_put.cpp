@@ -32,9 +32,18 @@ element& place_content(element_array& array, int32_t id, tav_node* content) {
   return *e;
 }
 
+// The list is complete, mostly.
+static void shrink_arrays(tav_node& node) {
+  each_slot(node, [](slot& s) {
+    if (s.has_elements() && s.elements()->refs == 1) s.elements()->places.shrink_to_fit();
+  });
+}
+
 void place_list(tav_flist_t& list, uint32_t field, int32_t id, tav_flist_t* put) {
   element_array& array = need_elements(list, field);
   element* e = find_id(array, id);
+  finish(*put->node, false);
+  shrink_arrays(*put->node);
   if (e == nullptr) {
     e = &add(array, id, put->node);
   } else {

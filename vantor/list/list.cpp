@@ -3,6 +3,7 @@
 
 #include "vantor/guard.h"
 #include "vantor/list/add_value.h"
+#include "vantor/list/chunks.h"
 #include "vantor/list/elements_put.h"
 #include "vantor/list/reap.h"
 
@@ -56,7 +57,10 @@ bool drop_value(tav_flist_t& list, uint32_t field) {
 }  // namespace
 
 tav_flist_t* tav_flist_create(tav_ebuf* ebuf) {
-  return guarded<tav_flist_t*>({ebuf}, [] { return new_handle(*new_node()); });
+  return guarded<tav_flist_t*>({ebuf}, [] {
+    start_run();
+    return new_handle(*new_node());
+  });
 }
 
 // Frees the list even if the buffer holds an error: else the list would leak.

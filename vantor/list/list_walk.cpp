@@ -90,6 +90,7 @@ tav_flist_t* tav_elem_add_filled(tav_flist_t* list, uint32_t array, int32_t elem
     const int32_t code = refusal(list, array);
     if (code != TAV_ERR_NONE) return fail(about, code);
     element_array& elements = need_elements(*list, array);
+    finish_before_next(*list, elements);
     element& e = place_content(
         elements, elem_id, count > 0 ? new_filled_node(values, count) : new_element_node(elements));
     return hand_out(*list, elements, e);  // cannot throw: the new body has its `housed` handle free

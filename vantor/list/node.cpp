@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "vantor/list/add_value.h"
+#include "vantor/list/chunks.h"
 #include "vantor/list/reap.h"
 
 namespace vantor {
@@ -12,25 +13,40 @@ namespace {
 
 constexpr size_t FURTHER_ROOM = 48;       // bytes for slots and values in the second segment
 constexpr size_t LARGEST_FURTHER = 4096;  // the same in the largest segment
+constexpr size_t LARGEST_FIRST = 32768;   // and in the first
 
 // How many bytes of place a value of that size needs: none for an INT, a pointer's for a boxed one.
 size_t place_for(uint32_t field, size_t size) {
   if (holding_of(field) == holding::INT) return 0;
-  return size <= LARGEST_INSIDE ? rounded(size) : PLACE;
+  if (size > LARGEST_INSIDE) return PLACE;
+  return is_text(field) ? std::max(size, PLACE) : rounded(size);
 }
 
-uint32_t end_of(size_t room) {
-  return static_cast<uint32_t>(sizeof(segment) + rounded(room));
+// How many bytes all places take with one more.
+size_t places_with(size_t places, uint32_t field, size_t place) {
+  return is_text(field) ? places + place : rounded(places + place);
+}
+
+uint16_t end_of(size_t room) {
+  return static_cast<uint16_t>(sizeof(segment) + rounded(room));
 }
 
 segment* new_segment(size_t room) {
-  const uint32_t end = end_of(room);
-  return new (::operator new(end)) segment{nullptr, 0, end};
+  const uint16_t end = end_of(room);
+  return new (::operator new(end)) segment{nullptr, 0, end, 0};
+}
+
+bool is_aligned(slot& s) {
+  return reinterpret_cast<uintptr_t>(s.place()) % PLACE == 0;
 }
 
 // How many bytes of place the slot has. A free slot keeps that number in the place itself.
 size_t place_of(slot& s) {
-  if (s.is_free()) return s.distance != 0 ? *static_cast<uint32_t*>(s.place()) : 0;
+  if (s.is_free()) {
+    uint32_t kept = 0;
+    if (s.distance != 0) std::memcpy(&kept, s.place(), sizeof kept);
+    return kept;
+  }
   if (s.is_boxed() || s.has_elements()) return PLACE;
   return place_for(s.field(), value_size(s.field(), value_of(s)));
 }
@@ -38,7 +54,8 @@ size_t place_of(slot& s) {
 void make_free(slot& s, size_t place) {
   s.tag = 0;
   if (place > 0) {
-    *static_cast<uint32_t*>(s.place()) = static_cast<uint32_t>(place);
+    const auto kept = static_cast<uint32_t>(place);
+    std::memcpy(s.place(), &kept, sizeof kept);
   } else {
     s.distance = 0;
   }
@@ -90,7 +107,8 @@ inline slot& append(tav_node& node, uint32_t field, size_t place) {
   segment& run = segment_with_room(node, place);
   const uint32_t index = run.count++;
   slot& fresh = run.begin()[index];
-  run.low -= static_cast<uint32_t>(place);
+  const size_t low = run.low - place;  // the slots end at a multiple of 8: there is room for that
+  run.low = static_cast<uint16_t>(is_text(field) ? low : low / PLACE * PLACE);
   fresh.distance = run.low - static_cast<uint32_t>(sizeof(segment) + index * sizeof(slot));
   guide_to(node, field, guide_of(node, run, index));
   return fresh;
@@ -116,7 +134,7 @@ void fill(slot& s, uint32_t field, const void* value, size_t size) {
   box* fresh = fits ? nullptr : new_box(field, value, size);
   box* old = s.is_boxed() ? s.boxed() : nullptr;
   if (!fits) {
-    s.boxed() = fresh;
+    s.set_box(fresh);
   } else if (is_int) {
     std::memcpy(&s.number, value, sizeof s.number);
   } else {
@@ -128,18 +146,19 @@ void fill(slot& s, uint32_t field, const void* value, size_t size) {
 
 // Whether a free slot can be used for a value that needs `place` bytes. A place of 8 or more will
 // do, for a larger value as the pointer to its box. An INT needs no place and gets a slot without:
-// its number would overwrite the distance, and the place would be lost.
-bool can_take(slot& s, size_t place) {
+// its number would overwrite the distance, and the place would be lost. That of a text may be
+// aligned for no other.
+bool can_take(slot& s, uint32_t field, size_t place) {
   const size_t has = place_of(s);
-  return place == 0 ? has == 0 : has >= PLACE;
+  return place == 0 ? has == 0 : has >= PLACE && (is_text(field) || is_aligned(s));
 }
 
 // A free slot that can be used for such a value, and the nibble that means it; null: none.
-slot* find_left(tav_node& node, size_t place, unsigned& at) {
+slot* find_left(tav_node& node, uint32_t field, size_t place, unsigned& at) {
   for (segment* run = &node.first; run != nullptr; run = run->next) {
     for (size_t i = 0; i < run->count; ++i) {
       slot& s = run->begin()[i];
-      if (!s.is_free() || !can_take(s, place)) continue;
+      if (!s.is_free() || !can_take(s, field, place)) continue;
       at = guide_of(node, *run, i);
       return &s;
     }
@@ -151,7 +170,7 @@ slot* find_left(tav_node& node, size_t place, unsigned& at) {
 slot& slot_for_new(tav_node& node, uint32_t field, size_t place) {
   if (guided(node, field) != 0) {  // a field of this hash was added, and may have left a slot
     unsigned at = ANYWHERE;
-    if (slot* s = find_left(node, place, at)) {
+    if (slot* s = find_left(node, field, place, at)) {
       guide_to(node, field, at);
       return *s;
     }
@@ -183,11 +202,11 @@ void share_slot(tav_node& body, slot& from, slot& to) {
     enter_elements(to, field, from.elements());
     share_elements(*to.elements());
   } else if (from.is_boxed()) {
-    to.boxed() = from.boxed();
+    to.set_box(from.boxed());
     ++to.boxed()->refs;
     to.tag = field | slot::BOXED;
   } else if ((from.tag & slot::LENT) != 0) {
-    to.boxed() = new_box(body, value_of(from));
+    to.set_box(new_box(body, value_of(from)));
     to.tag = field | slot::BOXED;
   } else {
     const void* value = value_of(from);
@@ -197,15 +216,21 @@ void share_slot(tav_node& body, slot& from, slot& to) {
 
 }  // namespace
 
-tav_node* new_node(size_t room) {
-  const size_t block = sizeof(tav_node) + rounded(room);
-  return new (::operator new(block)) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room)}};
+tav_node* new_node(size_t room, bool is_exact) {
+  room = std::min(room, LARGEST_FIRST);
+  const auto [memory, distance] = new_block(sizeof(tav_node) + rounded(room), is_exact);
+  return new (memory) tav_node{1, 0, 0, {}, {nullptr, 0, end_of(room), distance}};
 }
 
 tav_node* clone(tav_node& from) {
-  size_t room = sizeof(slot) + PLACE;  // for one more field: bodies are cloned to be written to
-  each_slot(from, [&](slot& s) { room += sizeof(slot) + place_in_clone(s); });
-  std::unique_ptr<tav_node, reap_node> made(new_node(room));
+  size_t slots = sizeof(slot);
+  size_t places = 0;
+  each_slot(from, [&](slot& s) {
+    slots += sizeof(slot);
+    places = places_with(places, s.field(), place_in_clone(s));
+  });
+  places = rounded(places) + PLACE;  // for one more field: bodies are cloned to be written to
+  std::unique_ptr<tav_node, reap_node> made(new_node(slots + places, true));
   each_slot(from,
             [&](slot& s) { share_slot(from, s, append(*made, s.field(), place_in_clone(s))); });
   return made.release();
@@ -242,13 +267,13 @@ void set_value(tav_node& node, uint32_t field, const void* value) {
 tav_node* new_filled_node(const tav_value* values, size_t count) {
   constexpr size_t MANY = 32;
   size_t sizes[MANY];
-  size_t room = 0;
+  size_t places = 0;
   for (size_t i = 0; i < count; ++i) {
     const size_t size = value_size(values[i].field, values[i].value);
-    room += sizeof(slot) + place_for(values[i].field, size);
+    places = places_with(places, values[i].field, place_for(values[i].field, size));
     if (i < MANY) sizes[i] = size;
   }
-  std::unique_ptr<tav_node, reap_node> node(new_node(room));
+  std::unique_ptr<tav_node, reap_node> node(new_node(count * sizeof(slot) + places, true));
   for (size_t i = 0; i < count; ++i) {
     const auto [field, value] = values[i];
     set_value(*node, field, value, i < MANY ? sizes[i] : value_size(field, value));
@@ -256,23 +281,69 @@ tav_node* new_filled_node(const tav_value* values, size_t count) {
   return node.release();
 }
 
-// The first element gets FIRST_ROOM; the second what the first took and 24 bytes more; later ones
-// the same as the one before, and 64 more whenever that one needed a second segment.
+// The first element gets FIRST_ROOM; later ones the same as the one before, and 64 bytes more
+// whenever that one needed a second segment.
 static uint32_t room_after(const element_array& array) {
-  constexpr size_t SPARE = 24;
   constexpr uint32_t MORE = 64;
   if (array.places.empty()) return FIRST_ROOM;
   const tav_node* last = array.places.back().node;
-  if (last == nullptr) return array.room;
-  if (last->first.next != nullptr) return std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE);
-  const size_t left = last->first.room();
-  const bool is_first = array.places.size() == 1 && left < array.room && left > SPARE;
-  return is_first ? static_cast<uint32_t>(array.room - left + SPARE) : array.room;
+  const bool is_full = last != nullptr && last->first.next != nullptr;
+  return is_full ? std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE) : array.room;
 }
 
 tav_node* new_element_node(element_array& array) {
   if (array.room != 0 || array.places.empty()) array.room = room_after(array);
   return new_node(array.room != 0 ? array.room : FIRST_ROOM);
+}
+
+// Moves the values down to the slots, but for `spare` bytes, and gives the rest back. Values that
+// were lent must stay where they are, and so must those of a body that others have too: then
+// nothing happens.
+static void shorten(tav_node& node, size_t size, size_t spare) {
+  segment& run = node.first;
+  if (run.room() < spare + PLACE || !is_own(node)) return;
+  const auto moved = static_cast<uint16_t>((run.room() - spare) / PLACE * PLACE);
+  for (const slot& s : run) {
+    if ((s.tag & slot::LENT) != 0) return;
+  }
+  const size_t end = size - offsetof(tav_node, first);
+  char* low = reinterpret_cast<char*>(&run) + run.low;
+  std::memmove(low - moved, low, end - run.low);
+  run.low = static_cast<uint16_t>(run.low - moved);
+  for (slot& s : run) {
+    const bool is_boxed = s.is_boxed();
+    if (!is_boxed && holding_of(s.field()) == holding::INT) continue;
+    if (s.distance != 0) s.distance -= moved;
+    if (!is_boxed && is_buf(s.field())) static_cast<tav_buf_t*>(s.place())->data -= moved;
+  }
+  shorten_last(size - moved);
+}
+
+static tav_node* last_element(tav_node& node) {
+  tav_node* last = nullptr;
+  each_slot(node, [&](slot& s) {
+    if (s.has_elements() && !s.elements()->places.empty()) last = s.elements()->places.back().node;
+  });
+  return last;
+}
+
+void finish(tav_node& node, bool is_element) {
+  // One more text of 8 bytes in an element, one more number in a definition.
+  constexpr size_t ELEMENT_SPARE = sizeof(slot) + PLACE;
+  constexpr size_t ROOT_SPARE = sizeof(slot);
+  constexpr int LEVELS =
+      4;  // not all: where lists are very deep, each end of one would look at all
+  tav_node* at = has_last() ? &node : nullptr;
+  for (int level = 0; at != nullptr && level < LEVELS; ++level) {
+    const size_t size = size_of_last(at);
+    if (size != 0) return shorten(*at, size, is_element || level > 0 ? ELEMENT_SPARE : ROOT_SPARE);
+    at = last_element(*at);
+  }
+}
+
+void finish_before_next(const tav_flist& list, const element_array& array) {
+  if (array.places.empty()) return finish(*list.node, list.array != nullptr);
+  if (array.places.back().node != nullptr) finish(*array.places.back().node, true);
 }
 
 slot& slot_for_elements(tav_node& node, uint32_t field) {
@@ -307,7 +378,7 @@ void free_unless_needed(tav_node* node) noexcept {
     ::operator delete(run);
     run = next;
   }
-  ::operator delete(node);
+  free_block(node, node->first.distance, sizeof *node);
 }
 
 }  // namespace vantor

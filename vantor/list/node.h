@@ -46,22 +46,31 @@ struct slot {
   bool has_elements() const { return holding_of(field()) == holding::ELEMENTS; }
 
   void* place() { return reinterpret_cast<char*>(this) + distance; }
-  box*& boxed() { return *static_cast<box**>(place()); }
+  // The place of a text may begin anywhere, any other at a multiple of 8 bytes.
+  box* boxed() {
+    box* held;
+    std::memcpy(&held, place(), sizeof held);
+    return held;
+  }
+  void set_box(box* held) { std::memcpy(place(), &held, sizeof held); }
   element_array*& elements() { return *static_cast<element_array**>(place()); }
 };
 static_assert(sizeof(slot) == 8);
 
 struct segment {
   segment* next;
-  uint32_t count;  // slots, free ones included
-  uint32_t low;    // bytes from the start of the segment to the lowest place in use
+  uint16_t count;     // slots, free ones included
+  uint16_t low;       // bytes from the start of the segment to the lowest place in use
+  uint32_t distance;  // of a body's first segment: the body's own in its chunk (new_block)
 
   slot* begin() { return reinterpret_cast<slot*>(this + 1); }
   slot* end() { return begin() + count; }
   size_t room() const { return low - sizeof(segment) - count * sizeof(slot); }
 };
+static_assert(sizeof(segment) == 16);
 
-// The place of a value: the bytes that it takes in the segment beside its slot, a multiple of 8.
+// The place of a value: the bytes that it takes in the segment beside its slot, 8 or more; of any
+// but a text a multiple of 8.
 constexpr size_t PLACE = 8;              // the smallest place: a pointer fits in
 constexpr size_t LARGEST_INSIDE = 1024;  // values of more bytes stand behind a box
 inline size_t rounded(size_t size) {
@@ -80,17 +89,23 @@ struct tav_node {
 
 namespace vantor {
 
-// Room for slots and values: what a field definition or an entry needs. With the head of the body
-// that makes a block of 192 bytes.
-constexpr size_t FIRST_ROOM = 192 - sizeof(tav_node);
+// Room for slots and values: more than a field definition or an entry needs. What it did not need
+// is given back when the next body is made (see finish).
+constexpr size_t FIRST_ROOM = 320 - sizeof(tav_node);
 
-// A new, empty body with one owner, and room for slots and values. Throws std::bad_alloc.
-tav_node* new_node(size_t room = FIRST_ROOM);
+// A new, empty body with one owner, and room for slots and values: exactly that, or less when it
+// is finished. Throws std::bad_alloc.
+tav_node* new_node(size_t room = FIRST_ROOM, bool is_exact = false);
 // A new body with these values in it, and room for no more.
 tav_node* new_filled_node(const tav_value* values, size_t count);
 // A new, empty body for the next element of an array, with as much room as
 // earlier ones came to need.
 tav_node* new_element_node(element_array& array);
+// Shortens the body that this thread made last to what it holds, if it is this one or the last
+// below it. What is added later has a little room; then it needs a second segment.
+void finish(tav_node& node, bool is_element);
+// The same before the next element is added to an array of this list.
+void finish_before_next(const tav_flist& list, const element_array& array);
 // A copy of the body, with one owner. Copies the values but shares the element arrays, and so all
 // levels below. Throws std::bad_alloc.
 tav_node* clone(tav_node& from);

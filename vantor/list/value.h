@@ -51,6 +51,11 @@ inline bool is_value(holding held) {
   return held == holding::INT || held == holding::VALUE;
 }
 
+inline bool is_text(uint32_t field) {
+  const int32_t type = DD_FIELD_ID_TYPE(field);
+  return type == TAV_FLDT_STRING || type == TAV_FLDT_DECIMAL;
+}
+
 inline bool is_buf(uint32_t field) {
   const int32_t type = DD_FIELD_ID_TYPE(field);
   return type == TAV_FLDT_BUF || type == TAV_FLDT_BINSTR;

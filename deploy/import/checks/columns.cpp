@@ -14,7 +14,7 @@ namespace {
 // Where entries are collected.
 struct target {
   deploy::table_uses& tables;
-  size_t table;            // deploy::NO_PLACE for none
+  deploy::place table;     // deploy::NO_PLACE for none
   const char* table_name;  // null for none
   deploy::entry_scope scope;
 };
@@ -35,27 +35,27 @@ static deploy::subject subject_of(const target& to, const deploy::class_entry& e
   return about;
 }
 
-size_t deploy::add_table(deploy::table_uses& tables, const deploy::table_use& use) {
+deploy::place deploy::add_table(deploy::table_uses& tables, const deploy::table_use& use) {
   tables.uses.push_back(use);
-  return tables.uses.size() - 1;
+  return static_cast<deploy::place>(tables.uses.size() - 1);
 }
 
 // The place of a new use of the table; none, and a failure in the buffer, without memory for it.
-static size_t add_table(const target& to, const deploy::class_entry& entry, const char* name,
-                        tav_ebuf* ebuf) {
-  size_t place = deploy::NO_PLACE;
+static deploy::place add_table(const target& to, const deploy::class_entry& entry, const char* name,
+                               tav_ebuf* ebuf) {
+  deploy::place place = deploy::NO_PLACE;
   const deploy::table_use use{name, to.scope.class_name, entry.name, to.table};
   dd_with_memory(ebuf, [&] { place = deploy::add_table(to.tables, use); });
   return place;
 }
 
-static void add_column(deploy::table_uses& tables, size_t table, const deploy::column_use& added,
-                       tav_ebuf* ebuf) {
+static void add_column(deploy::table_uses& tables, deploy::place table,
+                       const deploy::column_use& added, tav_ebuf* ebuf) {
   if (!tables.keeps_columns) return;
   dd_with_memory(ebuf, [&] { tables.columns.push_back(added); });
   if (dd_failed(*ebuf)) return;
   deploy::table_use& use = tables.uses[table];
-  const size_t column = tables.columns.size() - 1;
+  const auto column = static_cast<deploy::place>(tables.columns.size() - 1);
   const bool is_first = use.last_column == deploy::NO_PLACE;
   (is_first ? use.first_column : tables.columns[use.last_column].next) = column;
   use.last_column = column;
@@ -86,7 +86,7 @@ static int collect_buf(const target& to, const deploy::class_entry& entry) {
   }
   tav_ebuf ebuf{};
   buf_storage names;
-  size_t table = deploy::NO_PLACE;
+  deploy::place table = deploy::NO_PLACE;
   dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, entry.storage); });
   if (*names.table != '\0') {
     table = add_table(to, entry, names.table, at(&ebuf, HERE));
@@ -109,7 +109,7 @@ static int collect_buf(const target& to, const deploy::class_entry& entry) {
 }
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
-static bool find_table(const target& to, const deploy::class_entry& entry, size_t& table) {
+static bool find_table(const target& to, const deploy::class_entry& entry, deploy::place& table) {
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-table", subject_of(to, entry, "SQL_TABLE"));
     return true;
@@ -124,7 +124,7 @@ static bool find_table(const target& to, const deploy::class_entry& entry, size_
 static int collect_entries(const target& to, deploy::siblings entries);
 
 static int collect_nested(const target& to, deploy::class_entry& entry) {
-  size_t table = deploy::NO_PLACE;
+  deploy::place table = deploy::NO_PLACE;
   if (!find_table(to, entry, table)) return -1;
   const char* table_name = table != deploy::NO_PLACE ? entry.storage : nullptr;
   const deploy::entry_path path{entry.name, to.scope.around};
@@ -167,7 +167,8 @@ static int collect_entries(const target& to, deploy::siblings entries) {
   return 1;
 }
 
-int tav_deploy_get_table_columns(deploy::table_uses& tables, size_t table, deploy::siblings entries,
-                                 const char* table_name, const char* class_name) {
+int tav_deploy_get_table_columns(deploy::table_uses& tables, deploy::place table,
+                                 deploy::siblings entries, const char* table_name,
+                                 const char* class_name) {
   return collect_entries({tables, table, table_name, {class_name}}, entries);
 }

@@ -97,10 +97,13 @@ int deploy::import_fields(deploy::import_state& state) {
   tav_ebuf ebuf{};
   state.working_fields.give(std::move(state.server_fields));
   state.working_fields.reserve_lent(state.fields.count(at(&ebuf, HERE)));
+  // Of a new dictionary nobody asks for the input's names, which take 6 MB for 100,000 fields.
+  state.fields.forget_indexes_for(state.working_fields);
   dd_walk walk(state.fields.get(), TAV_FLD_FIELD);
   while (tav_flist_t* element = walk.next(at(&ebuf, HERE))) {
     check_field(state, walk.id(), element, &ebuf);
   }
   state.fields.forget_indexes();
+  state.working_fields.forget_numbers();
   return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "field-list-failed") : 1;
 }

@@ -64,7 +64,7 @@ static int collect_class(deploy::table_uses& tables, tav_flist_t* storable, bool
   const class_table read = read_class(storable, is_new, ebuf);
   if (dd_failed(*ebuf)) return 1;
   check_class_table(read);
-  size_t table = deploy::NO_PLACE;
+  deploy::place table = deploy::NO_PLACE;
   if (read.table != nullptr && read.may_name_table) {
     dd_with_memory(at(ebuf, HERE), [&] {
       table = deploy::add_table(tables, {read.table, read.class_name});

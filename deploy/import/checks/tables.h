@@ -10,17 +10,18 @@
 
 namespace deploy {
 
-// Of a table or column: there is none.
-inline constexpr size_t NO_PLACE = SIZE_MAX;
+// Where a table or column stands among all; of none NO_PLACE.
+using place = uint32_t;
+inline constexpr place NO_PLACE = UINT32_MAX;
 
 // A use of a table. Its columns are a chain, because those of nested entries come between them.
 struct table_use {
   const char* name;
   const char* class_name = nullptr;  // whose it is
   const char* field = nullptr;       // of the entry that names it; null for the class's own
-  size_t around = NO_PLACE;          // the use of the table that the entry stands in
-  size_t first_column = NO_PLACE;
-  size_t last_column = NO_PLACE;
+  place around = NO_PLACE;           // the use of the table that the entry stands in
+  place first_column = NO_PLACE;
+  place last_column = NO_PLACE;
   bool is_serializable = false;  // may be shared; the collection itself finds no such use
 };
 
@@ -28,7 +29,7 @@ struct column_use {
   const char* name;
   const char* field;  // of the entry that names it
   uint32_t hash;      // of the name
-  size_t next = NO_PLACE;
+  place next = NO_PLACE;
 };
 
 // The uses of tables in the order found. Names are borrowed from the classes or kept here.
@@ -41,15 +42,16 @@ struct table_uses {
 };
 
 // Adds a use of a table and gives its place. Throws std::bad_alloc.
-size_t add_table(table_uses& tables, const table_use& use);
+place add_table(table_uses& tables, const table_use& use);
 
 }  // namespace deploy
 
 // Collects the tables and columns of a class's entries, whose definitions have been sought. The
 // table's place and name are those of the class, where it has them. 1 also when faults were
 // reported, -1 on a failure that stops the check.
-int tav_deploy_get_table_columns(deploy::table_uses& tables, size_t table, deploy::siblings entries,
-                                 const char* table_name, const char* class_name);
+int tav_deploy_get_table_columns(deploy::table_uses& tables, deploy::place table,
+                                 deploy::siblings entries, const char* table_name,
+                                 const char* class_name);
 
 namespace deploy {
 
@@ -58,13 +60,13 @@ struct table_counts {
   struct uses {
     int32_t all = 0;
     int32_t serializable = 0;
-    size_t last = 0;  // its place
+    place last = 0;
   };
 
   const table_uses& tables;  // must not change once counted
   bool counted = false;
-  std::vector<uses> by_place{};                // a name's at its first place
-  dd_index<dd_by_name, size_t> first_place{};  // of each name
+  std::vector<uses> by_place{};               // a name's at its first place
+  dd_index<dd_by_name, place> first_place{};  // of each name
 };
 
 }  // namespace deploy

@@ -10,9 +10,9 @@ using enum deploy::definition_side;
 static void count_all(deploy::table_counts& counts) {
   counts.by_place.assign(counts.tables.uses.size(), {});
   counts.first_place.clear();
-  for (size_t place = 0; place < counts.tables.uses.size(); ++place) {
+  for (deploy::place place = 0; place < counts.tables.uses.size(); ++place) {
     const deploy::table_use& table = counts.tables.uses[place];
-    const size_t first = counts.first_place.add_first(table.name, place);
+    const deploy::place first = counts.first_place.add_first(table.name, place);
     ++counts.by_place[first].all;
     counts.by_place[first].last = place;
     if (table.is_serializable) ++counts.by_place[first].serializable;
@@ -24,7 +24,7 @@ int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* nam
   tav_ebuf ebuf{};
   if (!counts.counted) dd_with_memory(at(&ebuf, HERE), [&] { count_all(counts); });
   if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf);
-  const size_t* place = counts.first_place.find(name);
+  const deploy::place* place = counts.first_place.find(name);
   if (place == nullptr) return 0;
   const deploy::table_counts::uses& uses = counts.by_place[*place];
   return uses.all >= 2 && uses.serializable >= 1 ? 1 : uses.all;
@@ -33,7 +33,8 @@ int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* nam
 using column_index = dd_index<dd_by_name, const deploy::column_use*>;
 
 // The entries from a use's outwards; told to a sink only.
-static std::vector<deploy::entry_path> path_from(const deploy::table_uses& tables, size_t use) {
+static std::vector<deploy::entry_path> path_from(const deploy::table_uses& tables,
+                                                 deploy::place use) {
   std::vector<deploy::entry_path> path;
   if (!deploy::has_sink()) return path;
   for (; use != deploy::NO_PLACE; use = tables.uses[use].around) {
@@ -44,7 +45,7 @@ static std::vector<deploy::entry_path> path_from(const deploy::table_uses& table
 }
 
 // A BUF names table and column; any other column stands in the entry that names the table.
-static void report_column(const deploy::table_uses& tables, size_t use,
+static void report_column(const deploy::table_uses& tables, deploy::place use,
                           const deploy::column_use& column) {
   const deploy::table_use& table = tables.uses[use];
   const bool is_buf = column.field == table.field;
@@ -62,13 +63,13 @@ static void report_column(const deploy::table_uses& tables, size_t use,
 // The first use of the table's name, or the last one where this is the first.
 static const deploy::table_use& other_use(const deploy::table_counts& counts,
                                           const deploy::table_use& table) {
-  const size_t place = *counts.first_place.find(table.name);
+  const deploy::place place = *counts.first_place.find(table.name);
   const deploy::table_use& first = counts.tables.uses[place];
   const bool is_first = first.class_name == table.class_name && first.field == table.field;
   return is_first ? counts.tables.uses[counts.by_place[place].last] : first;
 }
 
-static void report_table(const deploy::table_uses& tables, size_t use,
+static void report_table(const deploy::table_uses& tables, deploy::place use,
                          const deploy::table_counts& counts) {
   const deploy::table_use& table = tables.uses[use];
   const auto path = path_from(tables, table.around);
@@ -82,9 +83,10 @@ static void report_table(const deploy::table_uses& tables, size_t use,
                   .attribute = "SQL_TABLE"});
 }
 
-static void report_repeated(const deploy::table_uses& tables, size_t use, column_index& seen) {
+static void report_repeated(const deploy::table_uses& tables, deploy::place use,
+                            column_index& seen) {
   seen.clear();
-  for (size_t place = tables.uses[use].first_column; place != deploy::NO_PLACE;
+  for (deploy::place place = tables.uses[use].first_column; place != deploy::NO_PLACE;
        place = tables.columns[place].next) {
     const deploy::column_use& column = tables.columns[place];
     if (seen.add_first(column.name, column.hash, &column) == &column) continue;
@@ -93,7 +95,7 @@ static void report_repeated(const deploy::table_uses& tables, size_t use, column
 }
 
 // The index is the caller's, to be filled anew for each table.
-static int check_columns(const deploy::table_uses& tables, size_t use, column_index& seen) {
+static int check_columns(const deploy::table_uses& tables, deploy::place use, column_index& seen) {
   tav_ebuf ebuf{};
   dd_with_memory(at(&ebuf, HERE), [&] { report_repeated(tables, use, seen); });
   if (!dd_failed(ebuf)) return 1;
@@ -103,7 +105,7 @@ static int check_columns(const deploy::table_uses& tables, size_t use, column_in
 
 static int check_tables(const deploy::table_uses& tables, deploy::table_counts& counts) {
   column_index columns;
-  for (size_t use = 0; use < tables.uses.size(); ++use) {
+  for (deploy::place use = 0; use < tables.uses.size(); ++use) {
     const int count = tav_deploy_count_table_by_name(counts, tables.uses[use].name);
     if (count < 0) return -1;
     if (count > 1) report_table(tables, use, counts);
