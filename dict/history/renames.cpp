@@ -44,7 +44,7 @@ static std::string members_of(const told_rename& one) {
 std::string renames_detail(const std::vector<told_rename>& renames) {
   std::string list;
   if (renames.empty()) return "";
-  if (renames.size() == 1) return "," + members_of(renames.front());
+  if (renames.size() == 1) return std::string(",").append(members_of(renames.front()));
   for (const told_rename& one : renames) {
     list.append(list.empty() ? "{" : ",{").append(members_of(one)).append("}");
   }
