@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 
 #include "dict/change/change.h"
@@ -123,6 +124,12 @@ static int tell_end(const intended_change& change, const outcome& all) {
   return DONE;
 }
 
+// What is predefined is never compared; that it should go will be refused.
+static bool anything_goes(const intended_change& change) {
+  return std::any_of(change.wanted.begin(), change.wanted.end(),
+                     [](const dm::wanted_thing& thing) { return !thing.state; });
+}
+
 // Where definitions would be told apart by nothing, that is said of it what can be said.
 static void tell_differences(const intended_change& change, const outcome& all) {
   if (all.how.is_json || !all.differs) return;
@@ -132,7 +139,7 @@ static void tell_differences(const intended_change& change, const outcome& all) 
   } else if (!old_name.empty()) {
     std::cout << "Only the spelling changes: " << visible{old_name} << " -> " << visible{new_name}
               << ".\n";
-  } else {
+  } else if (!anything_goes(change)) {
     std::cout << "Only what is no difference between definitions changes, such as spelling.\n";
   }
   std::cout.flush();

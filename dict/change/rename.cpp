@@ -34,6 +34,12 @@ static bool is_only_respelled(const request& asked) {
   return dd_equal(asked.old_name.c_str(), asked.new_name.c_str());
 }
 
+static bool is_below_itself(const request& asked) {
+  const dm::key_range below = dm::keys_below(dm::folded(asked.old_name));
+  const std::string key = dm::folded(asked.new_name);
+  return below.from <= key && key < below.to;
+}
+
 // Refuses a name that cannot be, or that something else has. One that is only spelled differently
 // may be the thing's own.
 static bool judge_name(intended_change& change, dm::change_of what, const request& asked,
@@ -44,6 +50,9 @@ static bool judge_name(intended_change& change, dm::change_of what, const reques
   const char* fault = is_field ? dm::field_name_fault(name) : dm::class_name_fault(name);
   if (fault != nullptr) {
     refuse(change, what, asked.new_name, dm::join({"cannot have this name: it ", fault}));
+  }
+  if (!is_field && is_below_itself(asked)) {
+    refuse(change, what, asked.old_name, "cannot be renamed to a name below its own");
   }
   if (is_only_respelled(asked)) return true;
   if (!dm::present_state(*change.from.store, change.from.database.id, what, name, state, why)) {

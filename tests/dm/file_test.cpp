@@ -230,6 +230,18 @@ TEST_F(dictionary_file, is_read_beside_a_busy_writer_without_any_right) {
   waitpid(writer, nullptr, 0);
 }
 
+TEST_F(dictionary_file, is_not_read_where_no_memory_is_left_for_its_copy) {
+  only_look();
+  int refused = 0;
+  for (std::string opened; opened != "ok"; ++refused) {
+    ASSERT_LT(refused, 100);
+    sqlite3_hard_heap_limit64(sqlite3_memory_used() + refused * (1 << 15));
+    opened = client(settings, 10).opened;
+    sqlite3_hard_heap_limit64(1ll << 40);  // 0 would leave the limit
+  }
+  EXPECT_GT(refused, int(fs::file_size(path) >> 15));
+}
+
 // --- Rows and waits ---------------------------------------------------------------------------
 
 TEST_F(dictionary_file, whose_trigger_swallows_rows_stays_as_it_was) {
