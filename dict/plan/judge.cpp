@@ -21,8 +21,12 @@ bool open_snapshot(snapshot& on, dm::problem& why) {
   dm::session& session = on.session;
   if (!dm::read_settings(session.settings, why)) return false;
   session.store = dm::open_dictionary(session.settings, {}, why);
-  if (session.store == nullptr || !dm::begin_read(session, why)) return false;
-  dm::store* store = session.store.get();
+  return session.store != nullptr && begin_snapshot(on, why);
+}
+
+bool begin_snapshot(snapshot& on, dm::problem& why) {
+  dm::store* store = on.session.store.get();
+  if (!dm::begin_read(on.session, why)) return false;
   return !dm::has_journal(*store) || (store->calls->identity(store, on.identity, why) &&
                                       store->calls->journal_end(store, on.head, why));
 }
