@@ -97,7 +97,8 @@ void judge(snapshot& on, const std::vector<lint::source>& sources, judged& resul
   const lint::world world{
       .fields = on.held.fields.get(),
       .classes = on.held.classes.get(),
-      .refuse = [&](const lint::deployment& sent) { return refused(on, sent, result); }};
+      .refuse = [&](const lint::deployment& sent) { return refused(on, sent, result); },
+      .ends_soon = true};
   lint::result found = lint::lint(sources, world);
   std::erase_if(found.told, [](const auto& each) { return each.told != lint::level::ERROR; });
   result.untold = found.untold[static_cast<size_t>(lint::level::ERROR)];
