@@ -1,9 +1,8 @@
 // Pairs the elements of both sides by name, and compares the pairs.
-#include <unordered_set>
-
 #include "dd/values.h"
 #include "dd/walk.h"
 #include "dict/diff/values.h"
+#include "vantor/binding.h"
 
 namespace dict {
 
@@ -27,34 +26,44 @@ struct matched {
 
 }  // namespace
 
-// What only `before` has.
-static void add_missing(const both& sides, const std::unordered_set<tav_flist_t*>& taken,
-                        std::vector<matched>& pairs, tav_ebuf* ebuf) {
-  dd_walk rest(sides.before, sides.array);
-  while (tav_flist_t* element = rest.next(at(ebuf, HERE))) {
-    if (taken.count(element) == 0) pairs.push_back({element, nullptr});
+// Whether any name of `before` is one of those. Unlike a walk this hands nothing out, which would
+// cost more than reading the names of a whole dictionary.
+static bool has_any(const both& sides, const dd_index<dd_by_name, size_t>& names) {
+  uint32_t position = 0;
+  int32_t id = 0;
+  const tav_node* list = tav_node_of(sides.before);
+  while (const tav_node* each = tav_node_next(list, sides.array, &position, &id)) {
+    const auto* name = static_cast<const char*>(tav_node_get(each, sides.kind.name));
+    if (names.find(name != nullptr ? name : "") != nullptr) return true;
   }
+  return false;
 }
 
 // Pairs the elements. Of several with the same name the first is paired with the first, and so on.
-// Gives the pairs in the order of `after`, then, if it is wanted, what only `before` has.
+// Gives the pairs in the order of `after`, then, if it is wanted, what only `before` has. Names of
+// `after` are indexed: a few definitions are compared with a whole dictionary more often than not.
 static std::vector<matched> match(const both& sides, bool with_missing, tav_ebuf* ebuf) {
-  dd_index<dd_by_name> unmatched;
-  std::vector<matched> result;
-  std::unordered_set<tav_flist_t*> taken;
-  dd_walk before(sides.before, sides.array);
-  while (tav_flist_t* element = before.next(at(ebuf, HERE))) {
-    unmatched.add(dd_text(element, sides.kind.name, at(ebuf, HERE)), element);
-  }
+  dd_index<dd_by_name, size_t> unmatched;
+  std::vector<matched> result, missing;
   dd_walk after(sides.after, sides.array);
   while (tav_flist_t* element = after.next(at(ebuf, HERE))) {
-    const char* name = dd_text(element, sides.kind.name, at(ebuf, HERE));
-    tav_flist_t* const* first = unmatched.find(name);
-    tav_flist_t* old = first != nullptr ? *first : nullptr;
-    if (old != nullptr) unmatched.remove(name, old), taken.insert(old);
-    result.push_back({old, element});
+    unmatched.add(dd_text(element, sides.kind.name, at(ebuf, HERE)), result.size());
+    result.push_back({nullptr, element});
   }
-  if (with_missing) add_missing(sides, taken, result, ebuf);
+  if (dd_failed(*ebuf) || (!with_missing && !has_any(sides, unmatched))) return result;
+  dd_walk before(sides.before, sides.array);
+  while (tav_flist_t* element = before.next(at(ebuf, HERE))) {
+    const char* name = dd_text(element, sides.kind.name, at(ebuf, HERE));
+    const size_t* first = unmatched.find(name);
+    if (first != nullptr) {
+      const size_t place = *first;
+      result[place].before = element;
+      unmatched.remove(name, place);
+    } else if (with_missing) {
+      missing.push_back({element, nullptr});
+    }
+  }
+  result.insert(result.end(), missing.begin(), missing.end());
   return result;
 }
 

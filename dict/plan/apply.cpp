@@ -7,15 +7,12 @@
 #include "dict/change/change.h"
 #include "dict/diff/json.h"
 #include "dict/options.h"
-#include "dict/plan/stale.h"
+#include "dict/plan/deploy.h"
 #include "dict/terminal/colour.h"
 #include "dict/terminal/question.h"
 #include "dict/terminal/visible.h"
-#include "vantor/binding.h"
 
 namespace dict {
-
-static constexpr char MODULE[] = "tav_dict";
 
 namespace {
 
@@ -64,10 +61,6 @@ static void print_json(const applying& in, const standing& now, const told_plan*
 }
 
 // --- Where there is nothing to deploy ------------------------------------------------------------
-
-static bool can_deploy(const standing& now) {
-  return !now.is_done && now.stale.empty();
-}
 
 static int tell_stale(const standing& now) {
   if (now.application != 0)
@@ -129,16 +122,6 @@ static bool open(applying& in, dm::problem& why) {
 
 // --- What it would do ----------------------------------------------------------------------------
 
-static bool results_fit(const applying& in, const dm::deployment_result& result, dm::problem& why) {
-  const digests_of_things results = results_of(result);
-  if (results.fields == in.made.results.fields && results.classes == in.made.results.classes)
-    return true;
-  why.sentence =
-      "The definitions of the plan would come to something else than when it was made, by another "
-      "version of this program: make it anew.";
-  return false;
-}
-
 static bool is_allowed(const applying& in, const told_plan& told, dm::problem& why) {
   if (told.losses.empty() || in.asked.allows_losses) return true;
   why.sentence = dm::join({"The plan is destructive (", told.losses.front(),
@@ -165,32 +148,14 @@ static bool is_meant(const applying& in, dm::problem& why) {
   return false;
 }
 
-static bool commit(applying& in, const dm::deployment_result& result, dm::problem& why) {
-  const std::string detail = "{\"plan\":\"" + in.made.digest + "\"}";
-  if (!dm::commit_write(in.on.session, dm::journal_kind::APPLY, in.made.database, why, detail))
-    return false;
-  for (const std::string& note : result.notes)
-    tav_component_log(tav_component::DM, 1, note.c_str(), HERE);
-  return true;
-}
-
 // While a person thinks nobody is kept waiting: what the plan saw must be so under the lock.
 static int deploy(applying& in, const told_plan& told) {
-  dm::session& session = in.on.session;
   dm::problem why;
   standing now;
-  dm::deployment_result result;
-  session.seen.clear();  // digests tell more than stamps
-  if (!dm::begin_write(session, why) || !choose_database(in.made.database, in.on, why) ||
-      !find_standing(*session.store, in.on.database, in.made, now, why))
-    return fail(why);
+  if (!deploy_plan(in.on, in.made, in.files, now, why)) return fail(why);
   if (!can_deploy(now)) return tell(in, now);
-  const auto lists = lists_of(in.files, in.made.database);
-  if (!dm::write_deployment(session, lists, result, why) || !results_fit(in, result, why) ||
-      !commit(in, result, why))
-    return fail(why);
   if (in.asked.is_json) return print_json(in, now, &told), DONE;
-  std::cout << "Deployed as deployment " << session.run.deployment << ".\n";
+  std::cout << "Deployed as deployment " << in.on.session.run.deployment << ".\n";
   return DONE;
 }
 
@@ -204,7 +169,7 @@ static int show_and_deploy(applying& in) {
   if (!is_json) std::cout << as_text(told, is_coloured(in.asked.colour));
   if (is_json && is_refused(in.files)) print_json(in, {}, &told);
   if (is_refused(in.files)) return FAILED;
-  if (!results_fit(in, in.files.result, why) || !is_allowed(in, told, why) ||
+  if (!results_fit(in.made, in.files.result, why) || !is_allowed(in, told, why) ||
       !is_writeable(in, why))
     return fail(why);
   if (in.asked.is_dry && is_json) return print_json(in, {}, &told), DONE;

@@ -21,8 +21,12 @@ bool open_snapshot(snapshot& on, dm::problem& why) {
   dm::session& session = on.session;
   if (!dm::read_settings(session.settings, why)) return false;
   session.store = dm::open_dictionary(session.settings, {}, why);
-  if (session.store == nullptr || !dm::begin_read(session, why)) return false;
-  dm::store* store = session.store.get();
+  return session.store != nullptr && begin_snapshot(on, why);
+}
+
+bool begin_snapshot(snapshot& on, dm::problem& why) {
+  dm::store* store = on.session.store.get();
+  if (!dm::begin_read(on.session, why)) return false;
   return !dm::has_journal(*store) || (store->calls->identity(store, on.identity, why) &&
                                       store->calls->journal_end(store, on.head, why));
 }
@@ -93,7 +97,8 @@ void judge(snapshot& on, const std::vector<lint::source>& sources, judged& resul
   const lint::world world{
       .fields = on.held.fields.get(),
       .classes = on.held.classes.get(),
-      .refuse = [&](const lint::deployment& sent) { return refused(on, sent, result); }};
+      .refuse = [&](const lint::deployment& sent) { return refused(on, sent, result); },
+      .ends_soon = true};
   lint::result found = lint::lint(sources, world);
   std::erase_if(found.told, [](const auto& each) { return each.told != lint::level::ERROR; });
   result.untold = found.untold[static_cast<size_t>(lint::level::ERROR)];

@@ -33,6 +33,8 @@ struct snapshot {
 // Opens the dictionary and begins to read the database; the definitions are not fetched yet. False
 // with the reason.
 bool open_snapshot(snapshot& on, dm::problem& why);
+// The same where the session has its settings and its store already.
+bool begin_snapshot(snapshot& on, dm::problem& why);
 bool choose_database(uint64_t number, snapshot& on, dm::problem& why);
 bool fetch_held(snapshot& on, dm::problem& why);
 

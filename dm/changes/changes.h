@@ -37,7 +37,11 @@ struct refused_change {
   change_of what = change_of::FIELD;
   std::string name{};
   journal_record by{};  // of a conflict: the record that made it; number 0: none is known
-  std::string user{};   // the field or class because of which it is in use; "" for none
+  // The field or class because of which it is in use, or which is missed; "" for none. And the
+  // table (TAV_FLD_SQL_TABLE) or container that both would have.
+  std::string user{};
+  std::string shared{};
+  bool is_missed = false;  // `user`
 };
 
 struct change_result {

@@ -196,6 +196,37 @@ struct class_judge {
 
 }  // namespace
 
+// The other class that would have the table; "" where the store knows none.
+static std::string owner_of(judging& in, const std::string& table, int64_t own) {
+  int64_t owner = own;
+  std::string name;
+  auto note_owner = [&](const table_row& row) {
+    if (row.class_id != own) owner = row.class_id;
+    return true;
+  };
+  auto note_name = [&](const class_row& row) {
+    if (row.id == owner && owner != own) name = row.name;
+    return name.empty();
+  };
+  const int64_t id = in.plan.database.id;
+  problem& why = in.result.failure;
+  return in.planned.calls->tables(&in.planned, id, {choice::NAMED, table.c_str()},
+                                  visit<table_row>(note_owner), why) &&
+                 in.planned.calls->classes(&in.planned, id, {choice::KEYS},
+                                           visit<class_row>(note_name), why)
+             ? name
+             : "";
+}
+
+// The rules know that another class has a table, but not which.
+static void name_owner(judging& in, const planned_class& one, violation& why) {
+  if (why.shared.empty() || !why.against.empty()) return;
+  why.against = owner_of(in, why.shared, one.id);
+  if (why.against.empty()) return;
+  why.sentence = join({told_thing(change_of::CLASS, one.name), " has the table ",
+                       quoted(why.shared), ", which class ", quoted(why.against), " has."});
+}
+
 static bool judge_class(judging& in, class_judge& with, const std::string& key,
                         const planned_class& one) {
   const class_row row{one.id, key.c_str(), one.name.c_str(), 0, one.after->c_str()};
@@ -203,9 +234,14 @@ static bool judge_class(judging& in, class_judge& with, const std::string& key,
   if (!load_class(with.reader, row, with.list, with.definition, fault)) return true;  // refused
   with.found.clear();
   check_class(with.definition, with.world, with.tables, with.found);
-  for (problem& why : with.found) refuse(in.result, change_of::CLASS, one.name, std::move(why));
+  for (violation& why : with.found) {
+    name_owner(in, one, why);
+    const bool is_missed = why.shared.empty() && !why.against.empty();
+    in.result.refused.push_back(
+        {why, change_of::CLASS, one.name, {}, why.against, why.shared, is_missed});
+  }
   if (failed(with.world.why)) in.result.failure = with.world.why;
-  return !failed(with.world.why);
+  return !failed(in.result.failure);
 }
 
 static bool judge_classes(judging& in) {

@@ -4,6 +4,7 @@
 #include "dd/database_number.h"
 #include "dd/fold.h"
 #include "dm/changes/back.h"
+#include "dm/class_def.h"
 #include "dm/class_outline.h"
 #include "dm/journal/read.h"
 
@@ -35,20 +36,46 @@ static bool track(store& store, int64_t database, refused_change& refused, maker
   const auto what = is_class(refused.user) ? change_of::CLASS : change_of::FIELD;
   tracked_use use{&refused};
   if (!present_state(store, database, what, refused.user, use.state, why)) return false;
-  if (use.state) all.uses.emplace(thing_key(what, refused.user), std::move(use));
+  if (use.state.has_value() != refused.is_missed)
+    all.uses.emplace(thing_key(what, refused.user), std::move(use));
   return true;
 }
 
-// Whether a class of that state uses the field. What is in the way by itself always is.
+static bool is_named(std::string_view name, const std::string& wanted) {
+  return dd_equal(std::string(name).c_str(), wanted.c_str());
+}
+
+static bool has_table(const class_outline& outline, const std::string& table) {
+  return is_named(outline.table, table) ||
+         std::ranges::any_of(outline.entries, [&](const outline_entry& entry) {
+           return is_named(table_of(entry), table);
+         });
+}
+
+static bool has_entry(const class_outline& outline, const std::string& name) {
+  return std::ranges::any_of(
+      outline.entries, [&](const outline_entry& entry) { return is_named(entry.name, name); });
+}
+
+static bool has_container(const class_outline& outline, const std::string& name) {
+  return std::ranges::any_of(outline.entries, [&](const outline_entry& entry) {
+    return entry.parent == NO_PARENT && is_named(entry.name, name);
+  });
+}
+
+// Whether a class of that state is in the way: it uses the field, or has the same table or
+// container. What is in the way by itself always is.
 static bool is_use(makers& all, const tracked_use& use, const std::string& state, problem& why) {
   const refused_change& refused = *use.refused;
-  if (refused.what != change_of::FIELD || !is_class(refused.user)) return true;
+  const std::string& shared = refused.shared;
+  const bool is_whole = shared.empty() && refused.what != change_of::FIELD;
+  if (is_whole || !is_class(refused.user)) return true;
   const class_row row{0, nullptr, refused.user.c_str(), 0, state.c_str()};
   const class_outline* outline = all.reader.read(row, why);
-  return outline != nullptr &&
-         std::ranges::any_of(outline->entries, [&](const outline_entry& entry) {
-           return dd_equal(std::string(entry.name).c_str(), refused.name.c_str());
-         });
+  if (outline == nullptr) return false;
+  if (shared.empty()) return has_entry(*outline, refused.name);
+  const bool is_table = refused.why.field == TAV_FLD_SQL_TABLE;
+  return is_table ? has_table(*outline, shared) : has_container(*outline, shared);
 }
 
 static void tell_maker(refused_change& refused, const journal_record& record) {
@@ -62,7 +89,10 @@ static void tell_maker(refused_change& refused, const journal_record& record) {
 static bool go_back(makers& all, tracked_use& use, int64_t record, const journal_change& change,
                     problem& why) {
   std::string before;
-  if (use.refused->by.number != 0 || !use.state) return true;
+  if (use.refused->by.number != 0) return true;
+  if (use.refused->is_missed && change.how == change_how::DELETED)
+    tell_maker(*use.refused, all.records.at(record));
+  if (!use.state) return true;
   if (!has_left(change, &*use.state)) return use.state.reset(), true;
   const bool is_there = was_there(change) && state_before(change, *use.state, before);
   const bool is_older = is_there && is_use(all, use, before, why);

@@ -24,6 +24,7 @@ void check_name(const class_def& definition, class_world& world, findings& resul
               " is neither in the dictionary nor earlier "
               "in the list"}),
         result);
+  result.back().against = above;
 }
 
 }  // namespace dm

@@ -7,7 +7,7 @@ namespace dm {
 void blame(const class_def& definition, int32_t code, uint32_t field, std::string_view fault,
            findings& result) {
   const std::string name = quoted(text_of(definition, CLASS_NAME));
-  result.push_back({code, field, definition.elem_id, 0, join({"Class ", name, " ", fault, "."})});
+  result.push_back({{code, field, definition.elem_id, 0, join({"Class ", name, " ", fault, "."})}});
 }
 
 void blame(const class_def& definition, const entry_def& entry, int32_t code, uint32_t field,
@@ -15,7 +15,7 @@ void blame(const class_def& definition, const entry_def& entry, int32_t code, ui
   const std::string name = quoted(text_of(definition, CLASS_NAME));
   const std::string path = quoted(path_of(definition, entry));
   result.push_back(
-      {code, field, entry.elem_id, 0, join({"Class ", name, ", field ", path, " ", fault, "."})});
+      {{code, field, entry.elem_id, 0, join({"Class ", name, ", field ", path, " ", fault, "."})}});
 }
 
 bool may_repeat(const class_def& definition, entry_attribute which) {

@@ -8,7 +8,14 @@
 
 namespace dm {
 
-using findings = std::vector<problem>;
+// A violation, with what it is about besides the class: the field or superclass that is missed; or
+// another class, and the table (TAV_FLD_SQL_TABLE) or container that both would have. The rules do
+// not know which class has a table.
+struct violation : problem {
+  std::string against{};
+  std::string shared{};
+};
+using findings = std::vector<violation>;
 
 void check_texts(const class_def& definition, findings& result);
 void check_name(const class_def& definition, class_world& world, findings& result);

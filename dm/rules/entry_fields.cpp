@@ -9,6 +9,7 @@ void check_fields(const class_def& definition, class_world& world, findings& res
     if (type == name_cache::ABSENT) {
       blame(definition, entry, TAV_ERR_BAD_VALUE, TAV_FLD_FIELD_NAME,
             "is not defined in the database", result);
+      result.back().against = text_of(entry, ENTRY_NAME);
     } else if (type != entry.type) {
       blame(definition, entry, TAV_ERR_WRONG_TYPE, TAV_FLD_FIELD_TYPE,
             "has another type than its field definition", result);

@@ -39,6 +39,8 @@ void check_hierarchy(const class_def& definition, class_world& world, findings& 
     for (const entry_def* entry : common(own, related->containers)) {
       blame(definition, *entry, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
             join({"stands also in class ", quoted(related->key)}), result);
+      result.back().against = related->key;
+      result.back().shared = text_of(*entry, ENTRY_NAME);
     }
   }
 }

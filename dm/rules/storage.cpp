@@ -48,6 +48,7 @@ static void check_tables(const class_def& definition, class_world& world,
     if (!world.is_other_table(table.c_str(), text_of(definition, CLASS_NAME))) continue;
     blame(definition, TAV_ERR_CONFLICT, TAV_FLD_SQL_TABLE,
           join({"has the table ", quoted(table), ", which another class has"}), result);
+    result.back().shared = table;
   }
   std::sort(seen.begin(), seen.end());
   const auto twice = std::adjacent_find(seen.begin(), seen.end());

@@ -108,7 +108,7 @@ TEST_F(changes, are_refused_whole_with_every_reason) {
        "Field 'TAV_FLD_NAME' is predefined: nothing but its description can be changed.\n"},
       {{storable("/c", "t_ab", {"F_X"}), storable("/d/e", "")},
        "Class '/c', field 'F_X' is not defined in the database.\n"
-       "Class '/c' has the table 't_ab', which another class has.\n"
+       "Class '/c' has the table 't_ab', which class '/a/b' has.\n"
        "Class '/d/e' has no superclass: '/d' is neither in the dictionary nor earlier in the "
        "list.\n"},
       {{{change_of::CLASS, "/a", "{\"name\":\"/b\"}"}, {change_of::FIELD, "F_A", "1 5 0 F_B"}},

@@ -1,10 +1,12 @@
 // What only a dictionary on a server meets. Runs beside scripts/with-postgres.
 #include <poll.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "dm/open.h"
 #include "dm/predefined.h"
+#include "dying.h"
 #include "server.h"
 #include "told.h"
 
@@ -12,11 +14,16 @@ int messages_sent = 0;
 std::string last_limit;
 
 static int messages_to_cut = 0, cut_line = -1;
-static bool is_delivered = false;
+static bool is_delivered = false, is_deadly = false;
 
 void cut_line_at(int message, bool delivered) {
   messages_to_cut = message;
   is_delivered = delivered;
+}
+
+void die_at(int message, bool delivered) {
+  cut_line_at(message, delivered);
+  is_deadly = true;
 }
 
 bool mend_line() {
@@ -32,7 +39,9 @@ extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags) {
   if (message.find("'lock_timeout'") != message.npos) last_limit = message;
   if (--messages_to_cut != 0) return sendto(fd, bytes, size, flags, nullptr, 0);
   pollfd answer = {cut_line = fd, POLLIN, 0};
-  if (is_delivered && sendto(fd, bytes, size, flags, nullptr, 0) > 0) poll(&answer, 1, 1000);
+  const bool arrives = is_delivered && sendto(fd, bytes, size, flags, nullptr, 0) > 0;
+  if (is_deadly) raise(SIGKILL);
+  if (arrives) poll(&answer, 1, 1000);
   shutdown(fd, SHUT_RDWR);
   return static_cast<ssize_t>(size);
 }

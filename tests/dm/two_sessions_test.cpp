@@ -1,17 +1,12 @@
 // Two administrators deploy overlapping fields and classes: every order in which their operations
 // can reach the dictionary, each judged by a model of what one writer at a time allows; and what
 // the journal tells of it, from which every state between must come back.
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <iostream>
 #include <map>
 #include <thread>
 
-#include "told.h"
+#include "orders.h"
 
 namespace {
 
@@ -174,18 +169,10 @@ static std::string carry_out(admin& who, step s) {
   }
 }
 
-// Which of so many orders are run: it is drawn, and printed.
-static int drawn_offset(int stride) {
-  if (stride == 1) return 0;
-  const char* asked = std::getenv("TAV_ORDERS");
-  const int offset = (asked != nullptr ? std::atoi(asked) : static_cast<int>(getpid())) % stride;
-  std::cout << "Orders " << offset << ", " << offset + stride << ", ...: TAV_ORDERS=" << offset
-            << "\n";
-  return offset;
-}
-
-class two_sessions : public dictionary {
+class two_sessions : public orders {
  protected:
+  two_sessions() : orders(1, 41) {}
+
   // One administrator's next operation; a run stops, as the tool's does, at the end of a trial in
   // which something was refused, and at a commit that was.
   void go_on(admin& who, model& m) {
@@ -239,50 +226,27 @@ class two_sessions : public dictionary {
   // orders that the second begins are those that the first does with the names exchanged.
   int run_all(const std::vector<step>& second) {
     std::string order = "aaaaaaa" + std::string(second.size(), 'b');
-    int orders = 0;
     do {
-      if (orders++ % stride == offset) run(order, second);
+      if (runs.takes_next()) run(order, second);
     } while (!HasFailure() && std::next_permutation(order.begin(), order.end()) &&
              (order[0] == 'a' || second != WHOLE));
-    return orders;
+    return runs.count();
   }
 
-  void share() {
+  void fill() override {
     client first(settings, 0);
     first.set_fields("STRING F_shared 5000 old\n");
     first.set_classes("/shared sql_table=tshared\n");
   }
 
-  // The dictionary with what both share.
-  void start_anew() {
-    namespace fs = std::filesystem;
-    if (on_server()) {
-      dm::problem why;
-      query("DROP SCHEMA " + schema + " CASCADE; CREATE SCHEMA " + schema);
-      EXPECT_TRUE(make(settings, why)) << why.sentence;
-      return share();
-    }
-    if (kept.empty()) {
-      share();
-      fs::copy_file(path, kept = folder + "/kept.db");
-    }
-    for (const char* rest : {"-wal", "-shm"}) fs::remove(path + rest);
-    fs::copy_file(kept, path, fs::copy_options::overwrite_existing);
-  }
-
   const std::vector<step> WHOLE = {FETCH_FIELDS, FETCH_CLASSES, TRY_FIELDS, TRY_CLASSES,
                                    END_TRIAL,    FIELDS,        CLASSES};
-  std::string kept;
   int deployed = 0;  // orders in which somebody committed
-  // On a server, where each order takes half a second, one of so many. TAV_ORDERS=N asks for
-  // others.
-  const int stride = on_server() ? 40 : 1;
-  const int offset = drawn_offset(stride);
 };
 
 TEST_F(two_sessions, in_every_order) {
   EXPECT_EQ(run_all(WHOLE), 1716);
-  EXPECT_GT(deployed, 500 / stride);
+  EXPECT_GT(deployed, 500 / runs.stride());
 }
 
 // The second's set-fields never reached the data manager: its delete-fields is in earnest.

@@ -1,8 +1,9 @@
-// An undo, a rename and a drop in which every call of the disk fails, is the last before the
-// process is killed, or before the power fails: all of it is done, or nothing.
+// An undo, a rename, a drop and a drop-database in which every call of the disk fails, is the last
+// before the process is killed, or before the power fails: all of it is done, or nothing.
 #include <unistd.h>
 
 #include "dm/changes/back.h"
+#include "dm/changes/drop_database.h"
 #include "dm/open.h"
 #include "dm/session.h"
 #include "tests/faults/bench.h"
@@ -51,28 +52,49 @@ static bool rename_field(dm::store& store, const dm::database_row& database, int
                               dm::visit<dm::class_row>(user), why);
 }
 
+// What a command does in the open snapshot of the dictionary, whose last record has that number.
+using change_call = bool (*)(dm::store&, const dm::settings&, int64_t end, dm::problem&);
+
+static dm::change_purpose purpose_at(int64_t end) {
+  dm::change_purpose purpose;
+  purpose.seen_end = end;
+  return purpose;
+}
+
+template <find_wanted find>
+static bool change_wanted(dm::store& store, const dm::settings& settings, int64_t end,
+                          dm::problem& why) {
+  dm::database_row database{};
+  dm::change_result result;
+  wanted_things wanted;
+  return dm::find_database(store, settings.database, 0, database, why) &&
+         find(store, database, end, wanted, why) && !wanted.empty() &&
+         dm::change_things(store, settings, settings.database, wanted, purpose_at(end), result);
+}
+
+static bool drop_second(dm::store& store, const dm::settings& settings, int64_t end, dm::problem&) {
+  dm::change_result result;
+  return dm::drop_database(store, settings, 2, purpose_at(end), result);
+}
+
 static const struct {
   const char* name;
-  find_wanted find;
-} CHANGES[] = {{"undo", undo_last}, {"rename", rename_field}, {"drop", drop_all}};
-static find_wanted chosen;  // for the child process
+  change_call carry_out;
+  bool needs_second = false;  // a second database
+} CHANGES[] = {{"undo", change_wanted<undo_last>},
+               {"rename", change_wanted<rename_field>},
+               {"drop", change_wanted<drop_all>},
+               {"drop-database", drop_second, true}};
+static change_call chosen;  // for the child process
 
 static bool carry_out(dm::problem& why) {
   dm::settings settings;
-  dm::database_row database{};
   dm::journal_head end;
-  dm::change_result result;
-  wanted_things wanted;
   if (!dm::read_settings(settings, why)) return false;
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
-  const bool is_found = store != nullptr && store->calls->begin(store.get(), false, why) &&
-                        store->calls->journal_end(store.get(), end, why) &&
-                        dm::find_database(*store, settings.database, 0, database, why) &&
-                        chosen(*store, database, end.number, wanted, why);
-  dm::change_purpose purpose;
-  purpose.seen_end = end.number;
-  return is_found && !wanted.empty() &&
-         dm::change_things(*store, settings, settings.database, wanted, purpose, result);
+  return store != nullptr && store->calls->begin(store.get(), false, why) &&
+         store->calls->journal_end(store.get(), end, why) &&
+         chosen(*store, settings, end.number, why);
 }
 
 static int change(int, char**) {
@@ -83,6 +105,13 @@ static int change(int, char**) {
 
 class every_disk_call_of_a_change : public fault_bench {
  protected:
+  void add_second() {
+    place.restore();
+    EXPECT_EQ(place.run({"dict", "add-database", "0.0.0.2"}).exit_status, 0);
+    EXPECT_EQ(place.run({"create", "-d", "0.0.0.2", "base.def"}).exit_status, 0);
+    place.save();
+  }
+
   void expect_all_or_nothing() {
     place.restore();
     const std::string before = content();
@@ -104,7 +133,8 @@ class every_disk_call_of_a_change : public fault_bench {
 TEST_P(every_disk_call_of_a_change, does_all_or_nothing) {
   for (const auto& each : CHANGES) {
     SCOPED_TRACE(each.name);
-    chosen = each.find;
+    if (each.needs_second) add_second();
+    chosen = each.carry_out;
     expect_all_or_nothing();
   }
 }
