@@ -133,9 +133,14 @@ static int read_sources(const request& asked, const lint_config& config, linted&
 
 // --- Findings ------------------------------------------------------------------------------------
 
+// Who hides a warning by its name must not hide an error that goes by that, too.
 static void set_levels(const lint_config& config, std::vector<lint::finding>& found) {
-  for (lint::finding& each : found)
+  for (lint::finding& each : found) {
     if (each.told != lint::level::OFF) each.told = level_of(config, each.rule);
+    std::erase_if(each.aliases, [&](const lint::alias& other) {
+      return level_of(config, other.rule) != each.told;
+    });
+  }
   std::erase_if(found, [](const lint::finding& each) { return each.told == lint::level::OFF; });
 }
 
