@@ -215,7 +215,8 @@ void check_definitions(const index& all, reading& read, const world& against, re
   tell_losses(in.subjects, read.missing, state, told);
   if (against.refuse)
     tell_refusals(in.subjects, read.missing, against.refuse(sent_of(state)), told);
-  if (against.ends_soon) leave_lists(state, read);
+  // Where much is told its memory is needed for that.
+  if (against.ends_soon && !is_full(told)) leave_lists(state, read);
   if (in.has_failed) throw std::bad_alloc();
 }
 

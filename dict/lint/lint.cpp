@@ -251,8 +251,8 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
   }
   config.own.same_file = same_files(to.statuses);
   config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
-  world.own = [&config, &to](const lint::index& all) {
-    lint::own_findings found = lint::check_own(all, config.own);
+  world.own = [&config, &to](const lint::index& all, size_t most) {
+    lint::own_findings found = lint::check_own(all, config.own, most);
     for (size_t i = 0; i < 4; ++i) to.untold[i] += found.untold[i];
     return std::move(found.told);
   };
