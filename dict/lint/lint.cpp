@@ -10,6 +10,7 @@
 #include "dict/database_files.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
+#include "dict/lint/baseline_file.h"
 #include "dict/lint/excerpt.h"
 #include "dict/lint/rules.h"
 #include "dict/lint/same_files.h"
@@ -18,7 +19,6 @@
 #include "dict/options.h"
 #include "dict/terminal/colour.h"
 #include "dm/folded.h"
-#include "lint/baseline.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
 #include "lint/rules/echoes.h"
@@ -192,16 +192,8 @@ static void tell_outlived(const request& asked, const lint::baseline& left, cons
 
 static bool hide_known(const request& asked, linted& found, dm::problem& why) {
   if (asked.baseline.empty()) return true;
-  file_content content;
   lint::baseline known;
-  if (!read_file(asked.baseline, asked.baseline, content, why)) return false;
-  const uint64_t line = lint::read_baseline(content.text, known);
-  if (line != 0) {
-    why.sentence =
-        dm::join({"File ", dm::quoted(asked.baseline), " is no baseline: line ",
-                  std::to_string(line), " is none of its lines. --write-baseline writes it anew."});
-    return false;
-  }
+  if (!read_baseline_file(asked.baseline, known, why)) return false;
   lint::hide_known(known, found.findings);
   tell_outlived(asked, known, found);
   return true;
