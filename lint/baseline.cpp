@@ -26,7 +26,7 @@ uint64_t read_baseline(std::string_view text, baseline& known) {
     if (!is_head && !is_key(line)) return number;
     if (!is_head) ++known[std::string(line)];
   }
-  return has_head ? 0 : 1;
+  return has_head ? 0 : NO_HEAD;
 }
 
 std::string write_baseline(const std::vector<outcome>& findings) {

@@ -19,7 +19,10 @@ namespace lint {
 // How many are known of each key.
 using baseline = std::map<std::string, uint64_t, std::less<>>;
 
-// Gives the number of the first line that is none of a baseline; 0 where all are.
+inline constexpr uint64_t NO_HEAD = UINT64_MAX;
+
+// Gives the number of the first line that is none of a baseline, NO_HEAD where all are but no line
+// says what the file is, and else 0.
 uint64_t read_baseline(std::string_view text, baseline& known);
 
 // Of all findings but those that a comment hides.

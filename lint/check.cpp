@@ -4,10 +4,12 @@
 #include <map>
 #include <new>
 #include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "dd/fold.h"
 #include "dd/report.h"
+#include "dd/types.h"
 #include "dd/values.h"
 #include "deploy/lookup.h"
 #include "lint/collect.h"
@@ -32,6 +34,8 @@ struct checking {
   std::unordered_set<uint64_t> seen{};  // hashes of what was told
   // How many entries that have the name of the one at a place were told.
   std::map<std::tuple<uint32_t, uint32_t, uint32_t>, size_t> repeats{};
+  // Of classes whose names are refused: where in what is told that stands.
+  std::unordered_map<std::string, size_t> misnamed{};
   std::vector<std::string> printed{};
   bool has_failed = false;
 };
@@ -87,11 +91,26 @@ static size_t repeat_of(checking& in, const sentence_row& row, const deploy::sub
   return first ? in.repeats[{first->source, first->definition, first->node}]++ : 1;
 }
 
-// Behind a class that the import refuses storage is not checked, though its fields may be defined.
+// The definitions of the fields of a class whose name is refused are not sought, so that the import
+// tells of their storage that they are not defined, and takes each for one that needs a column.
 static bool is_untrue(const checking& in, std::string_view rule, const deploy::subject& about) {
   const bool says_undefined = rule == "missing-field-definition" || rule == "field-not-defined";
-  return says_undefined &&
-         deploy::known_field(in.state.working_fields, about.field, dd_hash(about.field)) != nullptr;
+  const bool says_column = rule == "column-without-table" || rule == "missing-column";
+  if (!says_undefined && !says_column) return false;
+  const dd_known* known =
+      deploy::known_field(in.state.working_fields, about.field, dd_hash(about.field));
+  if (known == nullptr || says_undefined) return known != nullptr;
+  const int32_t type = known->type.value_or(0);
+  return dd_is_container(type) || type == TAV_FLDT_BUF;
+}
+
+// It follows from the name of the class: that finding goes by its name, too, once for each rule.
+static void add_alias(checking& in, std::string_view rule, const deploy::subject& about) {
+  const auto refused = in.misnamed.find(about.class_name);
+  if (refused == in.misnamed.end()) return;
+  auto& aliases = in.told.told[refused->second].aliases;
+  if (std::ranges::find(aliases, rule, &alias::rule) == aliases.end())
+    aliases.push_back({rule, words_of(about)});
 }
 
 // What the import tells of each field and class that is there, though nothing comes of it, is found
@@ -104,7 +123,7 @@ static void tell_record(checking& in, const deploy::finding_record& record) {
   const auto* row =
       std::ranges::find(SENTENCES, std::string_view(record.row.id), &sentence_row::id);
   if (row == std::end(SENTENCES) || is_excused(in.read.missing, row->id, record.about)) return;
-  if (is_untrue(in, row->id, record.about)) return;
+  if (is_untrue(in, row->id, record.about)) return add_alias(in, row->id, record.about);
   const size_t repeat = repeat_of(in, *row, record.about);
   if (row->second == other::EARLIER && repeat == 0) return;
   const uint64_t key = key_of(in, row->id, record.about) + repeat;
@@ -114,7 +133,10 @@ static void tell_record(checking& in, const deploy::finding_record& record) {
   if (is_full(in.told)) return count_untold(in.told, row->id, told);
   finding found = finding_of(in.subjects, in.state, *row, record.about, repeat);
   found.told = told;
+  const size_t place = in.told.told.size();
   if (!is_told_later(*row, found)) tell(in.told, std::move(found));
+  if (row->id == "class-name-without-slash" && in.told.told.size() > place)
+    in.misnamed.emplace(record.about.class_name, place);
 }
 
 static void take_record(void* context, const deploy::finding_record& record) {
@@ -193,7 +215,8 @@ void check_definitions(const index& all, reading& read, const world& against, re
   tell_losses(in.subjects, read.missing, state, told);
   if (against.refuse)
     tell_refusals(in.subjects, read.missing, against.refuse(sent_of(state)), told);
-  if (against.ends_soon) leave_lists(state, read);
+  // Where much is told its memory is needed for that.
+  if (against.ends_soon && !is_full(told)) leave_lists(state, read);
   if (in.has_failed) throw std::bad_alloc();
 }
 

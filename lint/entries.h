@@ -9,8 +9,8 @@
 
 namespace lint {
 
-// The entries of one class, which is asked for again and again: built at the first question about
-// it.
+// The entries of one class, which is asked for again and again: read at the first question about
+// it. A class may have hundreds of thousands, so that little is kept of each.
 class entry_finder {
  public:
   explicit entry_finder(const index& all) : all_(all) {}
@@ -23,34 +23,30 @@ class entry_finder {
   node_place find_anywhere(const node_place& of_class, std::string_view name);
 
  private:
-  struct key {
-    uint32_t around;  // node
-    std::string_view name;
-  };
-  struct by_key {
-    using key = entry_finder::key;
-    static uint32_t hash(const key& one) {
-      return by_view::hash(one.name) + one.around * 0x9e3779b1;
-    }
-    static bool equal(const key& a, const key& b) {
-      return a.around == b.around && by_view::equal(a.name, b.name);
-    }
-  };
-  // The entries of the same name beside each other.
-  struct chained {
-    uint32_t node;
-    uint32_t next;
-  };
+  static constexpr uint32_t ANYWHERE = UINT32_MAX;
 
-  void build(const node_place& of_class);
-  void name_entries();
+  struct entry {
+    uint32_t hash;    // of the name
+    uint32_t around;  // the node that it stands in, or ANYWHERE
+    uint32_t node;
+  };
+  // Sorted by hash, what is around, name and node.
+  using entries = std::vector<entry>;
+
+  void read(const node_place& of_class);
+  void sort(entries& all) const;
+  std::string_view name_of(const entry& one) const;
+  // Less than, equal to or greater than 0. `name` gives that of b, and is asked for where all else
+  // is equal.
+  template <class Name>
+  int compare(const entry& a, const entry& b, Name name) const;
+  // The n-th of that name in the node; else the last before it, or null where there is none.
+  const entry* find_in(const entries& all, uint32_t around, std::string_view name, size_t n) const;
 
   const index& all_;
-  node_place built_{UINT32_MAX, 0, 0};
-  dd_index<by_key, uint32_t> first_{};  // into entries_
-  std::vector<chained> entries_{};
-  dd_index<by_view, uint32_t> named_{};  // nodes; built when it is asked for
-  bool is_named_ = false;
+  node_place read_{UINT32_MAX, 0, 0};  // the class
+  entries entries_{};
+  entries anywhere_{};  // the same, each as if it stood anywhere; made when it is asked for
 };
 
 }  // namespace lint

@@ -1,7 +1,10 @@
 #include "lint/index.h"
 
 #include <algorithm>
+#include <bit>
 
+#include "dd/fold.h"
+#include "dd/hash.h"
 #include "dparse/tokens.h"
 #include "lint/strays.h"
 
@@ -23,23 +26,45 @@ static std::string_view name_at(const index& in, const node_place& at) {
   return syntax::name_of(text_of(in, at), definition_of(in, at), node_of(in, at));
 }
 
+// Where the slot of the name is, or that which it will get.
+static size_t slot_of(const index& in, const std::vector<name_slot>& slots, std::string_view name,
+                      uint32_t hash) {
+  for (size_t at = hash;; ++at) {
+    at &= slots.size() - 1;
+    const name_slot& slot = slots[at];
+    if (slot.first == defined::NONE) return at;
+    if (slot.hash == hash && by_view::equal(in.definitions[slot.first].name, name)) return at;
+  }
+}
+
+static uint32_t find_first(const index& in, node_kind kind, std::string_view name) {
+  const std::vector<name_slot>& slots = in.by_name[static_cast<size_t>(kind)];
+  return slots[slot_of(in, slots, name, by_view::hash(name))].first;
+}
+
 static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
   const node_kind kind = node_of(to, at).meant;
   const std::string_view name = name_at(to, at);
   if (name.empty()) return;
   const auto place = static_cast<uint32_t>(to.definitions.size());
-  to.definitions.push_back({kind, name, at});
+  const uint32_t hash = by_view::hash(name);
+  std::vector<name_slot>& slots = to.by_name[static_cast<size_t>(kind)];
+  name_slot& slot = slots[slot_of(to, slots, name, hash)];
+  to.definitions.push_back({name, at, defined::NONE, kind});
   last.push_back(place);
-  const uint32_t first = to.by_name[static_cast<size_t>(kind)].add_first(name, place);
-  if (first != place) to.definitions[last[first]].next = place;
-  last[first] = place;
+  if (slot.first == defined::NONE) {
+    slot = {hash, place};
+  } else {
+    to.definitions[last[slot.first]].next = place;
+    last[slot.first] = place;
+  }
 }
 
 // Each name is marked once, however often it is used.
 static void mark_used(index& to, std::string_view field) {
-  const uint32_t* first = to.by_name[static_cast<size_t>(node_kind::FIELD)].find(field);
-  if (first == nullptr || to.definitions[*first].is_used) return;
-  for (uint32_t i = *first; i != defined::NONE; i = to.definitions[i].next)
+  const uint32_t first = find_first(to, node_kind::FIELD, field);
+  if (first == defined::NONE || to.definitions[first].is_used) return;
+  for (uint32_t i = first; i != defined::NONE; i = to.definitions[i].next)
     to.definitions[i].is_used = true;
 }
 
@@ -56,7 +81,8 @@ static void reserve(index& to, std::vector<uint32_t>& last) {
     for (const syntax::definition& definition : each.tree.definitions)
       if (definition.nodes[0].meant <= node_kind::IMPLEMENTATION)
         ++counts[static_cast<size_t>(definition.nodes[0].meant)];
-  for (size_t i = 0; i < std::size(counts); ++i) to.by_name[i].reserve(counts[i]);
+  for (size_t i = 0; i < std::size(counts); ++i)
+    to.by_name[i].resize(std::bit_ceil(counts[i] + counts[i] / 2 + 1));
   to.definitions.reserve(counts[0] + counts[1] + counts[2]);
   last.reserve(to.definitions.capacity());
 }
@@ -84,8 +110,8 @@ index index_of(std::span<const source> sources) {
 // --- Looking up ----------------------------------------------------------------------------------
 
 const defined* find(const index& in, node_kind kind, std::string_view name) {
-  const uint32_t* first = in.by_name[static_cast<size_t>(kind)].find(name);
-  return first != nullptr ? &in.definitions[*first] : nullptr;
+  const uint32_t first = find_first(in, kind, name);
+  return first != defined::NONE ? &in.definitions[first] : nullptr;
 }
 
 const defined* next_of(const index& in, const defined& one) {
@@ -139,6 +165,13 @@ span value_span(const index& in, const node_place& at) {
 
 span whole_span(const index& in, const node_place& at) {
   return tokens_span(in, at, 0, node_of(in, at).count);
+}
+
+std::string_view attribute_text(const index& in, const node_place& around,
+                                std::string_view keyword) {
+  node_place found;
+  if (!find_attribute(in, around, keyword, found)) return {};
+  return text_of(in, value_span(in, found));
 }
 
 uint64_t line_at(const syntax::tree& tree, uint64_t byte) {

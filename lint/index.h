@@ -9,7 +9,6 @@
 #include <string_view>
 #include <vector>
 
-#include "dd/index.h"
 #include "lint/finding.h"
 
 namespace lint {
@@ -31,17 +30,24 @@ struct by_view {
 struct defined {
   static constexpr uint32_t NONE = UINT32_MAX;
 
-  syntax::node_kind kind;  // FIELD, INTERFACE or IMPLEMENTATION
   std::string_view name;
   node_place where;
-  uint32_t next = NONE;  // the next one of the same kind and name, in the order of reading
-  bool is_used = false;  // of a field: an entry of an interface has its name
+  uint32_t next = NONE;    // the next one of the same kind and name, in the order of reading
+  syntax::node_kind kind;  // FIELD, INTERFACE or IMPLEMENTATION
+  bool is_used = false;    // of a field: an entry of an interface has its name
+};
+
+// The first definition of each name, by hash and then one behind the other; at most two thirds of
+// the slots are used. There are hundreds of thousands: a dd_index would keep the names once more.
+struct name_slot {
+  uint32_t hash = 0;
+  uint32_t first = defined::NONE;  // among all definitions
 };
 
 struct index {
   std::span<const source> sources{};
-  std::vector<defined> definitions{};        // in the order of reading
-  dd_index<by_view, uint32_t> by_name[3]{};  // the first of a name, for each kind
+  std::vector<defined> definitions{};   // in the order of reading
+  std::vector<name_slot> by_name[3]{};  // for each kind; as many as a power of two
 };
 
 index index_of(std::span<const source> sources);
@@ -87,6 +93,9 @@ span name_span(const index& in, const node_place& at);   // of a definition or e
 span type_span(const index& in, const node_place& at);   // the first token of a definition or entry
 span value_span(const index& in, const node_place& at);  // of an attribute: between "=" and ";"
 span whole_span(const index& in, const node_place& at);
+// The value of the last such attribute as it is written; empty where there is none.
+std::string_view attribute_text(const index& in, const node_place& around,
+                                std::string_view keyword);
 // The line of a byte, however long the line is.
 uint64_t line_at(const syntax::tree& tree, uint64_t byte);
 // "NAME:LINE", as sentences refer to other places.

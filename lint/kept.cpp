@@ -50,10 +50,9 @@ std::string held_storage(subject_finder& in, deploy::import_state& state,
 
 static std::string own_value(subject_finder& in, const deploy::subject& about,
                              const char* keyword) {
-  node_place attribute;
   const auto at = find_on(in, about, deploy::definition_side::IMPLEMENTATION);
-  if (!at || !find_attribute(in.all, *at, keyword, attribute)) return "none";
-  return std::string(text_of(in.all, value_span(in.all, attribute)));
+  const std::string_view text = at ? attribute_text(in.all, *at, keyword) : "";
+  return std::string(text.empty() ? "none" : text);
 }
 
 std::string own_storage(subject_finder& in, const deploy::subject& about, std::string_view id) {

@@ -38,7 +38,7 @@ result lint(const std::vector<source>& sources, const world& against) {
   read_sources(all, read, found);
   if (!sources.empty() && !is_full(found)) check_definitions(all, read, against, found);
   if (against.own)
-    for (finding& each : against.own(all)) tell(found, std::move(each));
+    for (finding& each : against.own(all, room_in(found))) tell(found, std::move(each));
   put_in_order(found);
   found.is_off = nullptr;
   return found;

@@ -47,8 +47,8 @@ struct world {
   bool ends_soon = false;
   // Whether a rule is switched off. May be empty.
   std::function<bool(std::string_view rule)> is_off{};
-  // Lint's own rules. May be empty.
-  std::function<std::vector<finding>(const index& all)> own{};
+  // Lint's own rules, of which at most so many findings can be told. May be empty.
+  std::function<std::vector<finding>(const index& all, size_t most)> own{};
 };
 
 // So many findings are told; others are counted. Of those that are switched off as many are kept,

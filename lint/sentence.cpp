@@ -1,5 +1,7 @@
 #include "lint/sentence.h"
 
+#include <charconv>
+
 #include "dd/class_names.h"
 #include "dd/types.h"
 #include "dd/values.h"
@@ -67,12 +69,25 @@ static void find_refused(telling& t) {
     set_there(t, name_span(t.in.all, field->where), "This definition is refused.");
 }
 
+static std::string number_text(const telling& t) {
+  const std::string_view text = t.at ? attribute_text(t.in.all, *t.at, "ID") : "";
+  return std::string(text.empty() ? "0" : text);
+}
+
+// From the text where it is short enough: else an index of the input's names is made for it.
+static int32_t own_number(const telling& t) {
+  tav_ebuf ebuf{};
+  const std::string text = number_text(t);
+  int32_t number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (read.ec == std::errc() && read.ptr == text.data() + text.size()) return number;
+  tav_flist_t* own = t.state.fields.find(t.about.field, &ebuf);
+  return own != nullptr ? dd_int(own, TAV_FLD_FIELD_NUM, &ebuf) : 0;
+}
+
 static void find_number(telling& t) {
   tav_ebuf ebuf{};
-  tav_flist_t* own = t.state.fields.find(t.about.field, &ebuf);
-  if (own == nullptr) return;
-  tav_flist_t* other =
-      tav_deploy_get_field_by_id(t.state.working_fields, dd_int(own, TAV_FLD_FIELD_NUM, &ebuf));
+  tav_flist_t* other = tav_deploy_get_field_by_id(t.state.working_fields, own_number(t));
   if (other == nullptr) return;
   t.related = dd_text(other, TAV_FLD_FIELD_NAME, &ebuf);
   const defined* field = find(t.in.all, node_kind::FIELD, t.related);
@@ -220,12 +235,6 @@ static std::string there_text(const telling& t) {
   return is_known ? ", in the dictionary" : "";
 }
 
-static std::string number_text(const telling& t) {
-  node_place attribute;
-  if (!t.at || !find_attribute(t.in.all, *t.at, "ID", attribute)) return "0";
-  return std::string(text_of(t.in.all, value_span(t.in.all, attribute)));
-}
-
 // The type is told first; the number would be found only when that is corrected.
 static std::string number_too(const telling& t) {
   tav_ebuf ebuf{};
@@ -237,9 +246,7 @@ static std::string number_too(const telling& t) {
 }
 
 static bool is_system(const telling& t, const char* keyword) {
-  node_place attribute;
-  return t.at && find_attribute(t.in.all, *t.at, keyword, attribute) &&
-         by_view::equal(text_of(t.in.all, value_span(t.in.all, attribute)), "SYSTEM");
+  return t.at && by_view::equal(attribute_text(t.in.all, *t.at, keyword), "SYSTEM");
 }
 
 static std::string system_text(const telling& t) {

@@ -46,11 +46,17 @@ static bool is_system(tav_flist_t* element, uint32_t permission, tav_ebuf* ebuf)
   return dd_is_system(dd_text(element, permission, at(ebuf, HERE)));
 }
 
-// Throws std::bad_alloc.
+// A class of very many entries gives its memory away, so that there are never two of them. Throws
+// std::bad_alloc.
 static deploy::siblings keep(deploy::class_entries& read, deploy::siblings entries) {
   constexpr size_t MANY = 1024;
   const auto count = static_cast<size_t>(entries.last - entries.first);
   auto& blocks = read.blocks;
+  if (count >= 64 * MANY) {
+    blocks.push_back(std::move(read.reading));
+    read.reading.clear();
+    return entries;
+  }
   if (blocks.empty() || blocks.back().capacity() - blocks.back().size() < count) {
     blocks.emplace_back().reserve(std::max(count, MANY));
   }

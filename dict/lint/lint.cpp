@@ -10,6 +10,7 @@
 #include "dict/database_files.h"
 #include "dict/files.h"
 #include "dict/lint/against.h"
+#include "dict/lint/baseline_file.h"
 #include "dict/lint/excerpt.h"
 #include "dict/lint/rules.h"
 #include "dict/lint/same_files.h"
@@ -18,7 +19,6 @@
 #include "dict/options.h"
 #include "dict/terminal/colour.h"
 #include "dm/folded.h"
-#include "lint/baseline.h"
 #include "lint/ignores.h"
 #include "lint/rules.h"
 #include "lint/rules/echoes.h"
@@ -133,9 +133,14 @@ static int read_sources(const request& asked, const lint_config& config, linted&
 
 // --- Findings ------------------------------------------------------------------------------------
 
+// Who hides a warning by its name must not hide an error that goes by that, too.
 static void set_levels(const lint_config& config, std::vector<lint::finding>& found) {
-  for (lint::finding& each : found)
+  for (lint::finding& each : found) {
     if (each.told != lint::level::OFF) each.told = level_of(config, each.rule);
+    std::erase_if(each.aliases, [&](const lint::alias& other) {
+      return level_of(config, other.rule) != each.told;
+    });
+  }
   std::erase_if(found, [](const lint::finding& each) { return each.told == lint::level::OFF; });
 }
 
@@ -187,16 +192,8 @@ static void tell_outlived(const request& asked, const lint::baseline& left, cons
 
 static bool hide_known(const request& asked, linted& found, dm::problem& why) {
   if (asked.baseline.empty()) return true;
-  file_content content;
   lint::baseline known;
-  if (!read_file(asked.baseline, asked.baseline, content, why)) return false;
-  const uint64_t line = lint::read_baseline(content.text, known);
-  if (line != 0) {
-    why.sentence =
-        dm::join({"File ", dm::quoted(asked.baseline), " is no baseline: line ",
-                  std::to_string(line), " is none of its lines. --write-baseline writes it anew."});
-    return false;
-  }
+  if (!read_baseline_file(asked.baseline, known, why)) return false;
   lint::hide_known(known, found.findings);
   tell_outlived(asked, known, found);
   return true;
@@ -246,8 +243,8 @@ static void add_own(lint_config& config, lint::world& world, linted& to) {
   }
   config.own.same_file = same_files(to.statuses);
   config.own.level_of = [&config](std::string_view rule) { return level_of(config, rule); };
-  world.own = [&config, &to](const lint::index& all) {
-    lint::own_findings found = lint::check_own(all, config.own);
+  world.own = [&config, &to](const lint::index& all, size_t most) {
+    lint::own_findings found = lint::check_own(all, config.own, most);
     for (size_t i = 0; i < 4; ++i) to.untold[i] += found.untold[i];
     return std::move(found.told);
   };

@@ -5,7 +5,6 @@
 
 #include "dict/database_files.h"
 #include "dict/files.h"
-#include "lint/baseline.h"
 
 namespace dict {
 
@@ -22,19 +21,6 @@ bool is_spared(const char* option, const std::string& written, const std::vector
   if (std::ranges::none_of(read, is_same)) return true;
   why.sentence = dm::join({option, " would replace ", dm::quoted(written),
                            ", which this run reads: name another file."});
-  return false;
-}
-
-bool takes_baseline(const std::string& file, dm::problem& why) {
-  std::error_code error;
-  file_content content;
-  lint::baseline known;
-  if (!fs::is_regular_file(file, error)) return true;
-  if (!read_file(file, file, content, why)) return false;
-  if (content.text.empty() || lint::read_baseline(content.text, known) == 0) return true;
-  why.sentence = dm::join({"File ", dm::quoted(file),
-                           " is no baseline, and --write-baseline replaces nothing else: name "
-                           "another file, or remove this one."});
   return false;
 }
 

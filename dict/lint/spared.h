@@ -15,10 +15,6 @@ namespace dict {
 bool is_spared(const char* option, const std::string& written, const std::vector<std::string>& read,
                dm::problem& why);
 
-// Whether a baseline may be written there: to a new file, an empty one, or over a baseline. False
-// with the reason.
-bool takes_baseline(const std::string& file, dm::problem& why);
-
 }  // namespace dict
 
 #endif

@@ -1,6 +1,7 @@
 // Rules for names: those of fields and classes, and of tables and columns.
 #include <algorithm>
 
+#include "dd/fold.h"
 #include "lint/rules/own.h"
 
 namespace lint {

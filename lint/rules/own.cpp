@@ -31,7 +31,7 @@ void report(own_run& run, std::string_view id, const span& where, std::string su
   const rule& row = *find_rule(id);
   const level told = run.options.level_of ? run.options.level_of(row.id) : row.normal;
   if (told == level::OFF) return;
-  if (run.found.told.size() >= MOST_TOLD) {
+  if (run.found.told.size() >= run.most) {
     ++run.found.untold[static_cast<size_t>(told)];
   } else {
     run.found.told.push_back(
@@ -126,10 +126,10 @@ static void check_nodes(own_run& run, std::vector<node_place>& way, std::vector<
   }
 }
 
-own_findings check_own(const index& all, const own_options& options) {
+own_findings check_own(const index& all, const own_options& options, size_t most) {
   own_findings found;
   const auto is_class = [](const defined& one) { return one.kind == node_kind::INTERFACE; };
-  own_run run{all, options, found, std::ranges::any_of(all.definitions, is_class)};
+  own_run run{all, options, most, found, std::ranges::any_of(all.definitions, is_class)};
   run.sound_up_to.resize(all.sources.size());
   for (uint32_t source = 0; source < all.sources.size(); ++source) {
     check_names_of_files(run, source);

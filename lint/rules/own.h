@@ -28,16 +28,17 @@ struct own_options {
 };
 
 struct own_findings {
-  std::vector<finding> told;  // at most MOST_TOLD
-  uint64_t untold[4] = {};    // of each level
+  std::vector<finding> told;
+  uint64_t untold[4] = {};  // of each level: those behind the first `most`
 };
-own_findings check_own(const index& all, const own_options& options);
+own_findings check_own(const index& all, const own_options& options, size_t most = MOST_TOLD);
 
 // --- For the files beside this one ---------------------------------------------------------------
 
 struct own_run {
   const index& all;
   const own_options& options;
+  size_t most;  // that are told
   own_findings& found;
   bool has_class;
   const lint::defined* defined = nullptr;  // whose rules are checked

@@ -71,6 +71,29 @@ TEST(import, tells_every_finding_where_it_is) {
     EXPECT_EQ(found_in({FIELDS, each.text}), each.found) << each.text;
 }
 
+// The import does not look for the definitions of such a class's fields: what it tells of them
+// because of that is told as other names of the one finding.
+TEST(import, goes_by_other_names_behind_a_class_name_without_slash) {
+  static constexpr const char* TEXT =
+      "STORABLE CLASS x/a { ARRAY R { STRING A { } } BUF F { } }\n"
+      "STORABLE CLASS b { STRING A { } SUBSTRUCT S { } }\n"
+      "STORABLE CLASS b IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; STRING A { SQL_COLUMN = \"a\"; "
+      "} "
+      "}\n";
+  const auto sources = sources_of({FIELDS, TEXT});
+  const lint::result found = lint::lint(sources, {});
+  EXPECT_EQ(shown(sources, found),
+            "b:1:16 class-name-without-slash, b:2:16 class-name-without-slash");
+  std::string names;
+  for (const lint::finding& each : found.told)
+    for (const lint::alias& other : each.aliases)
+      names.append(other.rule).append(" of ").append(other.subject).append("\n");
+  EXPECT_EQ(names,
+            "field-not-defined of class x/a, entry R\ncolumn-without-table of class x/a, entry R\n"
+            "field-not-defined of class b, entry A\n"
+            "missing-column of class b, entry S, attribute SQL_COLUMN\n");
+}
+
 TEST(import, tells_nothing_that_only_follows_from_what_is_broken) {
   static constexpr const char* BROKEN[] = {
       "STRING X { ID = ; }\nSTRING Y { ID 7; }\n",

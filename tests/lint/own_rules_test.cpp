@@ -116,7 +116,7 @@ static std::string all_in(const std::string& text, const std::vector<lint::refus
   const auto sources = sources_of({text});
   lint::world world;
   world.refuse = [&](const lint::deployment&) { return refused; };
-  world.own = [](const lint::index& all) { return lint::check_own(all, {}).told; };
+  world.own = [](const lint::index& all, size_t) { return lint::check_own(all, {}).told; };
   lint::result result = lint::lint(sources, world);
   lint::drop_echoes(result.told);
   return shown(sources, result);

@@ -44,6 +44,7 @@ static said lint_says(const std::vector<lint::source>& sources) {
   for (const lint::finding& each : found.told) {
     all.has_error = all.has_error || each.told == lint::level::ERROR;
     all.rules.emplace(each.rule);
+    for (const lint::alias& other : each.aliases) all.rules.emplace(other.rule);
     const bool is_syntax = lint::find_rule(each.rule)->from == lint::origin::SYNTAX;
     if (is_syntax && all.syntax.empty())
       all.syntax = std::to_string(each.reader_line) + " " + std::string(each.rule);

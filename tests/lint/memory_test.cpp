@@ -1,0 +1,82 @@
+// What many findings take: those behind the told limit are only counted, and each that is told is
+// handed over before the next is written.
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "dict/lint/forms.h"
+#include "lint/rules/own.h"
+#include "tests/lint/findings.h"
+
+static size_t live = 0;  // bytes
+static size_t most_live = 0;
+
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  void* bytes = std::malloc(size);
+  live += malloc_usable_size(bytes);
+  most_live = std::max(most_live, live);
+  return bytes;
+}
+void* operator new(size_t size) {
+  void* bytes = operator new(size, std::nothrow);
+  return bytes != nullptr ? bytes : throw std::bad_alloc();
+}
+void operator delete(void* bytes) noexcept {
+  live -= malloc_usable_size(bytes);
+  std::free(bytes);
+}
+void operator delete(void* bytes, size_t) noexcept {
+  operator delete(bytes);
+}
+
+struct many {
+  const char* head;
+  const char* before;  // a number
+  const char* behind;
+  const char* end;
+  size_t most;  // MB
+};
+
+static std::string text_of(const many& one, size_t count) {
+  std::string text = one.head;
+  for (size_t i = 0; i < count; ++i)
+    text.append(one.before).append(std::to_string(100'000 + i)).append(one.behind);
+  return text += one.end;
+}
+
+// What the containers hold at most, beside the lists of the import, which are other memory.
+static size_t memory_for(const many& one, size_t count) {
+  const auto sources = sources_of({text_of(one, count)});
+  const size_t before = most_live = live;
+  EXPECT_EQ(lint::lint(sources, {}).told.size(), lint::MOST_TOLD) << one.before;
+  return most_live - before;
+}
+
+// A finding that is kept takes more than 400 bytes: as many again as are told would be 8 MB more.
+TEST(memory, of_findings_behind_the_told_limit_is_that_of_what_they_are_about) {
+  static constexpr many KINDS[] = {
+      {"STORABLE CLASS /a {\n", "FOO = ", ";\n", "}\n", 18},
+      {"STORABLE CLASS /a {\n", "INT F", " { }\n", "}\n", 27},
+  };
+  for (const many& each : KINDS)
+    EXPECT_LT(memory_for(each, 2 * lint::MOST_TOLD) / 1'000'000, each.most) << each.before;
+}
+
+TEST(memory, of_what_is_written_is_that_of_one_finding) {
+  const auto sources = sources_of({text_of({"", "INT F", " { ID = 7; }\n", "", 0}, 500)});
+  const auto findings =
+      lint::outcomes_of(lint::check_own(lint::index_of(sources), {}).told, sources);
+  ASSERT_GE(findings.size(), 1'000u);
+  for (const dict::lint_form& form : dict::LINT_FORMS) {
+    size_t all = 0;
+    size_t longest = 0;
+    form.write({sources, findings, {}}, [&](std::string_view piece) {
+      all += piece.size();
+      longest = std::max(longest, piece.size());
+    });
+    EXPECT_GT(all, 500u * 100) << form.name;
+    EXPECT_LT(longest, 2'000u) << form.name;
+  }
+}
