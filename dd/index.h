@@ -98,8 +98,8 @@ class dd_index {
   // A position is an index into entries_ plus 1; 0 means none.
   struct entry {
     Value value;
-    key_type key;   // must not be read once removed: its text may be gone
     uint32_t next;  // position of the key's next value, after the last the first; 0: removed
+    key_type key;   // must not be read once removed: its text may be gone
   };
   // Keeps the hash, so that a search reads an entry only where the hash is equal.
   struct slot {
@@ -145,7 +145,7 @@ class dd_index {
     const auto position = static_cast<uint32_t>(entries_.size() + 1);
     slot& own = slots_[place];
     const bool is_first = !is_used(own);
-    entries_.push_back({value, key, is_first ? position : at(own.position).next});
+    entries_.push_back({value, is_first ? position : at(own.position).next, key});
     if (!is_first) at(own.position).next = position;
     own = {hash, position};
   }

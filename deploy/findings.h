@@ -222,8 +222,6 @@ inline constexpr auto FINDINGS = [] {
      "Error: duplicate column {column} within table: {table}\n"},
     {"storage-not-read", FAILURE, ERROR, LIST_ERROR, INTERNAL_ERROR, PRINT_SHOW_LOG},
     {"table-not-kept", FAILURE, ERROR, MISSING_TABLE, INTERNAL_ERROR, PRINT_SHOW_LOG},
-    {"buf-column-not-kept", FAILURE, ERROR, "Error while handling BUF column", INTERNAL_ERROR,
-     PRINT_SHOW_LOG},
     {"class-table-not-read", FAILURE, ERROR, MISSING_CLASS_TABLE, "Error:  Internal Error",
      PRINT_SHOW_LOG},
     {"storage-names-not-collected", CHAIN, NOTHING, "Error: while determining table/column names",

@@ -1,5 +1,6 @@
 #include "dm/field_request.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "dm/journal/change.h"
@@ -9,6 +10,28 @@ namespace dm {
 static std::optional<int32_t> number_of(const tav_node* node, uint32_t field) {
   const auto* number = static_cast<const int32_t*>(tav_node_get(node, field));
   return number != nullptr ? std::optional(*number) : std::nullopt;
+}
+
+static void sort_numbers(field_request& request) {
+  std::vector<numbered_field>& numbers = request.by_number;
+  if (!std::is_sorted(numbers.begin(), numbers.end())) std::sort(numbers.begin(), numbers.end());
+  const auto same = [](const numbered_field& a, const numbered_field& b) {
+    return a.number == b.number;
+  };
+  for (size_t i = 1; i < numbers.size(); ++i) {
+    if (!same(numbers[i - 1], numbers[i])) continue;
+    field_at(request, numbers[i].position).first_numbered =
+        field_at(request, numbers[i - 1].position).first_numbered;
+  }
+  numbers.erase(std::unique(numbers.begin(), numbers.end(), same), numbers.end());
+}
+
+// The first field that gives the number, or null.
+static asked_field* find_numbered(field_request& request, int32_t number) {
+  const auto& numbers = request.by_number;
+  const auto at = std::lower_bound(numbers.begin(), numbers.end(), numbered_field{number, 0});
+  const bool is_there = at != numbers.end() && at->number == number;
+  return is_there ? &field_at(request, at->position) : nullptr;
 }
 
 void read_request(const tav_node* input, field_request& request) {
@@ -31,29 +54,34 @@ void read_request(const tav_node* input, field_request& request) {
     if (field.name != nullptr) field.first_named = request.by_name.add_first(field.name, place);
     if (field.first_named < place) field_at(request, field.first_named).is_repeated = true;
     if (field.number) {
-      field.first_numbered = request.by_number.add_first(*field.number, place);
+      field.first_numbered = place;
+      request.by_number.push_back({*field.number, place});
     }
     request.fields.push_back(field);
   }
+  sort_numbers(request);
+}
+
+static void note_named(field_request& request, asked_field& field, const field_row& row) {
+  if (field.stored == asked_field::NONE) {
+    field.stored = static_cast<int32_t>(request.stored.size());
+    request.stored.emplace_back();
+  }
+  stored_field& stored = *stored_of(request, field);
+  stored = {row.stamp, row.number, row.type, asked_field::NONE, false};
+  stored.is_described_so =
+      row.descr != nullptr && field.descr != nullptr && std::strcmp(row.descr, field.descr) == 0;
+  if (!field.is_repeated && (field.descr == nullptr || stored.is_described_so)) return;
+  stored.state = static_cast<int32_t>(request.stored_states.size());
+  request.stored_states.push_back(field_state(row));
 }
 
 static void note_stored(field_request& request, const field_row& row) {
   if (const int32_t* place = request.by_name.find(row.name)) {
-    asked_field& field = field_at(request, *place);
-    field.is_stored = true;
-    field.stored_number = row.number;
-    field.stored_type = row.type;
-    field.stamp = row.stamp;
-    field.is_described_so =
-        row.descr != nullptr && field.descr != nullptr && std::strcmp(row.descr, field.descr) == 0;
-    if (field.is_repeated || (field.descr != nullptr && !field.is_described_so)) {
-      field.stored_state = static_cast<int32_t>(request.stored_states.size());
-      request.stored_states.push_back(field_state(row));
-    }
+    note_named(request, field_at(request, *place), row);
   }
-  if (const int32_t* place = request.by_number.find(row.number)) {
-    asked_field& field = field_at(request, *place);
-    field.number_is_taken = field.name == nullptr || !dd_equal(field.name, row.name);
+  if (asked_field* field = find_numbered(request, row.number)) {
+    field->number_is_taken = field->name == nullptr || !dd_equal(field->name, row.name);
   }
 }
 

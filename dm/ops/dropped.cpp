@@ -4,7 +4,6 @@
 #include <set>
 
 #include "dd/database_number.h"
-#include "dm/journal/read.h"
 
 namespace dm {
 

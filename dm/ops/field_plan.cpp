@@ -5,11 +5,12 @@
 namespace dm {
 
 planned_states states_of(const field_plan& plan, const asked_field& field) {
-  if (!field.is_stored) {
+  const stored_field* there = stored_of(plan.asked, field);
+  if (there == nullptr) {
     const field_row added{field.name, *field.number, *field.type, field.descr, 0, 0};
     return {field.name, nullptr, field_state(added)};
   }
-  const std::string& stored = plan.asked.stored_states[static_cast<size_t>(field.stored_state)];
+  const std::string& stored = plan.asked.stored_states[static_cast<size_t>(there->state)];
   std::string taken_apart = stored;
   field_row row{};
   read_field_state(taken_apart, row);
@@ -37,8 +38,9 @@ bool write_fields(session& session, const field_plan& plan, problem& why) {
     if (!field.is_planned) continue;
     const field_row row{field.name, *field.number, *field.type, field.descr, 0, stamp};
     if (!note_field(session, plan, field, why)) return false;
-    if (!field.is_stored) added.push_back(row);
-    if (field.is_stored && !store->calls->set_description(store, id, row, why)) return false;
+    const bool is_stored = stored_of(plan.asked, field) != nullptr;
+    if (!is_stored) added.push_back(row);
+    if (is_stored && !store->calls->set_description(store, id, row, why)) return false;
     has_written = true;
   }
   if (!has_written) return true;

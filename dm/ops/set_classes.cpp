@@ -4,7 +4,6 @@
 #include <map>
 #include <optional>
 
-#include "dm/journal/read.h"
 #include "dm/ops/dropped.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/class_rules.h"
@@ -123,7 +122,7 @@ static bool conflict(class_run& run, std::string_view fault) {
 
 // Whether no other session has written or deleted the class since this one fetched.
 static bool may_set(class_run& run, const char* name, const old_class& old) {
-  if (old.id == 0 && run.dropped.count(thing_key(change_of::CLASS, name)) != 0) {
+  if (old.id == 0 && was_dropped(run.dropped, change_of::CLASS, name)) {
     return conflict(run, WAS_DROPPED);
   }
   const bool is_ours = old.id <= 0 || old.stamp > run.database.counter;  // from earlier in the list

@@ -1,6 +1,5 @@
 // 576: adds fields and changes descriptions of stored ones, all or nothing.
 #include "dm/field_request.h"
-#include "dm/journal/read.h"
 #include "dm/ops/dropped.h"
 #include "dm/ops/operations.h"
 #include "dm/rules/field.h"
@@ -45,13 +44,14 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
   }
   asked_field& first = field_at(request, field.first_named);
   if (&first == &field) {
-    return field.is_stored ? is_the_same(field, field.stored_type, field.stored_number, why)
-                           : number_is_free(request, field, why);
+    const stored_field* stored = stored_of(request, field);
+    return stored != nullptr ? is_the_same(field, stored->type, stored->number, why)
+                             : number_is_free(request, field, why);
   }
   if (!is_the_same(field, *first.type, *first.number, why)) return false;
   if (field.descr != nullptr && *field.descr != '\0') {
     first.descr = field.descr;
-    first.is_described_so = false;
+    if (stored_field* stored = stored_of(request, first)) stored->is_described_so = false;
   }
   return true;
 }
@@ -60,13 +60,15 @@ static bool is_acceptable(field_request& request, asked_field& field, problem& w
 static bool plan_field(const session& session, field_plan& plan, const key_set& dropped,
                        asked_field& field, problem& why) {
   if (&field_at(plan.asked, field.first_named) != &field) return true;
-  const bool describes = field.descr != nullptr && *field.descr != '\0' && !field.is_described_so;
-  if (field.is_stored && !describes) return true;
-  if (field.is_stored && is_foreign(session, plan.target, &seen_database::fields, field.stamp)) {
+  const stored_field* stored = stored_of(plan.asked, field);
+  const bool is_stored = stored != nullptr;
+  const bool describes = field.descr != nullptr && *field.descr != '\0';
+  if (is_stored && (!describes || stored->is_described_so)) return true;
+  if (is_stored && is_foreign(session, plan.target, &seen_database::fields, stored->stamp)) {
     return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME,
                "was changed by another session since this one fetched the fields; run again");
   }
-  if (!field.is_stored && dropped.count(thing_key(change_of::FIELD, field.name)) != 0) {
+  if (!is_stored && was_dropped(dropped, change_of::FIELD, field.name)) {
     return bad(why, field, TAV_ERR_CONFLICT, TAV_FLD_FIELD_NAME, WAS_DROPPED);
   }
   return field.is_planned = true;

@@ -119,7 +119,9 @@ bool class_world::has_class(const char* name) {
 
 bool class_world::is_other_table(const char* table, const char* class_name) {
   const auto moved = moved_.find(folded(table));
-  if (moved != moved_.end()) return !moved->second.empty() && moved->second != folded(class_name);
+  if (moved != moved_.end()) {
+    return moved->second != nullptr && !dd_equal(moved->second->key.c_str(), class_name);
+  }
   const int64_t owner = table_owner(table);
   return owner != name_cache::ABSENT && owner != class_id(class_name);
 }
@@ -137,9 +139,9 @@ static std::vector<std::string> containers_in(const class_def& definition) {
 void class_world::accept(const class_def& definition, const std::vector<std::string>& tables,
                          const std::vector<std::string>& old_tables) {
   const std::string key = folded(text_of(definition, CLASS_NAME));
-  for (const std::string& table : old_tables) moved_[folded(table)] = "";
-  for (const std::string& table : tables) moved_[folded(table)] = key;
   line_class& line = line_of(key);
+  for (const std::string& table : old_tables) moved_[folded(table)] = nullptr;
+  for (const std::string& table : tables) moved_[folded(table)] = &line;
   line.containers = containers_in(definition);
   line.is_read = line.is_accepted = true;
   accepted_.try_emplace(line.key, &line);

@@ -104,7 +104,7 @@ class class_world {
   std::deque<line_class> lines_;
   dd_index<dd_by_name, line_class*> lines_by_key_;
   std::map<std::string_view, line_class*> accepted_;  // by key
-  key_map<std::string> moved_;  // keys of accepted classes by their tables; "": dropped by one
+  key_map<const line_class*> moved_;  // accepted classes by their tables; null: dropped by one
   std::optional<std::span<const class_row>> known_;  // all stored classes, where they were given
 };
 

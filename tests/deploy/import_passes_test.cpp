@@ -134,7 +134,7 @@ TEST(fields_pass, judges_a_repeated_definition_against_the_first) {
 }
 
 TEST(table_counts, a_shared_serializable_table_counts_once) {
-  deploy::table_uses tables{.keeps_columns = true};
+  deploy::table_uses tables{.keeps_entries = true};
   for (const char* name : {"a", "b", "A", "s", "S", "t", "a"}) {
     deploy::add_table(tables, {name});
   }
@@ -152,7 +152,7 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     const char* outcome;
     const char* tables;
   } rows[] = {
-      {"entry( name=B sql=C=c_T=t )", "1|", "t(c)"},
+      {"entry( name=B sql=C=c_T=t )", "1|", "t("},
       {"entry( name=B sql=T=t_C=c )",
        "1 error|Error: missing column name for BUF field B in table: t\n", "t("},
       {"entry( name=B sql=C=c )", "1 error|Error: missing table name for BUF field B\n", ""},
@@ -177,7 +177,7 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
     dd_list fields(DD_TYPED_FIELDS, list_of("field( name=A type=9 ) field( name=B type=6 ) "
                                             "field( name=S type=5 ) field( name=N )"));
     const dd_flist container = list_of(row.entries);
-    deploy::table_uses tables{.keeps_columns = true};
+    deploy::table_uses tables{.keeps_entries = true};
     tav_ebuf ebuf{};
     std::vector<deploy::class_entry> records;
     const auto entries = deploy::read_entries(records, container.get(), &ebuf);
@@ -189,22 +189,29 @@ TEST(columns, are_collected_from_what_the_definitions_say) {
               }),
               row.outcome);
     std::string found;
-    for (const auto& table : tables.uses) found += std::string(table.name) + '(';
-    for (const auto& column : tables.columns) found += std::string(column.name) + ')';
+    for (const auto& table : tables.uses) {
+      found += std::string(table.name) + '(';
+      for (const auto& entry : table.entries) {
+        if (deploy::is_column(entry)) found += std::string(entry.storage) + ')';
+      }
+    }
     EXPECT_EQ(found, row.tables);
   }
 }
 
 TEST(records, without_memory_are_a_failure_that_is_told) {
   tav_ebuf ebuf{};
-  dd_list fields(DD_TYPED_FIELDS, list_of("field( name=A type=9 ) field( name=S type=5 )"));
-  const dd_flist storable = list_of("entry( name=A type=9 sql=t entry( name=S type=5 sql=c ) )");
+  dd_list fields(DD_TYPED_FIELDS,
+                 list_of("field( name=A type=9 ) field( name=B type=9 ) field( name=S type=5 )"));
+  const dd_flist storable = list_of(
+      "entry( name=A type=9 sql=t entry( name=B type=9 sql=v entry( name=S type=5 sql=c ) ) )");
   fields.find("A", &ebuf);
   std::set<std::string> last_lines;
   std::string text;
   for (long n = 1; text.substr(0, 2) != "1|" && n < 100; ++n) {
     deploy::class_entries read;
-    deploy::table_uses tables{.keeps_columns = true};
+    deploy::table_uses tables{.keeps_entries = true};
+    deploy::add_table(tables, {"u", "/c"});
     const auto check = [&] {
       tav_ebuf unread{};
       const auto own = deploy::entries_of(read, storable.get(), &unread);
@@ -212,7 +219,7 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
       deploy::read_all_storage(own, &unread);
       deploy::find_definitions(own, fields);
       if (deploy::check_nesting(read, *own.first, {"/c"}, 1) < 1) return -1;
-      const int result = tav_deploy_get_table_columns(tables, 0, own, "t", "/c");
+      const int result = tav_deploy_get_table_columns(tables, 0, own, "u", "/c");
       return result < 1 ? -1 : deploy::check_unique_names(tables, tables);
     };
     text = outcome([&] {

@@ -45,14 +45,14 @@ element* find_in_table(element_array& array, int32_t id) {
   const size_t mask = array.table.size() - 1;
   for (size_t slot = slot_of(array, id); array.table[slot] != 0; slot = (slot + 1) & mask) {
     element& found = array.places[array.table[slot] - 1];
-    if (found.id == id && found.node != nullptr) return &found;
+    if (found.id == id && !found.is_hole()) return &found;
   }
   return nullptr;
 }
 
 element* find_one_by_one(element_array& array, int32_t id) {
   for (element& e : array.places) {
-    if (e.id == id && e.node != nullptr) return &e;
+    if (e.id == id && !e.is_hole()) return &e;
   }
   return nullptr;
 }
@@ -73,10 +73,10 @@ size_t place_after(const element_array& array, uint32_t seq) {
 // straight to it, so that later calls need fewer steps.
 size_t past_holes(std::vector<element>& places, size_t start) {
   size_t end = start;
-  while (end < places.size() && places[end].node == nullptr) end += places[end].skip;
+  while (end < places.size() && places[end].is_hole()) end += places[end].skip();
   while (start < end) {
-    const size_t next = start + places[start].skip;
-    places[start].skip = end - start;
+    const size_t next = start + places[start].skip();
+    places[start].make_hole(end - start);
     start = next;
   }
   return end;
@@ -89,7 +89,7 @@ bool follows(const element_array& array, int32_t id) {
 
 void close_holes(element_array& array) noexcept {
   auto& places = array.places;
-  std::erase_if(places, [](const element& e) { return e.node == nullptr; });
+  std::erase_if(places, [](const element& e) { return e.is_hole(); });
   array.table.clear();
   array.hint = 0;
   array.dense =
@@ -122,7 +122,7 @@ element& add(element_array& array, int32_t id, tav_node* node) {
   if (array.live == 0 && !array.places.empty()) close_holes(array);
   if (array.places.capacity() == 0) array.places.reserve(4);
   const bool dense = array.dense && follows(array, id);
-  array.places.push_back({node, {nullptr}, array.next_seq, id});
+  array.places.emplace_back(node, array.next_seq, id);
   array.dense = dense;
   ++array.next_seq;
   ++array.live;
@@ -131,8 +131,7 @@ element& add(element_array& array, int32_t id, tav_node* node) {
 }
 
 void remove(element_array& array, element& gone) noexcept {
-  gone.node = nullptr;
-  gone.skip = 1;
+  gone.make_hole(1);
   --array.live;
   if (array.places.size() - array.live > array.live + SPARE_HOLES) close_holes(array);
 }

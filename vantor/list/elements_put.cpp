@@ -26,9 +26,9 @@ element& place_content(element_array& array, int32_t id, tav_node* content) {
     (void)owner.release();
     return *e;
   }
-  tav_node* before = std::exchange(e->node, owner.release());
-  if (e->handle != nullptr) e->handle->node = e->node;
-  disown(before, e->handle);
+  tav_node* before = e->node();
+  e->set_node(owner.release());
+  disown(before, e->handle());
   return *e;
 }
 
@@ -47,12 +47,12 @@ void place_list(tav_flist_t& list, uint32_t field, int32_t id, tav_flist_t* put)
   if (e == nullptr) {
     e = &add(array, id, put->node);
   } else {
-    disown(std::exchange(e->node, put->node), e->handle);
-    free_handle(e->handle);
+    tav_flist_t* before = e->handle();
+    disown(e->node(), before);
+    free_handle(before);
   }
-  e->handle = put;
+  e->set_handle(put);
   put->array = &array;
-  put->seq = e->seq;
   array.home = &list;
 }
 
@@ -60,8 +60,8 @@ bool drop_element(tav_flist_t& list, uint32_t field, int32_t id) {
   if (find_element(list, field, id) == nullptr) return false;
   element_array& array = own_elements(list, field);
   element& gone = *find_id(array, id);
-  tav_node* node = gone.node;
-  const std::unique_ptr<tav_flist_t, handle_owner> handle(gone.handle);
+  tav_node* node = gone.node();
+  const std::unique_ptr<tav_flist_t, handle_owner> handle(gone.handle());
   remove(array, gone);
   disown(node, handle.get());
   return true;

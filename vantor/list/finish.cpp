@@ -33,7 +33,8 @@ static void shorten(tav_node& node, size_t size, size_t spare) {
 static tav_node* last_element(tav_node& node) {
   tav_node* last = nullptr;
   each_slot(node, [&](slot& s) {
-    if (s.has_elements() && !s.elements()->places.empty()) last = s.elements()->places.back().node;
+    if (s.has_elements() && !s.elements()->places.empty())
+      last = s.elements()->places.back().node();
   });
   return last;
 }
@@ -53,7 +54,8 @@ void finish(tav_node& node, bool is_element) {
 
 void finish_before_next(const tav_flist& list, const element_array& array) {
   if (array.places.empty()) return finish(*list.node, list.array != nullptr);
-  if (array.places.back().node != nullptr) finish(*array.places.back().node, true);
+  tav_node* last = array.places.back().node();
+  if (last != nullptr) finish(*last, true);
 }
 
 }  // namespace vantor

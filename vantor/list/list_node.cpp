@@ -20,12 +20,12 @@ const tav_node* tav_node_next(const tav_node* node, uint32_t array, uint32_t* po
   if (elements == nullptr) return nullptr;
   const auto& places = elements->places;
   size_t place = *position;
-  while (place < places.size() && places[place].node == nullptr) place += places[place].skip;
+  while (place < places.size() && places[place].is_hole()) place += places[place].skip();
   *position = static_cast<uint32_t>(place < places.size() ? place + 1 : place);
   if (place >= places.size()) return nullptr;
   prefetch(*elements, place + AHEAD);
   if (elem_id != nullptr) *elem_id = places[place].id;
-  return places[place].node;
+  return places[place].node();
 }
 
 uint32_t tav_node_count(const tav_node* node, uint32_t array) {

@@ -30,14 +30,15 @@ const element* next_handed_out(tav_flist_t& list, uint32_t field, uint32_t seq) 
   element_array* array = find_elements(*list.node, field);
   if (array == nullptr || array->home != &list) return nullptr;
   const element* next = follow(*array, seq);
-  return next != nullptr && next->handle != nullptr ? next : nullptr;
+  return next != nullptr && next->handle() != nullptr ? next : nullptr;
 }
 
 // What tav_flist_elem_get_next does with the next element: hands it out. One that this list has
 // handed out before needs no unsharing.
 tav_flist_t* give(tav_flist_t& list, uint32_t field, const element_array& array,
                   const element& next) {
-  if (next.handle != nullptr && array.home == &list) return next.handle;
+  tav_flist_t* there = next.handle();
+  if (there != nullptr && array.home == &list) return there;
   const uint32_t seq = next.seq;
   element_array& own = own_elements(list, field);
   return hand_out(list, own, at_seq(own, seq));
@@ -103,7 +104,7 @@ tav_flist_t* tav_flist_elem_get_next(tav_flist_t* list, uint32_t array, int32_t*
     if (const element* next = next_handed_out(*list, array, seq_of(*cookie))) {
       if (elem_id != nullptr) *elem_id = next->id;
       *cookie = cookie_of(next->seq);
-      return next->handle;
+      return next->handle();
     }
   }
   return step(list, array, elem_id, cookie, ebuf, give);

@@ -286,7 +286,7 @@ tav_node* new_filled_node(const tav_value* values, size_t count) {
 static uint32_t room_after(const element_array& array) {
   constexpr uint32_t MORE = 64;
   if (array.places.empty()) return FIRST_ROOM;
-  const tav_node* last = array.places.back().node;
+  const tav_node* last = array.places.back().node();
   const bool is_full = last != nullptr && last->first.next != nullptr;
   return is_full ? std::min<uint32_t>(array.room + MORE, LARGEST_INSIDE) : array.room;
 }

@@ -10,14 +10,6 @@
 #include "vantor/list/elements.h"
 #include "vantor/list/value.h"
 
-// The handle: what callers hold of a list, or of an element that was handed out. Never shared.
-struct tav_flist {
-  tav_node* node;                // its body
-  vantor::element_array* array;  // that it is an element of; null: a root. Leads to the parent
-  uint32_t seq;                  // its element's sequence number in that array
-  bool is_housed;                // memory: in the `housed` member of some body, not on the heap
-};
-
 namespace vantor {
 
 // A value outside the slot's place, counted by the slots that refer to it. Either the value stands
@@ -83,7 +75,7 @@ struct tav_node {
   uint32_t owners;   // root handles and elements that have this body; at 0 its fields are freed
   uint32_t boxes;    // how many boxes refer to a value in here
   uint64_t guide;    // 16 nibbles, one per hash of a field: the field's slot (see guided)
-  tav_flist housed;  // memory for one handle, which saves an allocation; unused: its node is null
+  tav_flist housed;  // memory for one handle, of this body mostly; unused: its node is null
   vantor::segment first;
 };
 
@@ -198,7 +190,8 @@ void clear_slot(slot& s) noexcept;
 void release_box(box* b) noexcept;
 
 // A handle of the body, whose owners are not counted up. It lies in the body's `housed` member
-// where that is unused, which cannot fail; else on the heap, which may throw std::bad_alloc.
+// where that is unused, which cannot fail; else in that of an empty body without owners, which is
+// made for it and may throw std::bad_alloc.
 tav_flist_t* new_handle(tav_node& node);
 void free_handle(tav_flist_t* handle) noexcept;
 // Frees the memory of a body unless it has an owner, or a box refers to it, or its `housed` handle

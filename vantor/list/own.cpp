@@ -24,21 +24,22 @@ bool is_own_way(const tav_flist_t& list) {
   return true;
 }
 
-// Unshares the list's body. All above the list must be unshared already.
+// Unshares the list's body, of an element too: its array leads to the handle. All above the list
+// must be unshared already.
 void own_node(tav_flist_t& list) {
   if (is_own(*list.node)) return;
   tav_node* shared = list.node;
   list.node = clone(*shared);
-  if (list.array != nullptr) at_seq(*list.array, list.seq).node = list.node;
   disown(shared, nullptr);  // null: the handles of the list's elements stay
 }
 
 void move_handles(element_array& from, element_array& to) noexcept {
   for (size_t i = 0; i < from.places.size(); ++i) {
-    if (from.places[i].node == nullptr) continue;
-    tav_flist_t* handle = std::exchange(from.places[i].handle, nullptr);
-    to.places[i].handle = handle;
-    if (handle != nullptr) handle->array = &to;
+    tav_flist_t* handle = from.places[i].handle();
+    if (handle == nullptr) continue;
+    from.places[i].forget_handle();
+    to.places[i].set_handle(handle);
+    handle->array = &to;
   }
   to.home = std::exchange(from.home, nullptr);
 }
@@ -50,9 +51,9 @@ element_array* copy_elements(const element_array& from) {
   made->dense = from.dense;
   made->places = from.places;
   for (element& e : made->places) {
-    if (e.node == nullptr) continue;
-    e.handle = nullptr;
-    share_node(*e.node);
+    if (e.is_hole()) continue;
+    e.forget_handle();
+    share_node(*e.node());
   }
   return made.release();
 }
@@ -107,12 +108,12 @@ element_array& need_elements(tav_flist_t& list, uint32_t field) {
 }
 
 tav_flist_t* hand_out(tav_flist_t& list, element_array& array, element& e) {
-  if (e.handle != nullptr) return e.handle;
-  e.handle = new_handle(*e.node);
-  e.handle->array = &array;
-  e.handle->seq = e.seq;
+  if (tav_flist_t* there = e.handle()) return there;
+  tav_flist_t* handle = new_handle(*e.node());
+  handle->array = &array;
+  e.set_handle(handle);
   array.home = &list;
-  return e.handle;
+  return handle;
 }
 
 }  // namespace vantor

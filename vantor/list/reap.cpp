@@ -34,10 +34,11 @@ void collect_lent(tav_node& node, const tav_flist_t* handle, pile& lent) {
 void free_handles(pile lent) {
   while (lent.top != nullptr) {
     for (element& e : lent.pop()->places) {
-      if (e.node == nullptr || e.handle == nullptr) continue;
-      collect_lent(*e.node, e.handle, lent);
-      free_handle(e.handle);
-      e.handle = nullptr;
+      tav_flist_t* handle = e.handle();
+      if (handle == nullptr) continue;
+      collect_lent(*e.node(), handle, lent);
+      e.forget_handle();
+      free_handle(handle);
     }
   }
 }
@@ -76,9 +77,10 @@ void disown(tav_node* node, const tav_flist_t* handle) noexcept {
   while (dead.top != nullptr) {
     element_array* array = dead.pop();
     for (element& e : array->places) {
-      if (e.node == nullptr) continue;
-      give_up(e.node, e.handle, dead);
-      free_handle(e.handle);
+      if (e.is_hole()) continue;
+      tav_flist_t* own = e.handle();
+      give_up(e.node(), own, dead);
+      free_handle(own);
     }
     delete array;
   }

@@ -19,12 +19,6 @@ struct target {
   deploy::entry_scope scope;
 };
 
-// What a BUF's storage names, in the tables' keeping.
-struct buf_storage {
-  const char* table = "";
-  const char* column = "";
-};
-
 }  // namespace
 
 static deploy::subject subject_of(const target& to, const deploy::class_entry& entry,
@@ -33,6 +27,11 @@ static deploy::subject subject_of(const target& to, const deploy::class_entry& e
   about.table = to.table_name;
   about.attribute = attribute;
   return about;
+}
+
+bool deploy::is_column(const deploy::class_entry& entry) {
+  const int32_t type = entry.defined_type.value_or(0);
+  return !dd_is_container(type) && type != TAV_FLDT_BUF && entry.has_storage();
 }
 
 deploy::place deploy::add_table(deploy::table_uses& tables, const deploy::table_use& use) {
@@ -44,21 +43,10 @@ deploy::place deploy::add_table(deploy::table_uses& tables, const deploy::table_
 static deploy::place add_table(const target& to, const deploy::class_entry& entry, const char* name,
                                tav_ebuf* ebuf) {
   deploy::place place = deploy::NO_PLACE;
-  const deploy::table_use use{name, to.scope.class_name, entry.name, to.table};
+  const deploy::table_use use{
+      .name = name, .class_name = to.scope.class_name, .field = entry.name, .around = to.table};
   dd_with_memory(ebuf, [&] { place = deploy::add_table(to.tables, use); });
   return place;
-}
-
-static void add_column(deploy::table_uses& tables, deploy::place table,
-                       const deploy::column_use& added, tav_ebuf* ebuf) {
-  if (!tables.keeps_columns) return;
-  dd_with_memory(ebuf, [&] { tables.columns.push_back(added); });
-  if (dd_failed(*ebuf)) return;
-  deploy::table_use& use = tables.uses[table];
-  const auto column = static_cast<deploy::place>(tables.columns.size() - 1);
-  const bool is_first = use.last_column == deploy::NO_PLACE;
-  (is_first ? use.first_column : tables.columns[use.last_column].next) = column;
-  use.last_column = column;
 }
 
 // The type of the field's definition; 0 after a report where there is none.
@@ -73,39 +61,27 @@ static int32_t defined_type(const target& to, const deploy::class_entry& entry) 
   return entry.defined_type.value_or(0);
 }
 
-static buf_storage split(deploy::table_uses& tables, const char* text) {
-  const auto [column, table] = dd_split_buf(text);
-  const char* kept = tables.names.emplace_back(table).c_str();
-  return {kept, tables.names.emplace_back(column).c_str()};
-}
-
 static int collect_buf(const target& to, const deploy::class_entry& entry) {
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-buf-storage", subject_of(to, entry));
     return 1;
   }
   tav_ebuf ebuf{};
-  buf_storage names;
-  deploy::place table = deploy::NO_PLACE;
-  dd_with_memory(at(&ebuf, HERE), [&] { names = split(to.tables, entry.storage); });
-  if (*names.table != '\0') {
-    table = add_table(to, entry, names.table, at(&ebuf, HERE));
+  const dd_buf_storage named = dd_split_buf(entry.storage);
+  const char* name = "";
+  dd_with_memory(at(&ebuf, HERE),
+                 [&] { name = to.tables.names.emplace_back(named.table).c_str(); });
+  if (*name != '\0') {
+    add_table(to, entry, name, at(&ebuf, HERE));
   } else if (!dd_failed(ebuf)) {
     deploy::report(HERE, "missing-buf-table", subject_of(to, entry, "SQL_TABLE"));
   }
   if (dd_failed(ebuf)) return deploy::call_failed(HERE, ebuf, "table-not-kept");
-  if (*names.column == '\0') {
-    deploy::subject about = subject_of(to, entry, "SQL_COLUMN");
-    about.table = names.table;
-    deploy::report(HERE, "missing-buf-column", about);
-    return 1;
-  }
-  if (table != deploy::NO_PLACE) {
-    add_column(to.tables, table, {names.column, entry.name, dd_hash(names.column)},
-               at(&ebuf, HERE));
-  }
-  if (!dd_failed(ebuf)) return 1;
-  return deploy::call_failed(HERE, ebuf, "buf-column-not-kept");
+  if (!named.column.empty()) return 1;
+  deploy::subject about = subject_of(to, entry, "SQL_COLUMN");
+  about.table = name;
+  deploy::report(HERE, "missing-buf-column", about);
+  return 1;
 }
 
 // The entry's own table, none after a report where it names none; false when it cannot be kept.
@@ -142,9 +118,7 @@ static int collect_column(const target& to, const deploy::class_entry& entry) {
     deploy::report(HERE, "missing-column", subject_of(to, entry, "SQL_COLUMN"));
     return 1;
   }
-  tav_ebuf ebuf{};
-  add_column(to.tables, to.table, {entry.storage, entry.name, entry.storage_hash}, at(&ebuf, HERE));
-  return dd_failed(ebuf) ? deploy::call_failed(HERE, ebuf, "table-not-kept") : 1;
+  return 1;
 }
 
 // Error buffers stay out of what calls itself: entries may be nested ten thousand levels deep.
@@ -161,6 +135,9 @@ static int collect_entry(const target& to, deploy::class_entry& entry) {
 }
 
 static int collect_entries(const target& to, deploy::siblings entries) {
+  if (to.tables.keeps_entries && to.table != deploy::NO_PLACE) {
+    to.tables.uses[to.table].entries = entries;
+  }
   for (deploy::class_entry& entry : entries) {
     if (collect_entry(to, entry) < 1) return -1;
   }

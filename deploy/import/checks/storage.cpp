@@ -94,8 +94,8 @@ static int collect(const collection& from, dictionary& known) {
 // The working classes include the run's own: a table of a new class is found there once, and a
 // second time only if another class has it too.
 int deploy::import_storage(deploy::import_state& state) {
-  deploy::table_uses all_tables{.keeps_columns = false, .tells_all = state.tells_all};
-  deploy::table_uses tables{.keeps_columns = true, .tells_all = state.tells_all};
+  deploy::table_uses all_tables{.keeps_entries = false, .tells_all = state.tells_all};
+  deploy::table_uses tables{.keeps_entries = true, .tells_all = state.tells_all};
   dictionary known{state.working_fields, state.entries};
   const collection collections[] = {
       {state.working_classes, all_tables, "server-storage-not-collected"},

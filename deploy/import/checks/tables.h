@@ -14,32 +14,27 @@ namespace deploy {
 using place = uint32_t;
 inline constexpr place NO_PLACE = UINT32_MAX;
 
-// A use of a table. Its columns are a chain, because those of nested entries come between them.
+// A use of a table.
 struct table_use {
   const char* name;
   const char* class_name = nullptr;  // whose it is
   const char* field = nullptr;       // of the entry that names it; null for the class's own
+  siblings entries{};                // in whose columns it is used: see is_column; a BUF's has none
   place around = NO_PLACE;           // the use of the table that the entry stands in
-  place first_column = NO_PLACE;
-  place last_column = NO_PLACE;
-  bool is_serializable = false;  // may be shared; the collection itself finds no such use
-};
-
-struct column_use {
-  const char* name;
-  const char* field;  // of the entry that names it
-  uint32_t hash;      // of the name
-  place next = NO_PLACE;
+  bool is_serializable = false;      // may be shared; the collection itself finds no such use
 };
 
 // The uses of tables in the order found. Names are borrowed from the classes or kept here.
 struct table_uses {
-  bool keeps_columns;  // else only the tables are asked for, and columns are checked but not added
+  bool keeps_entries;      // else only the tables are asked for, and the classes need not stay
   bool tells_all = false;  // a column without a table does not end the collection
   std::vector<table_use> uses{};
-  std::vector<column_use> columns{};
   std::deque<std::string> names{};
 };
+
+// Whether the entry, whose definition has been sought, names a column of the table that it stands
+// in. That of a BUF is in a table of its own.
+bool is_column(const class_entry& entry);
 
 // Adds a use of a table and gives its place. Throws std::bad_alloc.
 place add_table(table_uses& tables, const table_use& use);

@@ -30,7 +30,7 @@ int tav_deploy_count_table_by_name(deploy::table_counts& counts, const char* nam
   return uses.all >= 2 && uses.serializable >= 1 ? 1 : uses.all;
 }
 
-using column_index = dd_index<dd_by_name, const deploy::column_use*>;
+using column_index = dd_index<dd_by_name, const deploy::class_entry*>;
 
 // The entries from a use's outwards; told to a sink only.
 static std::vector<deploy::entry_path> path_from(const deploy::table_uses& tables,
@@ -44,19 +44,17 @@ static std::vector<deploy::entry_path> path_from(const deploy::table_uses& table
   return path;
 }
 
-// A BUF names table and column; any other column stands in the entry that names the table.
 static void report_column(const deploy::table_uses& tables, deploy::place use,
-                          const deploy::column_use& column) {
+                          const deploy::class_entry& column) {
   const deploy::table_use& table = tables.uses[use];
-  const bool is_buf = column.field == table.field;
-  const auto path = path_from(tables, is_buf ? table.around : use);
+  const auto path = path_from(tables, use);
   deploy::report(HERE, "repeated-column",
                  {.class_name = table.class_name,
-                  .field = column.field,
+                  .field = column.name,
                   .around = path.data(),
                   .side = IMPLEMENTATION,
                   .table = table.name,
-                  .column = column.name,
+                  .column = column.storage,
                   .attribute = "SQL_COLUMN"});
 }
 
@@ -86,11 +84,10 @@ static void report_table(const deploy::table_uses& tables, deploy::place use,
 static void report_repeated(const deploy::table_uses& tables, deploy::place use,
                             column_index& seen) {
   seen.clear();
-  for (deploy::place place = tables.uses[use].first_column; place != deploy::NO_PLACE;
-       place = tables.columns[place].next) {
-    const deploy::column_use& column = tables.columns[place];
-    if (seen.add_first(column.name, column.hash, &column) == &column) continue;
-    report_column(tables, use, column);
+  for (const deploy::class_entry& entry : tables.uses[use].entries) {
+    if (!deploy::is_column(entry)) continue;
+    if (seen.add_first(entry.storage, entry.storage_hash, &entry) == &entry) continue;
+    report_column(tables, use, entry);
   }
 }
 
