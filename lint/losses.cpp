@@ -53,10 +53,12 @@ static void tell_dropped(comparing& to, const pair_of_nodes& nodes, const char* 
   }
   const auto at = find(to.in, around);
   const span where = at ? name_span(to.in.all, *at) : span{0, 0, 0};
-  tell(to.told, {"entry-dropped", level::WARNING, where,
-                 dd_visible("Class " + std::string(to.class_name) + " has no entry " + name +
-                            " here and has one in the dictionary, where it would be dropped."),
-                 words_of(about)});
+  tell(to.told,
+       {"entry-dropped", level::WARNING, where,
+        dd_visible("Class " + std::string(to.class_name) + " has no entry " + name +
+                   " here and has one in the dictionary, where it would be dropped: put it "
+                   "back, or make sure that nobody needs it."),
+        words_of(about)});
 }
 
 static void compare_lengths(comparing& to, const pair_of_nodes& nodes, tav_flist_t* held,
@@ -69,12 +71,14 @@ static void compare_lengths(comparing& to, const pair_of_nodes& nodes, tav_flist
   const auto at = find(to.in, about);
   node_place length;
   const bool has_length = at && find_attribute(to.in.all, *at, "LENGTH", length);
+  const std::string old = before != 0 ? std::to_string(before) : "none";
+  const std::string keep = before != 0 ? std::string("Keep ").append(old) : "Leave it out";
   tell(to.told, {"length-narrowed", level::WARNING,
                  has_length ? value_span(to.in.all, length) : span{0, 0, 0},
                  dd_visible(std::string(name) + " in class " + to.class_name + " has LENGTH " +
-                            std::to_string(after) + " here and " +
-                            (before != 0 ? std::to_string(before) : "none") +
-                            " in the dictionary: longer values would not fit any more."),
+                            std::to_string(after) + " here and " + old +
+                            " in the dictionary: longer values would not fit any more. " + keep +
+                            ", or make sure that none is stored."),
                  words_of(about)});
 }
 

@@ -64,7 +64,8 @@ static bool read_dictionary(const std::string& named, const std::string& databas
 bool read_against(const std::string& named, const std::string& database, against& to,
                   dm::problem& why) {
   std::error_code ignored;
-  const bool is_file = std::filesystem::is_regular_file(named, ignored);
+  const bool is_path = named.find(':') == named.npos && named.ends_with(".def");
+  const bool is_file = is_path || std::filesystem::is_regular_file(named, ignored);
   return is_file ? read_export(named, to, why) : read_dictionary(named, database, to, why);
 }
 

@@ -29,6 +29,11 @@ constexpr echo_row ECHOES[] = {
     {"text-too-long", "class-refused", true, true},
     {"name-refused", "class-refused", true, true},
     {"field-not-defined", "missing-field-definition", false, false},
+    // Of a field that is not defined nobody knows whether it needs a column.
+    {"column-without-table", "missing-field-definition", false, false},
+    {"column-without-table", "field-not-defined", false, false},
+    {"missing-column", "missing-field-definition", false, false},
+    {"missing-column", "field-not-defined", false, false},
 };
 
 using errors_by_key = std::unordered_map<std::string, finding*>;

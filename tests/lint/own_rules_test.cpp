@@ -131,4 +131,10 @@ TEST(own_rules, are_silent_where_an_error_says_the_same) {
       all_in("INT F { ID = 20001; DESCR = \"\xe4\"; }", {{.field = "F", .attribute = "DESCR"}}),
       "1:29 field-refused");
   EXPECT_EQ(all_in("INT F { ID = 7; DESCR = \"a\"; }"), "1:14 number-outside-range");
+  EXPECT_EQ(all_in("STORABLE CLASS /a { STRING X { } }\n"
+                   "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }"),
+            "1:16 missing-description, 1:28 missing-field-definition");
+  EXPECT_EQ(all_in("STORABLE CLASS b { STRING X { } }"),
+            "1:16 class-name-without-slash, 1:16 missing-class-table, 1:16 missing-description, "
+            "1:16 interface-without-implementation, 1:27 field-not-defined");
 }

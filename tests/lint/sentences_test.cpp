@@ -40,7 +40,7 @@ static const sentence_case CASES[] = {
      "storage by hand."},
     {KEPT,
      "A in class /a has LENGTH 5 here and none in the dictionary: longer values would not fit any "
-     "more."},
+     "more. Leave it out, or make sure that none is stored."},
     {"INT A { ID = 7; }\n",
      "A is INT here and STRING in the dictionary, where a field's type cannot change: keep STRING, "
      "or give the field another name and number. Its ID differs, too: 7 here and 20001 there."},
