@@ -1,7 +1,6 @@
 #include "vantor/list/elements_put.h"
 
 #include <memory>
-#include <utility>
 
 #include "vantor/list/reap.h"
 
