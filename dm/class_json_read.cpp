@@ -172,7 +172,8 @@ class builder {
 
   bool read_decimal(const char* text, size_t length) {
     if (length > DD_LONGEST_TEXT) return fail("holds a number that is too long");
-    decimals_.emplace_back(tav_decimal(text, &ebuf_));
+    dd_decimal made(tav_decimal(text, &ebuf_));  // owned before the vector may lack memory to grow
+    decimals_.push_back(std::move(made));
     return built() && wait(decimals_.back().get());
   }
 
