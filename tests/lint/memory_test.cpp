@@ -1,35 +1,11 @@
 // What many findings take: those behind the told limit are only counted, and each that is told is
 // handed over before the next is written.
 #include <gtest/gtest.h>
-#include <malloc.h>
-
-#include <cstdlib>
-#include <new>
 
 #include "dict/lint/forms.h"
 #include "lint/rules/own.h"
 #include "tests/lint/findings.h"
-
-static size_t live = 0;  // bytes
-static size_t most_live = 0;
-
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-  void* bytes = std::malloc(size);
-  live += malloc_usable_size(bytes);
-  most_live = std::max(most_live, live);
-  return bytes;
-}
-void* operator new(size_t size) {
-  void* bytes = operator new(size, std::nothrow);
-  return bytes != nullptr ? bytes : throw std::bad_alloc();
-}
-void operator delete(void* bytes) noexcept {
-  live -= malloc_usable_size(bytes);
-  std::free(bytes);
-}
-void operator delete(void* bytes, size_t) noexcept {
-  operator delete(bytes);
-}
+#include "tests/lint/memory.h"
 
 struct many {
   const char* head;
