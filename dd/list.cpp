@@ -37,7 +37,7 @@ void dd_list::forget_numbers() {
 template <class Index, class Add>
 bool dd_list::build(Index& index, bool& built, Add add, tav_ebuf* ebuf) {
   if (built || dd_failed(*ebuf)) return !dd_failed(*ebuf);
-  const int32_t own = count(ebuf);
+  const int32_t own = list_ != nullptr ? count(ebuf) : 0;
   if (lent_.empty()) lent_.reserve(reserved_for_lent_);
   index.clear();
   index.reserve(static_cast<size_t>(own) + reserved_for_lent_);
@@ -73,7 +73,7 @@ tav_flist_t* dd_list::find_number(int32_t number, tav_ebuf* ebuf) {
 }
 
 int32_t dd_list::count(tav_ebuf* ebuf) const {
-  return list_ != nullptr ? tav_flist_elem_count(list_, shape_->array, ebuf) : 0;
+  return tav_flist_elem_count(list_, shape_->array, ebuf);
 }
 
 void dd_list::append(dd_flist element, tav_ebuf* ebuf, std::optional<uint32_t> hash) {

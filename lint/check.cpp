@@ -4,7 +4,6 @@
 #include <map>
 #include <new>
 #include <tuple>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "dd/fold.h"
@@ -35,7 +34,7 @@ struct checking {
   // How many entries that have the name of the one at a place were told.
   std::map<std::tuple<uint32_t, uint32_t, uint32_t>, size_t> repeats{};
   // Of classes whose names are refused: where in what is told that stands.
-  std::unordered_map<std::string, size_t> misnamed{};
+  std::map<std::string, size_t> misnamed{};
   std::vector<std::string> printed{};
   bool has_failed = false;
 };

@@ -116,7 +116,6 @@ static int collect_column(const target& to, const deploy::class_entry& entry) {
   }
   if (!entry.has_storage()) {
     deploy::report(HERE, "missing-column", subject_of(to, entry, "SQL_COLUMN"));
-    return 1;
   }
   return 1;
 }
