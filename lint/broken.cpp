@@ -34,7 +34,7 @@ struct judging {
   std::string frame{};  // memory for texts to judge
 
   std::string_view text() const { return sources[source_number].tree.text; }
-  const node& at(uint32_t index) const { return definition.nodes[index]; }
+  const node& at(uint32_t index) const { return nodes_of(definition)[index]; }
 };
 
 // Tokens of the definition from the first to before the last.
@@ -50,19 +50,19 @@ static uint32_t end_of(const node& node) {
 }
 
 static std::string_view slice(const judging& in, token_range range) {
-  const uint64_t start = syntax::place_of(in.definition, in.definition.tokens[range.first]);
-  const auto& last = in.definition.tokens[range.end - 1];
+  const uint64_t start = syntax::place_of(in.definition, tokens_of(in.definition)[range.first]);
+  const auto& last = tokens_of(in.definition)[range.end - 1];
   const std::string_view text = syntax::text_of(in.text(), in.definition, last);
   return in.text().substr(start, syntax::place_of(in.definition, last) + text.size() - start);
 }
 
 static int kind_at(const judging& in, uint32_t token) {
-  return in.definition.tokens[token].kind();
+  return tokens_of(in.definition)[token].kind();
 }
 
 static uint32_t children_begin(const judging& in, uint32_t index) {
   const bool has_child =
-      index + 1 < in.definition.node_count && in.at(index + 1).first < end_of(in.at(index));
+      index + 1 < nodes_of(in.definition).size() && in.at(index + 1).first < end_of(in.at(index));
   return has_child ? in.at(index + 1).first : end_of(in.at(index));
 }
 
@@ -129,7 +129,7 @@ static bool take_part(judging& in, token_range range, bool is_head = false) {
   verdict told = judge_framed(in, slice(in, range), is_head);
   if (told.is_sound()) return true;
   add_mistake(in, std::move(told),
-              syntax::place_of(in.definition, in.definition.tokens[range.first]));
+              syntax::place_of(in.definition, tokens_of(in.definition)[range.first]));
   return false;
 }
 
@@ -226,7 +226,7 @@ static void judge_member(judging& in, uint32_t index) {
 mended judge_parts(std::span<const source> sources, uint32_t source, uint32_t definition,
                    size_t most, left_out& missing) {
   judging in{sources, source, sources[source].tree.definitions[definition], most, missing};
-  for (uint32_t i = 0; i < in.definition.node_count; ++i) {
+  for (uint32_t i = 0; i < nodes_of(in.definition).size(); ++i) {
     while (!in.open.empty() && end_of(in.at(in.open.back().node)) <= in.at(i).first) close_node(in);
     if (has_block(in, i)) {
       open_node(in, i);

@@ -9,8 +9,7 @@ namespace lint {
 using syntax::node_kind;
 
 std::string_view entry_finder::name_of(const entry& one) const {
-  const syntax::definition& definition = definition_of(all_, read_);
-  return syntax::name_of(text_of(all_, read_), definition, definition.nodes[one.node]);
+  return lint::name_of(all_, node_place{read_.source, read_.definition, one.node});
 }
 
 // Of names in either case.

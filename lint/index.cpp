@@ -22,10 +22,6 @@ bool by_view::equal(key a, key b) {
 
 // --- Building ------------------------------------------------------------------------------------
 
-static std::string_view name_at(const index& in, const node_place& at) {
-  return syntax::name_of(text_of(in, at), definition_of(in, at), node_of(in, at));
-}
-
 // Where the slot of the name is, or that which it will get.
 static size_t slot_of(const index& in, const std::vector<name_slot>& slots, std::string_view name,
                       uint32_t hash) {
@@ -33,7 +29,8 @@ static size_t slot_of(const index& in, const std::vector<name_slot>& slots, std:
     at &= slots.size() - 1;
     const name_slot& slot = slots[at];
     if (slot.first == defined::NONE) return at;
-    if (slot.hash == hash && by_view::equal(in.definitions[slot.first].name, name)) return at;
+    if (slot.hash == hash && by_view::equal(name_of(in, in.definitions[slot.first]), name))
+      return at;
   }
 }
 
@@ -44,13 +41,14 @@ static uint32_t find_first(const index& in, node_kind kind, std::string_view nam
 
 static void add(index& to, const node_place& at, std::vector<uint32_t>& last) {
   const node_kind kind = node_of(to, at).meant;
-  const std::string_view name = name_at(to, at);
+  const std::string_view name = name_of(to, at);
   if (name.empty()) return;
+  const auto start = static_cast<uint32_t>(name.data() - text_of(to, at).data());
   const auto place = static_cast<uint32_t>(to.definitions.size());
   const uint32_t hash = by_view::hash(name);
   std::vector<name_slot>& slots = to.by_name[static_cast<size_t>(kind)];
   name_slot& slot = slots[slot_of(to, slots, name, hash)];
-  to.definitions.push_back({name, at, defined::NONE, kind});
+  to.definitions.push_back({at, start, static_cast<uint32_t>(name.size()), defined::NONE, kind});
   last.push_back(place);
   if (slot.first == defined::NONE) {
     slot = {hash, place};
@@ -69,9 +67,9 @@ static void mark_used(index& to, std::string_view field) {
 }
 
 static void mark_uses(index& to, node_place at) {
-  const uint32_t count = definition_of(to, at).node_count;
+  const size_t count = nodes_of(definition_of(to, at)).size();
   for (at.node = 1; at.node < count; ++at.node)
-    if (node_of(to, at).meant == node_kind::ENTRY) mark_used(to, name_at(to, at));
+    if (node_of(to, at).meant == node_kind::ENTRY) mark_used(to, name_of(to, at));
 }
 
 // Growing as they are filled, they would take twice as much for a while.
@@ -79,8 +77,8 @@ static void reserve(index& to, std::vector<uint32_t>& last) {
   size_t counts[3] = {};
   for (const source& each : to.sources)
     for (const syntax::definition& definition : each.tree.definitions)
-      if (definition.nodes[0].meant <= node_kind::IMPLEMENTATION)
-        ++counts[static_cast<size_t>(definition.nodes[0].meant)];
+      if (const node_kind meant = nodes_of(definition)[0].meant; meant <= node_kind::IMPLEMENTATION)
+        ++counts[static_cast<size_t>(meant)];
   for (size_t i = 0; i < std::size(counts); ++i)
     to.by_name[i].resize(std::bit_ceil(counts[i] + counts[i] / 2 + 1));
   to.definitions.reserve(counts[0] + counts[1] + counts[2]);
@@ -98,7 +96,7 @@ index index_of(std::span<const source> sources) {
     for (uint32_t i = 0; i < count; ++i)
       if (find_stray(strays, i) == nullptr) add(result, {source, i, 0}, last);
     for (const stray_entry& each : strays)
-      stray_names.push_back(name_at(result, {source, each.definition, 0}));
+      stray_names.push_back(name_of(result, node_place{source, each.definition, 0}));
   }
   for (size_t i = 0; i < result.definitions.size(); ++i)
     if (result.definitions[i].kind == node_kind::INTERFACE)
@@ -108,6 +106,10 @@ index index_of(std::span<const source> sources) {
 }
 
 // --- Looking up ----------------------------------------------------------------------------------
+
+std::string_view name_of(const index& in, const node_place& at) {
+  return syntax::name_of(text_of(in, at), definition_of(in, at), node_of(in, at));
+}
 
 const defined* find(const index& in, node_kind kind, std::string_view name) {
   const uint32_t first = find_first(in, kind, name);
@@ -125,7 +127,7 @@ bool find_attribute(const index& in, const node_place& around, std::string_view 
   each_member(in, around, [&](const node_place& at) {
     const bool is_wanted =
         node_of(in, at).meant == node_kind::ATTRIBUTE && keyword_of(in, at) == wanted &&
-        (wanted != DPARSE_TOKEN_WORD || by_view::equal(name_at(in, at), keyword));
+        (wanted != DPARSE_TOKEN_WORD || by_view::equal(name_of(in, at), keyword));
     if (is_wanted) found = at;
     is_found = is_found || is_wanted;
   });

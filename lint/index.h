@@ -13,7 +13,7 @@
 
 namespace lint {
 
-// A node of a tree: sources[source].tree.definitions[definition].nodes[node].
+// A node of a tree: sources[source].nodes_of(sources[source].tree.definitions[definition])[node].
 struct node_place {
   uint32_t source;
   uint32_t definition;
@@ -30,8 +30,9 @@ struct by_view {
 struct defined {
   static constexpr uint32_t NONE = UINT32_MAX;
 
-  std::string_view name;
   node_place where;
+  uint32_t name_start;  // in the source's text
+  uint32_t name_length;
   uint32_t next = NONE;    // the next one of the same kind and name, in the order of reading
   syntax::node_kind kind;  // FIELD, INTERFACE or IMPLEMENTATION
   bool is_used = false;    // of a field: an entry of an interface has its name
@@ -62,17 +63,23 @@ inline const syntax::definition& definition_of(const index& in, const node_place
   return in.sources[at.source].tree.definitions[at.definition];
 }
 inline const syntax::node& node_of(const index& in, const node_place& at) {
-  return definition_of(in, at).nodes[at.node];
+  return nodes_of(definition_of(in, at))[at.node];
 }
 // The token that an attribute begins with, as in dparse/tokens.h.
 inline int keyword_of(const index& in, const node_place& attribute) {
-  return definition_of(in, attribute).tokens[node_of(in, attribute).first].kind();
+  return tokens_of(definition_of(in, attribute))[node_of(in, attribute).first].kind();
 }
 inline std::string_view text_of(const index& in, const node_place& at) {
   return in.sources[at.source].tree.text;
 }
 inline std::string_view text_of(const index& in, const span& where) {
   return std::string_view(in.sources[where.source].tree.text).substr(where.start, where.length);
+}
+
+// The name of a definition or entry, the keyword of an attribute; empty where none is known.
+std::string_view name_of(const index& in, const node_place& at);
+inline std::string_view name_of(const index& in, const defined& one) {
+  return text_of(in, span{one.where.source, one.name_start, one.name_length});
 }
 
 // Calls with what stands right inside a node (entries, attributes, broken ones), in order.

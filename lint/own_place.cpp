@@ -18,14 +18,14 @@ struct token_place {
   size_t token;
 
   const syntax::definition& around() const { return in.definitions[definition]; }
-  const syntax::token& get() const { return around().tokens[token]; }
+  const syntax::token& get() const { return tokens_of(around())[token]; }
   int kind() const { return get().kind(); }
   uint64_t start() const { return syntax::place_of(around(), get()); }
   uint64_t end() const { return start() + syntax::text_of(in.text, around(), get()).size(); }
   bool is_first() const { return definition == 0 && token == 0; }
 
   void step_back() {
-    if (token == 0) token = in.definitions[--definition].token_count;
+    if (token == 0) token = tokens_of(in.definitions[--definition]).size();
     --token;
   }
 };
@@ -35,7 +35,7 @@ struct token_place {
 // The last token that begins before the byte; there is one.
 static token_place last_before(const tree& in, uint64_t byte) {
   const auto behind = std::ranges::partition_point(in.definitions, [&](const auto& each) {
-    return syntax::place_of(each, each.tokens[0]) < byte;
+    return syntax::place_of(each, tokens_of(each)[0]) < byte;
   });
   const auto definition = static_cast<size_t>(behind - in.definitions.begin()) - 1;
   const auto tokens = syntax::tokens_of(in.definitions[definition]);

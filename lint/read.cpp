@@ -30,18 +30,15 @@ struct source_reading {
 
 static std::string subject_of(const source_reading& in, const node_place& at) {
   static constexpr const char* KINDS[] = {"field ", "class ", "implementation of ", "", "", ""};
-  const syntax::node& node = node_of(in.all, at);
-  const auto name = syntax::name_of(in.tree().text, definition_of(in.all, at), node);
+  const auto name = name_of(in.all, at);
   constexpr size_t MOST = 240;  // sound names are longer than that nearly never
   if (name.empty()) return "syntax";
-  return KINDS[static_cast<size_t>(node.meant)] + std::string(name.substr(0, MOST));
+  return KINDS[static_cast<size_t>(node_of(in.all, at).meant)] + std::string(name.substr(0, MOST));
 }
 
 // What is defined twice was defined elsewhere first.
 static void relate_first(const source_reading& in, const node_place& at, finding& found) {
-  const syntax::node& node = node_of(in.all, at);
-  const auto name = syntax::name_of(in.tree().text, definition_of(in.all, at), node);
-  const defined* first = find(in.all, node.meant, name);
+  const defined* first = find(in.all, node_of(in.all, at).meant, name_of(in.all, at));
   const bool is_itself = first == nullptr || (first->where.source == at.source &&
                                               first->where.definition == at.definition);
   if (is_itself) return;
@@ -111,8 +108,8 @@ static void number_field(source_reading& in, std::string_view name) {
 
 static void leave_out_all(source_reading& in, const node_place& at) {
   const syntax::definition& definition = definition_of(in.all, at);
-  const node_kind meant = definition.nodes[0].meant;
-  const auto name = syntax::name_of(in.tree().text, definition, definition.nodes[0]);
+  const node_kind meant = node_of(in.all, at).meant;
+  const auto name = name_of(in.all, at);
   leave_out(in.into.missing, {meant, name});
   for (const syntax::token& token : syntax::tokens_of(definition))
     if (token.kind() == DPARSE_TOKEN_WORD)
@@ -122,14 +119,13 @@ static void leave_out_all(source_reading& in, const node_place& at) {
 // What is sound by itself may still be defined twice.
 static void read_mended(source_reading& in, const node_place& at, const std::string& text,
                         const mistake& first) {
-  const syntax::definition& definition = definition_of(in.all, at);
-  const syntax::node& top = definition.nodes[0];
-  const auto name = syntax::name_of(in.tree().text, definition, top);
-  leave_out(in.into.missing, {top.meant, name, {}, "*"});  // something of it
+  const node_kind meant = node_of(in.all, at).meant;
+  const auto name = name_of(in.all, at);
+  leave_out(in.into.missing, {meant, name, {}, "*"});  // something of it
   if (text.empty()) return leave_out_all(in, at);
   verdict again = judge(text, in.into.sound);
   if (again.is_sound()) {
-    if (top.meant == node_kind::FIELD) number_field(in, name);
+    if (meant == node_kind::FIELD) number_field(in, name);
     return;
   }
   leave_out_all(in, at);
@@ -162,7 +158,7 @@ static void read_broken(source_reading& in, const node_place& at, verdict told, 
 static void read_alone(source_reading& in, uint32_t definition) {
   const node_place at{in.source, definition, 0};
   const syntax::definition& alone = definition_of(in.all, at);
-  const uint64_t start = syntax::place_of(alone, alone.tokens[0]);
+  const uint64_t start = syntax::place_of(alone, tokens_of(alone)[0]);
   const std::string_view text = in.tree().text;
   const std::string_view own = text.substr(start, alone.start + alone.length - start);
   verdict told = is_full(in.told) ? judge(own) : judge(own, in.into.sound);
@@ -176,14 +172,15 @@ static void leave_out_strays(source_reading& in, const std::vector<stray_entry>&
                              uint32_t failed) {
   const std::string_view text = in.tree().text;
   for (const stray_entry& each : strays) {
-    const syntax::definition& stray = in.tree().definitions[each.definition];
-    const syntax::definition& meant_for = in.tree().definitions[each.meant_for];
-    const syntax::node& top = meant_for.nodes[0];
-    const auto class_name = syntax::name_of(text, meant_for, top);
+    const node_place at{in.source, each.definition, 0};
+    const node_place meant_for{in.source, each.meant_for, 0};
+    const node_kind meant = node_of(in.all, meant_for).meant;
+    const auto class_name = name_of(in.all, meant_for);
+    const syntax::definition& stray = definition_of(in.all, at);
     for (const syntax::token& token : syntax::tokens_of(stray))
       if (token.kind() == DPARSE_TOKEN_WORD)
-        leave_out(in.into.missing, {top.meant, class_name, syntax::text_of(text, stray, token)});
-    if (each.definition < failed) number_field(in, syntax::name_of(text, stray, stray.nodes[0]));
+        leave_out(in.into.missing, {meant, class_name, syntax::text_of(text, stray, token)});
+    if (each.definition < failed) number_field(in, name_of(in.all, at));
   }
 }
 

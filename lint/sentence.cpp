@@ -132,7 +132,7 @@ static void find_table(telling& t) {
   node_place own;
   const bool is_own = t.at && t.at->source == at.source && t.at->definition == at.definition &&
                       find_attribute(t.in.all, *t.at, "SQL_TABLE", own);
-  const uint32_t count = definition_of(t.in.all, at).node_count;
+  const size_t count = nodes_of(definition_of(t.in.all, at)).size();
   for (at.node = 1; at.node < count; ++at.node) {
     if (node_of(t.in.all, at).kind != node_kind::ATTRIBUTE) continue;
     if (!by_view::equal(text_of(t.in.all, name_span(t.in.all, at)), "SQL_TABLE")) continue;

@@ -8,7 +8,8 @@ using syntax::definition;
 using syntax::node_kind;
 
 static bool closes_nothing(const definition& one) {
-  return one.nodes[0].meant == node_kind::BROKEN && one.tokens[0].kind() == DPARSE_KEY_CLOSE;
+  return nodes_of(one)[0].meant == node_kind::BROKEN &&
+         tokens_of(one)[0].kind() == DPARSE_KEY_CLOSE;
 }
 
 static bool is_entry(const index& in, const node_place& at) {
@@ -17,7 +18,7 @@ static bool is_entry(const index& in, const node_place& at) {
 }
 
 static bool is_class(const definition& one) {
-  const node_kind meant = one.nodes[0].meant;
+  const node_kind meant = nodes_of(one)[0].meant;
   return meant == node_kind::INTERFACE || meant == node_kind::IMPLEMENTATION;
 }
 

@@ -75,7 +75,7 @@ static std::string in_quotes(std::string_view text) {
 }
 
 static std::string_view token_text(const telling& t, uint32_t token) {
-  return syntax::text_of(t.in.text, *t.around, t.around->tokens[token]);
+  return syntax::text_of(t.in.text, *t.around, tokens_of(*t.around)[token]);
 }
 
 static std::string before_text(const telling& t) {
@@ -150,7 +150,7 @@ static std::string thing_text(const telling& t) {
 
 static std::string name_text(const telling& t) {
   if (t.around == nullptr) return "";
-  return shown(syntax::name_of(t.in.text, *t.around, t.around->nodes[0]));
+  return shown(syntax::name_of(t.in.text, *t.around, nodes_of(*t.around)[0]));
 }
 
 static std::string source_text(const index& all, const span& where) {
@@ -173,7 +173,7 @@ static std::string id_text(const telling& t, const node_place& at) {
 }
 
 static node_place first_place(const telling& t) {
-  const node& top = t.around->nodes[0];
+  const node& top = nodes_of(*t.around)[0];
   const defined* first = find(t.all, top.meant, syntax::name_of(t.in.text, *t.around, top));
   return first != nullptr ? first->where : own_place(t);
 }
@@ -184,7 +184,7 @@ static std::string definition_text(const telling& t, std::string_view name) {
   if (name == "first_type") return type_text(t, first_place(t));
   if (name == "id") return id_text(t, own_place(t));
   if (name == "first_id") return id_text(t, first_place(t));
-  return t.around->nodes[0].meant == node_kind::IMPLEMENTATION ? "implementation" : "interface";
+  return nodes_of(*t.around)[0].meant == node_kind::IMPLEMENTATION ? "implementation" : "interface";
 }
 
 static std::string there_text(const telling& t) {
@@ -214,7 +214,7 @@ static std::string next_text(const telling& t) {
   const syntax::definition* next = syntax::definition_at(t.in, t.found.related[0].where.start);
   if (next == nullptr || next == t.around) return "";
   const telling there{t.all, t.found, t.told, t.in, next};
-  return ", before " + words_of(there, next->nodes[0]) + " begins";
+  return ", before " + words_of(there, nodes_of(*next)[0]) + " begins";
 }
 
 // A message tells what the reader found instead; where nothing stands there, it is told what is

@@ -1,18 +1,36 @@
 // One definition: its tokens and nodes, cut out of what was looked at.
 #include <algorithm>
 
+#include "dd/hash.h"
 #include "syntax/layout.h"
 #include "syntax/parse.h"
 #include "syntax/scan.h"
 
 namespace syntax {
 
-template <class Record>
-static std::unique_ptr<Record[]> copy_of(const std::vector<Record>& records, size_t count) {
-  auto copy = std::make_unique_for_overwrite<Record[]>(count);
-  std::copy_n(records.begin(), count, copy.get());
-  return copy;
+// --- Structures ----------------------------------------------------------------------------------
+
+static size_t hash_of(std::span<const token> tokens) {
+  uint64_t hash = tokens.size();
+  for (const token& each : tokens)
+    hash =
+        dd_multiply(hash ^ each.start ^ uint64_t{each.kind_and_length} << 32, DD_HASH_KEY.factor);
+  return hash;
 }
+
+// That of a definition that was read lately where it is the same, else one of its own.
+static structure structure_of(parsing& in) {
+  constexpr size_t LONG = 64;  // such definitions are hardly ever made alike
+  const std::span<const token> tokens(in.tokens.data(), in.next);
+  if (tokens.size() > LONG) return {tokens, in.nodes};
+  std::optional<structure>& known = in.lately[hash_of(tokens) % std::size(in.lately)];
+  if (!known || !std::ranges::equal(known->tokens(), tokens) ||
+      !std::ranges::equal(known->nodes(), in.nodes))
+    known.emplace(tokens, in.nodes);
+  return *known;
+}
+
+// --- Definitions ---------------------------------------------------------------------------------
 
 static size_t end_of(const parsing& in, const token& last) {
   const size_t length = last.kind_and_length & token::LONG;
@@ -73,10 +91,8 @@ bool parse_definition(parsing& in, std::vector<definition>& definitions) {
   in.seen = std::max(in.seen, in.next);
   const size_t end = end_of(in, in.tokens[in.next - 1]);
   const size_t seen = end_of_seen(in);
-  definitions.push_back({in.base, static_cast<uint32_t>(end - in.base),
-                         static_cast<uint32_t>(seen - end), static_cast<uint32_t>(in.next),
-                         static_cast<uint32_t>(in.nodes.size()), copy_of(in.tokens, in.next),
-                         copy_of(in.nodes, in.nodes.size())});
+  definitions.push_back({static_cast<uint32_t>(in.base), static_cast<uint32_t>(end - in.base),
+                         static_cast<uint32_t>(seen - end), structure_of(in)});
   forget_ahead(in);
   begin_next(in, end);
   return true;

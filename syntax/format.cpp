@@ -123,7 +123,7 @@ static void put_token(layout& to, const definition& in, const token& token,
 
 static void put_broken(layout& to, const definition& in, const node& node) {
   const std::string_view text = text_of(to.from, in, node);
-  const size_t start = place_of(in, in.tokens[node.first]);
+  const size_t start = place_of(in, tokens_of(in)[node.first]);
   put_as_it_is(to, start + text.size());
   to.to.broken.push_back({start, node.meant});
   to.stays = true;
@@ -132,12 +132,14 @@ static void put_broken(layout& to, const definition& in, const node& node) {
 // The nodes around the token, the innermost last. Nodes that are no attributes end with "}".
 static void put_definition(layout& to, const definition& in) {
   std::vector<uint32_t> open;  // the first token behind each node
+  const auto tokens = tokens_of(in);
+  const auto nodes = nodes_of(in);
   uint32_t next_node = 0;
-  for (uint32_t i = 0; i < in.token_count; ++i) {
+  for (uint32_t i = 0; i < tokens.size(); ++i) {
     while (!open.empty() && open.back() == i) open.pop_back();
-    const bool begins_node = next_node < in.node_count && in.nodes[next_node].first == i;
+    const bool begins_node = next_node < nodes.size() && nodes[next_node].first == i;
     if (begins_node) {
-      const node& node = in.nodes[next_node];
+      const node& node = nodes[next_node];
       if (node.kind == node_kind::BROKEN) {
         put_broken(to, in, node);
         next_node = behind(in, next_node);
@@ -147,10 +149,10 @@ static void put_definition(layout& to, const definition& in) {
       open.push_back(i + node.count);
       ++next_node;
     }
-    const bool closes = in.tokens[i].kind() == DPARSE_KEY_CLOSE;
+    const bool closes = tokens[i].kind() == DPARSE_KEY_CLOSE;
     const bool begins_line = begins_node || closes;
     const size_t depth = open.size() - (begins_line ? 1 : 0);
-    put_token(to, in, in.tokens[i], {begins_line, depth, depth + (closes ? 1 : 0)});
+    put_token(to, in, tokens[i], {begins_line, depth, depth + (closes ? 1 : 0)});
   }
 }
 

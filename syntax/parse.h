@@ -2,6 +2,9 @@
 #ifndef SYNTAX_PARSE_H
 #define SYNTAX_PARSE_H
 
+#include <array>
+#include <optional>
+
 #include "syntax/tree.h"
 
 namespace syntax {
@@ -20,7 +23,8 @@ struct parsing {
   // Reads a class again in which a closing brace is missing: how its lines are indented tells
   // where.
   bool goes_by_layout = false;
-  std::vector<size_t> columns{};  // of `open`, then: see syntax/layout.h
+  std::vector<size_t> columns{};                       // of `open`, then: see syntax/layout.h
+  std::array<std::optional<structure>, 256> lately{};  // of definitions, by a hash of their tokens
 };
 
 // Reads the nodes of the next definition (syntax/parse.cpp); false where there is none.

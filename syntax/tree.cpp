@@ -80,7 +80,8 @@ size_t apply(tree& changed, const edit& change) {
   parsing in{changed.text, base, base};
   std::vector<definition> fresh;
   const size_t last = read_changed(changed, in, first, start + removed, shift, fresh);
-  for (size_t i = last; i < changed.definitions.size(); ++i) changed.definitions[i].start += shift;
+  for (size_t i = last; i < changed.definitions.size(); ++i)
+    changed.definitions[i].start += static_cast<uint32_t>(shift);
   const size_t count = fresh.size();
   replace(changed.definitions, first, last, std::move(fresh));
   count_lines(changed, start);

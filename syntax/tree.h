@@ -10,64 +10,30 @@
 //     std::cout << syntax::name_of(tree.text, each, each.nodes[0]);
 //
 // A tree owns its text and everything else in it, and what the calls give borrows from it, until it
-// is edited or destroyed. Offsets and lengths are in bytes.
+// is edited or destroyed. Its definitions belong to one thread at a time: those that are made alike
+// share their structure. Offsets and lengths are in bytes.
 #ifndef SYNTAX_TREE_H
 #define SYNTAX_TREE_H
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "dparse/tokens.h"
+#include "syntax/structure.h"
 
 namespace syntax {
 
 inline constexpr uint64_t MOST_BYTES = 0xffffff00;  // of a text
 
-// A token. Blanks and comments are not kept: they are what lies between tokens
-// (syntax/scan.h takes it apart).
-struct token {
-  static constexpr uint32_t LONG = 0xffffff;
-
-  uint32_t start;            // from where its definition begins
-  uint32_t kind_and_length;  // the length from LONG upwards counts as LONG: ask text_of
-
-  int kind() const { return static_cast<int>(kind_and_length >> 24); }  // as in dparse/tokens.h
-};
-
-enum class node_kind : uint8_t {
-  FIELD,           // type name "{" ... "}", by itself
-  INTERFACE,       // STORABLE CLASS name "{" ... "}"
-  IMPLEMENTATION,  // STORABLE CLASS name IMPLEMENTATION word "{" ... "}"
-  ENTRY,           // a field inside a class or entry
-  ATTRIBUTE,       // keyword "=" word or strings ";"
-  BROKEN           // anything else, up to the next member, closing brace or definition, and
-                   // entries that are nested deeper than the reader takes
-};
-
-// A construct. The nodes of a definition stand in the order of their first tokens, each before
-// those inside it: its subtree is itself and all nodes after it whose first token is one of its
-// own.
-struct node {
-  uint32_t first;  // token of the definition
-  uint32_t count;  // of tokens, at least 1
-  node_kind kind;
-  node_kind meant;  // of a broken one: what it was to be; BROKEN where nobody can tell
-};
-
 // What stands at the top of a file: a field definition, a class, or something broken (nodes[0]),
 // with the blanks and comments before it.
 struct definition {
-  uint64_t start;   // in the text
+  uint32_t start;   // in the text
   uint32_t length;  // up to the end of its last token
   uint32_t ahead;   // so many bytes behind that told where it ends; most need none
-  uint32_t token_count;
-  uint32_t node_count;
-  std::unique_ptr<token[]> tokens;
-  std::unique_ptr<node[]> nodes;
+  syntax::structure structure;
 };
 
 // So far apart are the places of which a tree knows the line.
@@ -99,10 +65,10 @@ size_t apply(tree& changed, const edit& change);
 
 // --- Tokens and nodes ----------------------------------------------------------------------------
 inline std::span<const token> tokens_of(const definition& in) {
-  return {in.tokens.get(), in.token_count};
+  return in.structure.tokens();
 }
 inline std::span<const node> nodes_of(const definition& in) {
-  return {in.nodes.get(), in.node_count};
+  return in.structure.nodes();
 }
 inline std::span<const token> tokens_of(const definition& in, const node& node) {
   return tokens_of(in).subspan(node.first, node.count);
@@ -118,9 +84,9 @@ std::string_view text_of(std::string_view text, const definition& in, const node
 std::string_view name_of(std::string_view text, const definition& in, const node& node);
 // Where the token stands in the text.
 inline uint64_t place_of(const definition& in, const token& token) {
-  return in.start + token.start;
+  return uint64_t{in.start} + token.start;
 }
-// The index of the first node that is not in the subtree; node_count where there is none.
+// The index of the first node that is not in the subtree; their number where there is none.
 uint32_t behind(const definition& in, uint32_t node);
 // The definition that covers the byte, or null: only blanks and comments follow.
 const definition* definition_at(const tree& tree, uint64_t byte);

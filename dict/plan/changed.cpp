@@ -26,7 +26,7 @@ static dm::key_set names_of(const judged& files, dm::change_of what) {
 
 static void append(const lint::index& all, const lint::node_place& at, std::string& text) {
   const syntax::definition& definition = lint::definition_of(all, at);
-  for (const syntax::token& each : syntax::tokens_of(definition, definition.nodes[0])) {
+  for (const syntax::token& each : syntax::tokens_of(definition, nodes_of(definition)[0])) {
     text.append(syntax::text_of(lint::text_of(all, at), definition, each)).append(" ");
   }
   text += "\n\n";
@@ -39,7 +39,7 @@ std::string changed_definitions(const std::vector<lint::source>& sources, const 
   std::string text;
   for (const lint::defined& each : all.definitions) {
     const dm::key_set& names = each.kind == node_kind::FIELD ? fields : classes;
-    if (names.count(dm::folded(each.name)) != 0) append(all, each.where, text);
+    if (names.count(dm::folded(name_of(all, each))) != 0) append(all, each.where, text);
   }
   text = syntax::format(text).text;
   return text.substr(0, text.find_last_not_of('\n') + 2);

@@ -39,10 +39,6 @@ void report(own_run& run, std::string_view id, const span& where, std::string su
   }
 }
 
-std::string_view name_of(const index& all, const node_place& at) {
-  return syntax::name_of(text_of(all, at), definition_of(all, at), node_of(all, at));
-}
-
 bool is_predefined(std::string_view field) {
   return std::ranges::any_of(
       PREDEFINED, [field](std::string_view name) { return by_view::equal(name, field); });
@@ -108,10 +104,11 @@ bool read_text(const index& all, const node_place& attribute, std::string& text)
 // Visits all nodes of a definition but broken ones and what is in them. `ends` is memory.
 static void check_nodes(own_run& run, std::vector<node_place>& way, std::vector<uint32_t>& ends) {
   const syntax::definition& in = definition_of(run.all, way.front());
-  ends.assign(1, in.node_count);
-  for (uint32_t node = 0; node < in.node_count;) {
+  const auto nodes = nodes_of(in);
+  ends.assign(1, static_cast<uint32_t>(nodes.size()));
+  for (uint32_t node = 0; node < nodes.size();) {
     while (node >= ends.back()) ends.pop_back(), way.pop_back();
-    if (in.nodes[node].kind == node_kind::BROKEN) {
+    if (nodes[node].kind == node_kind::BROKEN) {
       node = syntax::behind(in, node);
       continue;
     }

@@ -59,7 +59,6 @@ std::string subject_of(const index& all, const std::vector<node_place>& way);
 // "Field NAME", "DESCR of entry NAME in class NAME": the same as the beginning of a sentence.
 std::string thing_of(const index& all, const std::vector<node_place>& way);
 
-std::string_view name_of(const index& all, const node_place& at);
 inline syntax::node_kind kind_of(const index& all, const node_place& at) {  // of what it is to be
   return node_of(all, at).meant;
 }

@@ -72,7 +72,7 @@ std::string changed(std::string text, const mutation& change) {
 
 static void add_shape(const syntax::tree& tree, const syntax::definition& in, uint32_t index,
                       std::string& shape) {
-  const syntax::node& node = in.nodes[index];
+  const syntax::node& node = nodes_of(in)[index];
   if (node.kind != node.meant || node.kind == syntax::node_kind::BROKEN) shape += '!';
   shape += "FCIEa?"[static_cast<size_t>(node.meant)];
   const std::string name(name_of(tree.text, in, node));
@@ -118,7 +118,7 @@ std::string dump(const syntax::tree& tree) {
       records += std::to_string(token.start) + "/" + std::to_string(token.kind_and_length) + " ";
     }
     const auto nodes = nodes_of(each);
-    if (nodes[0].first != 0 || nodes[0].count != each.token_count) records += "(tokens left over)";
+    if (nodes[0].first != 0 || nodes[0].count != tokens_of(each).size()) records += "(tokens left over)";
     for (uint32_t i = 0; i < nodes.size(); ++i) {
       const auto& node = nodes[i];
       for (uint32_t inner = i + 1; inner < behind(each, i); ++inner)

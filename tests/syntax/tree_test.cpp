@@ -172,10 +172,24 @@ TEST(Tree, KnowsPlaces) {
 TEST(Tree, HoldsTokensAndNestingOfAnySize) {
   const std::string word(17'000'000, 'w');
   const syntax::tree tree = syntax::read("INT " + word + " { DESCR = \"" + word + "\"; }");
-  EXPECT_EQ(name_of(tree.text, tree.definitions[0], tree.definitions[0].nodes[0]), word);
-  EXPECT_EQ(text_of(tree.text, tree.definitions[0], tree.definitions[0].nodes[0]), tree.text);
+  EXPECT_EQ(name_of(tree.text, tree.definitions[0], nodes_of(tree.definitions[0])[0]), word);
+  EXPECT_EQ(text_of(tree.text, tree.definitions[0], nodes_of(tree.definitions[0])[0]), tree.text);
   std::string deep = "STORABLE CLASS /a {";
   for (int i = 0; i < 100'000; ++i) deep += "ARRAY A {";
   // The class, as many levels as the reader takes, and what is too deep as one.
-  EXPECT_EQ(syntax::read(deep).definitions[0].node_count, 10'242u);
+  EXPECT_EQ(nodes_of(syntax::read(deep).definitions[0]).size(), 10'242u);
+}
+
+TEST(Tree, SharesTheStructureOfDefinitionsThatAreMadeAlike) {
+  syntax::tree tree = syntax::read(
+      "INT A { ID = 1; }\nINT B { ID = 2; }\nINT CD { ID = 3; }\n"
+      "INT E { ID = 4 }\nINT F { ID = 5; }");
+  const auto tokens = [&](size_t i) { return tokens_of(tree.definitions[i]).data(); };
+  EXPECT_NE(tokens(0), tokens(1));  // a line end stands before one of them only
+  EXPECT_EQ(tokens(1), tokens(4));
+  EXPECT_NE(tokens(1), tokens(2));
+  EXPECT_NE(tokens(1), tokens(3));
+  apply(tree, {tree.text.find('B'), 1, "BCD"});
+  EXPECT_EQ(dump(tree), dump(syntax::read(tree.text)));
+  EXPECT_NE(tokens(1), tokens(4));
 }
