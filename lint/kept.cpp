@@ -31,6 +31,10 @@ static std::string quoted_or_none(std::string_view text) {
   return text.empty() ? "none" : std::string("\"").append(text).append("\"");
 }
 
+static bool is_clause(const deploy::subject& about) {
+  return std::string_view(about.attribute) == "SQL_STORAGE";
+}
+
 static bool has_two_names(std::string_view id) {
   return id == "buf-table-or-column-kept";
 }
@@ -38,11 +42,10 @@ static bool has_two_names(std::string_view id) {
 std::string held_storage(subject_finder& in, deploy::import_state& state,
                          const deploy::subject& about, std::string_view id) {
   tav_ebuf ebuf{};
-  const bool is_clause = std::string_view(about.attribute) == "SQL_STORAGE";
   tav_flist_t* node = held_node(in, state, about);
   if (node == nullptr) return "none";
   const std::string_view text =
-      dd_text(node, is_clause ? TAV_FLD_SQL_STORAGE : TAV_FLD_SQL_TABLE, &ebuf);
+      dd_text(node, is_clause(about) ? TAV_FLD_SQL_STORAGE : TAV_FLD_SQL_TABLE, &ebuf);
   if (!has_two_names(id)) return quoted_or_none(text);
   const dd_buf_storage parts = dd_split_buf(text);
   return quoted_or_none(parts.table) + " and " + quoted_or_none(parts.column);
@@ -60,9 +63,16 @@ std::string own_storage(subject_finder& in, const deploy::subject& about, std::s
   return own_value(in, about, "SQL_TABLE") + " and " + own_value(in, about, "SQL_COLUMN");
 }
 
-std::string storage_remedy(const std::string& held) {
-  if (held == "none") return "Remove it here, or move the storage by hand.";
-  return "Write " + held + " here, or move the storage by hand.";
+std::string storage_remedy(const deploy::subject& about, const std::string& held,
+                           const std::string& own) {
+  const std::string by_hand = ", or move the storage by hand.";
+  if (held == "none") return "Remove it here" + by_hand;
+  const std::string write = "Write " + held + " here";
+  if (is_clause(about)) return write + by_hand;
+  const bool has_new_name = own.find('"') != own.npos;
+  return write + (has_new_name
+                      ? ", or give the dictionary the new name with 'tav_dict move-storage'."
+                      : ".");
 }
 
 static bool has_same_description(deploy::import_state& state, const char* field) {

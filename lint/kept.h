@@ -14,8 +14,9 @@ std::string held_storage(subject_finder& in, deploy::import_state& state,
                          const deploy::subject& about, std::string_view id);
 std::string own_storage(subject_finder& in, const deploy::subject& about, std::string_view id);
 
-// `held` as held_storage gives it.
-std::string storage_remedy(const std::string& held);
+// `held` and `own` as these two give them.
+std::string storage_remedy(const deploy::subject& about, const std::string& held,
+                           const std::string& own);
 
 // Whether nothing comes of the finding, which the import tells of each field and class that is
 // there: the field's description is none, or the dictionary's own; the class stays as it is.

@@ -266,7 +266,7 @@ static std::string part_text(const telling& t, std::string_view name) {
   if (name == "number") return number_text(t);
   if (name == "old") return t.old;
   if (name == "new") return own_storage(t.in, t.about, t.row.id);
-  if (name == "remedy") return storage_remedy(t.old);
+  if (name == "remedy") return storage_remedy(t.about, t.old, own_storage(t.in, t.about, t.row.id));
   if (name == "owner") return owner_text(text(t.about.field), t.about.class_name);
   if (name == "other_owner")
     return t.other_owner.empty() ? owner_text("", t.about.related_class) : t.other_owner;

@@ -27,17 +27,23 @@ struct sentence_case {
 static const sentence_case CASES[] = {
     {KEPT,
      "Class /a has table \"a_t\" in the dictionary and \"b_t\" here: a replace keeps the "
-     "dictionary's. Write \"a_t\" here, or move the storage by hand."},
+     "dictionary's. Write \"a_t\" here, or give the dictionary the new name with 'tav_dict "
+     "move-storage'."},
     {KEPT,
      "Class /a has the storage clause none in the dictionary and \"s\" here: a replace keeps the "
      "dictionary's. Remove it here, or move the storage by hand."},
     {KEPT,
      "B in class /a has column \"b\" in the dictionary and \"y\" here: a replace keeps the "
-     "dictionary's. Write \"b\" here, or move the storage by hand."},
+     "dictionary's. Write \"b\" here, or give the dictionary the new name with 'tav_dict "
+     "move-storage'."},
+    {"STORABLE CLASS /a { STRING A { } }\n"
+     "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { SQL_TABLE = \"a_t\"; STRING A { } }\n",
+     "A in class /a has column \"a\" in the dictionary and none here: a replace keeps the "
+     "dictionary's. Write \"a\" here."},
     {KEPT,
      "F in class /a has table and column \"f_t\" and \"f\" in the dictionary and \"f_t\" and "
-     "\"g\" here: a replace keeps the dictionary's. Write \"f_t\" and \"f\" here, or move the "
-     "storage by hand."},
+     "\"g\" here: a replace keeps the dictionary's. Write \"f_t\" and \"f\" here, or give the "
+     "dictionary the new name with 'tav_dict move-storage'."},
     {KEPT,
      "A in class /a has LENGTH 5 here and none in the dictionary: longer values would not fit any "
      "more. Leave it out, or make sure that none is stored."},
