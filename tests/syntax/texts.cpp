@@ -118,7 +118,8 @@ std::string dump(const syntax::tree& tree) {
       records += std::to_string(token.start) + "/" + std::to_string(token.kind_and_length) + " ";
     }
     const auto nodes = nodes_of(each);
-    if (nodes[0].first != 0 || nodes[0].count != tokens_of(each).size()) records += "(tokens left over)";
+    if (nodes[0].first != 0 || nodes[0].count != tokens_of(each).size())
+      records += "(tokens left over)";
     for (uint32_t i = 0; i < nodes.size(); ++i) {
       const auto& node = nodes[i];
       for (uint32_t inner = i + 1; inner < behind(each, i); ++inner)
