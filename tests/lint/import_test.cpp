@@ -101,6 +101,10 @@ TEST(import, tells_nothing_that_only_follows_from_what_is_broken) {
       "STORABLE CLASS /x { FOO; STRING X { } }\n"
       "STORABLE CLASS /x IMPLEMENTATION TESSEL7 { SQL_TABLE = \"x\"; STRING X { SQL_COLUMN = "
       "\"x\"; } }\n",
+      "STORABLE CLASS /y { ARRAY R { STRING A { } INT B { } } }\n"
+      "STORABLE CLASS /y IMPLEMENTATION TESSEL7 { SQL_TABLE = \"y\"; ARRAY R no { SQL_TABLE = "
+      "\"r\"; "
+      "STRING A { SQL_COLUMN = \"a\"; } } }\n",
   };
   static const char USE[] =
       "STORABLE CLASS /a {\n  STRING X { }\n  STRING Y { }\n  ARRAY R { STRING A { } }\n}\n"
@@ -109,7 +113,7 @@ TEST(import, tells_nothing_that_only_follows_from_what_is_broken) {
       "  STRING Y { SQL_COLUMN = \"y\"; }\n  ARRAY R { SQL_TABLE = ; STRING A { SQL_COLUMN = "
       "\"a\"; } "
       "}\n}\n";
-  const auto sources = sources_of({FIELDS, BROKEN[0], BROKEN[1], BROKEN[2], USE});
+  const auto sources = sources_of({FIELDS, BROKEN[0], BROKEN[1], BROKEN[2], BROKEN[3], USE});
   for (const lint::finding& found : lint::lint(sources, {}).told)
     EXPECT_NE(found.reader_line, 0u) << found.rule << ": " << found.sentence;
 }
