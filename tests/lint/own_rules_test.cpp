@@ -107,9 +107,9 @@ TEST(name_patterns, are_of_whole_names_and_end_in_time) {
   EXPECT_FALSE(fits("a.", "xab"));
   EXPECT_FALSE(fits("(a|aa)+b", std::string(2000, 'a')));  // goes back 2^400 times, or not at all
   lint::name_pattern pattern;
-  // The last one's number, which counts nothing, would make the sum 2^64.
+  // The last one's number, which counts nothing, would make the product a multiple of 2^64.
   for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b",
-                           "[{18446744073709551535}]((a{40}){40}){40}"})
+                           "[}{1152921504606846976}](a{40}){40}abcdefghijklm"})
     EXPECT_FALSE(lint::read_pattern(text, pattern)) << text;
 }
 
