@@ -77,8 +77,8 @@ static bool find_databases(const request& asked, reading& from,
   return from.store->calls->databases(from.store.get(), dm::visit<dm::database_row>(add), why);
 }
 
-// Adds the databases that were deleted since the record, and takes away those that were added since.
-static bool find_those_of(dm::store& store, int64_t record, std::vector<dm::database_row>& found,
+// Adds databases that there were at the record and that were deleted since.
+static bool add_deleted(dm::store& store, int64_t record, std::vector<dm::database_row>& found,
                         dm::problem& why) {
   std::map<std::string, bool> were_there;  // by the first record that tells of their end or begin
   const auto look = [&](const dm::journal_record& row) {
@@ -93,11 +93,8 @@ static bool find_those_of(dm::store& store, int64_t record, std::vector<dm::data
     uint64_t number = 0;
     const auto is_it = [&](const dm::database_row& row) { return row.number == number; };
     if (!dd_read_database(text.c_str(), number)) return dm::damaged_record(0, why);
-    if (!was_there) {
-      std::erase_if(found, is_it);
-    } else if (std::ranges::none_of(found, is_it)) {
-      found.push_back({DELETED_DATABASE, number, 0});
-    }
+    if (!was_there || std::ranges::any_of(found, is_it)) continue;
+    found.push_back({DELETED_DATABASE, number, 0});
   }
   return true;
 }
@@ -108,7 +105,7 @@ static bool find_then(const request& asked, reading& from, int64_t& record,
   if (asked.at.empty()) return true;
   if (!asked.all) return find_point_of(from, asked.at, record, why);
   return find_point(*from.store, asked.at, record, why) &&
-         find_those_of(*from.store, record, found, why);
+         add_deleted(*from.store, record, found, why);
 }
 
 static bool gather_dictionary(const request& asked, std::vector<site_source>& sources,
