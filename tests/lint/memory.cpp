@@ -8,8 +8,10 @@
 
 size_t live = 0;
 size_t most_live = 0;
+size_t failing = 0;
 
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  if (failing != 0 && --failing == 0) return nullptr;
   void* bytes = std::malloc(size);
   live += malloc_usable_size(bytes);
   most_live = std::max(most_live, live);

@@ -7,5 +7,6 @@
 
 extern size_t live;
 extern size_t most_live;  // at most since it was last set
+extern size_t failing;    // the one of the next allocations that fails; 0: none
 
 #endif

@@ -56,3 +56,32 @@ TEST(memory, of_what_is_written_is_that_of_one_finding) {
     EXPECT_LT(longest, 2'000u) << form.name;
   }
 }
+
+static std::vector<std::string> sentences_in(const std::vector<lint::source>& sources) {
+  std::vector<std::string> sentences;
+  for (lint::finding& each : lint::lint(sources, {}).told)
+    sentences.push_back(std::move(each.sentence));
+  return sentences;
+}
+
+// Findings of every kind of step, each at an allocation that may be the one that fails.
+TEST(memory, that_is_not_there_ends_the_run_and_no_finding_is_lost) {
+  const auto sources =
+      sources_of({"INT F { ID = 20001; } INT G { ID = 20001; } INT F { ID = 20002; DESCR = 1; }\n"
+                  "STORABLE CLASS /a { INT F { } STRING G { } INT X { } } STORABLE CLASS b { }\n"
+                  "STORABLE CLASS /a IMPLEMENTATION TESSEL7 { INT F { SQL_COLUMN = \"c\"; } }\n"});
+  const std::vector<std::string> all = sentences_in(sources);
+  EXPECT_GT(all.size(), 5u);
+  size_t runs = 0;
+  for (bool has_failed = true; has_failed; ++runs) {
+    failing = runs + 1;
+    try {
+      const std::vector<std::string> told = sentences_in(sources);
+      has_failed = failing == 0;
+      failing = 0;
+      EXPECT_EQ(told, all) << runs;
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  EXPECT_GT(runs, 200u);
+}
