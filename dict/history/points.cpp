@@ -1,26 +1,18 @@
-#include <rapidjson/document.h>
-
 #include <charconv>
 
 #include "dd/database_number.h"
 #include "dict/history/history.h"
 #include "dict/history/moments.h"
-#include "dm/json_memory.h"
+#include "dict/parsed_json.h"
 
 namespace dict {
 
-using document =
-    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
-                               dm::json_memory>;
-
 tag_detail read_tag(const std::string& detail) {
-  document read;
-  read.Parse(detail.c_str());
-  if (read.HasParseError() || !read.IsObject()) return {};
-  const bool is_whole = read.HasMember("number") && read["number"].IsInt64() &&
-                        read.HasMember("name") && read["name"].IsString();
-  if (!is_whole) return {};
-  return {read["number"].GetInt64(), read["name"].GetString()};
+  const parsed_json read = parse_json(detail);
+  const json_value* number = find_member(read, "number");
+  const json_value* name = find_member(read, "name");
+  if (number == nullptr || !number->IsInt64() || name == nullptr || !name->IsString()) return {};
+  return {number->GetInt64(), name->GetString()};
 }
 
 static bool read_number(const std::string& text, int64_t& number) {

@@ -1,37 +1,31 @@
 #include "dict/history/renames.h"
 
-#include <rapidjson/document.h>
-
 #include <algorithm>
 
+#include "dict/parsed_json.h"
 #include "dict/terminal/json.h"
 #include "dm/folded.h"
 
 namespace dict {
 
-using document =
-    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
-                               dm::json_memory>;
-
-static std::string text_in(const document::ValueType& read, const char* key) {
-  return read.HasMember(key) && read[key].IsString() ? read[key].GetString() : "";
+static std::string text_in(const json_value& read, const char* key) {
+  const json_value* found = find_member(read, key);
+  return found != nullptr && found->IsString() ? found->GetString() : "";
 }
 
-static void add_rename(const document::ValueType& read, std::vector<told_rename>& renames) {
-  if (!read.IsObject()) return;
+static void add_rename(const json_value& read, std::vector<told_rename>& renames) {
   told_rename told{text_in(read, "rename"), text_in(read, "from"), text_in(read, "to")};
   if (!told.what.empty()) renames.push_back(std::move(told));
 }
 
 std::vector<told_rename> read_renames(const dm::journal_record& record) {
   std::vector<told_rename> renames;
-  document read;
   if (record.kind != dm::journal_kind::CHANGE) return {};
-  read.Parse(record.detail.c_str());
-  if (read.HasParseError() || !read.IsObject()) return {};
+  const parsed_json read = parse_json(record.detail);
   add_rename(read, renames);
-  if (!read.HasMember("renames") || !read["renames"].IsArray()) return renames;
-  for (const auto& each : read["renames"].GetArray()) add_rename(each, renames);
+  const json_value* several = find_member(read, "renames");
+  if (several == nullptr || !several->IsArray()) return renames;
+  for (const json_value& each : several->GetArray()) add_rename(each, renames);
   return renames;
 }
 

@@ -1,19 +1,14 @@
 #include "dict/history/telling.h"
 
-#include <rapidjson/document.h>
-
 #include <iostream>
 #include <set>
 
 #include "dict/history/moments.h"
+#include "dict/parsed_json.h"
 #include "dict/terminal/columns.h"
 #include "dict/terminal/visible.h"
 
 namespace dict {
-
-using document =
-    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<dm::json_memory>,
-                               dm::json_memory>;
 
 static constexpr char INDENT[] = "    ";
 
@@ -94,9 +89,8 @@ void print_deployment(const deployment& one) {
 }
 
 void print_call(const deployment& one) {
-  document read;
-  read.Parse(one.first.called.c_str());
-  if (read.HasParseError() || !read.IsArray()) return;
+  const parsed_json read = parse_json(one.first.called);
+  if (!read.IsArray()) return;
   std::string call = one.first.program;
   for (const auto& word : read.GetArray()) {
     if (word.IsString()) call.append(" ").append(word.GetString());
@@ -120,14 +114,8 @@ static void put_counts(json_writer& out, const char* key, const change_counts& c
 
 // A text of the journal that is JSON; null where it is none.
 static void put_json(json_writer& out, const char* key, const std::string& text) {
-  document read;
-  read.Parse(text.c_str());
   out.Key(key);
-  if (read.HasParseError()) {
-    out.Null();
-  } else {
-    read.Accept(out);
-  }
+  parse_json(text).Accept(out);
 }
 
 static void put_record(json_writer& out, const deployment_record& record) {
