@@ -166,10 +166,11 @@ int call_failed(dd_site site, const tav_ebuf& ebuf, finding failure) {
   return report(site, failure, {}, {.ebuf = &ebuf});
 }
 
-std::vector<std::string> path_of(const subject& about) {
-  std::vector<std::string> names;
+std::vector<std::string_view> path_of(const subject& about, size_t most) {
+  std::vector<std::string_view> names;
   if (about.field != nullptr) names.emplace_back(about.field);
   for (const entry_path* upper = about.around; upper != nullptr; upper = upper->around) {
+    if (names.size() == most) return {};
     names.emplace_back(upper->name);
   }
   std::reverse(names.begin(), names.end());

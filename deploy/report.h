@@ -6,6 +6,7 @@
 #define DEPLOY_REPORT_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dd/call.h"
@@ -76,8 +77,9 @@ using finding_sink = void (*)(void* context, const finding_record& record);
 void set_sink(finding_sink sink, void* context);
 bool has_sink();
 
-// The names of the entries down to the subject's, itself included; none without a field.
-std::vector<std::string> path_of(const subject& about);
+// The names of the entries down to the subject's, itself included, as long as the subject has them;
+// none without a field, or where they would be more than `most`.
+std::vector<std::string_view> path_of(const subject& about, size_t most);
 
 }  // namespace deploy
 

@@ -116,10 +116,6 @@ const defined* find(const index& in, node_kind kind, std::string_view name) {
   return first != defined::NONE ? &in.definitions[first] : nullptr;
 }
 
-const defined* next_of(const index& in, const defined& one) {
-  return one.next != defined::NONE ? &in.definitions[one.next] : nullptr;
-}
-
 bool find_attribute(const index& in, const node_place& around, std::string_view keyword,
                     node_place& found) {
   const int wanted = dparse::keyword_number(keyword.data(), keyword.size());
@@ -163,10 +159,6 @@ span value_span(const index& in, const node_place& at) {
   constexpr size_t AROUND = 3;  // keyword, "=" and ";"
   const size_t count = node_of(in, at).count;
   return tokens_span(in, at, 2, count > AROUND ? count - AROUND : 1);
-}
-
-span whole_span(const index& in, const node_place& at) {
-  return tokens_span(in, at, 0, node_of(in, at).count);
 }
 
 std::string_view attribute_text(const index& in, const node_place& around,

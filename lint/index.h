@@ -53,9 +53,8 @@ struct index {
 
 index index_of(std::span<const source> sources);
 
-// The first definition of that kind and name, or null; the next one of the same, or null.
+// The first definition of that kind and name, or null.
 const defined* find(const index& in, syntax::node_kind kind, std::string_view name);
-const defined* next_of(const index& in, const defined& one);
 
 // The definition and the node that a place names, and the text that it is read from; the text of a
 // part.
@@ -99,7 +98,6 @@ bool find_attribute(const index& in, const node_place& around, std::string_view 
 span name_span(const index& in, const node_place& at);   // of a definition or entry, or keyword
 span type_span(const index& in, const node_place& at);   // the first token of a definition or entry
 span value_span(const index& in, const node_place& at);  // of an attribute: between "=" and ";"
-span whole_span(const index& in, const node_place& at);
 // The value of the last such attribute as it is written; empty where there is none.
 std::string_view attribute_text(const index& in, const node_place& around,
                                 std::string_view keyword);

@@ -1,7 +1,5 @@
 #include "lint/subjects.h"
 
-#include <algorithm>
-
 namespace lint {
 
 using deploy::definition_side;
@@ -9,14 +7,7 @@ using syntax::node_kind;
 
 std::vector<std::string_view> path_to(const deploy::subject& about) {
   constexpr size_t MOST_NAMES = 32;
-  std::vector<std::string_view> names;
-  if (about.field != nullptr) names.emplace_back(about.field);
-  for (const deploy::entry_path* upper = about.around; upper != nullptr; upper = upper->around) {
-    if (names.size() == MOST_NAMES) return {};
-    names.emplace_back(upper->name);
-  }
-  std::ranges::reverse(names);
-  return names;
+  return deploy::path_of(about, MOST_NAMES);
 }
 
 std::optional<node_place> find_on(subject_finder& in, const deploy::subject& about,

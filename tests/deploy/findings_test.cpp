@@ -19,7 +19,7 @@ static void take(void* context, const deploy::finding_record& record) {
   const bool is_interface = about.side == deploy::definition_side::INTERFACE;
   line << record.row.id << ' ' << or_dash(about.class_name) << ' ' << or_dash(about.related_class)
        << (is_interface ? " interface" : " implementation");
-  for (const std::string& name : deploy::path_of(about)) line << ' ' << name;
+  for (const auto& name : deploy::path_of(about, SIZE_MAX)) line << ' ' << name;
   line << " | " << or_dash(about.table) << ' ' << or_dash(about.column) << ' '
        << or_dash(about.attribute) << '\n';
   *static_cast<std::string*>(context) += line.str();
