@@ -138,6 +138,17 @@ TEST_F(planning, is_stale_exactly_where_something_changed) {
   EXPECT_EQ(place.run({"dict", "check"}).out, "No findings.\n");
 }
 
+TEST_F(planning, is_stale_though_the_journal_no_longer_tells_why) {
+  make(WANTED);
+  deploy("STRING F_A { ID = 20001; DESCR = \"new\"; }");
+  EXPECT_EQ(place.run({"dict", "prune", "--before", "@2998-01-01", "--yes"}).exit_status, 0);
+  const run_result done = apply();
+  EXPECT_EQ(done.out,
+            "Field 'F_A' was changed; the journal no longer tells by whom.\n"
+            "Nothing was deployed: make the plan anew.\n");
+  EXPECT_EQ(done.exit_status, 1);
+}
+
 TEST_F(planning, is_refused_in_another_place_or_by_another_right) {
   make(WANTED);
   const auto refusal = [&](const std::vector<std::string>& more = {}) {

@@ -36,6 +36,7 @@ static const syntax_case CASES[] = {
      "2:15 invalid-seq-start, 3:3 unknown-class-member, 5:14 invalid-create-permission, "
      "6:39 invalid-zero-or-one, 7:5 unknown-entry-member"},
     {"STORABLE CLASS /a/b {\n  SEQ_START = \"1\";\n}\n", "2:3 seq-start-in-subclass"},
+    {"STORABLE CLASS /a {\n  SEQ_START = \"x\"\n    \"1\" \"2\";\n}\n", "2:15 invalid-seq-start"},
     {"STORABLE CLASS /a IMPLEMENTATION TESSEL {\n  SQL_TABLE = "
      "\"a234567890b234567890c234567890d\";\n  STRING A { SQL_COLUMN = a; }\n}\n",
      "1:34 unknown-implementation, 2:15 table-name-too-long, 3:27 quoted-string-expected"},
