@@ -82,6 +82,7 @@ void expect_same(const model& expected, const tav_node* node) {
   for (const uint32_t field : ARRAYS) {
     const auto found = expected.arrays.find(field);
     const size_t count = found != expected.arrays.end() ? found->second.size() : 0;
+    ASSERT_EQ(tav_node_get(node, field), nullptr);
     ASSERT_EQ(tav_node_count(node, field), count);
     uint32_t position = 0;
     int32_t id = 0;
