@@ -77,8 +77,8 @@ using finding_sink = void (*)(void* context, const finding_record& record);
 void set_sink(finding_sink sink, void* context);
 bool has_sink();
 
-// The names of the entries down to the subject's, itself included, as long as the subject has them;
-// none without a field, or where they would be more than `most`.
+// The names of the entries down to the subject's, itself included, borrowed from the subject; none
+// without a field, or where they would be more than `most`.
 std::vector<std::string_view> path_of(const subject& about, size_t most);
 
 }  // namespace deploy

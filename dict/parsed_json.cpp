@@ -25,10 +25,10 @@ parsed_json parse_json(std::string_view text) {
   return read;
 }
 
-const json_value* find_member(const json_value& of_object, const char* key) {
-  if (!of_object.IsObject()) return nullptr;
-  const auto found = of_object.FindMember(key);
-  return found != of_object.MemberEnd() ? &found->value : nullptr;
+const json_value* find_member(const json_value& value, const char* key) {
+  if (!value.IsObject()) return nullptr;
+  const auto found = value.FindMember(key);
+  return found != value.MemberEnd() ? &found->value : nullptr;
 }
 
 }  // namespace dict

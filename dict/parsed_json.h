@@ -15,11 +15,11 @@ using parsed_json =
                                dm::json_memory>;
 using json_value = parsed_json::ValueType;
 
-// Null where the text is no JSON, or is nested deeper than anything that this program writes.
+// Null where the text is no JSON, or is nested deeper than 64 levels: this program writes a few.
 parsed_json parse_json(std::string_view text);
 
-// The member of an object; null where the value has none, or is none.
-const json_value* find_member(const json_value& of_object, const char* key);
+// The member of that name; null where there is none, or the value is no object.
+const json_value* find_member(const json_value& value, const char* key);
 
 }  // namespace dict
 

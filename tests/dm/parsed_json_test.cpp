@@ -33,11 +33,3 @@ TEST(parsed_json, is_what_is_no_deeper_than_this_program_writes) {
     EXPECT_EQ(dict::parse_json(row.text).IsArray(), row.is_read) << row.text;
   EXPECT_TRUE(dict::parse_json("[").IsNull());
 }
-
-TEST(parsed_json, has_members_where_it_is_an_object) {
-  const dict::parsed_json read = dict::parse_json(R"({"a": 1, "b": []})");
-  EXPECT_EQ(dict::find_member(read, "a")->GetInt(), 1);
-  EXPECT_EQ(dict::find_member(read, "c"), nullptr);
-  EXPECT_EQ(dict::find_member(*dict::find_member(read, "b"), "a"), nullptr);
-  EXPECT_EQ(dict::find_member(dict::parse_json("{"), "a"), nullptr);
-}
