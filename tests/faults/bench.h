@@ -1,4 +1,5 @@
-// Runs of the tool in a child process under a fault plan, and what they leave of the dictionary.
+// Runs of the tool, or of commands of tav_dict, in a child process under a fault plan, and what
+// they leave of the dictionary.
 #ifndef TESTS_FAULTS_BENCH_H
 #define TESTS_FAULTS_BENCH_H
 
@@ -10,10 +11,12 @@
 struct fault_row {
   const char* mode;
   std::vector<std::string> words;
-  bool has_base;  // the base definitions are in the dictionary before the run
-  bool commits;
-  bool is_export;
-  int exit_status;  // without a fault
+  int commits = 0;
+  bool has_base = true;  // the base definitions are in the dictionary before the run
+  bool is_export = false;
+  int exit_status = 0;                                     // without a fault
+  std::vector<std::vector<std::string>> prepared_by = {};  // what is run before
+  const char* sql = "";                                    // done to the dictionary last of all
 };
 
 extern const fault_row VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, FIELD_NAMES, CLASS;
@@ -21,20 +24,17 @@ extern const fault_row VERIFY, VERIFY_FIELDS, CREATE, REPLACE, FIELD, FIELD_NAME
 class fault_bench : public testing::TestWithParam<fault_row> {
  protected:
   fault_bench();
-  // Runs the tool on the dictionary as it was before any fault.
+  // Runs it on the dictionary as it was before any fault.
   run_result run(const fault_plan& faults);
   // Everything that the dictionary holds, as text. The engine must find it sound and unlocked.
   std::string content() const;
-  // What SQL text answers about the dictionary's file: a word for each row, with a blank behind it.
-  std::string answer(const char* sql) const;
-  // Runs a function in a child process, on the dictionary as it was saved last.
-  run_result run_inside(int (*inside)(int, char**), const fault_plan& faults);
-  // Runs something once for each call that it makes of the disk, and each way in which that can
-  // fail, and looks at what each run left. The last run of all meets no fault, and is not looked
-  // at. Gives how many met one.
-  using one_run = std::function<run_result(const fault_plan&)>;
+  // What SQL text answers: values end with a '|', rows with a line's end.
+  std::string query(const char* sql) const;
+  // Runs it once for each call that it makes of the disk, and each way in which that can fail, and
+  // looks at what each run left. The last run of all meets no fault, and is not looked at. Gives
+  // how many met one.
   using one_look = std::function<void(const run_result&, disk_fault)>;
-  int at_every_disk_call(const one_run& run_one, const one_look& look);
+  int at_every_disk_call(const one_look& look);
 
   workshop place;
   // What a run may leave: the dictionary before it, with the fields committed, with the classes.

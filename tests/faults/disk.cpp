@@ -49,6 +49,10 @@ static void note_change(sqlite3_file* handle, sqlite3_int64 offset, sqlite3_int6
   while (plan().disk == disk_fault::POWER_LOSS && !unsynchronised.empty()) {
     const change& c = unsynchronised.back();
     const int fd = open(c.path.c_str(), O_WRONLY);
+    if (fd < 0) {  // it has another name since, or none
+      unsynchronised.pop_back();
+      continue;
+    }
     if (ftruncate(fd, c.size) != 0 ||
         pwrite(fd, c.before.data(), c.before.size(), c.offset) != ssize_t(c.before.size())) {
       _exit(98);

@@ -26,7 +26,6 @@ class every_disk_call : public fault_bench {
 };
 
 TEST_P(every_disk_call, fails_and_nothing_is_lost) {
-  const auto run_one = [&](const fault_plan& faults) { return run(faults); };
   const auto look = [&](const run_result& result, disk_fault fault) {
     const bool dies = fault == disk_fault::KILL || fault == disk_fault::POWER_LOSS;
     expect_durable_as_told(result, fault);
@@ -39,7 +38,7 @@ TEST_P(every_disk_call, fails_and_nothing_is_lost) {
       EXPECT_EQ(result.exit_status, healthy.exit_status);
     }
   };
-  const int runs = at_every_disk_call(run_one, look);
+  const int runs = at_every_disk_call(look);
   EXPECT_GT(runs, 50);
   RecordProperty("runs", runs);
 }
