@@ -1,29 +1,13 @@
 // One administrator makes a plan and applies it, while another deploys as the tool does, or applies
 // a plan, too: orders in which their steps can reach the dictionary, each judged by a model. A plan
 // is stale exactly where something that it touches or depends on was written since it was made.
-#include <algorithm>
 #include <fstream>
 #include <set>
-#include <sstream>
 
-#include "dict/check/check.h"
 #include "dict/plan/deploy.h"
-#include "orders.h"
+#include "modelled.h"
 
 namespace {
-
-// A field, a class, or a table that a class has: its line of the journal's state, and when it was
-// written.
-struct thing {
-  std::string name, text;
-  int written = 0;
-};
-using things = std::map<std::string, thing>;
-
-struct world {
-  things all{};
-  int clock = 0;
-};
 
 struct plan_row {
   const char* what;
@@ -33,26 +17,11 @@ struct plan_row {
 };
 
 enum class plan_step { MAKE, LOOK, COMMIT };
-enum deploy_step { FETCH, FETCH_CLASSES, TRY_FIELDS, TRY_CLASSES, END_TRIAL, FIELDS, CLASSES };
 
 // How a plan stands.
 enum class stands { FIT, DONE, STALE };
 
 }  // namespace
-
-static thing field(const std::string& name, int number, const std::string& descr = "") {
-  const std::string about = descr.empty() ? "" : " " + descr;
-  return {name, dm::join({"STRING ", name, " ", std::to_string(number), about, "\n"})};
-}
-
-static thing storable(const std::string& name, const std::string& rest) {
-  return {name, dm::join({"{name:", name, ",sql_table:t", name.substr(1), rest, "}\n"})};
-}
-
-// As the journal tells it, with one entry.
-static thing user(const std::string& name, const std::string& descr) {
-  return storable(name, dm::join({",descr:", descr, ",entries:[{name:F_S,type:5,sql_name:c}]"}));
-}
 
 static std::string definition(const std::string& name, const std::string& table,
                               const std::string& descr = "") {
@@ -64,43 +33,29 @@ static std::string definition(const std::string& name, const std::string& table,
 }
 
 static const std::vector<plan_row> PLANS = {
-    {"the class", definition("/s", "ts", "planned"), {{"k/s", user("/s", "planned")}}, {"f5000"}},
+    {"the class", definition("/s", "ts", "planned"), {{"k/s", a_user("/s", "planned")}}, {"f5000"}},
     {"its field",
      "STRING F_S { ID = 5000; DESCR = \"planned\"; }\n",
-     {{"f5000", field("F_S", 5000, "planned")}},
+     {{"f5000", a_field("F_S", 5000, "planned")}},
      {}},
     {"another user of the field",
      definition("/p", "tp", "planned"),
-     {{"k/p", user("/p", "planned")}, {"ttp", {"/p", ""}}},
+     {{"k/p", a_user("/p", "planned")}, {"ttp", {"/p", ""}}},
      {"f5000"}},
     {"a number and a table that others want",
      "STRING F_N { ID = 5001; }\n" + definition("/n", "ta"),
-     {{"f5001", field("F_N", 5001)},
+     {{"f5001", a_field("F_N", 5001)},
       {"k/n", {"/n", "{name:/n,sql_table:ta}\n"}},
       {"tta", {"/n", ""}}},
      {}},
     {"things elsewhere",
      "STRING F_E { ID = 5002; }\n" + definition("/e", "te"),
-     {{"f5002", field("F_E", 5002)}, {"k/e", storable("/e", "")}, {"tte", {"/e", ""}}},
+     {{"f5002", a_field("F_E", 5002)}, {"k/e", a_class("/e")}, {"tte", {"/e", ""}}},
      {}},
 };
 
-// What the deployment writes, in two transactions.
-static const things DEPLOYED_FIELDS = {{"f5000", field("F_S", 5000, "new")},
-                                       {"f5001", field("F_A", 5001)}};
-static const things DEPLOYED_CLASSES = {
-    {"k/a", storable("/a", "")}, {"k/s", user("/s", "new")}, {"tta", {"/a", ""}}};
-
 static bool is_same(const thing& a, const thing& b) {
   return a.name == b.name && a.text == b.text;
-}
-
-static void write(world& to, const things& written) {
-  ++to.clock;
-  for (auto [key, one] : written) {
-    one.written = to.clock;
-    to.all[key] = one;
-  }
 }
 
 namespace {
@@ -118,35 +73,12 @@ struct planner {
   dict::judged files{};
 };
 
-// Who deploys.
-struct deployer {
-  client session;
-  world seen{};
-  int next = FETCH;
-  bool is_stopped = false;
-
-  explicit deployer(const dm::settings& settings) : session(settings, 20) {}
-};
-
 }  // namespace
 
-class two_applies : public orders {
+class two_applies : public modelled {
  protected:
-  two_applies() : orders(7, 61) {}
-
-  void fill() override {
-    client first(settings);
-    EXPECT_EQ(first.set_fields("STRING F_S 5000 old\n"), "ok");
-    EXPECT_EQ(first.set_classes("/s sql_table=ts descr=old\n  STRING F_S sql_name=c\n"), "ok");
-  }
-
-  void begin() {
-    start_anew();
-    now = {{{"f5000", field("F_S", 5000, "old")}, {"k/s", user("/s", "old")}, {"tts", {"/s", ""}}}};
-    holder = nullptr;
-  }
-
-  // --- A plan ---
+  two_applies() : modelled(7, 61) {}
+  using modelled::go_on;
 
   // Whether something that the plan wants to be new is somebody else's.
   bool is_taken(const plan_row& row) const {
@@ -242,7 +174,7 @@ class two_applies : public orders {
     EXPECT_EQ(why.code, holder == nullptr ? TAV_ERR_NONE : TAV_ERR_BUSY) << why.sentence;
     if (!is_deployed) return;
     expect_standing(by, found);
-    if (!by.is_over) write(now, by.row.results), ++applied;
+    if (!by.is_over) note(by.row.results), ++applied;
   }
 
   void go_on(planner& by) {
@@ -254,81 +186,16 @@ class two_applies : public orders {
     by.next = static_cast<plan_step>(static_cast<int>(by.next) + 1);
   }
 
-  // --- A deployment ---
-
-  static std::string carry_out(deployer& by, int step) {
-    static const std::string fields = "STRING F_S 5000! new\nSTRING F_A 5001\n";
-    static const std::string classes =
-        "/s sql_table=ts descr=new\n  STRING F_S sql_name=c\n/a sql_table=ta\n";
-    if (step == FETCH) return by.session.fields(), "ok";
-    if (step == FETCH_CLASSES) return by.session.classes(), "ok";
-    if (step == END_TRIAL) return by.session.delete_fields("STRING F_A 5001\n");
-    if (step == TRY_FIELDS || step == FIELDS) return by.session.set_fields(fields);
-    return by.session.set_classes(classes, step == TRY_CLASSES ? 128 : 0);
-  }
-
-  // What it knew was written since, or what it adds is there.
-  bool is_refused(const deployer& by, const things& written) const {
-    return std::ranges::any_of(written, [&](const auto& each) {
-      const auto found = now.all.find(each.first);
-      return found != now.all.end() &&
-             (by.seen.all.count(each.first) == 0 || found->second.written > by.seen.clock ||
-              found->second.name != each.second.name);
-    });
-  }
-
-  void go_on(deployer& by) {
-    const int step = by.next++;
-    if (by.is_stopped && step != END_TRIAL) return;
-    const bool is_of_fields = step == TRY_FIELDS || step == FIELDS;
-    const things& written = is_of_fields ? DEPLOYED_FIELDS : DEPLOYED_CLASSES;
-    if (step == FETCH) by.seen = now;
-    if (step == TRY_FIELDS) holder = &by;
-    if (step == END_TRIAL) holder = nullptr;
-    const bool refused = step >= TRY_FIELDS && step != END_TRIAL && is_refused(by, written);
-    by.is_stopped = by.is_stopped || refused;
-    EXPECT_EQ(carry_out(by, step) != "ok", refused) << "deployment's step " << step;
-    if (!refused && step >= FIELDS) write(now, written);
-  }
-
-  // --- Afterwards ---
-
-  void expect_as_told() const {
-    std::string expected;
-    for (const auto& [key, one] : now.all) expected += one.text;
-    const std::string told = journal_state(settings, JOURNAL_PRESENT);
-    EXPECT_EQ(told.substr(told.find("STRING F_")), expected);
-    std::ostringstream findings;
-    opened from(settings);
-    dict::checker checked(*from.store, findings);
-    EXPECT_TRUE(dict::check_store(checked));
-    EXPECT_EQ(findings.str(), "");
-  }
-
-  template <class Second>
-  void run(const std::string& order, planner& first, Second& second) {
-    SCOPED_TRACE(order);
-    for (const char turn : order) turn == 'a' ? go_on(first) : go_on(second);
-  }
-
-  world now{};
-  const deployer* holder = nullptr;  // of the dictionary, in a trial
   int applied = 0;
 };
 
 TEST_F(two_applies, a_plan_beside_a_deployment) {
   for (const plan_row& row : PLANS) {
-    std::string order = "aaabbbbbbb";
-    do {
-      if (!runs.takes_next()) continue;
-      begin();
-      {
-        planner first{row, folder + "/a.plan"};
-        deployer second(settings);
-        run(order, first, second);
-      }
-      expect_as_told();
-    } while (!HasFailure() && std::next_permutation(order.begin(), order.end()));
+    in_every_order("aaa" + DEPLOYMENT, row.what, [&](const std::string& turns) {
+      planner first{row, folder + "/a.plan"};
+      administrator second(settings);
+      for (const char turn : turns) turn == 'a' ? go_on(first) : go_on(second);
+    });
   }
   EXPECT_EQ(runs.count(), 5 * 120);
   EXPECT_GT(applied, 0);
@@ -336,17 +203,11 @@ TEST_F(two_applies, a_plan_beside_a_deployment) {
 
 TEST_F(two_applies, a_plan_beside_a_plan) {
   for (size_t pair = 0; pair < PLANS.size() * PLANS.size(); ++pair) {
-    std::string order = "aaabbb";
-    do {
-      if (!runs.takes_next()) continue;
-      begin();
-      {
-        planner first{PLANS[pair / PLANS.size()], folder + "/a.plan"};
-        planner second{PLANS[pair % PLANS.size()], folder + "/b.plan"};
-        run(order, first, second);
-      }
-      expect_as_told();
-    } while (!HasFailure() && std::next_permutation(order.begin(), order.end()));
+    in_every_order("aaabbb", "", [&](const std::string& turns) {
+      planner first{PLANS[pair / PLANS.size()], folder + "/a.plan"};
+      planner second{PLANS[pair % PLANS.size()], folder + "/b.plan"};
+      for (const char turn : turns) turn == 'a' ? go_on(first) : go_on(second);
+    });
   }
   EXPECT_EQ(runs.count(), 25 * 20);
   EXPECT_GT(applied, 0);

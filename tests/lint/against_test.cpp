@@ -53,16 +53,13 @@ static const against_case CASES[] = {
 
 TEST(against, tells_what_a_dictionary_loses_keeps_and_refuses) {
   for (const against_case& each : CASES) {
-    dd_list fields{DD_FIELDS};
-    dd_list classes{DD_CLASSES};
-    std::string fault;
-    ASSERT_TRUE(lint::read_held(HELD, fields, classes, fault)) << fault;
+    held now(HELD);
     const auto refuse = [&](const lint::deployment& sent) {
-      return dict::refusals_of(fields.get(), classes.get(), sent);
+      return dict::refusals_of(now.fields.get(), now.classes.get(), sent);
     };
     const auto sources = sources_of({each.text});
-    const lint::world world{.fields = fields.get(), .classes = classes.get(), .refuse = refuse};
-    EXPECT_EQ(shown(sources, lint::lint(sources, world)), each.found) << each.text;
+    EXPECT_EQ(shown(sources, lint::lint(sources, now.world({.refuse = refuse}))), each.found)
+        << each.text;
   }
 }
 
@@ -76,16 +73,12 @@ TEST(against, refuses_an_export_that_cannot_be_read) {
 
 // The modes print the id all the same, so that it is among those found.
 TEST(against, says_nothing_of_a_field_that_stays_as_it_is) {
-  dd_list fields{DD_FIELDS};
-  dd_list classes{DD_CLASSES};
-  std::string fault;
-  ASSERT_TRUE(lint::read_held(HELD, fields, classes, fault)) << fault;
+  held now(HELD);
   const auto sources = sources_of(
       {"STRING A { ID = 20001; DESCR = \"a\"; }\nINT B { ID = 20002; DESCR = \"new\"; }\n"
        "ARRAY R { ID = 20003; }\n"});
   std::string levels;
-  for (const lint::finding& each :
-       lint::lint(sources, {.fields = fields.get(), .classes = classes.get()}).told)
+  for (const lint::finding& each : lint::lint(sources, now.world()).told)
     if (each.rule == "field-description-replaced")
       levels += each.told == lint::level::OFF ? "-" : "+";
   EXPECT_EQ(levels, "-+-");
@@ -113,12 +106,8 @@ TEST(against, tells_of_classes_that_are_there_only_those_that_change) {
   for (const auto& each : CHANGES) {
     std::string text = HELD;
     text.replace(text.find(each.before), std::string(each.before).size(), each.after);
-    dd_list fields{DD_FIELDS};
-    dd_list classes{DD_CLASSES};
-    std::string fault;
-    ASSERT_TRUE(lint::read_held(HELD, fields, classes, fault)) << fault;
-    const lint::world world{
-        .fields = fields.get(), .classes = classes.get(), .stays = dict::leaves_as_it_is};
+    held now(HELD);
+    const lint::world world = now.world({.stays = dict::leaves_as_it_is});
     std::string levels;
     for (const lint::finding& one : lint::lint(sources_of({text}), world).told)
       if (one.rule == "class-exists") levels += one.told == lint::level::OFF ? "-" : "+";

@@ -1,5 +1,9 @@
 #include "tests/lint/findings.h"
 
+#include <gtest/gtest.h>
+
+#include "lint/held.h"
+
 std::vector<lint::source> sources_of(const std::vector<std::string>& texts) {
   std::vector<lint::source> sources;
   for (const std::string& text : texts) {
@@ -25,4 +29,15 @@ std::string shown(const std::vector<lint::source>& sources, const lint::result& 
 std::string found_in(const std::vector<std::string>& texts) {
   const auto sources = sources_of(texts);
   return shown(sources, lint::lint(sources, {}));
+}
+
+held::held(const std::string& text) {
+  std::string fault;
+  EXPECT_TRUE(lint::read_held(text, fields, classes, fault)) << fault;
+}
+
+lint::world held::world(lint::world more) {
+  more.fields = fields.get();
+  more.classes = classes.get();
+  return more;
 }

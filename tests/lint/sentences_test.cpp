@@ -1,7 +1,6 @@
 // What people read: the thing, both sides, and the remedy.
 #include <gtest/gtest.h>
 
-#include "lint/held.h"
 #include "tests/lint/findings.h"
 
 static const char HELD[] =
@@ -74,12 +73,9 @@ static const sentence_case CASES[] = {
 
 TEST(sentences, say_both_sides_and_the_remedy) {
   for (const sentence_case& each : CASES) {
-    dd_list fields{DD_FIELDS};
-    dd_list classes{DD_CLASSES};
+    held now(HELD);
     std::string all;
-    ASSERT_TRUE(lint::read_held(HELD, fields, classes, all)) << all;
-    const lint::world world{.fields = fields.get(), .classes = classes.get()};
-    for (const lint::finding& found : lint::lint(sources_of({each.text}), world).told)
+    for (const lint::finding& found : lint::lint(sources_of({each.text}), now.world()).told)
       all += found.sentence + "\n";
     EXPECT_NE(all.find(std::string(each.sentence) + "\n"), all.npos)
         << each.sentence << "\n--- told:\n"
