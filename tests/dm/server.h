@@ -14,6 +14,10 @@ void cut_line_at(int message, bool delivered);
 // Ends that, and gives whether the line was cut.
 bool mend_line();
 
+// SQL by which the server refuses a row when it is written or when it is committed: the one that
+// the sequence "refusals" counts as 0.
+extern const char ROW_REFUSALS[];
+
 class on_a_server : public dictionary {
  protected:
   // Waits until the server says so.

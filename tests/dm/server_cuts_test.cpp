@@ -1,6 +1,6 @@
-// A line to the server that is cut, or a process that is killed, at each message of a change that
-// the operations cannot make, and of a plan's deployment: all of it is done, or nothing, and what
-// is told is true.
+// A row that the server refuses, a line to it that is cut, or a process that is killed, at each row
+// or message of a change that the operations cannot make, and of a plan's deployment: all of it is
+// done, or nothing, and what is told is true.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -105,11 +105,12 @@ static bool apply(const dm::settings& settings, dm::problem& why) {
 static constexpr struct {
   const char* title;
   change_call carry_out;
-} CHANGES[] = {{"apply", apply},
-               {"rename", change<RENAME>},
-               {"drop", change<DROP>},
-               {"undo", change<UNDO>},
-               {"drop-database", drop_second}};
+  int rows;  // that are written or deleted at least
+} CHANGES[] = {{"apply", apply, 7},
+               {"rename", change<RENAME>, 6},
+               {"drop", change<DROP>, 5},
+               {"undo", change<UNDO>, 5},
+               {"drop-database", drop_second, 4}};
 
 // In a process of its own.
 static void run_deadly(change_call carry_out, const dm::settings& settings, int message,
@@ -206,4 +207,25 @@ TEST_F(on_a_server_cut, a_change_is_all_done_or_not_at_all_as_it_tells) {
     }
   }
   EXPECT_GT(unknown, 4);
+}
+
+TEST_F(on_a_server_cut, a_change_of_which_a_row_is_refused_is_not_done_at_all) {
+  for (const auto& each : CHANGES) {
+    SCOPED_TRACE(each.title);
+    begin_anew();
+    query("DELETE FROM dd_fields WHERE database = 2 AND number < 5001");  // fewer take less time
+    query(ROW_REFUSALS);
+    before = content();
+    int row = 1;
+    const auto is_refused = [&] {
+      dm::problem why;
+      query("SELECT setval('refusals', -" + std::to_string(row) + ")");
+      const bool is_done = each.carry_out(settings, why);
+      EXPECT_EQ(content() != before, is_done) << row;
+      return !is_done;
+    };
+    while (row < 100 && is_refused()) ++row;
+    EXPECT_GT(row, 2 * each.rows);  // each when it is written, and when it is committed
+    EXPECT_LT(row, 100);
+  }
 }

@@ -1,27 +1,9 @@
 // What a server that refuses one row of a deployment, or is lost in an upgrade or a prune, keeps of
 // the journal: all of it or nothing.
-#include "dm/changes/changes.h"
-#include "dm/changes/drop_database.h"
 #include "dm/journal/begin.h"
 #include "dm/open.h"
-#include "dm/ops/deployment.h"
-#include "dm/predefined.h"
 #include "server.h"
 #include "told.h"
-
-// Refuses the row that a sequence counts as 0, when it is written or when it is committed.
-static const char REFUSALS[] =
-    "CREATE SEQUENCE refusals MINVALUE -1000 START 1;"
-    "CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN"
-    " IF nextval('refusals') = 0 THEN RAISE 'refused'; END IF;"
-    " RETURN CASE TG_OP WHEN 'DELETE' THEN OLD ELSE NEW END; END $$;"
-    "DO $$ DECLARE t TEXT; BEGIN FOREACH t IN ARRAY ARRAY['dd_databases', 'dd_fields',"
-    " 'dd_classes', 'dd_tables', 'dd_journal', 'dd_journal_changes'] LOOP"
-    " EXECUTE format('CREATE TRIGGER refuse BEFORE INSERT OR UPDATE OR DELETE ON %s"
-    "  FOR EACH ROW EXECUTE FUNCTION refuse()', t);"
-    " EXECUTE format('CREATE CONSTRAINT TRIGGER refuse_commit AFTER INSERT OR UPDATE OR DELETE"
-    "  ON %s DEFERRABLE INITIALLY DEFERRED FOR EACH ROW EXECUTE FUNCTION refuse()', t);"
-    " END LOOP; END $$";
 
 namespace {
 
@@ -73,7 +55,7 @@ TEST_F(on_a_server, that_refuses_a_row_keeps_change_and_record_or_neither) {
     ASSERT_EQ(admin.set_fields(fields), "ok");
     ASSERT_EQ(admin.set_classes(classes), "ok");
   }
-  query(REFUSALS);
+  query(ROW_REFUSALS);
   std::string before = journal_state(settings, JOURNAL_PRESENT);
   int64_t number = 5;  // of the next record
   int kept[4] = {};
@@ -96,84 +78,6 @@ TEST_F(on_a_server, that_refuses_a_row_keeps_change_and_record_or_neither) {
   EXPECT_GT(kept[0], 5);
   EXPECT_GT(kept[1], 5);
   EXPECT_GT(kept[2], 3);
-}
-
-// --- Changes that the operations cannot make -----------------------------------------------------
-
-static bool change(dm::store& store, const dm::settings& settings,
-                   const std::vector<dm::wanted_thing>& wanted) {
-  dm::change_result result;
-  return dm::change_things(store, settings, 1, wanted, {"{}"}, result);
-}
-
-static bool rename_field(dm::store& store, const dm::settings& settings) {
-  return change(
-      store, settings,
-      {{dm::change_of::FIELD, "F_A", {}},
-       {dm::change_of::FIELD, "F_R", "5000 5 0 F_R"},
-       {dm::change_of::CLASS, "/a",
-        R"({"name":"/a","sql_table":"a","entries":[{"name":"F_R","type":5,"sql_name":"c"}]})"}});
-}
-
-static bool drop_class(dm::store& store, const dm::settings& settings) {
-  return change(store, settings, {{dm::change_of::CLASS, "/a", {}}});
-}
-
-static bool drop_second(dm::store& store, const dm::settings& settings) {
-  dm::change_result result;
-  return dm::drop_database(store, settings, 2, {}, result);
-}
-
-static bool apply(dm::store&, const dm::settings& settings) {
-  dm::session session;
-  dm::problem why;
-  dm::deployment_result result;
-  const dd_flist fields = fields_of("STRING F_A 5000 New.\nSTRING F_N 5009\n");
-  const dd_flist classes = classes_of("/n sql_table=n\n");
-  session.settings = settings;
-  session.store = dm::open_dictionary(settings, {}, why);
-  const bool is_done =
-      session.store != nullptr && dm::begin_write(session, why) &&
-      dm::write_deployment(session, {1, fields.get(), classes.get()}, result, why) &&
-      dm::commit_write(session, dm::journal_kind::APPLY, 1, why, "{}");
-  dm::undo_write(session);
-  return is_done;
-}
-
-TEST_F(on_a_server, that_refuses_a_row_of_a_change_keeps_all_of_it_or_nothing) {
-  static const struct {
-    const char* name;
-    bool (*carry_out)(dm::store&, const dm::settings&);
-    int rows;  // that are written or deleted at least
-  } WORKS[] = {{"apply", apply, 7},
-               {"rename", rename_field, 6},
-               {"drop", drop_class, 5},
-               {"drop-database", drop_second, 4}};
-  dm::problem why;
-  dm::store_owner store = dm::open_dictionary(settings, {}, why);
-  {
-    client admin(settings);
-    ASSERT_EQ(admin.set_fields("STRING F_A 5000\n"), "ok");
-    ASSERT_EQ(admin.set_classes("/a sql_table=a\n  STRING F_A sql_name=c\n"), "ok");
-  }
-  ASSERT_TRUE(store->calls->begin(store.get(), true, why) && dm::make_database(*store, 2, why) &&
-              store->calls->commit(store.get(), why));
-  query("DELETE FROM dd_fields WHERE database = 2 AND number <> 17");  // fewer take less time
-  query(REFUSALS);
-  for (const auto& work : WORKS) {
-    SCOPED_TRACE(work.name);
-    const std::string before = content();
-    int row = 1;
-    const auto is_refused = [&] {
-      query("SELECT setval('refusals', -" + std::to_string(row) + ")");
-      const bool is_done = work.carry_out(*store, settings);
-      EXPECT_EQ(content() != before, is_done) << row;
-      return !is_done;
-    };
-    while (row < 100 && is_refused()) ++row;
-    EXPECT_GT(row, 2 * work.rows);  // each when it is written, and when it is committed
-    EXPECT_LT(row, 100);
-  }
 }
 
 // --- Upgrade and prune -----------------------------------------------------------------------

@@ -13,6 +13,19 @@
 int messages_sent = 0;
 std::string last_limit;
 
+const char ROW_REFUSALS[] =
+    "CREATE SEQUENCE refusals MINVALUE -1000 START 1;"
+    "CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN"
+    " IF nextval('refusals') = 0 THEN RAISE 'refused'; END IF;"
+    " RETURN CASE TG_OP WHEN 'DELETE' THEN OLD ELSE NEW END; END $$;"
+    "DO $$ DECLARE t TEXT; BEGIN FOREACH t IN ARRAY ARRAY['dd_databases', 'dd_fields',"
+    " 'dd_classes', 'dd_tables', 'dd_journal', 'dd_journal_changes'] LOOP"
+    " EXECUTE format('CREATE TRIGGER refuse BEFORE INSERT OR UPDATE OR DELETE ON %s"
+    "  FOR EACH ROW EXECUTE FUNCTION refuse()', t);"
+    " EXECUTE format('CREATE CONSTRAINT TRIGGER refuse_commit AFTER INSERT OR UPDATE OR DELETE"
+    "  ON %s DEFERRABLE INITIALLY DEFERRED FOR EACH ROW EXECUTE FUNCTION refuse()', t);"
+    " END LOOP; END $$";
+
 static int messages_to_cut = 0, cut_line = -1;
 static bool is_delivered = false, is_deadly = false;
 
