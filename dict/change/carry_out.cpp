@@ -54,7 +54,7 @@ static bool compare_all(intended_change& change, outcome& all, dm::problem& why)
 
 // Whether anything would be changed, or was.
 static bool is_changing(const outcome& all) {
-  return all.result.record != 0 || all.result.changes != 0;
+  return all.result.changes != 0;
 }
 
 void put_refused(json_writer& out, const dm::refused_change& refused) {

@@ -243,6 +243,7 @@ bool make(const dm::settings& settings, dm::problem& why) {
 }
 
 dictionary::dictionary() {
+  tav_err_set_level(1);  // what plans are made with turns the log off
   for (const char* name : {"/dm.tavlog", "/cm.tavlog"}) {
     if (fs::exists(log_folder() + name)) fs::resize_file(log_folder() + name, 0);
   }

@@ -74,6 +74,7 @@ void expect_same(const model& expected, const tav_node* node) {
     const void* value = tav_node_get(node, field);
     const auto found = expected.values.find(field);
     ASSERT_EQ(value != nullptr, found != expected.values.end());
+    ASSERT_EQ(tav_node_count(node, field), 0u);
     if (value == nullptr) continue;
     ASSERT_EQ(text_of(field, value), found->second.text);
     if (found->second.lent == nullptr) continue;
@@ -84,6 +85,7 @@ void expect_same(const model& expected, const tav_node* node) {
     const size_t count = found != expected.arrays.end() ? found->second.size() : 0;
     ASSERT_EQ(tav_node_get(node, field), nullptr);
     ASSERT_EQ(tav_node_count(node, field), count);
+    ASSERT_EQ(tav_node_count(tav_node_of(nullptr), field), 0u);
     uint32_t position = 0;
     int32_t id = 0;
     for (size_t i = 0; i < count; ++i) {
