@@ -1,17 +1,22 @@
 #include "tests/faults/bench.h"
 
 #include <sqlite3.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <set>
 #include <sstream>
 
-#include "dict/commands.h"
+int inside_main(int argc, char** argv);  // the tool's main, or what stands for it
 
-int tav_deploy_main(int argc, char** argv);  // the tool's main
+fault_plan& plan() {
+  static auto* shared = new (mmap(nullptr, sizeof(fault_plan), PROT_READ | PROT_WRITE,
+                                  MAP_SHARED | MAP_ANONYMOUS, -1, 0)) fault_plan;
+  return *shared;
+}
 
 const fault_row VERIFY = {.mode = "verify", .words = {"verify", "new.def"}, .exit_status = 1};
 // Its one field is defined twice, so that the trial has nothing to delete at its end.
@@ -86,19 +91,6 @@ static size_t allocated() {
 // it is done once for each amount, and not for commands.
 static std::set<size_t> without_leak;
 
-// As its main does, for the commands that write.
-static int tav_dict_main(int argc, char** argv) {
-  CLI::App app;
-  int result = dict::FAILED;
-  for (const auto add : {dict::add_apply, dict::add_undo, dict::add_revert_to, dict::add_rename,
-                         dict::add_drop, dict::add_move_storage, dict::add_tag, dict::add_prune,
-                         dict::add_drop_database, dict::add_upgrade}) {
-    add(app, result);
-  }
-  app.parse(argc, argv);
-  return result;
-}
-
 static int run_program(int argc, char** argv) {
   if (plan().failing_allocation == 0) {
     put_disk_under_plan();
@@ -107,7 +99,7 @@ static int run_program(int argc, char** argv) {
   }
   const bool is_tool = argv[0] == std::string("tav_deploy");
   const size_t before = allocated();
-  const int status = is_tool ? tav_deploy_main(argc, argv) : tav_dict_main(argc, argv);
+  const int status = inside_main(argc, argv);
   std::fflush(nullptr);
   plan().left_allocated = allocated() - before;
   if (!is_tool || without_leak.count(plan().left_allocated) != 0) _exit(status);

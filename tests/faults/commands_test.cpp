@@ -1,6 +1,22 @@
 // Commands of tav_dict that write, in which every call of the disk fails, is the last before the
 // process is killed, or before the power fails: all of it is done, or nothing.
+#include <CLI/CLI.hpp>
+
+#include "dict/commands.h"
 #include "tests/faults/bench.h"
+
+// As the main of tav_dict does.
+int inside_main(int argc, char** argv) {
+  CLI::App app;
+  int result = dict::FAILED;
+  for (const auto add : {dict::add_apply, dict::add_undo, dict::add_revert_to, dict::add_rename,
+                         dict::add_drop, dict::add_move_storage, dict::add_tag, dict::add_prune,
+                         dict::add_drop_database, dict::add_upgrade}) {
+    add(app, result);
+  }
+  app.parse(argc, argv);
+  return result;
+}
 
 using every_disk_call_of_a_command = fault_bench;
 

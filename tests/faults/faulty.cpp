@@ -1,18 +1,9 @@
 #define FAULTY_DOUBLES
 #include "tests/faults/faulty.h"
 
-#include <sys/mman.h>
-
 #include <cstring>
-#include <new>
 
 #include "tests/faults/plan.h"
-
-fault_plan& plan() {
-  static auto* shared = new (mmap(nullptr, sizeof(fault_plan), PROT_READ | PROT_WRITE,
-                                  MAP_SHARED | MAP_ANONYMOUS, -1, 0)) fault_plan;
-  return *shared;
-}
 
 static void fail(tav_ebuf* ebuf, int32_t code) {
   ebuf->location = TAV_ERRLOC_DM;
