@@ -32,3 +32,10 @@ size_t dd_utf8_length(const char* text, size_t left) {
   }
   return length;
 }
+
+std::string_view dd_utf8_cut(std::string_view text, size_t most) {
+  if (text.size() <= most) return text;
+  size_t end = most;
+  while (end > 0 && most - end < 3 && (text[end] & '\xC0') == '\x80') --end;
+  return text.substr(0, end);
+}

@@ -12,12 +12,6 @@ namespace dm {
 
 static constexpr char MODULE[] = "dm";
 
-static int32_t class_of(int32_t code) {
-  const bool is_system = code == TAV_ERR_NO_MEM || code == TAV_ERR_BUSY ||
-                         code == TAV_ERR_STORAGE || code == TAV_ERR_NOT_CONNECTED;
-  return is_system ? TAV_ERRCLASS_SYSTEM : TAV_ERRCLASS_REQUEST;
-}
-
 static std::vector<problem>* noted;
 
 void note_problems(std::vector<problem>* problems) {
@@ -29,7 +23,8 @@ static void report(int32_t location, const problem& why, tav_ebuf* ebuf) {
   const auto component = location == TAV_ERRLOC_CM ? tav_component::CM : tav_component::DM;
   if (noted != nullptr) noted->push_back(why);
   tav_component_log(component, 1, why.sentence.c_str(), HERE);
-  tav_set_error(ebuf, {location, class_of(why.code), why.code, why.field, why.rec_id, why.detail});
+  const int32_t err_class = is_of_the_system(why) ? TAV_ERRCLASS_SYSTEM : TAV_ERRCLASS_REQUEST;
+  tav_set_error(ebuf, {location, err_class, why.code, why.field, why.rec_id, why.detail});
 }
 
 // Allocates nothing.

@@ -24,6 +24,12 @@ inline bool failed(const problem& why) {
   return why.code != TAV_ERR_NONE;
 }
 
+// Whether the dictionary could not answer: it is no fault of what was asked.
+inline bool is_of_the_system(const problem& why) {
+  return why.code == TAV_ERR_NO_MEM || why.code == TAV_ERR_BUSY || why.code == TAV_ERR_STORAGE ||
+         why.code == TAV_ERR_NOT_CONNECTED;
+}
+
 // The pieces as one text.
 std::string join(std::initializer_list<std::string_view> pieces);
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "dd/utf8.h"
 #include "dd/visible.h"
 #include "dparse/characters.h"
 #include "dparse/read/reader.h"
@@ -52,10 +53,8 @@ static bool at_end(FILE* stream) {
 // One line of at most so many bytes, cut before a character.
 static std::string one_line(std::string_view text) {
   constexpr size_t MOST = 240;
-  if (text.size() <= MOST) return dd_visible(text);
-  size_t end = MOST;
-  while (end > MOST - 4 && (text[end] & '\xC0') == '\x80') --end;
-  return dd_visible(text.substr(0, end)) + "...";
+  const std::string_view shown = dd_utf8_cut(text, MOST);
+  return dd_visible(shown).append(shown.size() < text.size() ? "..." : "");
 }
 
 // The reader's bare word for an attribute that it does not know says too little by itself; that it

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dd/utf8.h"
 #include "dd/visible.h"
 #include "dparse/attributes.h"
 #include "dparse/tokens.h"
@@ -57,16 +58,14 @@ static std::string_view value_text(const telling& t) {
 
 // As people see it: its start, with what is invisible named.
 static std::string shown(std::string_view text) {
-  const bool is_cut = text.size() > MOST_SHOWN;
-  size_t end = std::min(text.size(), MOST_SHOWN);
-  while (is_cut && end > MOST_SHOWN - 4 && (text[end] & '\xC0') == '\x80') --end;
-  std::string result = dd_visible(text.substr(0, end));
+  const std::string_view start = dd_utf8_cut(text, MOST_SHOWN);
+  std::string result = dd_visible(start);
   for (const invisible& each : INVISIBLE) {
     const std::string name = std::string("<").append(each.code).append(">");
     for (size_t at = 0; (at = result.find(each.bytes, at)) != result.npos; at += name.size())
       result.replace(at, each.bytes.size(), name);
   }
-  return is_cut ? result + "..." : result;
+  return start.size() < text.size() ? result + "..." : result;
 }
 
 static std::string in_quotes(std::string_view text) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dd/utf8.h"
+
 namespace syntax {
 
 static uint32_t lines_in(std::string_view text) {
@@ -34,26 +36,11 @@ void move_to(place& place, std::string_view text, uint64_t byte) {
   place = {place.line + lines_in(between), byte - line_start, byte};
 }
 
-// The size of the character that the bytes begin with (UTF-8, shortest form, no surrogates), or 1.
-static size_t character_size(std::string_view bytes) {
-  const auto byte = [bytes](size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned first = byte(0);
-  const size_t size = first < 0xc2 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : first < 0xf5 ? 4 : 1;
-  if (size > bytes.size()) return 1;
-  for (size_t i = 1; i < size; ++i)
-    if ((byte(i) & 0xc0) != 0x80) return 1;
-  if (size < 3) return size;
-  const unsigned second = byte(1);
-  const bool is_refused = (first == 0xe0 && second < 0xa0) || (first == 0xed && second > 0x9f) ||
-                          (first == 0xf0 && second < 0x90) || (first == 0xf4 && second > 0x8f);
-  return is_refused ? 1 : size;
-}
-
 columns columns_at(std::string_view text, const place& place) {
   std::string_view before = text.substr(place.byte - place.column, place.column);
   columns result;
   while (!before.empty()) {
-    const size_t size = character_size(before);
+    const size_t size = std::max<size_t>(dd_utf8_length(before.data(), before.size()), 1);
     ++result.characters;
     result.utf16 += size == 4 ? 2 : 1;
     before.remove_prefix(size);

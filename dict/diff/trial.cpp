@@ -18,10 +18,9 @@ static bool is_error(const std::string& text) {
 
 // Whether the problem is in reaching or writing the dictionary, not in the files.
 static bool is_about_the_dictionary(const dm::problem& why) {
-  static constexpr int32_t CODES[] = {
-      TAV_ERR_BUSY,          TAV_ERR_STORAGE,   TAV_ERR_NO_MEM,   TAV_ERR_NOT_CONNECTED,
-      TAV_ERR_WRITE_REFUSED, TAV_ERR_NOT_FOUND, TAV_ERR_BAD_CONF, TAV_ERR_UNKNOWN_DATABASE};
-  return why.is_unreachable ||
+  static constexpr int32_t CODES[] = {TAV_ERR_WRITE_REFUSED, TAV_ERR_NOT_FOUND, TAV_ERR_BAD_CONF,
+                                      TAV_ERR_UNKNOWN_DATABASE};
+  return why.is_unreachable || is_of_the_system(why) ||
          std::find(std::begin(CODES), std::end(CODES), why.code) != std::end(CODES);
 }
 

@@ -102,6 +102,7 @@ static bool means_the_same(snapshot& on, const judged& files, const plan& made, 
   const digests_of_things results = results_of(again.result);
   if (is_taken && results.fields == made.results.fields && results.classes == made.results.classes)
     return true;
+  if (dm::is_of_the_system(why)) return false;
   why.sentence =
       "The definitions of what changes mean something else without the rest of these files; deploy "
       "them with 'replace'.";

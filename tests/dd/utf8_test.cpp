@@ -42,3 +42,13 @@ TEST(utf8, is_what_unicode_takes_and_nothing_else) {
     }
   }
 }
+
+TEST(utf8, is_cut_before_a_character) {
+  const struct {
+    const char* text;
+    size_t most, left;
+  } cases[] = {
+      {"abc", 3, 3},     {"abcd", 3, 3},    {"a\u20ac", 4, 4},    {"a\u20acb", 4, 4},
+      {"a\u20ac", 3, 1}, {"a\u20ac", 2, 1}, {"\U0001d11e", 3, 0}, {"ab\x80\x80\x80\x80\x80", 6, 3}};
+  for (const auto& each : cases) EXPECT_EQ(dd_utf8_cut(each.text, each.most).size(), each.left);
+}

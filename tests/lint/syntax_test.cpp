@@ -1,6 +1,8 @@
 // What the reader refuses: every mistake of a file, each where it is.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "dparse/read/reader.h"
 #include "lint/judge.h"
 #include "tests/lint/findings.h"
@@ -75,6 +77,11 @@ TEST(syntax, tells_the_first_mistake_of_a_file_as_the_reader_does) {
     const lint::result found = syntax_only(lint::lint(sources, {}));
     const uint64_t line = found.told.empty() ? 0 : found.told[0].reader_line;
     EXPECT_EQ(line, reader.line) << each.text;
+    for (size_t i = 1; i < found.told.size(); ++i) {  // the reader tells the first alone
+      const lint::span& place = found.told[i].where;
+      const char* end = each.text + place.start + place.length;
+      EXPECT_EQ(found.told[i].reader_line, 1 + std::count(each.text, end, '\n')) << each.text;
+    }
   }
 }
 

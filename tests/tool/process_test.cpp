@@ -87,6 +87,13 @@ TEST(command_line, more_names_than_fit_is_refused_with_the_usage) {
   EXPECT_EQ(result.log, "tav_deploy Invalid command line args\n");
 }
 
+TEST(command_line, usage_has_the_name_by_which_the_tool_was_called) {
+  run_options renamed;
+  renamed.program = "/bin/bash";
+  const run_result result = workshop().run({"-c", "exec -a roll_out '" TAV_DEPLOY "' -x"}, renamed);
+  EXPECT_EQ(result.err.substr(0, result.err.find(" [")), "Usage: \n\troll_out class");
+}
+
 // An export that cannot be written to the end must not look like one that could.
 TEST(output, that_cannot_be_written_fails_the_export) {
   const workshop place;

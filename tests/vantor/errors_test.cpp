@@ -17,6 +17,7 @@ namespace {
 constexpr uint32_t COUNT = TAV_FLD_FLAGS;
 constexpr uint32_t ITEMS = TAV_FLD_OBJ_ELEM;
 constexpr uint32_t ABSENT = TAV_FLD_FIELD_NUM;
+constexpr uint32_t BYTES = DD_FIELD_ID(TAV_FLDT_BUF, 1);
 constexpr uint32_t NONE = DD_FIELD_ID(TAV_FLDT_OBJ, 1);
 
 // What the rows below call with: a list with COUNT 7 and two elements that were handed out.
@@ -26,6 +27,7 @@ tav_decimal_t* decimal;
 tav_cookie_t* cookie;
 int32_t id;
 const int32_t one = 1;
+const tav_buf_t no_bytes{1, nullptr};
 char digits[8];
 tcm_context_t *opened, *context;
 uint64_t database;
@@ -118,7 +120,11 @@ TEST_F(errors, say_what_is_wrong) {
       {TAV_ERR_BAD_ARG, COUNT, 0, CALL(tavi_flist_get, null_list, COUNT, 0, 1, 0)},
       {TAV_ERR_BAD_ARG, COUNT, 0, CALL(tavi_flist_set, null_list, COUNT, 0, 0, &one)},
       {TAV_ERR_BAD_ARG, COUNT, 6, CALL(tavi_flist_set, list, COUNT, 6, 0, nullptr)},
+      {TAV_ERR_BAD_ARG, BYTES, 0, CALL(tavi_flist_set, list, BYTES, 0, 0, &no_bytes)},
+      {TAV_ERR_WRONG_TYPE, NONE, 0, CALL(tavi_flist_set, list, NONE, 0, 0, &one)},
       {TAV_ERR_WRONG_TYPE, COUNT, 0, CALL(tavi_flist_put, list, COUNT, 0, 0, item)},
+      {TAV_ERR_BAD_ARG, ITEMS, 0, CALL(tavi_flist_put, null_list, ITEMS, 0, 0, item)},
+      {TAV_ERR_BAD_ARG, ITEMS, 6, CALL(tavi_flist_put, list, ITEMS, 6, 0, nullptr)},
       {TAV_ERR_BAD_ARG, ITEMS, 0, CALL(tavi_flist_put, item, ITEMS, 0, 0, list)},
       {TAV_ERR_BAD_ARG, ITEMS, 5, CALL(tavi_flist_put, list, ITEMS, 5, 0, item)},
       {TAV_ERR_NOT_FOUND, ITEMS, 8, CALL(tavi_flist_drop, list, ITEMS, 8)},
