@@ -40,13 +40,17 @@ static places expected_in(const std::string& text) {
   return all;
 }
 
-TEST(mistakes, are_all_found_at_their_places_and_few_others) {
-  std::ifstream file(TAV_LINT_DATA "/mistakes.def");
+static std::string content_of(const char* path) {
   std::ostringstream text;
-  text << file.rdbuf();
-  places expected = expected_in(text.str());
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+TEST(mistakes, are_all_found_at_their_places_and_few_others) {
+  const std::string text = content_of(TAV_LINT_DATA "/mistakes.def");
+  places expected = expected_in(text);
   ASSERT_GE(expected.size(), 50u);
-  const auto sources = sources_of({text.str()});
+  const auto sources = sources_of({text});
   places others;
   for (const lint::finding& each : lint::lint(sources, {}).told) {
     const syntax::place at = syntax::place_at(sources[0].tree, each.where.start);
@@ -58,4 +62,19 @@ TEST(mistakes, are_all_found_at_their_places_and_few_others) {
   for (const std::string& each : expected) ADD_FAILURE() << "not found: " << each;
   EXPECT_LE(others.size(), 5u);
   for (const std::string& each : others) std::cout << "besides: " << each << '\n';
+}
+
+TEST(mistakes, are_told_in_sentences_that_name_both_sides) {
+  const auto sources = sources_of({content_of(TAV_LINT_DATA "/mistakes.def")});
+  std::string told;
+  const auto tell = [&](const lint::span& where, std::string_view words) {
+    const syntax::place at = syntax::place_at(sources[where.source].tree, where.start);
+    told += std::to_string(at.line) + ':' + std::to_string(at.column + 1) + ' ';
+    told.append(words) += '\n';
+  };
+  for (const lint::finding& each : lint::lint(sources, {}).told) {
+    tell(each.where, std::string(each.rule) + ": " + each.sentence);
+    for (const lint::related_place& other : each.related) tell(other.where, other.sentence);
+  }
+  EXPECT_EQ(told, content_of(TAV_LINT_DATA "/mistakes.txt"));
 }
