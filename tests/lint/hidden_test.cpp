@@ -38,6 +38,10 @@ static const std::pair<const char*, const char*> COMMENTS[] = {
     {"\xEF\xBB\xBF# tav-lint: ignore=byte-order-mark,missing-description old\nINT F { ID = 20001; "
      "}",
      ""},
+    // The second one is a part of the first one's reason.
+    {"INT F { ID = 1; } # tav-lint: ignore=missing-description a # tav-lint: "
+     "ignore=number-outside-range b",
+     "1:14 number-outside-range"},
     // Too far above, or behind something else.
     {"# tav-lint: ignore=missing-description old\n\nINT F { ID = 20001; }",
      "1:20 ignore-unused, 3:5 missing-description"},
