@@ -1,23 +1,11 @@
-// Commands of tav_dict that write, in which every call of the disk fails, is the last before the
-// process is killed, or before the power fails: all of it is done, or nothing.
-#include <CLI/CLI.hpp>
+// Commands of tav_dict in which calls fail: all of it is done, or nothing, and it is told.
+#include <limits>
 
-#include "dict/commands.h"
 #include "tests/faults/bench.h"
 
-// As the main of tav_dict does.
-int inside_main(int argc, char** argv) {
-  CLI::App app;
-  int result = dict::FAILED;
-  for (const auto add : {dict::add_apply, dict::add_undo, dict::add_revert_to, dict::add_rename,
-                         dict::add_drop, dict::add_move_storage, dict::add_tag, dict::add_prune,
-                         dict::add_drop_database, dict::add_upgrade}) {
-    add(app, result);
-  }
-  app.parse(argc, argv);
-  return result;
-}
+// --- The disk ------------------------------------------------------------------------------------
 
+// Each call fails, or is the last before the process is killed or before the power fails.
 using every_disk_call_of_a_command = fault_bench;
 
 TEST_P(every_disk_call_of_a_command, does_all_or_nothing) {
@@ -68,4 +56,45 @@ INSTANTIATE_TEST_SUITE_P(
         command("drop_database", {"drop-database", "--yes", "--backup", "copy.db", "0.0.0.2"},
                 {{"dict", "add-database", "0.0.0.2"}, {"create", "-d", "0.0.0.2", "base.def"}}),
         upgrade()),
+    mode_of);
+
+// --- Memory --------------------------------------------------------------------------------------
+
+using every_allocation_of_a_command = fault_bench;
+
+// One fails, or all from there on; later ones are tried with gaps.
+TEST_P(every_allocation_of_a_command, fails_and_is_told) {
+  fault_plan faults;
+  faults.failing_allocation = std::numeric_limits<long>::max();
+  run(faults);
+  const long made = plan().allocations;
+  EXPECT_GT(made, 1000);
+  for (long n = 1; n <= made; n += 1 + n / 20) {
+    faults.failing_allocation = n;
+    faults.is_memory_gone = n % 2 == 0;
+    const run_result result = run(faults);
+    SCOPED_TRACE("allocation " + std::to_string(n) + " of " + std::to_string(made));
+    EXPECT_EQ(left, states.front());
+    if (result.exit_status == healthy.exit_status && result.out == healthy.out) continue;
+    EXPECT_EQ(result.exit_status, 2) << result.out << result.err;
+    EXPECT_NE(result.err.find("memory"), std::string::npos) << result.err;
+  }
+}
+
+static fault_row reading(const char* name, std::vector<std::string> words, int exit_status = 0) {
+  fault_row row = command(name, words, {{"replace", "new.def"}});
+  row.commits = 0;
+  row.exit_status = exit_status;
+  return row;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    mode, every_allocation_of_a_command,
+    testing::Values(reading("list", {"list", "--tree"}), reading("uses", {"uses", "F1"}),
+                    reading("export", {"export", "--at", "4"}), reading("log", {"log"}),
+                    reading("show", {"show", "5"}), reading("blame", {"blame", "/c"}),
+                    reading("site", {"site", "pages"}), reading("diff", {"diff", "base.def"}, 1),
+                    reading("plan", {"plan", "base.def"}, 1),
+                    reading("lint", {"lint", "new.def"}, 1),
+                    reading("undo", {"undo", "5", "--dry-run"}), reading("check", {"check"})),
     mode_of);

@@ -30,6 +30,9 @@ static const std::vector<own_case> CASES = {
     {{"INT \xff { ID = 20001; DESCR = \"a\"; }"}, "1:5 not-utf8"},
     {{"# \xe4 and \xe4\n" + field("# \xe4\n")}, "1:3 comment-not-utf8"},
 
+    {{field("") + "INT G { ID = 20002; DESCR = \"\xe4\"; }"}, "2:30 not-utf8"},
+    {{"STORABLE CLASS /a/b { DESCR = \"" + long_text(2047, 1) + "\"; }"}, "1:31 text-too-long"},
+
     {{field("DESCR = \"" + long_text(2047, 0) + "\"; ")}, ""},
     {{field("DESCR = \"" + long_text(2047, 1) + "\"; ")}, "1:42 text-too-long"},
     {{field("DESCR = \"" + long_text(1000, 0) + "\" \"" + long_text(1047, 1) + "\"; ")},
