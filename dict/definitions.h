@@ -3,6 +3,7 @@
 #ifndef DICT_DEFINITIONS_H
 #define DICT_DEFINITIONS_H
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,13 @@ bool fetch(dm::session& session, uint64_t database, definitions& result, dm::pro
 // wrong with them is printed to standard error. False when they cannot be read, or cannot be
 // deployed as they stand.
 bool read_files(const std::vector<std::string>& files, definitions& result);
+
+// Whether the calls on lists before did not fail. Throws std::bad_alloc where memory ran out, so
+// that it is told as everywhere.
+inline bool is_whole(const tav_ebuf& ebuf) {
+  if (ebuf.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
+  return !dd_failed(ebuf);
+}
 
 }  // namespace dict
 

@@ -141,7 +141,7 @@ bool compare(definitions& before, definitions& after, const comparison& how,
                 "comparing fields", found, &ebuf);
   compare_lists({CLASS, TAV_FLD_OBJ_DESC, before.classes.get(), after.classes.get()}, how,
                 "comparing classes", found, &ebuf);
-  if (!dd_failed(ebuf)) return true;
+  if (is_whole(ebuf)) return true;
   why.code = ebuf.err_code;
   why.sentence =
       dm::join({"The definitions cannot be compared: ", tav_taverr_to_str(ebuf.err_code), "."});

@@ -69,7 +69,7 @@ bool take_apart(dm::change_of what, const std::string& name, const std::string& 
   while (tav_flist_t* element = elements.next(at(&ebuf, HERE))) {
     note_element(result, is_class ? CLASS : FIELD, element, path, &ebuf);
   }
-  if (!dd_failed(ebuf)) return true;
+  if (is_whole(ebuf)) return true;
   why.sentence = "The list of definitions cannot be built.";
   return false;
 }

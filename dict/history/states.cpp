@@ -22,7 +22,7 @@ definitions_maker::definitions_maker(definitions& result) : parts_(new parts{res
 definitions_maker::~definitions_maker() = default;
 
 static bool is_whole(const tav_ebuf& ebuf, dm::problem& why) {
-  if (!dd_failed(ebuf)) return true;
+  if (dict::is_whole(ebuf)) return true;
   why.code = ebuf.err_code;
   why.sentence = "The list of definitions cannot be built.";
   return false;

@@ -127,12 +127,10 @@ static void add_class(site_parts& parts, const dparse::outlined_class& storable,
 
 bool add_classes(site_parts& parts, dm::problem& why) {
   parts.outline = dparse::outline_classes(parts.source.all.classes.get(), parts.ebuf);
-  const tav_ebuf& failure = parts.outline.failure;
-  if (failure.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
-  if (dd_failed(failure)) return cannot_be_read(why);
+  if (!is_whole(parts.outline.failure)) return cannot_be_read(why);
   size_t number = 0;
   for (const dparse::outlined_class& one : parts.outline.classes) add_class(parts, one, number++);
-  return !dd_failed(parts.ebuf) || cannot_be_read(why);
+  return is_whole(parts.ebuf) || cannot_be_read(why);
 }
 
 }  // namespace dict

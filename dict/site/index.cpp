@@ -83,7 +83,7 @@ bool add_fields(site_parts& parts, dm::problem& why) {
     add_field(parts, name, users.empty() ? "" : users.mapped().paths);
   }
   for (auto& [name, users] : parts.users) add_field(parts, name.c_str(), std::move(users.paths));
-  return !dd_failed(parts.ebuf) || cannot_be_read(why);
+  return is_whole(parts.ebuf) || cannot_be_read(why);
 }
 
 // --- Index ---------------------------------------------------------------------------------------
