@@ -46,7 +46,7 @@ struct refused_change {
 
 struct change_result {
   std::vector<refused_change> refused{};
-  problem failure{};   // the dictionary cannot be reached, or takes no such write; code 0: neither
+  problem failure{};    // the dictionary cannot be reached, or takes no such write; code 0: neither
   int64_t changes = 0;  // that there were, or would be
   int64_t record = 0;   // number of their record, also of a trial's that may write; 0: none
 };
