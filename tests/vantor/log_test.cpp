@@ -57,6 +57,8 @@ TEST(Log, ShowsLists) {
                           tav_ebuf e{};
                           tav_flist_t* a = tav_flist_elem_add(list.get(), TAV_FLD_OBJ_DESC, -3, &e);
                           dd_set_text(a, TAV_FLD_NAME, "/a\nb \\n\t\x01\xc3\xa4\xc2\x80\xc3", &e);
+                          const std::string wide(600, 'w');  // what follows is put behind it
+                          dd_set_text(a, TAV_FLD_DESCR, wide.c_str(), &e);
                           dd_set_int(a, DD_FIELD_ID(TAV_FLDT_INT, 12), -7, &e);
                           tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 0, &e);
                           tav_flist_t* b = tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 1, &e);
@@ -79,16 +81,19 @@ TEST(Log, ShowsLists) {
             "3 m:1 input\n"
             "  TAV_FLD_OBJ_DESC[-3]\n"
             "    TAV_FLD_NAME = /a\\nb \\\\n\\t\\x01\xc3\xa4\\u0080\\xc3\n"
-            "    INT 12 = -7\n"
-            "    TAV_FLD_OBJ_ELEM[0]\n"
-            "    TAV_FLD_OBJ_ELEM[1]\n"
-            "      TAV_FLD_ORDER = 1.50\n"
-            "      NUM 9 = 0.5\n"
-            "  TAV_FLD_POID = 0.0.1.1 /t -1\n"
-            "  BINSTR 1 = 2 bytes 00ab\n"
-            "  SUBSTRUCT 2\n"
-            "    TAV_FLD_ORDER = 1.50\n"
-            "    NUM 9 = 0.5\n");
+            "    TAV_FLD_DESCR = " +
+                std::string(600, 'w') +
+                "\n"
+                "    INT 12 = -7\n"
+                "    TAV_FLD_OBJ_ELEM[0]\n"
+                "    TAV_FLD_OBJ_ELEM[1]\n"
+                "      TAV_FLD_ORDER = 1.50\n"
+                "      NUM 9 = 0.5\n"
+                "  TAV_FLD_POID = 0.0.1.1 /t -1\n"
+                "  BINSTR 1 = 2 bytes 00ab\n"
+                "  SUBSTRUCT 2\n"
+                "    TAV_FLD_ORDER = 1.50\n"
+                "    NUM 9 = 0.5\n");
 }
 
 TEST(Log, TellsTheLevelOfDeepEntries) {
