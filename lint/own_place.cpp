@@ -85,12 +85,12 @@ static span value_before(uint32_t source, token_place at) {
   return {source, at.start(), end - at.start()};
 }
 
-// The word may stand in front of what failed: it is told with the first failure of the file.
+// The word may stand in front of what failed: it is told with the first failure of the file. One
+// that fills the reader's text is read whole, and told.
 static span long_word(uint32_t source, token_place at) {
   for (const token_place failed = at;; at.step_back()) {
-    const auto size = static_cast<size_t>(at.end() - at.start());
     const bool is_string = at.kind() == DPARSE_TOKEN_STRING || at.kind() == DPARSE_TOKEN_BAD_STRING;
-    if (!is_string && syntax::is_too_long(at.kind(), size)) return whole(source, at);
+    if (!is_string && at.end() - at.start() >= dparse::TEXT_SIZE - 1) return whole(source, at);
     if (at.is_first()) return whole(source, failed);
   }
 }

@@ -25,7 +25,7 @@ inline constexpr syntax_row SYNTAX_SENTENCES[] = {
     {dparse::message::STRING_NOT_CLOSED, "A string is not closed",
      "The string {value} is not closed: write \" at its end, on the same line."},
     {dparse::message::WORD_TOO_LONG, "A word is too long",
-     "The word {value} is too long: at most 2047 bytes are read."},
+     "The word {value} is too long: it may have at most 2046 bytes."},
     {dparse::message::EQUALS_EXPECTED, "\"=\" is missing",
      "\"=\" is missing behind {before}."},
     {dparse::message::SEMICOLON_EXPECTED, "\";\" is missing",

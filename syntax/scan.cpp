@@ -69,9 +69,4 @@ size_t mark_size(std::string_view text) {
   return text.starts_with(MARK) ? MARK.size() : 0;
 }
 
-bool is_too_long(int kind, size_t size) {
-  const bool is_string = kind == DPARSE_TOKEN_STRING;
-  return size - (is_string ? 2 : 0) >= dparse::TEXT_SIZE;
-}
-
 }  // namespace syntax

@@ -44,9 +44,6 @@ gap_piece next_in_gap(std::string_view text, size_t at);
 // How many bytes the byte order mark at the beginning takes: 3, or 0 where there is none.
 size_t mark_size(std::string_view text);
 
-// Whether the reader takes a token of that kind and size (a string's quotes counted).
-bool is_too_long(int kind, size_t size);
-
 }  // namespace syntax
 
 #endif

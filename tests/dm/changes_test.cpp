@@ -106,6 +106,8 @@ TEST_F(changes, are_refused_whole_with_every_reason) {
        "Field 'F_E' cannot have the number 5003: another field has it.\n"},
       {{field("TAV_FLD_NAME", 5009)},
        "Field 'TAV_FLD_NAME' is predefined: nothing but its description can be changed.\n"},
+      {{field("TAV_FLD_NAME", DD_FIELD_ID_NUMBER(TAV_FLD_NAME), TAV_FLDT_INT)},
+       "Field 'TAV_FLD_NAME' is predefined: nothing but its description can be changed.\n"},
       {{storable("/c", "t_ab", {"F_X"}), storable("/d/e", "")},
        "Class '/c', field 'F_X' is not defined in the database.\n"
        "Class '/c' has the table 't_ab', which class '/a/b' has.\n"

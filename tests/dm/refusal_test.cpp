@@ -17,6 +17,10 @@ TEST_F(refusals, name_the_field_and_the_element) {
   tavi_flist_drop(
       static_cast<tav_flist_t*>(tavi_flist_get(nameless.get(), TAV_FLD_OBJ_DESC, 1, 0, 0, nullptr)),
       TAV_FLD_NAME, 0, nullptr);
+  dd_flist unnamed = fields_of("F1\nF2\n");
+  tavi_flist_drop(
+      static_cast<tav_flist_t*>(tavi_flist_get(unnamed.get(), TAV_FLD_FIELD, 1, 0, 0, nullptr)),
+      TAV_FLD_FIELD_NAME, 0, nullptr);
   const struct {
     uint32_t opcode;
     dd_flist input;
@@ -30,6 +34,9 @@ TEST_F(refusals, name_the_field_and_the_element) {
       {576, fields_of("INT F1 4001\nINT S1 3001\n"), TAV_ERR_CONFLICT, TAV_FLD_FIELD_TYPE, 1},
       {576, fields_of("INT F1 4001\nINT F2 3001\n"), TAV_ERR_CONFLICT, TAV_FLD_FIELD_NUM, 1},
       {585, fields_of("INT F1 4001\nSTRING S1 3001\n"), TAV_ERR_IN_USE, TAV_FLD_FIELD_NAME, 1},
+      {575, std::move(unnamed), TAV_ERR_MISSING_FIELD, TAV_FLD_FIELD_NAME, 1},
+      {577, dd_flist(tav_flist_copy(nameless.get(), nullptr)), TAV_ERR_MISSING_FIELD, TAV_FLD_NAME,
+       1},
       {578, std::move(nameless), TAV_ERR_MISSING_FIELD, TAV_FLD_NAME, 1},
       {578, classes_of("/b sql_table=u\n  STRING S1 sql_name=c\n  INT NONE sql_name=d\n"),
        TAV_ERR_BAD_VALUE, TAV_FLD_FIELD_NAME, 1},

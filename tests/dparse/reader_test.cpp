@@ -152,4 +152,15 @@ TEST(Reader, WhatCannotBeReadIsNoSuccess) {
   EXPECT_EQ(dparseDefFile(folder.get(), &read.fields, &read.classes, &read.impls),
             dparse::UNREADABLE);
   EXPECT_STREQ(dparseGetErrMsg(), "");
+  // A string that seems not to end, since the rest cannot be read.
+  const auto give = [](void* times, char* to, size_t) -> ssize_t {
+    constexpr std::string_view START = "STRING A { DESCR = \"...";
+    return ++*static_cast<int*>(times) > 1 ? -1 : static_cast<ssize_t>(START.copy(to, 100));
+  };
+  int times = 0;
+  const file broken(fopencookie(&times, "r", {give, nullptr, nullptr, nullptr}));
+  EXPECT_EQ(dparseDefFile(broken.get(), &read.fields, &read.classes, &read.impls),
+            dparse::UNREADABLE);
+  EXPECT_STREQ(dparseGetErrMsg(), "");
+  take_log();
 }

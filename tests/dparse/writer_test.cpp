@@ -138,7 +138,11 @@ TEST(Writer, EntriesOnTheirOwn) {
 }
 
 TEST(Writer, Pieces) {
-  const auto text = [](auto call) { return write(call).text; };
+  const auto text = [](auto call) {
+    const outcome written = write(call);
+    EXPECT_EQ(written.result, 1);
+    return written.text;
+  };
   EXPECT_EQ(text([](FILE* out) { return dparseExportComment(out, 1, 2, "a", nullptr); }),
             "\t\t#\n\t\t#  a \n\t\t#\n");
   EXPECT_EQ(text([](FILE* out) { return dparseExportComment(out, 3, -1, nullptr, "b"); }),
@@ -228,6 +232,7 @@ TEST(Writer, OtherFailures) {
   written = write([&](FILE*) { return dparseGetTypeFromField(&read.fields, nullptr); });
   EXPECT_EQ(written.errors, "Error: Internal Error");
   written = write([&](FILE* out) { return dparseExportInterfaceFields(out, nullptr, nullptr); });
+  EXPECT_EQ(written.result, -1);
   EXPECT_EQ(written.errors, "\n*** Error buffer not initialized ***\n");
   EXPECT_EQ(take_log(), "Missing field type for field | null pointer");
 }

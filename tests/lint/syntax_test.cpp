@@ -12,6 +12,10 @@ struct syntax_case {
   const char* found;
 };
 
+// A word that is read whole, and told with what fails first behind it.
+static const std::string LONG_WORD =
+    "STRING " + std::string(2047, 'x') + " { ID = 1; }\nSTRING B {\n  ID 2;\n}\n";
+
 static const syntax_case CASES[] = {
     {"", ""},
     {"STRING A { ID = 1; DESCR = \"a\"; }\n", ""},
@@ -20,6 +24,7 @@ static const syntax_case CASES[] = {
     {"STRING A {\n  ID = 1\n  DESCR = \"a\"\n}\n",
      "2:9 semicolon-expected, 3:14 semicolon-expected-after-string"},
     {"STRING A {\n  ID 1;\n}\n", "2:5 equals-expected"},
+    {LONG_WORD.c_str(), "1:8 word-too-long, 3:5 equals-expected"},
     {"STRING A\n  ID = 1;\n}\n", "1:9 field-brace-expected"},
     {"STRING A {\n  ID = 0;\n  ID = 16777216000;\n}\n", "2:8 id-not-read, 3:8 invalid-id"},
     // A missing brace is told where it is missing, and nothing that only follows from it.
@@ -113,6 +118,9 @@ static const sentence_case SENTENCES[] = {
     {"STORABLE CLASS /a/b { SEQ_START = \"1\"; }\n",
      "Class /a/b is a subclass and may not have SEQ_START: only base classes may."},
     {"STRING A { ID =", "The file ends behind '=', inside field A: complete it."},
+    {LONG_WORD,
+     "The word 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...' is too long: "
+     "it may have at most 2046 bytes."},
     {"STRING A { DESCR = \"" + std::string(2048, 'x') + "\"; }\n",
      "The string \"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx... is too long: at "
      "most 2047 bytes are read."},
