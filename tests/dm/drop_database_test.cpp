@@ -38,10 +38,13 @@ TEST_F(drop_database, is_all_or_nothing) {
   EXPECT_EQ(drop(2, seen).find("The dictionary was changed by deployment 4 of "), 0u);
   seen.seen_end = 4;
   client(settings).set_fields("STRING F_B 5001\n");  // of another database
-  const std::string later = content();
   dm::change_purpose trial = seen;
   trial.is_trial = true;
   EXPECT_EQ(drop(2, trial), "ok");
+  client(settings).set_fields("STRING F_C 5002\n", 2);  // behind that
+  EXPECT_EQ(drop(2, seen).find("The dictionary was changed by deployment 6 of "), 0u);
+  seen.seen_end = 6;
+  const std::string later = content();
   settings.fields_writeable = false;
   EXPECT_NE(drop(2, seen).find("set 'fields_writeable = yes'"), std::string::npos);
   settings.fields_writeable = true;

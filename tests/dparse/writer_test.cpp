@@ -161,6 +161,10 @@ TEST(Writer, Pieces) {
             }),
             "\tSQL_COLUMN = \"c\";\n\tSQL_STORAGE = \"s\";\n");
   EXPECT_EQ(text([](FILE* out) {
+              return dparseExportClassImplFieldAttrs(out, TAV_FLDT_ARRAY, "t", "", 0);
+            }),
+            "SQL_TABLE = \"t\";\n");
+  EXPECT_EQ(text([](FILE* out) {
               return dparseExportClassImplFieldAttrs(out, TAV_FLDT_OBJ, "c", nullptr, 0);
             }),
             "SQL_COLUMN = \"c\";\n");
