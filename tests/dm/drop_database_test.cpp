@@ -23,7 +23,9 @@ class drop_database : public dictionary {
     dm::open_options options;
     options.busy_milliseconds = 50;
     const dm::store_owner store = dm::open_dictionary(settings, options, why);
-    if (dm::drop_database(*store, settings, number, purpose, result)) return "ok";
+    const bool is_done = dm::drop_database(*store, settings, number, purpose, result);
+    EXPECT_EQ(is_done, result.changes > 0);
+    if (is_done) return "ok";
     return result.failure.sentence + (result.refused.empty() ? "" : result.refused[0].why.sentence);
   }
 };

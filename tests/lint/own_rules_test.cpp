@@ -50,6 +50,8 @@ static const std::vector<own_case> CASES = {
      "1:5 missing-description, 1:5 unused-field, 1:51 missing-description"},
     {{field("") + "STORABLE CLASS /a/b { DESCR = \"a\"; INT f { } }"},
      "2:16 interface-without-implementation"},
+    {{field("") + field("") + field("") + "STORABLE CLASS /a/b { DESCR = \"a\"; INT f { } }"},
+     "4:16 interface-without-implementation"},  // each of them is used
     {{field(""), field("")}, "b:1:5 defined-in-several-files"},
     {{field(""), "STRING F { DESCR = \"a\"; }"}, ""},           // another type is an error
     {{field(""), "INT F { ID = 20002; DESCR = \"a\"; }"}, ""},  // and so is another number
