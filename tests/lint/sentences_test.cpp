@@ -66,6 +66,10 @@ static const sentence_case CASES[] = {
     {"STORABLE CLASS /m { ARRAY R { } }\nSTORABLE CLASS /m IMPLEMENTATION TESSEL7 {\n"
      "  SQL_TABLE = \"t\";\n  ARRAY R { SQL_TABLE = \"t\"; }\n}\n",
      "Table t of R in class /m is also that of class /m, a.def:3: each table may be named once."},
+    {"STORABLE CLASS /m { }\nSTORABLE CLASS /m IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }\n"
+     "STORABLE CLASS /n { }\nSTORABLE CLASS /n IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }\n"
+     "STORABLE CLASS /o { }\nSTORABLE CLASS /o IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }\n",
+     "Table t of class /n is also that of class /m, a.def:2: each table may be named once."},
     {"STORABLE CLASS /m { }\nSTORABLE CLASS /m IMPLEMENTATION TESSEL7 {\n"
      "  ARRAY R { SQL_TABLE = \"r\"; }\n  SQL_TABLE = \"t\";\n}\n"
      "STORABLE CLASS /n { }\nSTORABLE CLASS /n IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; }\n",

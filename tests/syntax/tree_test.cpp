@@ -73,6 +73,11 @@ static std::string tokens_of_reader(std::string_view text, size_t count) {
   return all;
 }
 
+static bool is_too_long(int kind, size_t size) {
+  const size_t quotes = kind == DPARSE_TOKEN_STRING ? 2 : 0;
+  return size - quotes >= dparse::TEXT_SIZE;
+}
+
 // The reader cuts what it takes for too long in pieces: it goes on behind that.
 static void expect_tokens_of_reader(const std::string& text) {
   const syntax::tree tree = syntax::read(text);
@@ -84,7 +89,7 @@ static void expect_tokens_of_reader(const std::string& text) {
   for (const auto& each : tree.definitions) {
     for (const auto& token : tokens_of(each)) {
       std::string_view shown = text_of(tree.text, each, token);
-      if (syntax::is_too_long(token.kind(), shown.size())) {
+      if (is_too_long(token.kind(), shown.size())) {
         compare(count);
         from = place_of(each, token) + shown.size(), count = 0, all.clear();
         continue;
