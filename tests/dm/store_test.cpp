@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "bench.h"
+#include "dm/open.h"
 
 namespace fs = std::filesystem;
 
@@ -93,6 +94,19 @@ TEST_F(store, shows_its_classes_to_sql_users) {
             "/a|||attrvals|v\n/a|$.entries[0].entries[0]|TAV_FLD_LABEL|descr|it's\n"
             "/a|$.entries[0]|TAV_FLD_ARGS|type|9\n"
             "/a|$.entries[0].entries[0]|TAV_FLD_LABEL|type|5\n");
+}
+
+TEST_F(store, counts_what_it_holds) {
+  client(settings).set_classes("/a sql_table=t\n/b sql_table=u\n");
+  dm::problem why;
+  const dm::store_owner held = dm::open_dictionary(settings, {}, why);
+  const int64_t id = std::stoll(query("SELECT id FROM dd_databases"));
+  int64_t fields = 0, classes = 0;
+  EXPECT_TRUE(held->calls->begin(held.get(), false, why) &&
+              held->calls->count(held.get(), id, dm::counted::FIELDS, fields, why) &&
+              held->calls->count(held.get(), id, dm::counted::CLASSES, classes, why));
+  EXPECT_EQ(std::to_string(fields) + "\n", query("SELECT count(*) FROM dd_fields"));
+  EXPECT_EQ(classes, 2);
 }
 
 // The program as a process.

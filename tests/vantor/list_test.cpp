@@ -71,6 +71,21 @@ TEST_F(List, NestsWithoutLimit) {
   EXPECT_EQ(dd_int(theirs, COUNT, &ebuf, -1), -1);
 }
 
+TEST_F(List, HandlesFromBeforeACopyChangeTheirOwnList) {
+  tav_flist_t* item = add(1);
+  tav_flist_t* below = tav_flist_elem_add(item, ITEMS, 2, &ebuf);
+  for (tav_flist_t* at : {item, below}) {
+    dd_flist copy(tav_flist_copy(list.get(), &ebuf));
+    dd_set_int(list.get(), COUNT, 1,
+               &ebuf);  // its body is its own again, what is below still shared
+    dd_set_int(at, COUNT, 2, &ebuf);
+    EXPECT_EQ(dd_int(at, COUNT, &ebuf), 2);
+    tav_flist_t* theirs = element(copy.get(), 1);
+    if (at == below) theirs = element(theirs, 2);
+    EXPECT_EQ(dd_int(theirs, COUNT, &ebuf, -1), -1);
+  }
+}
+
 TEST_F(List, CopiesValuesOfEveryType) {
   unsigned char bytes[] = {0, 255};
   tav_buf_t buf{2, bytes};
