@@ -112,6 +112,8 @@ TEST(name_patterns, are_of_whole_names_and_end_in_time) {
   EXPECT_FALSE(fits("a.", "xab"));
   EXPECT_FALSE(fits("(a|aa)+b", std::string(2000, 'a')));  // goes back 2^400 times, or not at all
   lint::name_pattern pattern;
+  EXPECT_TRUE(lint::read_pattern(std::string(1000, 'a'), pattern));
+  EXPECT_FALSE(lint::read_pattern(std::string(1001, 'a'), pattern));
   // The last one's number, which counts nothing, would make the product a multiple of 2^64.
   for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b",
                            "[}{1152921504606846976}](a{40}){40}abcdefghijklm"})

@@ -104,6 +104,9 @@ TEST(Log, TellsTheLevelOfDeepEntries) {
     tav_log_flist(1, "deep", "m", 1, list.get());
     return read_file(LOG);
   });
+  const std::string deepest = "\n" + std::string(78, ' ') + "TAV_FLD_OBJ_ELEM[38]\n" +
+                              std::string(80, ' ') + "(level 40) TAV_FLD_OBJ_ELEM[39]\n";
+  EXPECT_NE(log.find(deepest), log.npos);
   const std::string last = std::string(80, ' ') + "(level 10000) TAV_FLD_OBJ_ELEM[9999]\n";
   EXPECT_EQ(log.substr(log.size() - last.size()), last);
 }
