@@ -35,8 +35,8 @@ bool fetch(dm::session& session, uint64_t database, definitions& result, dm::pro
 // deployed as they stand.
 bool read_files(const std::vector<std::string>& files, definitions& result);
 
-// Whether the calls on lists before did not fail. Throws std::bad_alloc where memory ran out, so
-// that it is told as everywhere.
+// Whether none of the calls that were given this error buffer failed. Throws std::bad_alloc where
+// memory ran out, so that it is told as everywhere.
 inline bool is_whole(const tav_ebuf& ebuf) {
   if (ebuf.err_code == TAV_ERR_NO_MEM) throw std::bad_alloc();
   return !dd_failed(ebuf);

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "dparse/characters.h"
-#include "dparse/read/reader.h"
 
 namespace syntax {
 

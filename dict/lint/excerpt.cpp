@@ -80,14 +80,6 @@ static void draw(drawn& to, std::string_view text) {
   }
 }
 
-// Moves the end of a part back to where no character is cut.
-static size_t between_characters(std::string_view text, size_t at) {
-  for (int i = 0; i < 3 && at > 0 && at < text.size(); ++i, --at) {
-    if ((static_cast<unsigned char>(text[at]) & 0xc0) != 0x80) break;
-  }
-  return at;
-}
-
 // Looks no farther than a line is shown: one of many megabytes may have many findings.
 excerpt excerpt_of(std::string_view text, size_t start, size_t length) {
   start = std::min(start, text.size());
@@ -100,10 +92,10 @@ excerpt excerpt_of(std::string_view text, size_t start, size_t length) {
   if (line_end > start && text[line_end - 1] == '\r') --line_end;
   const bool is_long = !has_start || line_end - line_start > MOST_LENGTH;
   const size_t first = is_long && start - line_start > MOST_BEFORE
-                           ? between_characters(text, start - MOST_BEFORE)
+                           ? dd_utf8_cut(text, start - MOST_BEFORE).size()
                            : line_start;
   const size_t end =
-      line_end - first > MOST_LENGTH ? between_characters(text, first + MOST_LENGTH) : line_end;
+      line_end - first > MOST_LENGTH ? dd_utf8_cut(text, first + MOST_LENGTH).size() : line_end;
   const size_t marked_end = std::min(start + std::min(length, end - start), end);
   drawn line;
   if (first > line_start || !has_start) draw(line, CUT);

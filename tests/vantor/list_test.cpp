@@ -76,8 +76,7 @@ TEST_F(List, HandlesFromBeforeACopyChangeTheirOwnList) {
   tav_flist_t* below = tav_flist_elem_add(item, ITEMS, 2, &ebuf);
   for (tav_flist_t* at : {item, below}) {
     dd_flist copy(tav_flist_copy(list.get(), &ebuf));
-    dd_set_int(list.get(), COUNT, 1,
-               &ebuf);  // its body is its own again, what is below still shared
+    dd_set_int(list.get(), COUNT, 1, &ebuf);  // its own body again; what is below stays shared
     dd_set_int(at, COUNT, 2, &ebuf);
     EXPECT_EQ(dd_int(at, COUNT, &ebuf), 2);
     tav_flist_t* theirs = element(copy.get(), 1);
