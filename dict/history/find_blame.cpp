@@ -44,7 +44,6 @@ static void note_element(taken_apart& all, const element_kind& kind, tav_flist_t
                          std::vector<std::string>& path, tav_ebuf* ebuf) {
   note_part(all, {path, "", type_of(kind, element, at(ebuf, HERE))});
   for (value_change& value : values_of(kind, element, at(ebuf, HERE))) {
-    if (value.attribute == "type") continue;
     note_part(all, {path, std::string(value.attribute), std::move(value.after)});
   }
   if (&kind == &FIELD) return;
@@ -153,10 +152,12 @@ static void note_rename(const dm::journal_record& record, std::vector<told_renam
 }
 
 // Makes the state that of before the change.
-static bool take_back(const dm::journal_change& change, std::string& state) {
+static bool take_back(int64_t record, const dm::journal_change& change, bool was_changed_since,
+                      std::string& state, dm::problem& why) {
   std::string before;
-  if (!dm::has_left(change, &state)) return false;
-  if (dm::was_there(change) && !dm::state_before(change, state, before)) return false;
+  if (!dm::must_have_left(record, change, &state, was_changed_since, why)) return false;
+  if (dm::was_there(change) && !dm::state_before(change, state, before))
+    return dm::damaged_record(record, why);
   state = std::move(before);
   return true;
 }
@@ -171,6 +172,7 @@ static bool go_back(const blamed_thing& thing, taken_apart& present, std::string
                     const std::vector<kept_change>& changes,
                     const std::map<int64_t, dm::journal_record>& records, dm::problem& why) {
   std::vector<told_rename> passed;
+  bool was_changed_since = false;
   for (size_t i = 0; i < changes.size(); ++i) {
     const kept_change& kept = changes[i];
     const auto record = records.find(kept.record);
@@ -181,7 +183,9 @@ static bool go_back(const blamed_thing& thing, taken_apart& present, std::string
     const bool is_old_name =
         kept.how == dm::change_how::DELETED && i > 0 && is_renamed(changes, i - 1);
     if (is_old_name) state = kept.middle;
-    if (!is_old_name && !take_back(change, state)) return dm::damaged_record(kept.record, why);
+    if (!is_old_name && !take_back(kept.record, change, was_changed_since, state, why))
+      return false;
+    was_changed_since = true;
     const bool goes_on = dm::was_there(change);
     if (goes_on && !take_apart(thing.what, thing.name, state, before, why)) return false;
     note_rename(record->second, passed);

@@ -21,6 +21,7 @@ struct tracked_thing {
   std::optional<std::string> state{};    // where the way back has come to
   std::optional<taken_apart> present{};  // where more than one deployment made it what it is
   bool is_settled = true;                // who made what of it is known, or it is not there
+  bool was_changed_since = false;        // the way back has passed a change of it
 };
 
 // A name that a renamed thing has in the records from one to another.
@@ -227,9 +228,10 @@ static bool go_back(way_back& way, int64_t record, const dm::journal_change& cha
       way.things.try_emplace(key, tracked_thing{std::string(change.name)}).first->second;
   std::optional<std::string> before;
   const std::string* after = thing.state ? &*thing.state : nullptr;
-  if (!dm::has_left(change, after) ||
-      (dm::was_there(change) &&
-       !dm::state_before(change, after != nullptr ? *after : "", before.emplace()))) {
+  if (!dm::must_have_left(record, change, after, thing.was_changed_since, why)) return false;
+  thing.was_changed_since = true;
+  if (dm::was_there(change) &&
+      !dm::state_before(change, after != nullptr ? *after : "", before.emplace())) {
     return dm::damaged_record(record, why);
   }
   if (!tell_change(way, record, change, before, why)) return false;

@@ -132,13 +132,18 @@ problem altered_thing(change_of what, std::string_view name, int64_t record) {
   return why;
 }
 
+bool must_have_left(int64_t record, const journal_change& change, const std::string* after,
+                    bool was_changed_since, problem& why) {
+  if (has_left(change, after)) return true;
+  if (was_changed_since) return damaged_record(record, why);
+  return why = altered_thing(change.what, change.name, record), false;
+}
+
 // Takes the change of a record back. False where the state after it is not the one that it left.
 static bool take_back(int64_t record, const journal_change& change, bool is_newest,
                       past_thing& thing, problem& why) {
-  if (!has_left(change, thing.state ? &*thing.state : nullptr)) {
-    if (!is_newest) return damaged_record(record, why);
-    return why = altered_thing(change.what, change.name, record), false;
-  }
+  const std::string* after = thing.state ? &*thing.state : nullptr;
+  if (!must_have_left(record, change, after, !is_newest, why)) return false;
   if (change.how == change_how::FOUND) return ends_here(record, thing, why);
   if (!was_there(change)) return thing.state.reset(), true;
   std::string before;

@@ -52,6 +52,12 @@ bool look_back(store& store, const database_row& stored, int64_t number, past& f
 // Why nothing can be said of a thing's past that is not as the record left it.
 problem altered_thing(change_of what, std::string_view name, int64_t record);
 
+// Whether the change of the record left the state that a way back has come to (null: nothing).
+// Gives false with a problem where it did not: the thing was changed outside of the journal, or,
+// where the way has passed a later change of it, the record is damaged.
+bool must_have_left(int64_t record, const journal_change& change, const std::string* after,
+                    bool was_changed_since, problem& why);
+
 // The state of a thing as the dictionary has it now; none where it is not there.
 bool present_state(store& store, int64_t database, change_of what, const std::string& name,
                    std::optional<std::string>& state, problem& why);
