@@ -68,12 +68,17 @@ static uint32_t children_begin(const judging& in, uint32_t index) {
 
 // --- Frames --------------------------------------------------------------------------------------
 
+// Whether a head can be made with that name: it stands in front of each part that is judged.
+static bool is_short(std::string_view name) {
+  constexpr size_t LONG = 512;
+  return !name.empty() && name.size() <= LONG;
+}
+
 static std::string class_head(const judging& in) {
   const node& top = in.at(0);
   const std::string_view name = syntax::name_of(in.text(), in.definition, top);
-  constexpr size_t LONG = 512;
   std::string head = "STORABLE CLASS ";
-  head += name.empty() || name.size() > LONG ? "/x" : name;
+  head += is_short(name) ? name : "/x";
   if (top.meant == node_kind::INTERFACE) return head + " {";
   // Behind STORABLE CLASS name IMPLEMENTATION, of which the last may be missing.
   const auto is_ldap = [&](uint32_t word) {
@@ -186,7 +191,7 @@ static void open_node(judging& in, uint32_t index) {
   const bool is_class =
       node.meant == node_kind::INTERFACE || node.meant == node_kind::IMPLEMENTATION;
   block.is_kept = (in.open.empty() || in.open.back().is_kept) &&
-                  (is_sound || (is_class && !block.name.empty()));
+                  (is_sound || (is_class && is_short(block.name)));
   if (!block.is_kept && in.open.empty()) leave_out(in.missing, {node.meant, block.name});
   if (!block.is_kept && !in.open.empty()) leave_out_words(in, head);
   if (block.is_kept) in.result.text += block.head + '\n';

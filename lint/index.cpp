@@ -161,10 +161,21 @@ span value_span(const index& in, const node_place& at) {
   return tokens_span(in, at, 2, count > AROUND ? count - AROUND : 1);
 }
 
+bool holds_value(int kind) {
+  return kind == DPARSE_TOKEN_WORD || kind >= DPARSE_TOKEN_STRING;
+}
+
+// Where it is broken, anything may stand behind the keyword.
+static bool has_value(const index& in, const node_place& at) {
+  constexpr size_t VALUE = 2;
+  const auto tokens = syntax::tokens_of(definition_of(in, at), node_of(in, at));
+  return tokens.size() > VALUE && holds_value(tokens[VALUE].kind());
+}
+
 std::string_view attribute_text(const index& in, const node_place& around,
                                 std::string_view keyword) {
   node_place found;
-  if (!find_attribute(in, around, keyword, found)) return {};
+  if (!find_attribute(in, around, keyword, found) || !has_value(in, found)) return {};
   return text_of(in, value_span(in, found));
 }
 

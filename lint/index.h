@@ -98,7 +98,9 @@ bool find_attribute(const index& in, const node_place& around, std::string_view 
 span name_span(const index& in, const node_place& at);   // of a definition or entry, or keyword
 span type_span(const index& in, const node_place& at);   // the first token of a definition or entry
 span value_span(const index& in, const node_place& at);  // of an attribute: between "=" and ";"
-// The value of the last such attribute as it is written; empty where there is none.
+bool holds_value(int kind);  // whether such a token can be a value: a word, keyword or string
+// The value of the last such attribute as it is written; empty where there is none, or where it is
+// broken and something else stands there.
 std::string_view attribute_text(const index& in, const node_place& around,
                                 std::string_view keyword);
 // The line of a byte, however long the line is.

@@ -76,12 +76,12 @@ static message failure() {
   return logged.empty() ? message::INTERNAL_ERROR : logged.front();
 }
 
-// Whether the reader asked for a token behind the last one. A word that ends the text was taken,
-// and showed the stream's end, too.
+// Whether the reader asked for a token behind the last one. A word that ends the text shows the
+// stream's end by being taken; with a line end behind it, it does not.
 static bool is_behind_last(FILE* stream, std::string_view text) {
-  const std::string_view line = text.substr(text.rfind('\n') + 1);
-  const bool ends_with_word = !line.empty() && !dparse::is_any_of(line.back(), dparse::ENDS_WORD);
-  return std::feof(stream) != 0 && (!ends_with_word || line.find('#') != line.npos);
+  if (std::feof(stream) == 0) return false;
+  const bool is_shown_by_word = !dparse::is_any_of(text.back(), dparse::ENDS_WORD);
+  return !is_shown_by_word || judge(std::string(text).append("\n")).ended;
 }
 
 static void note_failure(FILE* stream, std::string_view text, verdict& result) {
@@ -89,8 +89,8 @@ static void note_failure(FILE* stream, std::string_view text, verdict& result) {
   if (result.told == message::INTERNAL_ERROR) throw std::bad_alloc();
   result.sentence = sentence_of(result.told);
   result.line = static_cast<uint64_t>(dparseGetErrLine());
-  result.ended = is_behind_last(stream, text);
   result.taken = static_cast<size_t>(std::ftell(stream));
+  result.ended = is_behind_last(stream, text);
 }
 
 verdict judge(std::string_view text, definitions& to) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "lint/index.h"
 #include "syntax/scan.h"
 
 namespace lint {
@@ -103,10 +104,6 @@ static span class_name(uint32_t source, token_place at) {
 // The end of the first token; that of the text where there is none.
 static uint64_t first_end(const tree& in) {
   return in.definitions.empty() ? in.text.size() : token_place{in, 0, 0}.end();
-}
-
-static bool holds_value(int kind) {
-  return kind == DPARSE_TOKEN_WORD || kind == DPARSE_TOKEN_STRING || kind > DPARSE_TOKEN_STRING;
 }
 
 span own_place(std::span<const source> sources, uint32_t source, message told, uint64_t taken,

@@ -166,9 +166,8 @@ static std::string type_text(const telling& t, const node_place& at) {
 }
 
 static std::string id_text(const telling& t, const node_place& at) {
-  node_place id;
-  if (!find_attribute(t.all, at, "ID", id)) return "none";
-  return source_text(t.all, value_span(t.all, id));
+  const std::string_view id = attribute_text(t.all, at, "ID");
+  return id.empty() ? "none" : shown(id);
 }
 
 static node_place first_place(const telling& t) {
@@ -217,8 +216,9 @@ static std::string next_text(const telling& t) {
 }
 
 // A message tells what the reader found instead; where nothing stands there, it is told what is
-// missing.
-static std::string_view text_for(const telling& t) {
+// missing: what the token in front needs, or the brace behind a value.
+static std::string text_for(const telling& t) {
+  constexpr std::string_view INSTEAD = ", not {value}";
   constexpr std::string_view UNCLOSED =
       "\"}\" is missing behind {before}: {thing} is not closed{next}.";
   constexpr std::string_view CUT_SHORT =
@@ -230,10 +230,13 @@ static std::string_view text_for(const telling& t) {
   const std::string_view text = sentence_row_of(t.told.told).text;
   const std::string_view value = value_text(t);
   if (t.told.told == message::STRING_NOT_CLOSED && value.size() > 1 && value.ends_with('"'))
-    return LONG_STRING;
-  if (t.told.told == message::INVALID_TOKEN && value == "}") return CLOSES_NOTHING;
-  if (text.find("missing behind") != text.npos || !value.empty()) return text;
-  return t.told.ended ? CUT_SHORT : UNCLOSED;
+    return std::string(LONG_STRING);
+  if (t.told.told == message::INVALID_TOKEN && value == "}") return std::string(CLOSES_NOTHING);
+  if (text.find("missing behind") != text.npos || !value.empty()) return std::string(text);
+  if (t.told.ended) return std::string(CUT_SHORT);
+  const bool is_needed = text.starts_with("{before} needs");
+  return is_needed ? std::string(text).erase(text.find(INSTEAD), INSTEAD.size())
+                   : std::string(UNCLOSED);
 }
 
 static std::string invisible_text(std::string_view value) {
