@@ -53,7 +53,6 @@ static constexpr wording word(std::string_view text) {
     result.format[length++] = 's';
     text.remove_prefix(end + 1);
   }
-  result.format[length] = '\0';
   return result;
 }
 

@@ -114,7 +114,6 @@ std::vector<value_change> compare_values(const element_kind& kind, tav_flist_t* 
 std::vector<value_change> values_of(const element_kind& kind, tav_flist_t* list, tav_ebuf* ebuf) {
   std::vector<value_change> values;
   const element one = read_element(kind, list, ebuf);
-  if (one.type != 0) values.push_back({"type", "", keyword_of(one.type)});
   for (const dparse::attribute& row : dparse::attributes()) {
     if ((row.read_in & kind.attributes) == 0) continue;
     std::string text = write_value(one, row, ebuf).text;

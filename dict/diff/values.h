@@ -23,7 +23,7 @@ std::string type_of(const element_kind& kind, tav_flist_t* element, tav_ebuf* eb
 std::vector<value_change> compare_values(const element_kind& kind, tav_flist_t* before,
                                          tav_flist_t* after, bool is_deployment, tav_ebuf* ebuf);
 
-// The values that the language writes of an element, each as one that comes new.
+// The attributes that the language writes of an element, each as one that comes new.
 std::vector<value_change> values_of(const element_kind& kind, tav_flist_t* element, tav_ebuf* ebuf);
 
 }  // namespace dict

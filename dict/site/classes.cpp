@@ -29,7 +29,6 @@ static void put_attributes(site_parts& parts, data_writer& out, const element_ki
                            tav_flist_t* element) {
   out.StartArray();
   for (const value_change& value : values_of(kind, element, at(&parts.ebuf, HERE))) {
-    if (value.attribute == "type") continue;
     out.Uint(parts.keywords.number_of(std::string(value.attribute)));
     put(out, value.after);
   }
