@@ -46,6 +46,12 @@ TEST(index_by_name, compares_names_that_could_be_made_to_collide_once) {
   }
 }
 
+// Names whose hashes collide are told apart, also from a part of a text.
+TEST(index_by_name, compares_all_of_a_name) {
+  EXPECT_TRUE(dd_by_name::equal("/a", std::string_view("/A/b", 2)));
+  EXPECT_FALSE(dd_by_name::equal("/x", std::string_view("/a/b", 2)));
+}
+
 // A slot's neighbours are looked at without a comparison, so that the slots are judged by the
 // hashes: in 16 times as many places, numbers that spread by chance fall into 97 of a hundred their
 // own.
@@ -82,9 +88,14 @@ TEST(index_by_name, with_equal_keys_gives_the_first_and_compares_each_once) {
   EXPECT_LE(compared, 5 * MANY);
 }
 
+struct by_colliding_number : dd_by_number {
+  static uint32_t hash(key) { return 1; }
+};
+
 // Against a walk over all pairs that are there.
-TEST(index_by_number, is_a_walk_from_the_start) {
-  dd_index<dd_by_number, int> index;
+template <class By>
+static void expect_a_walk_from_the_start() {
+  dd_index<By, int> index;
   std::vector<std::pair<int, int>> model;
   uint32_t chance = 1;
   for (int i = 0; i < 4000; ++i) {
@@ -103,4 +114,9 @@ TEST(index_by_number, is_a_walk_from_the_start) {
     const int* found = index.find(key);
     ASSERT_EQ(found != nullptr ? *found : -1, first != model.end() ? first->second : -1) << i;
   }
+}
+
+TEST(index_by_number, is_a_walk_from_the_start) {
+  expect_a_walk_from_the_start<dd_by_number>();
+  expect_a_walk_from_the_start<by_colliding_number>();
 }

@@ -229,6 +229,7 @@ TEST(records, without_memory_are_a_failure_that_is_told) {
       return result;
     });
     last_lines.insert(text.substr(text.rfind('\n', text.size() - 2) + 1));
+    EXPECT_EQ(text.find("without Table"), text.npos) << text;
   }
   EXPECT_EQ(last_lines.size(), 5u) << text;
 }

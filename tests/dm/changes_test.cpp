@@ -88,6 +88,8 @@ TEST_F(changes, write_what_the_operations_keep) {
   EXPECT_EQ(query("SELECT DISTINCT stamp FROM dd_classes"), "3\n");
   EXPECT_EQ(query("SELECT kind, changes FROM dd_journal WHERE number = 5"), "change|6\n");
   EXPECT_EQ(check(), "");
+  EXPECT_EQ(change({field("F_!", 5007), storable("/c", "t_c", {"F_!"})}), "ok");
+  EXPECT_EQ(change({gone("f_!")}), "Field 'F_!' cannot be deleted: class '/c' uses it.\n");
 }
 
 TEST_F(changes, are_refused_whole_with_every_reason) {
@@ -101,6 +103,12 @@ TEST_F(changes, are_refused_whole_with_every_reason) {
       {{gone("/a")}, "Class '/a' cannot be deleted: class '/a/b' is below it.\n"},
       {{field("F_A", 5000, TAV_FLDT_INT)},
        "Field 'F_A' cannot get another type: class '/a' uses it.\n"},
+      {{gone("F_A"), gone("F_T")},
+       "Field 'F_A' cannot be deleted: class '/a' uses it.\n"
+       "Field 'F_T' cannot be deleted: class '/a/b' uses it.\n"},
+      {{field("F_A", 5001)}, "Field 'F_A' cannot have the number 5001: another field has it.\n"},
+      {{field("F_D", 16777216)},
+       "Field 'F_D' has the number 16777216; numbers go from 1 to 16777215.\n"},
       {{field("F_C", 5001), field("F_D", 5003), field("F_E", 5003)},
        "Field 'F_C' cannot have the number 5001: another field has it.\n"
        "Field 'F_E' cannot have the number 5003: another field has it.\n"},
@@ -122,6 +130,9 @@ TEST_F(changes, are_refused_whole_with_every_reason) {
     EXPECT_EQ(change(row.wanted), row.refused);
     EXPECT_EQ(content(), before);
   }
+  std::vector<wanted_thing> many{field("F_C", 5001)};
+  for (int i = 6000; i < 6200; ++i) many.push_back(field("F_" + std::to_string(i), i));
+  EXPECT_EQ(change(many), "Field 'F_C' cannot have the number 5001: another field has it.\n");
   settings.objects_writeable = false;
   EXPECT_NE(change({gone("/a/b")}).find("set 'objects_writeable = yes'"), std::string::npos);
   EXPECT_EQ(content(), before);
@@ -132,6 +143,10 @@ TEST_F(changes, leave_nothing_after_a_trial_or_where_there_is_nothing_to_do) {
   dm::change_purpose trial;
   trial.is_trial = true;
   EXPECT_EQ(change({gone("/a/b"), gone("F_T"), gone("F_B")}, trial), "ok");
+  EXPECT_EQ(
+      change({field("F_C", 5003), field("F_D", 5004, TAV_FLDT_INT), storable("/c", "t_c", {"F_C"})},
+             trial),
+      "ok");
   EXPECT_EQ(change({field("F_A", 5000, TAV_FLDT_STRING, "About a."), gone("F_X")}), "ok");
   EXPECT_EQ(content(), before);
   EXPECT_EQ(query("SELECT max(number) FROM dd_journal"), "4\n");

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "bench.h"
+#include "dm/class_outline.h"
 
 class classes : public dictionary {
  protected:
@@ -23,8 +24,10 @@ TEST_F(classes, come_by_folded_name_or_in_the_order_asked_for) {
                     bx = "{name:/B/x}\n", bxy = "{name:/b/x/y}\n", b0 = "{name:/b0,sql_table:t4}\n",
                     bc = "{name:/b-c,sql_table:t3}\n";
   EXPECT_EQ(admin.classes(), a + b + bc + bx + bxy + b0);
-  EXPECT_EQ(admin.classes("/b/X/*\n/none\n/none/*\n/b/*\n/b/x\n"), bx + bxy + b);
+  EXPECT_EQ(admin.classes("/b/X/*\n/none\n/none/*\n/b\xff\n/b/*\n/b/x\n"), bx + bxy + b);
   EXPECT_EQ(admin.classes("/*\n/a\n"), a + b + bc + bx + bxy + b0);
+  query("UPDATE dd_classes SET definition = '{}' WHERE name = '/B/x'");
+  EXPECT_EQ(admin.classes("/b/*\n"), "STORAGE TAV_FLD_NAME");
 }
 
 TEST_F(classes, come_back_as_they_were_given) {
@@ -44,6 +47,10 @@ TEST_F(classes, come_back_as_they_were_given) {
       "{name:A1,type:9,sql_name:t2,entries:[{name:S1,type:5,sql_name:c1},"
       "{name:A2,type:9,sql_name:t3,entries:[{name:S1,type:5,sql_name:c1}]}]},"
       "{name:B1,type:6,sql_name:C=c2 T=t4}]}\n");
+  const std::string longest = "1." + std::string(2045, '7');
+  EXPECT_EQ(admin.set_classes("/b sql_table=t5\n  STRING S1 sql_name=c order=" + longest + "\n"),
+            "ok");
+  EXPECT_NE(admin.classes("/b\n").find("order:" + longest + "}"), std::string::npos);
 }
 
 TEST_F(classes, are_refused_by_rule) {
@@ -92,6 +99,7 @@ TEST_F(classes, are_refused_by_rule) {
       {"/held/n\n/held/n/m\n  ARRAY A2 sql_name=a\n/held/n\n  ARRAY A2 sql_name=b",
        "CONFLICT TAV_FLD_FIELD_NAME"},
       {"/heldnot sql_table=t\n  ARRAY A1 sql_name=a", "ok"},
+      {"/held/n\n  ARRAY A2 sql_name=a\n    ARRAY A1 sql_name=b", "ok"},
       // storage
       {"/n", "MISSING_FIELD TAV_FLD_SQL_TABLE"},
       {"/n sql_table=", "MISSING_FIELD TAV_FLD_SQL_TABLE"},
@@ -106,7 +114,8 @@ TEST_F(classes, are_refused_by_rule) {
       {"/n sql_table=t\n/m sql_table=T", "CONFLICT TAV_FLD_SQL_TABLE"},
       {"/n sql_table=t\n  STRING S1 sql_name=c\n  STRING S2 sql_name=C",
        "CONFLICT TAV_FLD_SQL_TABLE"},
-      {"/n sql_table=t\n  STRING S1 sql_name=c\n  ARRAY A1 sql_name=a\n    STRING S2 sql_name=c",
+      {"/n sql_table=t\n  STRING S1 sql_name=c\n  STRING S2 sql_name=d\n"
+       "  ARRAY A1 sql_name=c\n    STRING S2 sql_name=c",
        "ok"},
   };
   const std::string before = content();
@@ -178,8 +187,20 @@ TEST_F(classes, may_stand_twice_in_a_list) {
 TEST_F(classes, below_another_need_no_table) {
   EXPECT_EQ(admin.set_classes("/a sql_table=t1\n/a/b sql_table=t1\n"), "ok");
   EXPECT_EQ(admin.classes(), "{name:/a,sql_table:t1}\n{name:/a/b}\n");
-  EXPECT_NE(log("dm").find("Subclass '/a/b' needs no table: its table 't1' is not stored."),
-            std::string::npos);
+  const std::string note = "Subclass '/a/b' needs no table: its table 't1' is not stored.",
+                    once = log("dm");
+  EXPECT_NE(once.find(note), std::string::npos);
+  const dd_flist again = classes_of("/a sql_table=t1\n/a/b sql_table=t1\n");
+  EXPECT_EQ(admin.op(578, 128, again), "ok");
+  EXPECT_EQ(admin.op(578, 0, again), "ok");  // known from the trial
+  EXPECT_NE(log("dm").find(note, once.size()), std::string::npos);
+}
+
+TEST(outlines, of_arrays_where_none_belong_are_damage) {
+  for (const char* definition : {R"({"entries":[[]]})", R"({"attrvals":[{"attrvals":[]}]})"}) {
+    dm::problem why;
+    EXPECT_EQ(dm::outline_reader().read({1, "/a", "/a", 0, definition}, why), nullptr);
+  }
 }
 
 TEST_F(classes, many_at_once_are_judged_as_one_by_one) {

@@ -66,9 +66,14 @@ TEST_F(drop_database, is_no_other_one_s_when_it_is_made_again) {
   client(settings).set_fields("STRING F_A 5000 Another.\n", 2);
   EXPECT_EQ(late.set_fields("STRING F_A 5000 Late.\n", 2), "CONFLICT TAV_FLD_FIELD_NAME");
   late.close();
-  client unseen(settings);
-  unseen.fields("", 2);
+  client unseen(settings), rewritten(settings);
+  unseen.fields("", 2), rewritten.fields("", 2);
   EXPECT_EQ(drop(2), "ok");
   make_second();
   EXPECT_EQ(unseen.set_fields("STRING F_A 5000\n", 2), "CONFLICT TAV_FLD_FIELD_NAME");
+  unseen.close();
+  client(settings).set_fields("STRING F_A 5000 A third.\n", 2);
+  EXPECT_EQ(rewritten.set_fields("STRING F_A 5000 Late.\n", 2), "CONFLICT TAV_FLD_FIELD_NAME");
+  rewritten.close();
+  EXPECT_EQ(drop(1), "ok");
 }

@@ -29,9 +29,11 @@ TEST_F(fields, keep_their_first_spelling_and_take_a_new_description) {
   EXPECT_EQ(admin.fields("F_TEXT\nF_INT\nTAV_FLD_MOD_T\n"),
             "STRING F_TEXT 3000 new\nINT F_INT 2999\nTIMESTAMP TAV_FLD_MOD_T 19 mine\n");
   EXPECT_EQ(
-      admin.set_fields("STRING F_TWICE 3001 one\nSTRING f_twice 3001\nSTRING F_TWICE 3001 two\n"),
+      admin.set_fields("STRING F_TWICE 3001 one\nSTRING f_twice 3001\nSTRING F_TWICE 3001 two\n"
+                       "STRING F_TEXT 3000\nSTRING f_text 3000 newest\n"),
       "ok");
-  EXPECT_EQ(admin.fields("F_TWICE\n"), "STRING F_TWICE 3001 two\n");
+  EXPECT_EQ(admin.fields("F_TWICE\nF_TEXT\n"),
+            "STRING F_TWICE 3001 two\nSTRING F_TEXT 3000 newest\n");
 }
 
 TEST_F(fields, are_refused_all_or_none) {
@@ -103,7 +105,8 @@ TEST_F(fields, are_deleted_when_nothing_needs_them) {
             "IN_USE TAV_FLD_FIELD_NAME");
   settings.fields_writeable = false;
   EXPECT_EQ(client(settings).delete_fields("STRING F_TEXT 3000\n"), "WRITE_REFUSED");
-  EXPECT_EQ(client(settings).delete_fields("INT F_TEXT 3000\nSTRING F_TEXT 3001\nINT X 5\n"), "ok");
+  EXPECT_EQ(client(settings).delete_fields("INT F_TEXT 3000\nSTRING F_TEXT 3001\n- F_TEXT 3000\n"),
+            "ok");
   EXPECT_EQ(content(), before);
   EXPECT_NE(log("dm").find("Field 'F_INT' cannot be deleted: class '/a' uses it."),
             std::string::npos);

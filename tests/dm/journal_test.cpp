@@ -13,6 +13,13 @@ class journal : public dictionary {
   std::string told_from(int64_t number) const { return journal_told(settings, number); }
   std::string state_after(int64_t number) const { return journal_state(settings, number); }
   std::string present() const { return journal_state(settings, JOURNAL_PRESENT); }
+  std::string checked() const {
+    opened from(settings);
+    std::ostringstream told;
+    dict::checker check(*from.store, told);
+    EXPECT_TRUE(dict::check_store(check)) << check.why.sentence;
+    return told.str();
+  }
   int64_t last() const {
     opened from(settings);
     dm::journal_head end;
@@ -40,6 +47,11 @@ TEST_F(journal, has_a_record_for_each_transaction_that_changes_something) {
   EXPECT_EQ(told_from(3),
             "3 3 fields n:F_A n:F_B n:F_C\n4 3 classes n:/a\n5 3 fields c:F_A\n"
             "6 3 delete-fields d:F_C\n");
+  EXPECT_EQ(checked(), "");
+  const std::string unguarded =
+      on_server() ? "ALTER TABLE dd_journal DISABLE TRIGGER ALL" : "DROP TRIGGER dd_journal_update";
+  query(unguarded + "; UPDATE dd_journal SET deployment = 4 WHERE number = 4");
+  EXPECT_NE(checked().find("Record 4 of the journal was altered.\n"), std::string::npos);
 }
 
 TEST_F(journal, leads_back_to_every_state_before) {
@@ -81,7 +93,20 @@ TEST_F(journal, packs_many_changes_into_few_parts) {
   const std::string parts =
       query("SELECT count(*), max(part) FROM dd_journal_changes WHERE record = 3");
   EXPECT_EQ(parts, "4|3\n");  // 3,000 times 83 bytes in parts of 64 KB
+  EXPECT_EQ(client(settings).set_classes("/a sql_table=t\n/b sql_table=u\n"), "ok");
   EXPECT_EQ(state_after(2), before);
+}
+
+TEST(packed_changes, with_another_letter_at_their_start_are_none) {
+  const std::string_view state = "5000 5 0 F_A";
+  for (size_t at = 0; at < 3; ++at) {
+    std::string packed;
+    dm::journal_change change{};
+    dm::pack_change(packed, dm::change_of::FIELD, "F_A", {nullptr, &state});
+    packed[at] = 'x';
+    std::string_view rest = packed;
+    EXPECT_FALSE(dm::unpack_change(rest, change)) << packed;
+  }
 }
 
 TEST_F(journal, begins_with_what_an_older_dictionary_holds) {
@@ -128,11 +153,11 @@ TEST_F(journal, forgets_the_way_and_stays_guarded_and_sound) {
     EXPECT_TRUE(to.store->calls->commit(to.store.get(), to.why)) << to.why.sentence;
   }
   EXPECT_EQ(told_from(0), "4 4 fields c:F_A\n5 5 prune\n");
+  EXPECT_EQ(checked(), "");
   opened from(settings);
-  std::ostringstream told;
-  dict::checker check(*from.store, told);
-  EXPECT_TRUE(dict::check_store(check)) << check.why.sentence;
-  EXPECT_EQ(told.str(), "");
+  int64_t bytes = 0;
+  EXPECT_TRUE(from.store->calls->size(from.store.get(), bytes, from.why));
+  EXPECT_GT(bytes, 0);
   dm::past past;
   EXPECT_FALSE(dm::look_back(*from.store, {1, 1, 0}, 2, past, from.why));
   EXPECT_EQ(from.why.code, TAV_ERR_NOT_FOUND);

@@ -17,10 +17,17 @@ TEST_F(refusals, name_the_field_and_the_element) {
   tavi_flist_drop(
       static_cast<tav_flist_t*>(tavi_flist_get(nameless.get(), TAV_FLD_OBJ_DESC, 1, 0, 0, nullptr)),
       TAV_FLD_NAME, 0, nullptr);
-  dd_flist unnamed = fields_of("F1\nF2\n");
+  dd_flist unnamed = fields_of("INT F1 4001\nINT F2 4002\n");
   tavi_flist_drop(
       static_cast<tav_flist_t*>(tavi_flist_get(unnamed.get(), TAV_FLD_FIELD, 1, 0, 0, nullptr)),
       TAV_FLD_FIELD_NAME, 0, nullptr);
+  EXPECT_EQ(admin.op(585, 0, unnamed), "ok");  // there is none to delete
+  dd_flist of_nameless = classes_of("/b sql_table=u\n  STRING S1 sql_name=c\n");
+  auto* holder = static_cast<tav_flist_t*>(
+      tavi_flist_get(of_nameless.get(), TAV_FLD_OBJ_DESC, 0, 0, 0, nullptr));
+  auto* entry =
+      static_cast<tav_flist_t*>(tavi_flist_get(holder, TAV_FLD_OBJ_ELEM, 0, 0, 0, nullptr));
+  tavi_flist_drop(entry, TAV_FLD_FIELD_NAME, 0, nullptr);
   const struct {
     uint32_t opcode;
     dd_flist input;
@@ -38,6 +45,7 @@ TEST_F(refusals, name_the_field_and_the_element) {
       {577, dd_flist(tav_flist_copy(nameless.get(), nullptr)), TAV_ERR_MISSING_FIELD, TAV_FLD_NAME,
        1},
       {578, std::move(nameless), TAV_ERR_MISSING_FIELD, TAV_FLD_NAME, 1},
+      {578, std::move(of_nameless), TAV_ERR_MISSING_FIELD, TAV_FLD_FIELD_NAME, 0},
       {578, classes_of("/b sql_table=u\n  STRING S1 sql_name=c\n  INT NONE sql_name=d\n"),
        TAV_ERR_BAD_VALUE, TAV_FLD_FIELD_NAME, 1},
       {578, classes_of("/b sql_table=u\n/none/c\n"), TAV_ERR_BAD_VALUE, TAV_FLD_NAME, 1},

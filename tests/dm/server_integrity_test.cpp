@@ -6,14 +6,18 @@
 #include "dm/predefined.h"
 #include "server.h"
 
-static int messages_of_check(const dm::settings& settings) {
+static std::string told_by_check(const dm::settings& settings) {
   dm::problem why;
   const dm::store_owner store = dm::open_dictionary(settings, {}, why);
   messages_sent = 0;
   std::ostringstream told;
   dict::checker check(*store, told);
   EXPECT_TRUE(store->calls->begin(store.get(), false, why) && dict::check_store(check));
-  EXPECT_EQ(told.str(), "");
+  return told.str();
+}
+
+static int messages_of_check(const dm::settings& settings) {
+  EXPECT_EQ(told_by_check(settings), "");
   return messages_sent;
 }
 
@@ -93,5 +97,17 @@ TEST_F(on_a_server, what_was_altered_is_named_and_nothing_else) {
     EXPECT_TRUE(store->calls->integrity(store.get(), dm::visit<std::string_view>(note), why));
     EXPECT_EQ(found, row.found);
     query(row.undo);
+  }
+}
+
+TEST_F(on_a_server, what_cannot_be_read_is_a_finding) {
+  for (const auto& [change, found] :
+       {std::pair{"ALTER TABLE dd_journal DISABLE TRIGGER ALL, ALTER reason DROP NOT NULL;"
+                  "UPDATE dd_journal SET reason = NULL",
+                  ": a row of it is damaged.\n"},
+        {"DROP TABLE dd_tables", ": it does not hold what a dictionary holds"}}) {
+    query(change);
+    const std::string told = told_by_check(settings);
+    EXPECT_NE(told.find(found), told.npos) << told;
   }
 }

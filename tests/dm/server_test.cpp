@@ -88,6 +88,7 @@ TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
       {"host=127.0.0.1;password=secret port=1", "BAD_CONF", "looks like one with a password"},
       {"Postgresql://u:secret@h/dd?sslmode=allow", "BAD_CONF", "neither a URL nor a string"},
       {"user=needs_password password=secret", "NOT_CONNECTED", "password authentication failed"},
+      {"user=needs_password password=authentication", "NOT_CONNECTED", "password *** failed"},
       {"options='-c search_path=none'", "NOT_FOUND", "make it with 'tav_dict init'"},
   };
   query(
@@ -100,8 +101,10 @@ TEST_F(on_a_server, that_cannot_be_used_is_named_without_a_password) {
     EXPECT_NE(log("cm").find(row.sentence), std::string::npos) << row.where << log("cm");
   }
   query("UPDATE dd_schema SET version = 7");
-  EXPECT_EQ(client(settings).opened, "STORAGE");
-  EXPECT_NE(log("cm").find("has schema version 7"), std::string::npos);
+  dm::problem why;
+  EXPECT_EQ(dm::open_dictionary(settings, {}, why), nullptr);
+  EXPECT_TRUE(why.code == TAV_ERR_STORAGE && why.is_damage);
+  EXPECT_NE(why.sentence.find("has schema version 7"), std::string::npos) << why.sentence;
   EXPECT_EQ((log("cm") + log("dm")).find("secret"), std::string::npos);
 }
 

@@ -90,6 +90,7 @@ TEST_F(on_a_server, readers_behind_an_exclusive_lock_get_busy) {
   wait_until("count(*) = 1 FROM pg_locks WHERE granted AND relation = to_regclass('dd_fields')");
   EXPECT_EQ(opened_before.fields(), "BUSY");
   EXPECT_EQ(client(settings, BUSY, ANSWER).opened, "BUSY");
+  EXPECT_EQ(client(settings, 3 * ANSWER, ANSWER).opened, "BUSY");
   query("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE query LIKE 'BEGIN; LOCK%'");
 }
 

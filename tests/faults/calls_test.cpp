@@ -105,10 +105,13 @@ TEST_P(every_call, fails_once_and_nothing_is_lost) {
     const std::string call = plan().failed_call + (" at " + place_of_call());
     SCOPED_TRACE("call " + std::to_string(n) + ": " + call);
     EXPECT_EQ(left, states[std::min(commits_told(result), states.size() - 1)]);
-    // What does not matter to an import's outcome may fail unseen.
+    // What is merged while files are read is merged again later, and a message may lack a name.
+    const bool may_be_unseen =
+        !GetParam().is_export &&
+        (place_of_call().starts_with("tav_deploy_import:") || is_of("tavi_flist_get"));
     const bool same = result.exit_status == healthy.exit_status && result.err == healthy.err &&
                       result.out == healthy.out && left == states.back();
-    if (!same || GetParam().is_export) expect_told(result);
+    if (!same || !may_be_unseen) expect_told(result);
     expect_logged_where_made(result);
     expect_cut_at_a_line(result);
     // What stands for a missing value is had before anything of its entry is written.

@@ -20,6 +20,7 @@ TEST_P(every_allocation, fails_and_nothing_is_lost) {
     if (result.exit_status == healthy.exit_status && result.out == healthy.out) continue;
     EXPECT_EQ(result.exit_status, 1) << result.err;
     EXPECT_NE(result.err, "");
+    EXPECT_EQ(result.err.find("class=<TAV_ERRCLASS_NONE"), result.err.npos) << result.err;
     if (GetParam().is_export) {
       EXPECT_EQ(healthy.out.rfind(result.out, 0), 0u) << result.out;
     }

@@ -23,6 +23,12 @@ struct against_case {
 static const against_case CASES[] = {
     {"INT A { ID = 20001; }\nINT B { ID = 20009; }\nINT C { ID = 20003; }\n",
      "1:1 field-type-conflict, 2:14 field-number-conflict, 3:14 field-number-in-use"},
+    // The dictionary's definition counts.
+    {"INT A { ID = 20001; }\nSTORABLE CLASS /b { STRING A { } }\n"
+     "STORABLE CLASS /b IMPLEMENTATION TESSEL7 { SQL_TABLE = \"b_t\"; STRING A { SQL_COLUMN = "
+     "\"a\"; } "
+     "}\n",
+     "1:1 field-type-conflict"},
     // Storage that the dictionary has stays; entries that it alone has would be dropped.
     {"STORABLE CLASS /a {\n  STRING A { LENGTH = 59; }\n  ARRAY R { STRING A { LENGTH = 10; } "
      "}\n}\n"
@@ -35,10 +41,10 @@ static const against_case CASES[] = {
      "6:15 class-table-kept, 7:27 column-kept, 9:17 table-kept, 10:29 column-kept"},
     // All that the data manager refuses, not only its first.
     {"STRING D { ID = 16777216; DESCR = \"d\"; }\nSTRING E { ID = 20008; DESCR = \"\xff\"; }\n"
-     "STORABLE CLASS /b {\n  DESCR = \"\xff\";\n  STRING A { DESCR = \"\xff\"; }\n}\n"
-     "STORABLE CLASS /b IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"b_t\";\n"
+     "STORABLE CLASS /0 {\n  DESCR = \"\xff\";\n  STRING A { DESCR = \"\xff\"; }\n}\n"
+     "STORABLE CLASS /0 IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"b_t\";\n"
      "  STRING A { SQL_COLUMN = \"\xff\"; }\n}\n"
-     "STORABLE CLASS /b/c/ { }\n",
+     "STORABLE CLASS /0/c/ { }\n",
      "1:17 field-refused, 2:32 field-refused, 4:11 class-refused, 5:22 class-refused, "
      "9:27 class-refused, 11:16 missing-superclass, 11:16 class-refused"},
     // What was told already, or is broken, is not told again as a refusal.
@@ -49,6 +55,10 @@ static const against_case CASES[] = {
      "1:16 missing-class-table, 2:10 column-without-table, 3:10 missing-field-definition, "
      "3:10 field-not-defined, 4:19 quoted-string-expected, 6:31 field-type-mismatch, "
      "8:15 repeated-table"},
+    {"STORABLE CLASS /d { ARRAY R { INT B { } } }\n"
+     "STORABLE CLASS /d IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"d_t\";\n"
+     "  ARRAY R { SQL_TABLE = \"a_t\"; INT B { SQL_COLUMN = \"b\"; } }\n}\n",
+     "4:25 repeated-table"},
 };
 
 TEST(against, tells_what_a_dictionary_loses_keeps_and_refuses) {

@@ -64,6 +64,15 @@ static const import_case CASES[] = {
      "STORABLE CLASS /a/b IMPLEMENTATION TESSEL7 {\n  ARRAY R { SQL_TABLE = \"u\"; STRING A { "
      "SQL_COLUMN = \"a\"; } }\n}\n",
      "b:4:12 repeated-field, b:4:12 missing-column, b:5:12 repeated-field, b:6:12 repeated-field"},
+    // What two entries of one name lack is told of both.
+    {"STORABLE CLASS /a {\n  ARRAY R { ARRAY T { STRING A { } } }\n  ARRAY U { ARRAY T { STRING A "
+     "{ } } "
+     "}\n}\n"
+     "STORABLE CLASS /a IMPLEMENTATION TESSEL7 {\n  SQL_TABLE = \"t\";\n"
+     "  ARRAY R { SQL_TABLE = \"r\"; ARRAY T { SQL_TABLE = \"rt\"; } }\n"
+     "  ARRAY U { SQL_TABLE = \"u\"; ARRAY T { SQL_TABLE = \"ut\"; } }\n}\n"
+     "ARRAY T { ID = 20006; }\nARRAY U { ID = 20007; }\n",
+     "b:2:30 missing-column, b:3:30 missing-column"},
 };
 
 TEST(import, tells_every_finding_where_it_is) {

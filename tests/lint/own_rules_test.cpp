@@ -28,6 +28,8 @@ static const std::vector<own_case> CASES = {
     {{field("DESCR = \"a\" \"\xed\xa0\x80\"; ")}, "1:47 not-utf8"},  // half of a pair
     {{field("") + field("DESCR = \"\xe4\"; ")}, ""},                 // a repeat is dropped
     {{"INT \xff { ID = 20001; DESCR = \"a\"; }"}, "1:5 not-utf8"},
+    {{"STORABLE CLASS /a/b IMPLEMENTATION LDAPV3 { ATTRVAL = \"\xff\"; ATTRVAL = \"b\"; }"},
+     "1:56 not-utf8"},  // both count
     {{"# \xe4 and \xe4\n" + field("# \xe4\n")}, "1:3 comment-not-utf8"},
 
     {{field("") + "INT G { ID = 20002; DESCR = \"\xe4\"; }"}, "2:30 not-utf8"},
@@ -56,6 +58,7 @@ static const std::vector<own_case> CASES = {
     {{field(""), "STRING F { DESCR = \"a\"; }"}, ""},           // another type is an error
     {{field(""), "INT F { ID = 20002; DESCR = \"a\"; }"}, ""},  // and so is another number
     {{"INT F { ID = 4294987297; DESCR = \"a\"; }"}, "1:14 number-outside-range"},
+    {{"INT F { ID = 9223372036854775808; DESCR = \"a\"; }"}, ""},  // an error of syntax
     {{field("") + field("")}, ""},
 
     {{"STORABLE CLASS /a/ { DESCR = \"a\"; } STORABLE CLASS //a { DESCR = \"a\"; }"},
@@ -107,16 +110,18 @@ static bool fits(const std::string& text, const std::string& name) {
 }
 
 TEST(name_patterns, are_of_whole_names_and_end_in_time) {
-  EXPECT_TRUE(fits("a|[b-d]{1,30}_t", "bcd_t"));
+  EXPECT_TRUE(fits("a|[b-d]{1,300}_t", "bcd_t"));
   EXPECT_FALSE(fits("a|b", "ab"));
   EXPECT_FALSE(fits("a.", "xab"));
   EXPECT_FALSE(fits("(a|aa)+b", std::string(2000, 'a')));  // goes back 2^400 times, or not at all
   lint::name_pattern pattern;
   EXPECT_TRUE(lint::read_pattern(std::string(1000, 'a'), pattern));
   EXPECT_FALSE(lint::read_pattern(std::string(1001, 'a'), pattern));
+  EXPECT_FALSE(lint::read_pattern(std::string(996, 'a') + "b{1}", pattern));
   // The last one's number, which counts nothing, would make the product a multiple of 2^64.
-  for (const char* text : {"(", "a**(", "\\d+", "(a)\\1", "((a{40}){40}){40}", "a{999}{9}", "[b",
-                           "[}{1152921504606846976}](a{40}){40}abcdefghijklm"})
+  for (const char* text :
+       {"(", "a**(", "\\d+", "(a)\\1", "(a)(b)\\2", "((a{40}){40}){40}", "a{999}{9}", "[b", "\\az",
+        "\\z", "\\A", "\\Z", "\\0", "(a)\\9", "[}{1152921504606846976}](a{40}){40}abcdefghijklm"})
     EXPECT_FALSE(lint::read_pattern(text, pattern)) << text;
 }
 

@@ -24,6 +24,8 @@ struct sentence_case {
 };
 
 static const sentence_case CASES[] = {
+    {"STRING Q { ID = 4294987297; }\n",
+     "ID 4294987297 of Q is that of A, in the dictionary: choose a number that is free."},
     {KEPT,
      "Class /a has table \"a_t\" in the dictionary and \"b_t\" here: a replace keeps the "
      "dictionary's. Write \"a_t\" here, or give the dictionary the new name with 'tav_dict "
@@ -55,6 +57,10 @@ static const sentence_case CASES[] = {
      "\"a\"; } }\n",
      "A stands twice in the same entry of class /m, a.def:2, and only the first has storage: "
      "remove one."},
+    {"STORABLE CLASS /m { STRING A { } }\n"
+     "STORABLE CLASS /m IMPLEMENTATION TESSEL7 { SQL_TABLE = \"t\"; STRING A { SQL_COLUMN = \"\"; "
+     "} }\n",
+     "A in class /m has no column in table t: its implementation needs SQL_COLUMN."},
     {"STORABLE CLASS /m {\n  STRING A { }\n  INT A { }\n}\n",
      "A is INT in class /m and defined as STRING, in the dictionary: both must be the same."},
     {"STORABLE CLASS /a/s { STRING A { } }\n",

@@ -26,6 +26,8 @@ static const syntax_case CASES[] = {
     {"STRING A {\n  ID 1;\n}\n", "2:5 equals-expected"},
     {LONG_WORD.c_str(), "1:8 word-too-long, 3:5 equals-expected"},
     {"STRING A\n  ID = 1;\n}\n", "1:9 field-brace-expected"},
+    {"STRING A", "1:9 field-brace-expected"},
+    {"STRING A # a", "1:9 field-brace-expected"},
     {"STRING A {\n  ID = 0;\n  ID = 16777216000;\n}\n", "2:8 id-not-read, 3:8 invalid-id"},
     // A missing brace is told where it is missing, and nothing that only follows from it.
     {"STRING A {\n  ID = 1;\n\nSTRING B {\n  ID = x;\n}\nINT C { ID = 3; }\n",
@@ -47,9 +49,20 @@ static const syntax_case CASES[] = {
     {"STORABLE CLASS /a IMPLEMENTATION TESSEL {\n  SQL_TABLE = "
      "\"a234567890b234567890c234567890d\";\n  STRING A { SQL_COLUMN = a; }\n}\n",
      "1:34 unknown-implementation, 2:15 table-name-too-long, 3:27 quoted-string-expected"},
+    // In a head that is broken, what is meant by it counts.
+    {"STORABLE CLASS /a LDAPV3 {\n  LOCATION = \"x\";\n}\n"
+     "STORABLE CLASS /b IMPLEMENTATION LDAPV3 too {\n  LOCATION = \"x\";\n  SQL_TABLE = "
+     "\"x\";\n}\n",
+     "1:18 opening-brace-expected, 4:40 opening-brace-expected, 6:3 unknown-class-member"},
+    {"STORABLE CLASS /a IMPLEMENTATION", "1:33 implementation-name-expected"},
+    {"INT F {\n  STRING {\n    ORDER = 1;\n  }\n}\n",
+     "2:3 unknown-field-attribute, 3:5 unknown-field-attribute"},
     {"STORABLE CLASS /a IMPLEMENTATION LDAPV3 {\n  LOCATION = \"x\";\n  STRING A { ATTRIBUTE = "
      "\"a\"; OBJECTCLASS = \"a\"; OBJECTCLASS = \"b\"; }\n  BUF B { }\n}\n",
      "3:64 several-objectclasses, 4:3 unknown-class-member"},
+    // An entry holds none that follows its head without "{"; a field that begins a line is none.
+    {"STORABLE CLASS /a {\n  ARRAY R\n  STRING A { }\n}\n", "2:10 opening-brace-expected"},
+    {"STORABLE CLASS /a\nSTRING A { ID = 1; }\n", "1:18 opening-brace-expected"},
     // What is broken is defined all the same; what is sound in it is compared.
     {"STORABLE CLASS /a {\n  FOO = 1;\n}\nSTORABLE CLASS /a { }\nSTORABLE CLASS /a { BAR; }\n",
      "2:3 unknown-class-member, 4:16 duplicate-class, 5:16 duplicate-class, 5:21 "
@@ -104,6 +117,8 @@ static const sentence_case SENTENCES[] = {
      "\"}\" is missing behind '}': entry R is not closed."},
     {"STORABLE CLASS /a {\n  INT X {\n    ORDER = 1;\n  INT Y {\n  }\n}\nINT B { ID = 2; }\n",
      "\"}\" is missing behind ';': entry X is not closed."},
+    {"STORABLE CLASS /a {\n  INT {\n    ORDER = 2;\n",
+     "\"}\" is missing behind ';': the definition is not closed."},
     {"}\n", "'}' closes nothing: remove it, or the one that is too many before it."},
     {"STRING A {\xc2\xa0ID = 3; }\n",
      "'<U+00A0>ID' is no attribute of a field definition (field A): it has ID and DESCR. It holds "
@@ -118,6 +133,10 @@ static const sentence_case SENTENCES[] = {
     {"STORABLE CLASS /a/b { SEQ_START = \"1\"; }\n",
      "Class /a/b is a subclass and may not have SEQ_START: only base classes may."},
     {"STRING A { ID =", "The file ends behind '=', inside field A: complete it."},
+    {"STORABLE CLASS /a IMPLEMENTATION",
+     "The file ends behind IMPLEMENTATION, inside the implementation of /a: complete it."},
+    {"STORABLE CLASS\nINT B { ID = 2; }\n", "CLASS needs the name of a class behind it."},
+    {"STORABLE CLASS /a { STRING ORDER = 1; }\n", "STRING needs the name of a field behind it."},
     {LONG_WORD,
      "The word 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...' is too long: "
      "it may have at most 2046 bytes."},

@@ -50,6 +50,7 @@ class Folder(unittest.TestCase):
                 return run, made[0]
             run.send_signal(signal.SIGCONT)
             run.wait()
+            shutil.rmtree(os.path.join(self.work, "pages"))
         return self.fail("every run was done before it could be stopped")
 
     def end(self, run, number):
@@ -62,6 +63,7 @@ class Folder(unittest.TestCase):
             run, _ = self.stopped_while_writing()
             self.assertEqual(self.end(run, number), -number)
             self.assertEqual(self.left(), [])
+            self.assertFalse(os.path.exists(os.path.join(self.work, "pages")))
 
     def test_a_signal_that_is_ignored_ends_nothing(self):
         run, _ = self.stopped_while_writing("nohup")

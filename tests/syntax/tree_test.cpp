@@ -54,6 +54,8 @@ TEST(Tree, HasTheShapeOfTheText) {
        "C:/a[!E:X[a:ORDER]] F:B F:C"},
       {"STORABLE CLASS /a {\n\tINT X {\n\t}\nINT B {\n}\nINT C { }", "!C:/a[E:X] F:B F:C"},
       {"STORABLE CLASS /a {\nINT X {\nORDER = 1;\nINT Y {\n}\n}\n", "!C:/a[E:X[a:ORDER E:Y]]"},
+      {"STORABLE CLASS /a {\n\tARRAY X {\n\t\tINT Y {\n\t\t\tORDER = 1;\n\t\tLENGTH = 2;\n\t}\n}\n",
+       "C:/a[E:X[!E:Y[a:ORDER] a:LENGTH]]"},
       {"UINT A { } OBJ B { }", "F:A F:B"},
       {"INT", "!?"},
       {std::string("\0 INT A { }", 11), "!? F:A"},

@@ -83,9 +83,11 @@ static struct stat status_of(const workshop& place, const std::string& name) {
   return status;
 }
 
-TEST(format, replaces_files_whole_and_keeps_their_mode) {
+TEST(format, replaces_files_whole_and_keeps_their_group_and_mode) {
   const workshop place;
+  const gid_t group = ::geteuid() == 0 ? 65534 : ::getegid();  // only root can give files away
   place.write("a.def", UGLY);
+  ASSERT_EQ(::chown(place.path("a.def").c_str(), ::geteuid(), group), 0);
   ASSERT_EQ(::chmod(place.path("a.def").c_str(), 0640), 0);
   fs::create_symlink("a.def", place.path("link.def"));
   const ino_t before = status_of(place, "a.def").st_ino;
@@ -96,6 +98,7 @@ TEST(format, replaces_files_whole_and_keeps_their_mode) {
   EXPECT_EQ(place.read("a.def"), PRETTY);
   const struct stat written = status_of(place, "a.def");
   EXPECT_EQ(written.st_mode & 07777, 0640u);
+  EXPECT_EQ(written.st_gid, group);
   EXPECT_NE(written.st_ino, before);
   EXPECT_EQ(place.run({"dict", "format", "-w", "a.def"}).exit_status, 0);
   EXPECT_EQ(status_of(place, "a.def").st_ino, written.st_ino);
@@ -118,6 +121,19 @@ TEST(format, leaves_files_that_cannot_be_replaced) {
   expect_left(place, place.run({"dict", "format", "-w", "a.def", "b.def"}),
               "it has several names (hard links), of which only one would change");
   EXPECT_EQ(place.read("c.txt"), UGLY);
+}
+
+TEST(format, leaves_files_that_are_mount_points) {
+  const workshop place;
+  for (const char* name : {"a.def", "b.def"}) place.write(name, UGLY);
+  run_options other;
+  other.program = "/usr/bin/unshare";
+  const auto run = [&](const std::string& line) {
+    return place.run({"-rm", "sh", "-c", "mount --bind a.def a.def && " + line}, other);
+  };
+  if (run("true").exit_status != 0) GTEST_SKIP() << "here nobody may mount anything";
+  expect_left(place, run("'" TAV_DICT "' format -w a.def b.def"), "Device or resource busy");
+  EXPECT_EQ(place.read("a.def"), UGLY);
 }
 
 TEST(format, leaves_files_whose_owner_cannot_be_kept) {

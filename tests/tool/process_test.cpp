@@ -277,7 +277,7 @@ TEST(examples, tell_a_pipeline_what_is_to_be_done) {
 }
 
 TEST(progress, is_drawn_on_a_terminal_and_taken_away) {
-  const char job[] = "(sleep 1.2; echo 'INT F { ID = 20001; }') | tav_dict diff";
+  const char job[] = "(sleep 3; echo 'INT F { ID = 20001; }') | tav_dict diff";
   const std::string out = shell(workshop(), "/usr/bin/script", {"-qec", job, "/dev/null"}).out;
   EXPECT_NE(out.find("\r\033[Kcomparing fields 1 of "), out.npos) << out;
   EXPECT_NE(out.find("\r\033[K\033[32m+ field F (INT)\033[0m\r\n"), out.npos) << out;

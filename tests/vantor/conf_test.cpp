@@ -48,7 +48,8 @@ TEST(Conf, GivesValues) {
       "both = all\n"
       "empty =\n"
       "[dm]\nboth = mine\ndictionary = sqlite:a=b.db ; why\n"
-      "[-]\nlate = 7\n";
+      "[-]\nlate = 7\n[" +
+      std::string(49, 's') + "]\n";
   const struct {
     const char* program;
     const char* key;
@@ -67,6 +68,8 @@ TEST(Conf, GivesValues) {
       {"-", "empty", TAV_FLDT_STRING, ""},
       {"x", "late", TAV_FLDT_INT, "7"},
       {"x", "late", TAV_FLDT_ARRAY, "TAV_ERR_WRONG_TYPE"},
+      {nullptr, "late", TAV_FLDT_INT, "TAV_ERR_BAD_ARG"},
+      {"x", nullptr, TAV_FLDT_INT, "TAV_ERR_BAD_ARG"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(in_child([&] {

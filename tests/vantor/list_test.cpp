@@ -49,6 +49,13 @@ TEST_F(List, WalksMeetWhatIsAddedAndResume) {
   EXPECT_EQ(met.back(), 5);
 }
 
+TEST_F(List, ManyElementsAreEachFoundById) {
+  for (int32_t i = 0; i < 200; ++i) {
+    tav_flist_t* added = add(i * -7);
+    EXPECT_EQ(element(list.get(), i * -7), added) << i;
+  }
+}
+
 TEST_F(List, ASubstructIsOneList) {
   dd_flist top(tav_flist_create(&ebuf));
   tav_flist_t* item = add(4);

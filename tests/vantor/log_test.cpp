@@ -1,10 +1,12 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <regex>
 
@@ -62,7 +64,10 @@ TEST(Log, ShowsLists) {
                           dd_set_int(a, DD_FIELD_ID(TAV_FLDT_INT, 12), -7, &e);
                           tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 0, &e);
                           tav_flist_t* b = tav_flist_elem_add(a, TAV_FLD_OBJ_ELEM, 1, &e);
+                          dd_set_text(b, TAV_FLD_LABEL, "old", &e);
                           dd_put(b, TAV_FLD_ORDER, 0, dd_decimal(tav_decimal("1.50", &e)), &e);
+                          tavi_flist_drop(b, TAV_FLD_LABEL, 0, &e);
+                          dd_set_text(b, TAV_FLD_LABEL, "in its place", &e);
                           const double half = 0.5;
                           tavi_flist_set(b, DD_FIELD_ID(TAV_FLDT_NUM, 9), 0, 0, &half, &e);
                           dd_put(list.get(), TAV_FLD_POID, 0,
@@ -87,11 +92,13 @@ TEST(Log, ShowsLists) {
                 "    INT 12 = -7\n"
                 "    TAV_FLD_OBJ_ELEM[0]\n"
                 "    TAV_FLD_OBJ_ELEM[1]\n"
+                "      TAV_FLD_LABEL = in its place\n"
                 "      TAV_FLD_ORDER = 1.50\n"
                 "      NUM 9 = 0.5\n"
                 "  TAV_FLD_POID = 0.0.1.1 /t -1\n"
                 "  BINSTR 1 = 2 bytes 00ab\n"
                 "  SUBSTRUCT 2\n"
+                "    TAV_FLD_LABEL = in its place\n"
                 "    TAV_FLD_ORDER = 1.50\n"
                 "    NUM 9 = 0.5\n");
 }
@@ -184,6 +191,18 @@ TEST(Log, OfRootIsWrittenWhereNobodyElseMayWrite) {
   EXPECT_EQ(told(0775, 0, 65534), refused);
   EXPECT_EQ(told(01777, 0, 0), refused);
   EXPECT_EQ(told(0755, 65534, 0), refused);
+}
+
+TEST(Log, ThatCannotBeWrittenStopsNobody) {
+  EXPECT_EQ(in_child([] {
+              alarm(20);
+              signal(SIGXFSZ, SIG_IGN);
+              const rlimit nothing{};
+              setrlimit(RLIMIT_FSIZE, &nothing);
+              tav_err_log_msg(1, "lost", "m", 1);
+              return "went on" + read_file(LOG);
+            }),
+            "went on");
 }
 
 TEST(Log, TellsTimesBefore1970) {

@@ -82,4 +82,7 @@ TEST(BoundedTexts, CutAndTellTheWholeLength) {
     EXPECT_STREQ(buffer, c.appended);
   }
   EXPECT_EQ(tav_snprintf(nullptr, 0, "%d", 12345), 5u);
+  char unwritten[] = "old";
+  EXPECT_EQ(tav_snprintf(unwritten, sizeof unwritten, "a%ls", L"\xd800"), 0u);  // no character
+  EXPECT_STREQ(unwritten, "");
 }
