@@ -97,6 +97,7 @@ static int run_program(int argc, char** argv) {
   } else {
     put_memory_under_plan();
   }
+  put_engine_under_plan();
   const bool is_tool = argv[0] == std::string("tav_deploy");
   const size_t before = allocated();
   const int status = inside_main(argc, argv);
@@ -147,6 +148,18 @@ std::string fault_bench::content() const {
   return text + query(
                     "SELECT number, deployment, changes, kind FROM dd_journal;"
                     "SELECT record, part, content FROM dd_journal_changes");
+}
+
+void fault_bench::on_every_way_to_engine(const std::function<void(const run_result&)>& look) {
+  run({});
+  const std::vector<long> calls(plan().ways_to_engine, plan().ways_to_engine + plan().way_count);
+  EXPECT_GT(calls.size(), 5);
+  for (const long n : calls) {
+    SCOPED_TRACE("engine's call " + std::to_string(n));
+    fault_plan faults;
+    faults.failing_engine_call = n;
+    look(run(faults));
+  }
 }
 
 int fault_bench::at_every_disk_call(const one_look& look) {

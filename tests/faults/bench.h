@@ -35,6 +35,8 @@ class fault_bench : public testing::TestWithParam<fault_row> {
   // how many met one.
   using one_look = std::function<void(const run_result&, disk_fault)>;
   int at_every_disk_call(const one_look& look);
+  // Runs it once for each way that it comes to a call of the engine, which fails there.
+  void on_every_way_to_engine(const std::function<void(const run_result&)>& look);
 
   workshop place;
   // What a run may leave: the dictionary before it, with the fields committed, with the classes.

@@ -41,22 +41,20 @@ static fault_row upgrade() {
   return row;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    mode, every_disk_call_of_a_command,
-    testing::Values(
-        command("apply", {"apply", "--yes", "new.plan"},
-                {{"dict", "plan", "--output", "new.plan", "new.def"}}),
-        command("undo", {"undo", "--yes", "5"}, {{"replace", "new.def"}}),
-        command("revert_to", {"revert-to", "--yes", "3"}, {{"replace", "new.def"}}),
-        command("rename", {"rename", "field", "--yes", "F1", "F1_NEW"}),
-        command("drop", {"drop", "class", "--yes", "/c/s", "/c"}),
-        command("move_storage", {"move-storage", "--yes", "/c", "--table", "t2"}),
-        command("tag", {"tag", "3", "first"}),
-        command("prune", {"prune", "--yes", "--before", "5"}, {{"replace", "new.def"}}),
-        command("drop_database", {"drop-database", "--yes", "--backup", "copy.db", "0.0.0.2"},
-                {{"dict", "add-database", "0.0.0.2"}, {"create", "-d", "0.0.0.2", "base.def"}}),
-        upgrade()),
-    mode_of);
+static const auto WRITING = testing::Values(
+    command("apply", {"apply", "--yes", "new.plan"},
+            {{"dict", "plan", "--output", "new.plan", "new.def"}}),
+    command("undo", {"undo", "--yes", "5"}, {{"replace", "new.def"}}),
+    command("revert_to", {"revert-to", "--yes", "3"}, {{"replace", "new.def"}}),
+    command("rename", {"rename", "field", "--yes", "F1", "F1_NEW"}),
+    command("drop", {"drop", "class", "--yes", "/c/s", "/c"}),
+    command("move_storage", {"move-storage", "--yes", "/c", "--table", "t2"}),
+    command("tag", {"tag", "3", "first"}),
+    command("prune", {"prune", "--yes", "--before", "5"}, {{"replace", "new.def"}}),
+    command("drop_database", {"drop-database", "--yes", "--backup", "copy.db", "0.0.0.2"},
+            {{"dict", "add-database", "0.0.0.2"}, {"create", "-d", "0.0.0.2", "base.def"}}),
+    upgrade());
+INSTANTIATE_TEST_SUITE_P(mode, every_disk_call_of_a_command, WRITING, mode_of);
 
 // --- Memory --------------------------------------------------------------------------------------
 
@@ -88,13 +86,35 @@ static fault_row reading(const char* name, std::vector<std::string> words, int e
   return row;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    mode, every_allocation_of_a_command,
+static const auto READING =
     testing::Values(reading("list", {"list", "--tree"}), reading("uses", {"uses", "F1"}),
                     reading("export", {"export", "--at", "4"}), reading("log", {"log"}),
                     reading("show", {"show", "5"}), reading("blame", {"blame", "/c"}),
                     reading("site", {"site", "pages"}), reading("diff", {"diff", "base.def"}, 1),
                     reading("plan", {"plan", "base.def"}, 1),
-                    reading("lint", {"lint", "new.def"}, 1),
-                    reading("undo", {"undo", "5", "--dry-run"}), reading("check", {"check"})),
-    mode_of);
+                    reading("undo", {"undo", "5", "--dry-run"}), reading("check", {"check"}));
+INSTANTIATE_TEST_SUITE_P(mode, every_allocation_of_a_command, READING, mode_of);
+INSTANTIATE_TEST_SUITE_P(files, every_allocation_of_a_command,
+                         testing::Values(reading("lint", {"lint", "new.def"}, 1)), mode_of);
+
+// --- The engine ----------------------------------------------------------------------------------
+
+using every_way_to_the_engine = fault_bench;
+
+TEST_P(every_way_to_the_engine, fails_and_is_told) {
+  on_every_way_to_engine([&](const run_result& result) {
+    const bool is_whole = result.exit_status == healthy.exit_status && result.out == healthy.out;
+    const std::string said = result.out + result.err;
+    const bool is_done = left == states.back() && GetParam().commits > 0;
+    EXPECT_TRUE(is_done || left == states.front());
+    if (is_done || is_whole) return;
+    EXPECT_NE(said.find("the engine failed; check the disk (disk I/O error)"), said.npos) << said;
+    EXPECT_TRUE(result.exit_status == 2 || said.find("! not tried") != said.npos) << said;
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(writing, every_way_to_the_engine, WRITING, mode_of);
+INSTANTIATE_TEST_SUITE_P(reading, every_way_to_the_engine, READING, mode_of);
+INSTANTIATE_TEST_SUITE_P(against, every_way_to_the_engine,
+                         testing::Values(reading("lint", {"lint", "--against", ".", "new.def"})),
+                         mode_of);

@@ -1,5 +1,5 @@
 // Every call that the engine makes of the disk fails once, in each way; every write is the last
-// before the process is killed, or before the power fails.
+// before the process is killed, or before the power fails. So does every call of the engine.
 #include "tests/faults/bench.h"
 
 class every_disk_call : public fault_bench {
@@ -23,10 +23,8 @@ class every_disk_call : public fault_bench {
     const std::string sentences = place.read("dm.tavlog") + place.read("cm.tavlog");
     EXPECT_NE(sentences.find("ictionary '"), std::string::npos) << sentences;
   }
-};
 
-TEST_P(every_disk_call, fails_and_nothing_is_lost) {
-  const auto look = [&](const run_result& result, disk_fault fault) {
+  void look(const run_result& result, disk_fault fault) {
     const bool dies = fault == disk_fault::KILL || fault == disk_fault::POWER_LOSS;
     expect_durable_as_told(result, fault);
     const bool same = result.out == healthy.out && result.err == healthy.err;
@@ -37,10 +35,24 @@ TEST_P(every_disk_call, fails_and_nothing_is_lost) {
     } else {
       EXPECT_EQ(result.exit_status, healthy.exit_status);
     }
-  };
-  const int runs = at_every_disk_call(look);
+  }
+};
+
+TEST_P(every_disk_call, fails_and_nothing_is_lost) {
+  const int runs =
+      at_every_disk_call([&](const run_result& result, disk_fault fault) { look(result, fault); });
   EXPECT_GT(runs, 50);
   RecordProperty("runs", runs);
 }
 
 INSTANTIATE_TEST_SUITE_P(mode, every_disk_call, testing::Values(VERIFY, CREATE, REPLACE), mode_of);
+
+class every_way_of_a_mode : public every_disk_call {};
+
+TEST_P(every_way_of_a_mode, to_the_engine_fails_and_is_told) {
+  on_every_way_to_engine([&](const run_result& result) { look(result, disk_fault::NONE); });
+}
+
+INSTANTIATE_TEST_SUITE_P(mode, every_way_of_a_mode,
+                         testing::Values(VERIFY, CREATE, REPLACE, FIELD, FIELD_NAMES, CLASS),
+                         mode_of);

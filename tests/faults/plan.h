@@ -23,12 +23,16 @@ struct fault_plan {
   uint32_t refused_operation = 0;
   disk_fault disk = disk_fault::NONE;
   long failing_disk_call = 0;
-  long failing_allocation = 0;  // 0: none
-  bool is_memory_gone = false;  // for good, not for that one
+  long failing_allocation = 0;   // 0: none
+  bool is_memory_gone = false;   // for good, not for that one
+  long failing_engine_call = 0;  // 0: none
 
   long calls = 0;  // made so far
   long disk_calls = 0;
   long allocations = 0;
+  long engine_calls = 0;
+  long ways_to_engine[2048] = {};  // the first calls that came each way, where none fails
+  size_t way_count = 0;
   bool failed_a_sync = false;
   const char* failed_call = "";  // its name, and where the tool made it
   const char* failed_module = "";
@@ -45,5 +49,7 @@ fault_plan& plan();
 void put_disk_under_plan();
 // The same of its memory.
 void put_memory_under_plan();
+// The same of the calls of its engine.
+void put_engine_under_plan();
 
 #endif

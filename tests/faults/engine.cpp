@@ -1,0 +1,66 @@
+// The engine of the fault tests: one call of it fails, and does nothing.
+#include <execinfo.h>
+#include <sqlite3.h>
+
+#include <cstring>
+#include <set>
+
+#include "tests/faults/plan.h"
+
+static bool is_under_plan = false;
+
+void put_engine_under_plan() {
+  is_under_plan = true;
+}
+
+// Whether nobody has come this way to a call of the engine yet.
+static bool is_new_way() {
+  constexpr int FRAMES = 32;
+  static std::set<size_t> known;
+  void* frames[FRAMES];
+  size_t way = 0;
+  for (int i = backtrace(frames, FRAMES); i > 0; --i) {
+    way = way * 31 + reinterpret_cast<size_t>(frames[i - 1]);
+  }
+  return known.insert(way).second;
+}
+
+static bool fails() {
+  if (!is_under_plan) return false;
+  const long n = ++plan().engine_calls;
+  constexpr size_t ROOM = sizeof(plan().ways_to_engine) / sizeof(plan().ways_to_engine[0]);
+  if (plan().failing_engine_call == 0 && plan().way_count < ROOM && is_new_way()) {
+    plan().ways_to_engine[plan().way_count++] = n;
+  }
+  return n == plan().failing_engine_call;
+}
+
+extern "C" {
+int __real_sqlite3_step(sqlite3_stmt* statement);
+int __wrap_sqlite3_step(sqlite3_stmt* statement) {
+  return fails() ? SQLITE_IOERR : __real_sqlite3_step(statement);
+}
+
+int __real_sqlite3_exec(sqlite3* db, const char* sql, sqlite3_callback call, void* to, char** why);
+int __wrap_sqlite3_exec(sqlite3* db, const char* sql, sqlite3_callback call, void* to, char** why) {
+  // Whatever fails in it, a transaction that is rolled back is at its end.
+  const bool is_end = std::strcmp(sql, "ROLLBACK") == 0;
+  return !is_end && fails() ? SQLITE_IOERR : __real_sqlite3_exec(db, sql, call, to, why);
+}
+
+int __real_sqlite3_prepare_v2(sqlite3* db, const char* sql, int size, sqlite3_stmt** made,
+                              const char** rest);
+int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* sql, int size, sqlite3_stmt** made,
+                              const char** rest) {
+  if (!fails()) return __real_sqlite3_prepare_v2(db, sql, size, made, rest);
+  return *made = nullptr, SQLITE_IOERR;
+}
+
+int __real_sqlite3_prepare_v3(sqlite3* db, const char* sql, int size, unsigned flags,
+                              sqlite3_stmt** made, const char** rest);
+int __wrap_sqlite3_prepare_v3(sqlite3* db, const char* sql, int size, unsigned flags,
+                              sqlite3_stmt** made, const char** rest) {
+  if (!fails()) return __real_sqlite3_prepare_v3(db, sql, size, flags, made, rest);
+  return *made = nullptr, SQLITE_IOERR;
+}
+}
