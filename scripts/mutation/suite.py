@@ -70,7 +70,7 @@ class Worker:
     def __init__(self, folder):
         self.folder = Path(folder)
         shared = {k: v for k, v in os.environ.items() if not k.startswith(("PG", "TAV_"))}
-        shared |= {"GTEST_FAIL_FAST": "1", "TAV_LOST_STEP": "1", "TAV_LOST_CALLS": "3", "TMPDIR": str(self.folder / "tmp")}
+        shared |= {"GTEST_FAIL_FAST": "1", "TAV_LOST_STEP": "1", "TMPDIR": str(self.folder / "tmp")}
         (self.folder / "tmp").mkdir(mode=0o1777)
         for made in (self.folder, self.folder / "tmp"):
             made.chmod(0o1777)  # for tests of other users

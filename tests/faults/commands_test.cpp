@@ -33,6 +33,16 @@ static fault_row command(const char* name, std::vector<std::string> words,
   return {.mode = name, .words = words, .commits = 1, .prepared_by = prepared_by};
 }
 
+// The dictionary has gone on since the plan was made, so that it is judged whether it fits.
+static fault_row apply_late() {
+  fault_row row = command("apply_late", {"apply", "--yes", "new.plan"},
+                          {{"dict", "plan", "--output", "new.plan", "new.def"},
+                           {"dict", "rename", "field", "--yes", "F1", "F1_NEW"}});
+  row.commits = 0;
+  row.exit_status = 1;
+  return row;
+}
+
 static fault_row upgrade() {
   fault_row row = command("upgrade", {"upgrade", "--backup", "copy.db"});
   row.sql =
@@ -115,6 +125,22 @@ TEST_P(every_way_to_the_engine, fails_and_is_told) {
 
 INSTANTIATE_TEST_SUITE_P(writing, every_way_to_the_engine, WRITING, mode_of);
 INSTANTIATE_TEST_SUITE_P(reading, every_way_to_the_engine, READING, mode_of);
-INSTANTIATE_TEST_SUITE_P(against, every_way_to_the_engine,
-                         testing::Values(reading("lint", {"lint", "--against", ".", "new.def"})),
-                         mode_of);
+INSTANTIATE_TEST_SUITE_P(
+    more, every_way_to_the_engine,
+    testing::Values(
+        apply_late(), command("add_database", {"add-database", "0.0.0.3"}),
+        reading("status", {"status", "--json"}), reading("list_at", {"list", "--at", "4"}),
+        reading("uses_class", {"uses", "/c"}), reading("uses_table", {"uses", "t"}),
+        reading("uses_none", {"uses", "--none"}), reading("next_id", {"next-id", "3"}),
+        reading("export_now", {"export"}), reading("export_dir", {"export", "--dir", "defs"}),
+        reading("log_class", {"log", "--class", "/c"}), reading("blame_field", {"blame", "F1"}),
+        reading("diff_at", {"diff", "--at", "3", "--to", "5"}, 1),
+        reading("plan_file", {"plan", "--output", "copy.db", "base.def"}, 1),
+        reading("lint_against", {"lint", "--against", ".", "new.def"}),
+        reading("revert", {"revert-to", "3", "--dry-run"}),
+        reading("rename_dry", {"rename", "class", "/c", "/z", "--dry-run"}),
+        reading("drop_dry", {"drop", "class", "/c", "--with-subclasses", "--dry-run"}),
+        reading("move_dry", {"move-storage", "/c", "--table", "t2", "--dry-run"}),
+        reading("site_at", {"site", "pages", "--all", "--at", "4"}),
+        reading("backup", {"backup", "copy.db"})),
+    mode_of);

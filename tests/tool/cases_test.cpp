@@ -253,7 +253,6 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   setenv("TAV_DEPLOY", TAV_DEPLOY, 1);
   setenv("TAV_DICT", TAV_DICT, 1);
-  setenv("TAV_FAILING_STEPS", TAV_FAILING_STEPS, 1);
   std::vector<fs::path> files;
   const fs::path folder = argc > 1 ? argv[1] : TAV_CASES;
   for (const auto& entry : fs::directory_iterator(folder)) {
