@@ -3,6 +3,7 @@ import concurrent.futures
 import contextlib
 import json
 import os
+import resource
 import signal
 import subprocess
 import tempfile
@@ -12,6 +13,7 @@ from pathlib import Path
 from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parent.parent.parent
+GIGABYTE = 1 << 30
 PROCESSORS = len(os.sched_getaffinity(0))
 # Many processes at once, for half a minute each; what they run is run by others.
 LEFT_OUT = ("stress_", "failover", "history_on_a_server")
@@ -56,6 +58,14 @@ def all_tests(build):
     return list(found)
 
 
+def prepare_process():
+    """A fault may turn a loop into one that takes all memory, or fills the disk. Browsers reserve far more than they take."""
+    resource.setrlimit(resource.RLIMIT_DATA, (6 * GIGABYTE, 6 * GIGABYTE))
+    resource.setrlimit(resource.RLIMIT_FSIZE, (GIGABYTE, GIGABYTE))
+    for number in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT):  # which are ignored in the background
+        signal.signal(number, signal.SIG_DFL)
+
+
 def end_group(process):
     """First so that what it started ends, too."""
     for number, seconds in ((signal.SIGTERM, 5), (signal.SIGKILL, None)):
@@ -71,9 +81,10 @@ class Worker:
         self.folder = Path(folder)
         shared = {k: v for k, v in os.environ.items() if not k.startswith(("PG", "TAV_"))}
         shared |= {"GTEST_FAIL_FAST": "1", "TAV_LOST_STEP": "1", "TMPDIR": str(self.folder / "tmp")}
-        (self.folder / "tmp").mkdir(mode=0o1777)
-        for made in (self.folder, self.folder / "tmp"):
-            made.chmod(0o1777)  # for tests of other users
+        self.folder.chmod(0o755)  # no log is written where others may write
+        (self.folder / "run").mkdir(mode=0o755)
+        (self.folder / "tmp").mkdir()
+        (self.folder / "tmp").chmod(0o1777)  # for tests of other users
         said = self.folder / "environment"
         self.server = subprocess.Popen([ROOT / "scripts/with-postgres", "sh", "-c", f"env -0 >{said}.new; mv {said}.new {said}; sleep infinity"],
                                        env={**shared, "TMPDIR": "/tmp"}, start_new_session=True)
@@ -83,22 +94,22 @@ class Worker:
         self.environments = {False: shared, True: {**dict(pairs), "TMPDIR": shared["TMPDIR"]}}
         self.running = None
 
-    def passes(self, tests, seconds, limit=None, **variables):
+    def passes(self, tests, seconds, **variables):
         """Whether tests of one program pass in that time."""
         command = list(tests[0].command)
         if tests[0].name:
             command += ["--gtest_filter=" + ":".join(t.name for t in tests), "--gtest_also_run_disabled_tests"]
         with open(self.folder / "said", "w") as said:
             self.running = subprocess.Popen(
-                command, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=limit,
-                cwd=self.folder / "tmp", env={**self.environments[tests[0].is_on_server], **variables})
+                command, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=prepare_process,
+                cwd=self.folder / "run", env={**self.environments[tests[0].is_on_server], **variables})
             try:
                 return self.running.wait(seconds) == 0
             except subprocess.TimeoutExpired:
                 return False
             finally:
                 end_group(self.running)
-                subprocess.run(["find", self.folder / "tmp", "-mindepth", "1", "-delete"], check=False, stderr=subprocess.DEVNULL)
+                subprocess.run(["find", self.folder / "tmp", self.folder / "run", "-mindepth", "1", "-delete"], check=False, stderr=subprocess.DEVNULL)
 
     def stop(self):
         if self.running:
@@ -131,7 +142,7 @@ def batches(tests, seconds):
     return found
 
 
-def first_to_fail(workers, tests, seconds, limit):
+def first_to_fail(workers, tests, seconds):
     """A batch that fails twice, or none."""
     waiting = batches(tests, seconds)
     lock, failed = threading.Lock(), []
@@ -143,7 +154,7 @@ def first_to_fail(workers, tests, seconds, limit):
                     return
                 batch = waiting.pop(0)
             allowed = 10 + 5 * sum(seconds[t] for t in batch)
-            if worker.passes(batch, allowed, limit) or failed or worker.passes(batch, allowed, limit):
+            if worker.passes(batch, allowed) or failed or worker.passes(batch, allowed):
                 continue
             if not failed:
                 failed.append(batch)
