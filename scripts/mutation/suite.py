@@ -3,6 +3,7 @@ import concurrent.futures
 import contextlib
 import json
 import os
+import re
 import resource
 import signal
 import subprocess
@@ -98,7 +99,7 @@ class Worker:
         """Whether tests of one program pass in that time."""
         command = list(tests[0].command)
         if tests[0].name:
-            command += ["--gtest_filter=" + ":".join(t.name for t in tests), "--gtest_also_run_disabled_tests"]
+            command += ["--gtest_filter=" + ":".join(re.sub("[-:]", "?", t.name) for t in tests), "--gtest_also_run_disabled_tests"]
         with open(self.folder / "said", "w") as said:
             self.running = subprocess.Popen(
                 command, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=prepare_process,
