@@ -103,6 +103,13 @@ static const auto READING =
                     reading("site", {"site", "pages"}), reading("diff", {"diff", "base.def"}, 1),
                     reading("plan", {"plan", "base.def"}, 1),
                     reading("undo", {"undo", "5", "--dry-run"}), reading("check", {"check"}));
+// A field that no class has an entry of.
+static fault_row uses_none() {
+  fault_row row = reading("uses_none", {"uses", "--none"});
+  row.prepared_by = {{"create", "twice.def"}};
+  return row;
+}
+
 INSTANTIATE_TEST_SUITE_P(mode, every_allocation_of_a_command, READING, mode_of);
 INSTANTIATE_TEST_SUITE_P(files, every_allocation_of_a_command,
                          testing::Values(reading("lint", {"lint", "new.def"}, 1)), mode_of);
@@ -130,9 +137,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         apply_late(), command("add_database", {"add-database", "0.0.0.3"}),
         reading("status", {"status", "--json"}), reading("list_at", {"list", "--at", "4"}),
-        reading("uses_class", {"uses", "/c"}), reading("uses_table", {"uses", "t"}),
-        reading("uses_none", {"uses", "--none"}), reading("next_id", {"next-id", "3"}),
-        reading("export_now", {"export"}), reading("export_dir", {"export", "--dir", "defs"}),
+        reading("uses_class", {"uses", "/c"}), reading("uses_number", {"uses", "30001"}), uses_none(),
+        reading("next_id", {"next-id", "3"}), reading("export_now", {"export"}),
+        reading("export_dir", {"export", "--dir", "defs"}),
         reading("log_class", {"log", "--class", "/c"}), reading("blame_field", {"blame", "F1"}),
         reading("diff_at", {"diff", "--at", "3", "--to", "5"}, 1),
         reading("plan_file", {"plan", "--output", "copy.db", "base.def"}, 1),
