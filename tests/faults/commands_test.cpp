@@ -137,8 +137,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         apply_late(), command("add_database", {"add-database", "0.0.0.3"}),
         reading("status", {"status", "--json"}), reading("list_at", {"list", "--at", "4"}),
-        reading("uses_class", {"uses", "/c"}), reading("uses_number", {"uses", "30001"}), uses_none(),
-        reading("next_id", {"next-id", "3"}), reading("export_now", {"export"}),
+        reading("uses_class", {"uses", "/c"}), reading("uses_number", {"uses", "30001"}),
+        uses_none(), reading("next_id", {"next-id", "3"}), reading("export_now", {"export"}),
         reading("export_dir", {"export", "--dir", "defs"}),
         reading("log_class", {"log", "--class", "/c"}), reading("blame_field", {"blame", "F1"}),
         reading("diff_at", {"diff", "--at", "3", "--to", "5"}, 1),
