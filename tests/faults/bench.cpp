@@ -94,10 +94,10 @@ static std::set<size_t> without_leak;
 static int run_program(int argc, char** argv) {
   if (plan().failing_allocation == 0) {
     put_disk_under_plan();
+    put_engine_under_plan();
   } else {
-    put_memory_under_plan();
+    put_memory_under_plan();  // the engine's plan would take of it what the run has
   }
-  put_engine_under_plan();
   const bool is_tool = argv[0] == std::string("tav_deploy");
   const size_t before = allocated();
   const int status = inside_main(argc, argv);
