@@ -71,11 +71,13 @@ void class_world::prefetch_fields(const class_def& definition) const {
   }
 }
 
-// The cached value, or what `look_up` finds in the store.
+// The cached value, or what `look_up` finds in the store. After a failure nothing is looked up:
+// that it fails, too, would take the place of the reason.
 template <class LookUp>
-static int64_t cached(name_cache& cache, const char* name, uint32_t hash, LookUp look_up) {
+static int64_t cached(name_cache& cache, const char* name, uint32_t hash, const problem& why,
+                      LookUp look_up) {
   if (const int64_t* value = cache.values.find(name, hash)) return *value;
-  if (cache.is_complete) return name_cache::ABSENT;
+  if (cache.is_complete || failed(why)) return name_cache::ABSENT;
   const int64_t value = look_up(choice{choice::NAMED, name});
   cache.add(name, value);
   return value;
@@ -86,7 +88,7 @@ int64_t class_world::type_of(const char* field, uint32_t hash) {
   const int64_t planned =
       place != nullptr ? planned_types_[static_cast<size_t>(*place)] : name_cache::ABSENT;
   if (planned != name_cache::ABSENT) return planned;
-  return cached(fields_, field, hash, [this](const choice& named) {
+  return cached(fields_, field, hash, why, [this](const choice& named) {
     int64_t type = name_cache::ABSENT;
     auto note = [&](const field_row& row) { return type = row.type, true; };
     store_.calls->fields(&store_, database_, named, visit<field_row>(note), why);
@@ -95,7 +97,7 @@ int64_t class_world::type_of(const char* field, uint32_t hash) {
 }
 
 int64_t class_world::class_id(const char* name) {
-  return cached(classes_, name, dd_hash(name), [this](const choice& named) {
+  return cached(classes_, name, dd_hash(name), why, [this](const choice& named) {
     int64_t id = name_cache::ABSENT;
     auto note = [&](const class_row& row) { return id = row.id, true; };
     store_.calls->classes(&store_, database_, named, visit<class_row>(note), why);
@@ -104,7 +106,7 @@ int64_t class_world::class_id(const char* name) {
 }
 
 int64_t class_world::table_owner(const char* table) {
-  return cached(tables_, table, dd_hash(table), [this](const choice& named) {
+  return cached(tables_, table, dd_hash(table), why, [this](const choice& named) {
     int64_t id = name_cache::ABSENT;
     auto note = [&](const table_row& row) { return id = row.class_id, true; };
     store_.calls->tables(&store_, database_, named, visit<table_row>(note), why);
@@ -160,6 +162,7 @@ static std::span<const class_row> classes_in(std::span<const class_row> all, con
 }
 
 bool class_world::stored_classes(const choice& wanted, visitor<class_row> visitor) {
+  if (failed(why)) return false;
   if (!known_) return store_.calls->classes(&store_, database_, wanted, visitor, why);
   const auto found = classes_in(*known_, wanted);
   return std::all_of(found.begin(), found.end(),

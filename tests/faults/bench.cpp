@@ -122,6 +122,7 @@ run_result fault_bench::run(const fault_plan& faults) {
 }
 
 std::string fault_bench::query(const char* sql) const {
+  if (on_server()) return place.ask_server(sql);
   sqlite3* db = nullptr;
   std::string text;
   const auto take = [](void* to, int count, char** values, char**) {
@@ -139,6 +140,16 @@ std::string fault_bench::query(const char* sql) const {
 }
 
 std::string fault_bench::content() const {
+  if (on_server()) {
+    std::string sql;
+    for (const char* rows :
+         {"x.* FROM dd_databases", "x.* FROM dd_fields", "x.* FROM dd_classes",
+          "x.* FROM dd_tables", "number, deployment, changes, kind FROM dd_journal",
+          "record, part, content FROM dd_journal_changes"}) {
+      sql += std::string("SELECT ") + rows + " x ORDER BY x::TEXT COLLATE \"C\";";
+    }
+    return query(sql.c_str());
+  }
   const std::string text = query(
       "BEGIN IMMEDIATE; ROLLBACK; PRAGMA integrity_check; PRAGMA foreign_key_check;"
       "PRAGMA user_version; SELECT type, name FROM sqlite_schema; SELECT * FROM dd_databases;"
@@ -153,7 +164,7 @@ std::string fault_bench::content() const {
 void fault_bench::on_every_way_to_engine(const std::function<void(const run_result&)>& look) {
   run({});
   const std::vector<long> calls(plan().ways_to_engine, plan().ways_to_engine + plan().way_count);
-  EXPECT_GT(calls.size(), 5);
+  EXPECT_GE(calls.size(), 5u);
   for (const long n : calls) {
     SCOPED_TRACE("engine's call " + std::to_string(n));
     fault_plan faults;

@@ -1,9 +1,12 @@
-// The engine of the fault tests: one call of it fails, and does nothing.
+// The engine of the fault tests: one call of it, or one message to the server, fails and does
+// nothing.
 #include <execinfo.h>
 #include <sqlite3.h>
+#include <sys/socket.h>
 
 #include <cstring>
 #include <set>
+#include <string_view>
 
 #include "tests/faults/plan.h"
 
@@ -62,5 +65,17 @@ int __wrap_sqlite3_prepare_v3(sqlite3* db, const char* sql, int size, unsigned f
                               sqlite3_stmt** made, const char** rest) {
   if (!fails()) return __real_sqlite3_prepare_v3(db, sql, size, flags, made, rest);
   return *made = nullptr, SQLITE_IOERR;
+}
+
+// Of the messages of PostgreSQL's protocol those that carry statements begin with one of two
+// letters.
+ssize_t send(int fd, const void* bytes, size_t size, int flags) {
+  static constexpr char FAILING[] = "Q\0\0\0\x0fSELECT 1/0";
+  const std::string_view message(static_cast<const char*>(bytes), size);
+  const bool is_statement = message.starts_with('Q') || message.starts_with('P');
+  const bool is_end = message.find("ROLLBACK") != message.npos;
+  if (!is_statement || is_end || !fails()) return sendto(fd, bytes, size, flags, nullptr, 0);
+  sendto(fd, FAILING, sizeof FAILING, flags, nullptr, 0);
+  return static_cast<ssize_t>(size);
 }
 }

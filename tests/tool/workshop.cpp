@@ -94,8 +94,8 @@ static const fs::path& template_dictionary() {
   return made;
 }
 
-// Beside scripts/with-postgres each dictionary is a schema of its own on that server.
-static bool on_server() {
+// Each dictionary is a schema of its own then.
+bool on_server() {
   return std::getenv("TAV_POSTGRES_RESTART") != nullptr;
 }
 
@@ -162,11 +162,38 @@ static void copy_dictionary(const fs::path& from, const fs::path& to) {
   }
 }
 
+run_result workshop::run_shell(const std::string& script) const {
+  run_options shell;
+  shell.program = "/bin/sh";
+  shell.env = {"SCHEMA=\"" + folder_.filename().string() + "\""};
+  const run_result result = run({"-c", script}, shell);
+  if (result.exit_status != 0) throw std::runtime_error(script + ": " + result.err);
+  return result;
+}
+
+std::string workshop::ask_server(const std::string& sql) const {
+  write(".sql", sql);
+  return run_shell(
+             "PGOPTIONS=\"-c search_path=$SCHEMA -c client_min_messages=error\" "
+             "psql -qAtX -R '|\n' -F '|' -v ON_ERROR_STOP=1 -f .sql")
+      .out;
+}
+
 void workshop::save() const {
+  if (on_server()) {
+    run_shell("pg_dump --schema=\"$SCHEMA\" >.saved.sql");
+    return;
+  }
   fs::create_directory(folder_ / ".saved");
   copy_dictionary(folder_, folder_ / ".saved");
 }
 
 void workshop::restore() const {
+  if (on_server()) {
+    run_shell(
+        "psql -qX -v ON_ERROR_STOP=1 -c 'SET client_min_messages = error'"
+        " -c \"DROP SCHEMA $SCHEMA CASCADE\" -f .saved.sql");
+    return;
+  }
   copy_dictionary(folder_ / ".saved", folder_);
 }

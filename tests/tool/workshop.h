@@ -38,12 +38,19 @@ class workshop {
   run_result run(std::vector<std::string> words, const run_options& options = {}) const;
   // Everything that the dictionary holds, as text.
   std::string dictionary() const;
-  // Keeps the dictionary's files as they are now, and puts them back.
+  // What the server answers, where the dictionary is on one: values end with a '|', rows with a
+  // line's end.
+  std::string ask_server(const std::string& sql) const;
+  // Keeps the dictionary as it is now, and puts it back.
   void save() const;
   void restore() const;
 
  private:
+  run_result run_shell(const std::string& script) const;
   std::filesystem::path folder_;
 };
+
+// Whether dictionaries are made on a server: the tests run beside scripts/with-postgres then.
+bool on_server();
 
 #endif
