@@ -29,6 +29,11 @@ class Test(NamedTuple):
         return self.name or " ".join(Path(word).name for word in self.command)
 
 
+def moved(test, build, other):
+    """The same of another build."""
+    return test._replace(command=tuple(word.replace(str(build), str(other)) for word in test.command))
+
+
 def listed(command):
     """The names of a test program's tests."""
     said = subprocess.run([*command, "--gtest_list_tests"], stdout=subprocess.PIPE, text=True, check=True).stdout
@@ -59,9 +64,11 @@ def all_tests(build):
     return list(found)
 
 
-def prepare_process():
-    """A fault may turn a loop into one that takes all memory, or fills the disk. Browsers reserve far more than they take."""
-    resource.setrlimit(resource.RLIMIT_DATA, (6 * GIGABYTE, 6 * GIGABYTE))
+def prepare_process(is_sanitized):
+    """A fault may turn a loop into one that takes all memory, or fills the disk. Browsers and sanitizers reserve far more than
+    they take, the latter more than can be had."""
+    if not is_sanitized:
+        resource.setrlimit(resource.RLIMIT_DATA, (6 * GIGABYTE, 6 * GIGABYTE))
     resource.setrlimit(resource.RLIMIT_FSIZE, (GIGABYTE, GIGABYTE))
     for number in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT):  # which are ignored in the background
         signal.signal(number, signal.SIG_DFL)
@@ -95,14 +102,14 @@ class Worker:
         self.environments = {False: shared, True: {**dict(pairs), "TMPDIR": shared["TMPDIR"]}}
         self.running = None
 
-    def passes(self, tests, seconds, **variables):
+    def passes(self, tests, seconds, is_sanitized=False, **variables):
         """Whether tests of one program pass in that time."""
         command = list(tests[0].command)
         if tests[0].name:
             command += ["--gtest_filter=" + ":".join(re.sub("[-:]", "?", t.name) for t in tests), "--gtest_also_run_disabled_tests"]
         with open(self.folder / "said", "w") as said:
             self.running = subprocess.Popen(
-                command, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=prepare_process,
+                command, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=lambda: prepare_process(is_sanitized),
                 cwd=self.folder / "run", env={**self.environments[tests[0].is_on_server], **variables})
             try:
                 return self.running.wait(seconds) == 0
@@ -143,7 +150,7 @@ def batches(tests, seconds):
     return found
 
 
-def first_to_fail(workers, tests, seconds):
+def first_to_fail(workers, tests, seconds, is_sanitized=False):
     """A batch that fails twice, or none."""
     waiting = batches(tests, seconds)
     lock, failed = threading.Lock(), []
@@ -155,7 +162,7 @@ def first_to_fail(workers, tests, seconds):
                     return
                 batch = waiting.pop(0)
             allowed = 10 + 5 * sum(seconds[t] for t in batch)
-            if worker.passes(batch, allowed) or failed or worker.passes(batch, allowed):
+            if worker.passes(batch, allowed, is_sanitized) or failed or worker.passes(batch, allowed, is_sanitized):
                 continue
             if not failed:
                 failed.append(batch)
