@@ -96,11 +96,13 @@ class Reach:
                 if any(program in found and comes(found[program], address) for program, address in blocks)]
 
     def tests_at(self, name, line, is_table):
-        """Of a line, those that come to the block that it stands in; of a table's row, those that come to the file."""
+        """Of a line, those that come to a block that it stands in: those that begin there, and the one before, which may end there.
+        Of a table's row, those that come to the file."""
         lines = self.lines.get(name)
         if not lines:
             return list(self.tests)
         if is_table:
             return self.tests_of([block for blocks in lines.values() for block in blocks])
-        before = [number for number in lines if number <= line]
-        return self.tests_of(lines[max(before)]) if before else list(self.tests)
+        before = sorted(number for number in lines if number <= line)
+        nearest = before[-2:] if before[-1:] == [line] else before[-1:]
+        return self.tests_of([block for number in nearest for block in lines[number]]) if before else list(self.tests)
